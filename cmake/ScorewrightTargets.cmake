@@ -1,0 +1,24 @@
+# The settings that all of the project's own code is built with.
+function(scorewright_settings target)
+  target_compile_features(${target} PUBLIC cxx_std_20)
+  set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
+  target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${target} PUBLIC Qt6::Core)
+  target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+  # Slopes and intercepts must round the same on every processor, so nothing is fused.
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off)
+  if(SCOREWRIGHT_STRICT)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(SCOREWRIGHT_SANITIZE)
+    target_compile_options(${target} PUBLIC
+      -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PUBLIC -fsanitize=address,undefined)
+  endif()
+endfunction()
+
+function(scorewright_library name)
+  add_library(scorewright_${name} STATIC ${ARGN})
+  scorewright_settings(scorewright_${name})
+endfunction()
