@@ -1,0 +1,20 @@
+// What differs between operating systems below the exporters. Each system has one file of its own.
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <cstdio>
+
+// Opens a file with the C library's `mode`; null when it cannot be opened. For reading, anything
+// but a regular file cannot be opened: a folder has no text, and a pipe could wait for ever.
+std::FILE *openFile(const QString &fileName, const char *mode);
+
+// Whether the bytes of a file without another known mark are UTF-16LE text.
+bool isUtf16Text(QByteArrayView bytes);
+
+// Text in the system's 8-bit code page, a unit for a byte: `text` has room for bytes.size() units.
+void decodeAnsi(QByteArrayView bytes, char16_t *text);
+
+// Writes to standard output. On this system's console texts are UTF-8.
+void printText(QStringView text);

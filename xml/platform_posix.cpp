@@ -1,0 +1,42 @@
+#include "xml/platform.h"
+
+#include <QStringEncoder>
+
+#include <sys/stat.h>
+
+std::FILE *openFile(const QString &fileName, const char *mode) {
+    const QByteArray path = fileName.toUtf8();
+    if (mode[0] == 'r') {
+        struct stat status {};
+        if (stat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+    }
+    return std::fopen(path.constData(), mode);
+}
+
+// Most units of UTF-16 text in Western languages have a zero high byte, which 8-bit text has not.
+bool isUtf16Text(QByteArrayView bytes) {
+    if (bytes.startsWith("\xFF\xFE")) return true;
+    if (bytes.startsWith("\xFE\xFF") || bytes.startsWith("\xEF\xBB\xBF")) return false;
+    if (bytes.size() % 2 != 0) return false;
+    qsizetype narrow = 0;
+    for (qsizetype i = 0; i < bytes.size(); i += 2) narrow += bytes[i] != 0 && bytes[i + 1] == 0;
+    return narrow > bytes.size() / 4;
+}
+
+// Windows-1252, the code page of the machines that model documents in 8-bit text come from. Its
+// five unused bytes stand for the control characters of the same value.
+void decodeAnsi(QByteArrayView bytes, char16_t *text) {
+    static constexpr char16_t from80to9F[] = {
+        0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+        0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+    for (const char byte : bytes) {
+        const auto value = static_cast<unsigned char>(byte);
+        *text++ = value >= 0x80 && value <= 0x9F ? from80to9F[value - 0x80] : value;
+    }
+}
+
+void printText(QStringView text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
+}

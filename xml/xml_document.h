@@ -1,0 +1,49 @@
+// The memory of one parsed tree; for the library's own files only.
+#pragma once
+
+#include "xml/xml_node.h"
+
+#include <memory>
+#include <memory_resource>
+
+struct XmlAttribute {
+    QStringView name;
+    QStringView value; // null when the attribute was written without one
+};
+
+// One element. The arrays have exactly the counted entries once the element is finished; they and
+// all decoded texts stand in the document's blocks, all other texts are views into its source.
+struct XmlElement {
+    QStringView name; // null for the unnamed top record only
+    XmlElement *parent = nullptr;
+    XmlElement **children = nullptr;
+    QStringView *texts = nullptr;
+    XmlClear *clears = nullptr;
+    XmlAttribute *attributes = nullptr;
+    int childCount = 0;
+    int textCount = 0;
+    int clearCount = 0;
+    int attributeCount = 0;
+    bool isDeclaration = false;
+};
+
+struct XmlDocument {
+    std::unique_ptr<char16_t[]> buffer; // ends in a zero unit
+    const char16_t *source = nullptr;   // the text in the buffer, after its mark
+    qsizetype length = 0;               // units before the first zero unit
+    std::pmr::monotonic_buffer_resource blocks{1 << 14};
+    int handles = 0; // of all elements together
+};
+
+// Parses the document's source and takes the document over: it is released with the last handle,
+// or at once when the result is the empty node.
+XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results);
+
+// The named character entities, in the order in which they are tried.
+struct XmlEntity {
+    QStringView text;
+    char16_t character;
+};
+inline constexpr XmlEntity xmlEntities[] = {
+    {u"&amp;", u'&'}, {u"&lt;", u'<'}, {u"&gt;", u'>'}, {u"&quot;", u'"'}, {u"&apos;", u'\''},
+};

@@ -1,0 +1,90 @@
+#include "xml/platform.h"
+#include "xml/xml_document.h"
+
+#include <QStringDecoder>
+
+#include <algorithm>
+
+namespace {
+
+struct FileBytes {
+    std::unique_ptr<char16_t[]> buffer; // the bytes, then at least four zero bytes
+    qsizetype size = 0;                 // in bytes
+    XmlError error = XmlError::NoError;
+
+    QByteArrayView bytes() const { return {reinterpret_cast<const char *>(buffer.get()), size}; }
+};
+
+// A buffer of `units` units and a few zero units behind them; null when memory is short.
+std::unique_ptr<char16_t[]> allocateText(qsizetype units) {
+    constexpr qsizetype zeros = 3;
+    std::unique_ptr<char16_t[]> text(
+        new (std::nothrow) char16_t[static_cast<std::size_t>(units + zeros)]);
+    if (text) std::fill_n(text.get() + units, zeros, u'\0');
+    return text;
+}
+
+FileBytes readFile(const QString &fileName) {
+    FileBytes file;
+    std::FILE *const input = openFile(fileName, "rb");
+    if (!input) return {{}, 0, XmlError::FileNotFound};
+    std::fseek(input, 0, SEEK_END);
+    file.size = std::ftell(input);
+    if (file.size <= 0) {
+        file.error = XmlError::NoXmlData;
+    } else if (file.buffer = allocateText(file.size / 2); !file.buffer) {
+        file.error = XmlError::WideCharConversionError;
+    } else {
+        std::rewind(input);
+        auto *const bytes = reinterpret_cast<char *>(file.buffer.get());
+        const std::size_t read = std::fread(bytes, 1, static_cast<std::size_t>(file.size), input);
+        file.size = static_cast<qsizetype>(read);
+        std::fill_n(bytes + read, 4, '\0');
+    }
+    std::fclose(input);
+    return file;
+}
+
+// 8-bit text up to its first zero byte.
+bool decodeNarrow(QByteArrayView bytes, XmlDocument &document) {
+    const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
+    if (isUtf8) bytes = bytes.sliced(3);
+    bytes.truncate(
+        static_cast<qsizetype>(qstrnlen(bytes.data(), static_cast<size_t>(bytes.size()))));
+    // A decoder without this flag would drop a second mark.
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    document.buffer = allocateText(isUtf8 ? utf8.requiredSpace(bytes.size()) : bytes.size());
+    if (!document.buffer) return false;
+    char16_t *const text = document.buffer.get();
+    if (isUtf8) {
+        *utf8.appendToBuffer(reinterpret_cast<QChar *>(text), bytes) = u'\0';
+    } else {
+        decodeAnsi(bytes, text);
+    }
+    document.source = text;
+    return true;
+}
+
+} // namespace
+
+XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseResult *results) {
+    FileBytes file = readFile(fileName);
+    auto document = std::make_unique<XmlDocument>();
+    if (file.error == XmlError::NoError) {
+        if (isUtf16Text(file.bytes())) {
+            const bool isMarked =
+                file.bytes().startsWith("\xEF\xFF") || file.bytes().startsWith("\xFF\xFE");
+            document->buffer = std::move(file.buffer);
+            document->source = document->buffer.get() + (isMarked ? 1 : 0);
+        } else if (!decodeNarrow(file.bytes(), *document)) {
+            file.error = XmlError::WideCharConversionError;
+        }
+    }
+    if (file.error != XmlError::NoError) {
+        if (results) *results = {file.error};
+        return {};
+    }
+    file.buffer.reset();
+    document->length = QStringView(document->source).size();
+    return parseXml(document.release(), tag, results);
+}

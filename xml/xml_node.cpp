@@ -1,0 +1,241 @@
+#include "xml/xml_node.h"
+
+#include "xml/xml_document.h"
+
+#include <algorithm>
+#include <climits>
+#include <utility>
+
+namespace {
+
+constexpr const char *messages[] = {
+    "No error",
+    "Warning: Unmatched end tag",
+    "Warning: No XML tag found",
+    "Error: No XML data",
+    "Error: Missing start tag name",
+    "Error: Missing end tag name",
+    "Error: Unmatched end tag",
+    "Error: Unmatched clear tag end",
+    "Error: Unexpected token found",
+    "Error: No elements found",
+    "Error: File not found",
+    "Error: First Tag not found",
+    "Error: Unknown character entity",
+    "Error: Character code above 255 is forbidden in MultiByte char mode.",
+    "Error: unable to convert between WideChar and MultiByte chars",
+    "Error: unable to open file for writing",
+    "Error: cannot write into file",
+    "Warning: Base64-string length is not a multiple of 4",
+    "Error: Base64-string contains an illegal character",
+    "Warning: Base64-string is truncated",
+    "Error: Base64 decode output buffer is too small",
+};
+
+constexpr char16_t foldAscii(char16_t c) {
+    return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + (u'a' - u'A')) : c;
+}
+
+// Where a search that may be resumed begins, as a position that no array is left of.
+int startAt(const int *index) {
+    return index ? std::max(*index, 0) : 0;
+}
+
+} // namespace
+
+const char *xmlErrorMessage(XmlError error) {
+    const auto code = static_cast<std::size_t>(error);
+    return code < std::size(messages) ? messages[code] : "Unknown";
+}
+
+const char *xmlLibraryVersion() {
+    return "v2.44";
+}
+
+bool equalsIgnoringCase(QStringView a, QStringView b) {
+    if (a.size() != b.size() || a.isNull() != b.isNull()) return false;
+    const char16_t *x = a.utf16();
+    const char16_t *y = b.utf16();
+    for (qsizetype i = 0; i < a.size(); ++i) {
+        if (x[i] != y[i] && foldAscii(x[i]) != foldAscii(y[i])) return false;
+    }
+    return true;
+}
+
+std::size_t hashIgnoringCase(QStringView text) {
+    std::size_t hash = 14695981039346656037U; // FNV-1a
+    for (const QChar c : text) hash = (hash ^ foldAscii(c.unicode())) * 1099511628211U;
+    return hash;
+}
+
+XmlNode::XmlNode(XmlDocument *owner, XmlElement *record) : document(owner), element(record) {
+    ++document->handles;
+}
+
+XmlNode::XmlNode(const XmlNode &other) : document(other.document), element(other.element) {
+    if (document) ++document->handles;
+}
+
+XmlNode::XmlNode(XmlNode &&other) noexcept
+    : document(std::exchange(other.document, nullptr)),
+      element(std::exchange(other.element, nullptr)) {}
+
+XmlNode &XmlNode::operator=(XmlNode other) noexcept {
+    std::swap(document, other.document);
+    std::swap(element, other.element);
+    return *this;
+}
+
+XmlNode::~XmlNode() {
+    if (document && --document->handles == 0) delete document;
+}
+
+XmlNode XmlNode::childNode(QStringView name, int *index) const {
+    for (int i = startAt(index); i < childCount(); ++i) {
+        if (equalsIgnoringCase(element->children[i]->name, name)) {
+            if (index) *index = i + 1;
+            return {document, element->children[i]};
+        }
+    }
+    return {};
+}
+
+XmlNode XmlNode::childNode(QStringView name, int i) const {
+    if (i < 0) {
+        for (int last = childCount() - 1; last >= 0; --last) {
+            if (equalsIgnoringCase(element->children[last]->name, name)) return childAt(last);
+        }
+        return {};
+    }
+    int index = 0;
+    while (i > 0 && !childNode(name, &index).isEmpty()) --i;
+    return i == 0 ? childNode(name, &index) : XmlNode();
+}
+
+XmlNode XmlNode::childNodeWithAttribute(QStringView name, QStringView attributeName,
+                                        QStringView attributeValue, int *index) const {
+    int next = startAt(index);
+    for (XmlNode child = childNode(name, &next); !child.isEmpty(); child = childNode(name, &next)) {
+        const XmlElement &record = *child.element;
+        const bool matches =
+            std::any_of(record.attributes, record.attributes + record.attributeCount,
+                        [&](const XmlAttribute &attribute) {
+                            return equalsIgnoringCase(attribute.name, attributeName) &&
+                                   (attributeValue.isNull() ||
+                                    equalsIgnoringCase(attribute.value, attributeValue));
+                        });
+        if (matches) {
+            if (index) *index = next;
+            return child;
+        }
+    }
+    return {};
+}
+
+QStringView XmlNode::attribute(QStringView name, int *index) const {
+    for (int i = startAt(index); i < attributeCount(); ++i) {
+        if (equalsIgnoringCase(element->attributes[i].name, name)) {
+            if (index) *index = i + 1;
+            return element->attributes[i].value;
+        }
+    }
+    return {};
+}
+
+bool XmlNode::isAttributeSet(QStringView name) const {
+    int index = 0;
+    attribute(name, &index);
+    return index > 0;
+}
+
+QStringView XmlNode::text(int i) const {
+    return i >= 0 && i < textCount() ? element->texts[i] : QStringView();
+}
+
+XmlClear XmlNode::clear(int i) const {
+    return i >= 0 && i < clearCount() ? element->clears[i] : XmlClear();
+}
+
+QStringView XmlNode::name() const {
+    return element ? element->name : QStringView();
+}
+
+bool XmlNode::isDeclaration() const {
+    return element && element->isDeclaration;
+}
+
+XmlNode XmlNode::parent() const {
+    return element && element->parent ? XmlNode(document, element->parent) : XmlNode();
+}
+
+XmlNode XmlNode::childAt(int i) const {
+    return i >= 0 && i < childCount() ? XmlNode(document, element->children[i]) : XmlNode();
+}
+
+int XmlNode::childCount(QStringView name) const {
+    int count = 0;
+    for (int i = 0; i < childCount(); ++i) {
+        if (equalsIgnoringCase(element->children[i]->name, name)) ++count;
+    }
+    return count;
+}
+
+int XmlNode::childCount() const {
+    return element ? element->childCount : 0;
+}
+
+int XmlNode::textCount() const {
+    return element ? element->textCount : 0;
+}
+
+int XmlNode::clearCount() const {
+    return element ? element->clearCount : 0;
+}
+
+int XmlNode::attributeCount() const {
+    return element ? element->attributeCount : 0;
+}
+
+int xmlToInt(QStringView value, int defaultValue) {
+    if (value.isEmpty()) return defaultValue;
+    const auto isWhite = [](QChar c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); };
+    while (!value.isEmpty() && isWhite(value.front())) value = value.sliced(1);
+    const bool isNegative = value.startsWith(u'-');
+    if (isNegative || value.startsWith(u'+')) value = value.sliced(1);
+    long long number = 0;
+    for (const QChar c : value) {
+        if (c < u'0' || c > u'9') break;
+        number = std::min<long long>(number * 10 + (c.unicode() - u'0'), 1LL << 32);
+    }
+    return static_cast<int>(std::clamp<long long>(isNegative ? -number : number, INT_MIN, INT_MAX));
+}
+
+bool xmlToBool(QStringView value, bool defaultValue) {
+    return value.isEmpty() ? defaultValue : (xmlToInt(value, 0) & 0xFF) != 0;
+}
+
+QStringView xmlToText(QStringView value, QStringView defaultValue) {
+    return value.isNull() ? defaultValue : value;
+}
+
+QStringView xmlNonEmpty(QStringView text) {
+    return text.isEmpty() || (text.front().unicode() & 0xFF) == 0 ? QStringView() : text;
+}
+
+QStringView XmlEscapeBuffer::escape(QStringView text) {
+    buffer.resize(0);
+    for (const QChar c : text) {
+        const auto *entity = std::find_if(std::begin(xmlEntities), std::end(xmlEntities),
+                                          [c](const XmlEntity &e) { return c == e.character; });
+        if (entity == std::end(xmlEntities)) {
+            buffer += c;
+        } else {
+            buffer += entity->text;
+        }
+    }
+    return buffer.isEmpty() ? QStringView(u"") : QStringView(buffer);
+}
+
+void XmlEscapeBuffer::release() {
+    buffer = QString();
+}

@@ -1,0 +1,161 @@
+// A small, tolerant XML reader: UTF-16 text becomes a tree of elements that is walked through
+// handles.
+//
+// The reader does not validate. It accepts unquoted attribute values, attributes without values and
+// documents that end early; most irregularities are warnings, and the tree is still returned. It
+// never prints and never ends the process: it reports through XmlParseResult, empty nodes and null
+// texts.
+//
+// A document owns the memory of its whole tree and lives as long as any handle to one of its
+// elements. Neither parsing nor releasing recurses, so nesting is bounded by memory only.
+//
+// Texts are QStringViews into the document. A null view means "absent", an empty one "present but
+// empty"; the two are never confused. Views are valid as long as a handle to the tree is held.
+// All name comparisons fold the case of ASCII letters and of nothing else.
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+// The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
+// Base64LengthNotMultipleOf4 and Base64Truncated are warnings: there is a result all the same.
+enum class XmlError {
+    NoError = 0,
+    UnmatchedEndTagWarning = 1,
+    NoXmlTagFound = 2,
+    NoXmlData = 3,
+    MissingStartTagName = 4,
+    MissingEndTagName = 5,
+    UnmatchedEndTag = 6,
+    UnmatchedClearTagEnd = 7,
+    UnexpectedToken = 8,
+    NoElementsFound = 9,
+    FileNotFound = 10,
+    FirstTagNotFound = 11,
+    UnknownCharacterEntity = 12,
+    CharacterCodeAbove255 = 13,
+    WideCharConversionError = 14,
+    CannotOpenFileForWriting = 15,
+    CannotWriteIntoFile = 16,
+    Base64LengthNotMultipleOf4 = 17,
+    Base64IllegalCharacter = 18,
+    Base64Truncated = 19,
+    Base64OutputBufferTooSmall = 20,
+};
+
+// Line and column count from 1, in UTF-16 units; both are 0 when the error has no position.
+struct XmlParseResult {
+    XmlError error = XmlError::NoError;
+    int line = 0;
+    int column = 0;
+};
+
+// The fixed English text of a code; "Unknown" for a value that is none.
+const char *xmlErrorMessage(XmlError error);
+
+// The version of the library: "v2.44".
+const char *xmlLibraryVersion();
+
+// A section that is kept as it stands: CDATA, DOCTYPE, a comment or PRE.
+struct XmlClear {
+    QStringView content; // null when the section is empty
+    QStringView opening; // the marker before it
+    QStringView closing; // the marker after it
+};
+
+struct XmlDocument;
+struct XmlElement;
+
+// A handle to one element of a tree, or the empty node, which is what every failed lookup returns.
+// Every operation on the empty node gives the empty node, a null view, 0 or false.
+class XmlNode {
+public:
+    XmlNode() = default;
+    XmlNode(const XmlNode &other);
+    XmlNode(XmlNode &&other) noexcept;
+    XmlNode &operator=(XmlNode other) noexcept;
+    ~XmlNode();
+
+    // Parses `text` up to its first zero unit. With a `tag`, the result is the element of that
+    // name: the root or the first child of that name; FirstTagNotFound where there is none. Without
+    // one, it is the only top-level element, or the unnamed record of all that stands at the top.
+    // A null text is NoElementsFound. Fatal errors give the empty node.
+    static XmlNode parseText(QStringView text, QStringView tag = {},
+                             XmlParseResult *results = nullptr);
+
+    // The same for a whole file: UTF-16LE text (with or without mark), UTF-8 with mark, or text in
+    // the system's 8-bit code page. FileNotFound for anything that is not a readable regular file,
+    // NoXmlData for one of 0 bytes, WideCharConversionError when the text does not fit in memory.
+    static XmlNode parseFile(const QString &fileName, QStringView tag = {},
+                             XmlParseResult *results = nullptr);
+
+    bool isEmpty() const { return element == nullptr; }
+
+    // The first child called `name` at or after position `*index` (0 when index is null); index is
+    // then set to the position after it, so that repeated calls step through all of them at a cost
+    // that is linear in the number of children. Without a match `*index` stays as it is.
+    XmlNode childNode(QStringView name, int *index = nullptr) const;
+
+    // The (i+1)-th child called `name`, the last one for i < 0. Costs a scan: not for loops.
+    XmlNode childNode(QStringView name, int i) const;
+
+    // The first child called `name` at or after `*index` that has an attribute called
+    // `attributeName` whose value equals `attributeValue` without regard to ASCII case, or that has
+    // such an attribute at all when `attributeValue` is null. Costs a scan: not for loops.
+    XmlNode childNodeWithAttribute(QStringView name, QStringView attributeName,
+                                   QStringView attributeValue, int *index = nullptr) const;
+
+    // The value of the first attribute called `name` at or after `*index`, which is then set to the
+    // position after it; null when there is none or when it was written without a value.
+    QStringView attribute(QStringView name, int *index = nullptr) const;
+    bool isAttributeSet(QStringView name) const;
+
+    // The i-th text piece (from 0) in document order, or null.
+    QStringView text(int i = 0) const;
+    // The i-th section that is kept as it stands; its views are null when there is none.
+    XmlClear clear(int i) const;
+
+    QStringView name() const;
+    bool isDeclaration() const;
+    XmlNode parent() const;
+    XmlNode childAt(int i) const;
+
+    int childCount(QStringView name) const;
+    int childCount() const;
+    int textCount() const;
+    int clearCount() const;
+    int attributeCount() const;
+
+private:
+    XmlNode(XmlDocument *owner, XmlElement *record);
+    friend XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results);
+
+    XmlDocument *document = nullptr;
+    XmlElement *element = nullptr;
+};
+
+// Equality and hash of two texts without regard to the case of ASCII letters. A null text equals
+// null only.
+bool equalsIgnoringCase(QStringView a, QStringView b);
+std::size_t hashIgnoringCase(QStringView text);
+
+// The number that `value` begins with: white space, a sign and ASCII digits, saturating at 32 bits;
+// 0 without digits, `defaultValue` for a null or empty value.
+int xmlToInt(QStringView value, int defaultValue);
+// The same number's low 8 bits as a truth value, so that 256 is false.
+bool xmlToBool(QStringView value, bool defaultValue);
+// `value` unless it is null.
+QStringView xmlToText(QStringView value, QStringView defaultValue);
+// Null when the first byte of the text is zero, so also when its first unit is a multiple of 256.
+QStringView xmlNonEmpty(QStringView text);
+
+// A reusable buffer for text with & < > " ' written as entities.
+class XmlEscapeBuffer {
+public:
+    // The returned text is empty for a null one, never null, and valid until the next call.
+    QStringView escape(QStringView text);
+    void release();
+
+private:
+    QString buffer;
+};

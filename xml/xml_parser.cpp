@@ -1,0 +1,524 @@
+// Tokens and elements. One loop with a stack of its own takes the place of recursion, so that no
+// document can exhaust the process's stack.
+#include "xml/xml_document.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+struct ClearTag {
+    QStringView opening;
+    QStringView closing;
+};
+constexpr ClearTag clearTags[] = {
+    {u"<![CDATA[", u"]]>"},
+    {u"<!DOCTYPE", u">"},
+    {u"<!--", u"-->"},
+    {u"<PRE>", u"</PRE>"},
+};
+constexpr const ClearTag *doctypeTag = &clearTags[1];
+constexpr const ClearTag *commentTag = &clearTags[2];
+constexpr QStringView doctypeSubsetEnd = u"]>";
+
+enum class TokenKind {
+    End,
+    Text,
+    Quoted,
+    Equals,
+    TagStart,
+    Declaration,
+    EndTagStart,
+    TagClose,
+    ShortEnd,
+    Clear
+};
+
+struct Token {
+    TokenKind kind = TokenKind::End;
+    QStringView text;
+    const ClearTag *clearTag = nullptr;
+};
+
+enum class PieceKind { None, Child, Text, Clear, Comment };
+
+// An element whose end has not been met. Its children, texts and clear sections are the parser's
+// from the given positions on.
+struct OpenElement {
+    XmlElement *element;
+    std::size_t firstChild;
+    std::size_t firstText;
+    std::size_t firstClear;
+    PieceKind last = PieceKind::None;
+    PieceKind beforeLast = PieceKind::None;
+};
+
+struct Parser {
+    XmlDocument &document;
+    const char16_t *source;
+    qsizetype length;
+    qsizetype at = 0;
+    qsizetype runStart = 0; // of the text that no token has ended yet
+    XmlError error = XmlError::NoError;
+    qsizetype warningAt = 0;
+    const char16_t *pendingEndTag = nullptr; // an end tag that its element did not match
+
+    std::vector<OpenElement> open{};
+    std::vector<XmlElement *> children{};
+    std::vector<QStringView> texts{};
+    std::vector<XmlClear> clears{};
+    std::vector<XmlAttribute> attributes{};
+
+    // Room behind the last text, when it was joined from several.
+    char16_t *joined = nullptr;
+    qsizetype joinedCapacity = 0;
+};
+
+bool isSpace(char16_t c) {
+    return c == u' ' || c == u'\n' || c == u'\t' || c == u'\r';
+}
+
+bool fail(Parser &p, XmlError error) {
+    p.error = error;
+    return false;
+}
+
+void warnUnmatchedEndTag(Parser &p) {
+    p.error = XmlError::UnmatchedEndTagWarning;
+    p.warningAt = p.at;
+}
+
+template <typename T>
+T *allocate(Parser &p, std::size_t count) {
+    return static_cast<T *>(p.document.blocks.allocate(count * sizeof(T), alignof(T)));
+}
+
+// Moves the entries from `first` on out of a work list into the document.
+template <typename T>
+int store(Parser &p, std::vector<T> &list, std::size_t first, T *&stored) {
+    const std::size_t count = list.size() - first;
+    if (count > 0) {
+        stored = allocate<T>(p, count);
+        std::uninitialized_copy_n(list.begin() + static_cast<std::ptrdiff_t>(first), count, stored);
+        list.resize(first);
+    }
+    return static_cast<int>(count);
+}
+
+// --- Tokens
+
+// The text token that began at `start`; its first unit has been read.
+Token textToken(Parser &p, qsizetype start) {
+    while (true) {
+        const char16_t c = p.source[p.at];
+        if (isSpace(c)) {
+            const Token token{TokenKind::Text, QStringView(p.source + start, p.at - start)};
+            ++p.at;
+            return token;
+        }
+        if (c == 0 || c == u'<' || c == u'>' || c == u'=' ||
+            (c == u'/' && p.source[p.at + 1] == u'>')) {
+            return {TokenKind::Text, QStringView(p.source + start, p.at - start)};
+        }
+        ++p.at;
+    }
+}
+
+Token markupToken(Parser &p) {
+    const QStringView rest(p.source + p.at, p.length - p.at);
+    if (rest.size() > 1 && (rest[1] == u'!' || rest[1] == u'P')) {
+        for (const ClearTag &tag : clearTags) {
+            if (rest.startsWith(tag.opening)) {
+                p.at += tag.opening.size();
+                return {TokenKind::Clear, tag.opening, &tag};
+            }
+        }
+    }
+    const char16_t next = p.source[p.at + 1];
+    const qsizetype size = next == u'/' || next == u'?' ? 2 : 1;
+    p.at += size;
+    const TokenKind kind = next == u'/'   ? TokenKind::EndTagStart
+                           : next == u'?' ? TokenKind::Declaration
+                                          : TokenKind::TagStart;
+    return {kind, rest.first(size)};
+}
+
+Token nextToken(Parser &p) {
+    while (isSpace(p.source[p.at])) ++p.at;
+    const qsizetype start = p.at;
+    const char16_t c = p.source[start];
+    const auto single = [&](TokenKind kind) {
+        ++p.at;
+        return Token{kind, QStringView(p.source + start, 1)};
+    };
+    switch (c) {
+    case 0:
+        return {TokenKind::End, {}};
+    case u'<':
+        return markupToken(p);
+    case u'=':
+        return single(TokenKind::Equals);
+    case u'>':
+        return single(TokenKind::TagClose);
+    case u'/':
+        if (p.source[start + 1] == u'>') {
+            p.at += 2;
+            return {TokenKind::ShortEnd, QStringView(p.source + start, 2)};
+        }
+        break;
+    case u'"':
+    case u'\'': {
+        qsizetype end = start + 1;
+        while (p.source[end] != c && p.source[end] != 0 && p.source[end] != u'<') ++end;
+        if (p.source[end] == c) {
+            p.at = end + 1;
+            return {TokenKind::Quoted, QStringView(p.source + start, p.at - start)};
+        }
+        break;
+    }
+    default:
+        break;
+    }
+    ++p.at;
+    return textToken(p, start);
+}
+
+// --- Texts
+
+int digitValue(char16_t c, int base) {
+    if (c >= u'0' && c <= u'9') return c - u'0';
+    if (base == 16 && c >= u'A' && c <= u'F') return c - u'A' + 10;
+    if (base == 16 && c >= u'a' && c <= u'f') return c - u'a' + 10;
+    return -1;
+}
+
+// Reads the entity that `rest` begins with and drops it from there. False when it is none.
+bool readEntity(QStringView &rest, char16_t &character) {
+    if (rest.size() > 2 && rest[1] == u'#') {
+        const bool isHexadecimal = rest[2] == u'x' || rest[2] == u'X';
+        const int base = isHexadecimal ? 16 : 10;
+        unsigned value = 0;
+        for (qsizetype i = isHexadecimal ? 3 : 2; i < rest.size(); ++i) {
+            if (rest[i] == u';') {
+                character = static_cast<char16_t>(value);
+                rest = rest.sliced(i + 1);
+                return true;
+            }
+            const int digit = digitValue(rest[i].unicode(), base);
+            if (digit < 0) return false;
+            value = (value * static_cast<unsigned>(base) + static_cast<unsigned>(digit)) & 0xFFFF;
+        }
+        return false;
+    }
+    for (const XmlEntity &entity : xmlEntities) {
+        const qsizetype size = entity.text.size();
+        if (rest.size() >= size && equalsIgnoringCase(rest.first(size), entity.text)) {
+            character = entity.character;
+            rest = rest.sliced(size);
+            return true;
+        }
+    }
+    return false;
+}
+
+// The text with its entities replaced: a view into the source when it holds none.
+bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
+    qsizetype ampersand = raw.indexOf(u'&');
+    decoded = raw;
+    if (ampersand < 0) return true;
+
+    char16_t *const begin = allocate<char16_t>(p, static_cast<std::size_t>(raw.size()));
+    char16_t *out = begin;
+    while (ampersand >= 0) {
+        out = std::copy_n(raw.utf16(), ampersand, out);
+        raw = raw.sliced(ampersand);
+        if (!readEntity(raw, *out)) return fail(p, XmlError::UnknownCharacterEntity);
+        ++out;
+        ampersand = raw.indexOf(u'&');
+    }
+    out = std::copy_n(raw.utf16(), raw.size(), out);
+    decoded = QStringView(begin, std::find(begin, out, u'\0'));
+    return true;
+}
+
+void addPiece(Parser &p, PieceKind kind) {
+    OpenElement &element = p.open.back();
+    element.beforeLast = element.last;
+    element.last = kind;
+}
+
+// Appends to the last text. Doubling the room keeps a text of many joined pieces linear.
+void joinText(Parser &p, QStringView more) {
+    QStringView &text = p.texts.back();
+    const qsizetype size = text.size() + more.size();
+    if (text.utf16() != p.joined || size > p.joinedCapacity) {
+        p.joinedCapacity = 2 * size;
+        p.joined = allocate<char16_t>(p, static_cast<std::size_t>(p.joinedCapacity));
+        std::copy_n(text.utf16(), text.size(), p.joined);
+    }
+    std::copy_n(more.utf16(), more.size(), p.joined + text.size());
+    text = QStringView(p.joined, size);
+}
+
+// Ends the pending text at `end` and gives it to the innermost element. A comment between two texts
+// goes, and the texts become one.
+bool flushText(Parser &p, qsizetype end) {
+    qsizetype start = p.runStart;
+    p.runStart = end;
+    while (start < end && isSpace(p.source[start])) ++start;
+    while (start < end && isSpace(p.source[end - 1])) --end;
+    if (start == end) return true;
+
+    QStringView text;
+    if (!decodeEntities(p, QStringView(p.source + start, end - start), text)) return false;
+    OpenElement &element = p.open.back();
+    if (element.last == PieceKind::Comment && element.beforeLast == PieceKind::Text) {
+        p.clears.pop_back();
+        joinText(p, text);
+        element.last = PieceKind::Text;
+        element.beforeLast = PieceKind::None;
+    } else {
+        p.texts.push_back(text);
+        addPiece(p, PieceKind::Text);
+    }
+    return true;
+}
+
+// --- Elements
+
+void openElement(Parser &p, QStringView name, bool isDeclaration) {
+    XmlElement *const element = new (allocate<XmlElement>(p, 1)) XmlElement;
+    element->name = name;
+    element->isDeclaration = isDeclaration;
+    if (!p.open.empty()) {
+        element->parent = p.open.back().element;
+        p.children.push_back(element);
+        addPiece(p, PieceKind::Child);
+    }
+    p.open.push_back({element, p.children.size(), p.texts.size(), p.clears.size()});
+}
+
+void closeElement(Parser &p) {
+    const OpenElement &open = p.open.back();
+    XmlElement &element = *open.element;
+    element.childCount = store(p, p.children, open.firstChild, element.children);
+    element.textCount = store(p, p.texts, open.firstText, element.texts);
+    element.clearCount = store(p, p.clears, open.firstClear, element.clears);
+    p.open.pop_back();
+}
+
+enum class StartTag { Open, Empty, Unfinished, Failed };
+
+// The attributes of the innermost element, up to the end of its start tag.
+StartTag readAttributes(Parser &p) {
+    const XmlElement &element = *p.open.back().element;
+    QStringView name; // the attribute whose value has not been met
+    while (true) {
+        Token token = nextToken(p);
+        if (token.kind == TokenKind::End) return StartTag::Unfinished;
+        if (token.kind == TokenKind::Text) {
+            if (!name.isNull()) p.attributes.push_back({name, {}});
+            name = token.text;
+        } else if (token.kind == TokenKind::TagClose || token.kind == TokenKind::ShortEnd) {
+            bool isEmpty = token.kind == TokenKind::ShortEnd;
+            if (element.isDeclaration && name.endsWith(u'?')) {
+                name.chop(1);
+                // At the top "?>" closes nothing, so the declaration takes in the whole document.
+                if (element.parent->parent) isEmpty = true;
+            }
+            if (!name.isEmpty()) p.attributes.push_back({name, {}});
+            p.runStart = p.at;
+            return isEmpty ? StartTag::Empty : StartTag::Open;
+        } else if (token.kind == TokenKind::Equals && !name.isNull()) {
+            token = nextToken(p);
+            QStringView value = token.text;
+            if (token.kind == TokenKind::End) return StartTag::Unfinished;
+            if (token.kind == TokenKind::Quoted) {
+                value = value.sliced(1, value.size() - 2);
+            } else if (token.kind != TokenKind::Text) {
+                break;
+            } else if (element.isDeclaration && value.endsWith(u'?')) {
+                value.chop(1);
+            }
+            if (!decodeEntities(p, value, value)) return StartTag::Failed;
+            p.attributes.push_back({name, value});
+            name = {};
+        } else {
+            break;
+        }
+    }
+    p.error = XmlError::UnexpectedToken;
+    return StartTag::Failed;
+}
+
+StartTag readStartTag(Parser &p) {
+    p.attributes.clear();
+    const StartTag result = readAttributes(p);
+    XmlElement &element = *p.open.back().element;
+    element.attributeCount = store(p, p.attributes, 0, element.attributes);
+    return result;
+}
+
+bool readClear(Parser &p, const ClearTag *tag) {
+    const QStringView rest(p.source + p.at, p.length - p.at);
+    QStringView closing = tag->closing;
+    if (tag == doctypeTag) {
+        const auto stop =
+            std::find_if(rest.begin(), rest.end(), [](QChar c) { return c == u'<' || c == u'>'; });
+        if (stop != rest.end() && *stop == u'<') closing = doctypeSubsetEnd;
+    }
+    const qsizetype size = rest.indexOf(closing);
+    if (size < 0) return fail(p, XmlError::UnmatchedClearTagEnd);
+    p.clears.push_back({size > 0 ? rest.first(size) : QStringView(), tag->opening, closing});
+    addPiece(p, tag == commentTag ? PieceKind::Comment : PieceKind::Clear);
+    p.at += size + closing.size();
+    p.runStart = p.at;
+    return true;
+}
+
+// Whether the end tag whose name begins at `candidate` closes an element called `name`.
+bool matchesEndTag(QStringView name, const char16_t *candidate) {
+    if (name.isNull()) return false;
+    qsizetype size = 0;
+    while (size < name.size() && candidate[size] != 0) ++size;
+    if (!equalsIgnoringCase(name, QStringView(candidate, size))) return false;
+    const char16_t next = candidate[size];
+    return isSpace(next) || next == u'/' || next == u'<' || next == u'>' || next == u'=';
+}
+
+// Reads an end tag, whose "</" has been met, and closes the innermost element with it. An end tag
+// of another name stays pending for the elements around it.
+bool readEndTag(Parser &p) {
+    const Token name = nextToken(p);
+    if (name.kind != TokenKind::Text || nextToken(p).kind != TokenKind::TagClose) {
+        return fail(p, XmlError::MissingEndTagName);
+    }
+    if (!matchesEndTag(p.open.back().element->name, name.text.utf16())) {
+        warnUnmatchedEndTag(p);
+        p.pendingEndTag = name.text.utf16();
+    }
+    closeElement(p);
+    return true;
+}
+
+// Lets a pending end tag close elements up to and with the one that it names.
+bool closePendingElements(Parser &p) {
+    while (p.pendingEndTag && !p.open.empty()) {
+        const QStringView name = p.open.back().element->name;
+        if (name.isNull()) return fail(p, XmlError::UnmatchedEndTag);
+        if (matchesEndTag(name, p.pendingEndTag)) p.pendingEndTag = nullptr;
+        closeElement(p);
+    }
+    p.runStart = p.at;
+    return true;
+}
+
+void warnIfUnclosed(Parser &p) {
+    const XmlElement &element = *p.open.back().element;
+    if (!element.isDeclaration && element.parent) warnUnmatchedEndTag(p);
+}
+
+// Reads a start tag, whose "<" or "<?" has been met. False when the document ends there.
+bool readElement(Parser &p, bool isDeclaration) {
+    const Token name = nextToken(p);
+    if (name.kind != TokenKind::Text) return fail(p, XmlError::MissingStartTagName);
+    openElement(p, name.text, isDeclaration);
+    switch (readStartTag(p)) {
+    case StartTag::Open:
+        return true;
+    case StartTag::Empty:
+        closeElement(p);
+        return closePendingElements(p);
+    case StartTag::Unfinished:
+        warnIfUnclosed(p);
+        return false;
+    case StartTag::Failed:
+        break;
+    }
+    return false;
+}
+
+// Reads from one "<" to the next until the text ends, an error is met or the top record is closed.
+// What stands between is text, whatever it holds: no token of it can contain a "<".
+void readContent(Parser &p) {
+    bool goesOn = true;
+    while (goesOn && !p.open.empty()) {
+        const qsizetype markup = QStringView(p.source, p.length).indexOf(u'<', p.at);
+        if (markup < 0) {
+            p.at = p.length;
+            warnIfUnclosed(p);
+            flushText(p, p.length);
+            return;
+        }
+        p.at = markup;
+        const Token token = markupToken(p);
+        if (!flushText(p, markup)) return;
+        switch (token.kind) {
+        case TokenKind::Clear:
+            goesOn = readClear(p, token.clearTag);
+            break;
+        case TokenKind::EndTagStart:
+            goesOn = readEndTag(p) && closePendingElements(p);
+            break;
+        default:
+            goesOn = readElement(p, token.kind == TokenKind::Declaration);
+        }
+    }
+}
+
+void locate(const XmlDocument &document, qsizetype position, XmlParseResult &result) {
+    const QStringView before(document.source, position);
+    result.line = 1 + static_cast<int>(before.count(u'\n'));
+    result.column = static_cast<int>(position - before.lastIndexOf(u'\n'));
+}
+
+bool isWarning(XmlError error) {
+    return error == XmlError::NoError || error == XmlError::UnmatchedEndTagWarning ||
+           error == XmlError::NoXmlTagFound;
+}
+
+} // namespace
+
+XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results) {
+    Parser p{*document, document->source, document->length};
+    openElement(p, {}, false);
+    XmlElement *const top = p.open.front().element;
+    XmlNode node(document, top);
+    readContent(p);
+    while (!p.open.empty()) closeElement(p);
+
+    if (top->childCount == 0) p.error = XmlError::NoXmlTagFound;
+    XmlParseResult result{p.error};
+    if (p.error != XmlError::NoError) {
+        const bool isLate = p.error == XmlError::UnmatchedEndTagWarning;
+        locate(*document, isLate ? p.warningAt : p.at, result);
+    }
+
+    if (!isWarning(p.error)) {
+        node = {};
+    } else {
+        if (top->childCount == 1 && top->textCount == 0 && top->clearCount == 0) {
+            node = node.childAt(0);
+        }
+        if (!tag.isEmpty() && !equalsIgnoringCase(node.name(), tag)) {
+            node = node.childNode(tag);
+            if (node.isEmpty()) result = {XmlError::FirstTagNotFound};
+        }
+    }
+    if (results) *results = result;
+    return node;
+}
+
+XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *results) {
+    if (text.isNull()) {
+        if (results) *results = {XmlError::NoElementsFound};
+        return {};
+    }
+    auto document = std::make_unique<XmlDocument>();
+    const qsizetype zero = text.indexOf(u'\0');
+    document->length = zero < 0 ? text.size() : zero;
+    document->buffer = std::make_unique<char16_t[]>(static_cast<std::size_t>(document->length) + 1);
+    document->source = document->buffer.get();
+    std::copy_n(text.utf16(), document->length, document->buffer.get());
+    return parseXml(document.release(), tag, results);
+}
