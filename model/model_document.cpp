@@ -1,0 +1,228 @@
+#include "model/model_document.h"
+
+#include "model/output_file.h"
+#include "xml/platform.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+using namespace Qt::Literals::StringLiterals;
+
+static_assert(std::endian::native == std::endian::little, "arrays are read as they stand");
+
+namespace {
+
+void noteProblem(ModelDocument &document, const QString &problem) {
+    if (document.problem.isEmpty()) document.problem = problem;
+}
+
+// How messages call the element that an array belongs to.
+QString describe(const XmlNode &node) {
+    if (!equalsIgnoringCase(node.name(), u"Model")) return node.name().toString();
+    return u"model '%1' (field '%2')"_s.arg(node.attribute(u"name"), node.attribute(u"field"));
+}
+
+template <typename T>
+void decodeArray(ModelDocument &document, QStringView text, std::vector<T> &values) {
+    qsizetype size = 0;
+    const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
+    values.resize(bytes ? static_cast<std::size_t>(size) / sizeof(T) : 0);
+    if (!values.empty()) std::memcpy(values.data(), bytes, values.size() * sizeof(T));
+}
+
+// Notes an array that is shorter than `needed` and fills it up.
+void requireValues(ModelDocument &document, std::vector<double> &values, std::size_t needed,
+                   const QString &owner, QStringView array) {
+    if (values.size() >= needed) return;
+    const QString problem = u"%1: array '%2' has %3 values, %4 needed"_s;
+    noteProblem(document,
+                problem.arg(owner, array, QString::number(values.size()), QString::number(needed)));
+    values.resize(needed);
+}
+
+void readArray(ModelDocument &document, const XmlNode &owner, QStringView array, std::size_t needed,
+               std::vector<double> &values) {
+    decodeArray(document, owner.childNode(array).text(), values);
+    if (values.size() < needed) requireValues(document, values, needed, describe(owner), array);
+}
+
+} // namespace
+
+ModelDocument loadModel(const QString &fileName) {
+    ModelDocument document;
+    document.fileName = fileName;
+    XmlParseResult result;
+    const XmlNode top = XmlNode::parseFile(fileName, {}, &result);
+    if (top.isEmpty()) {
+        document.problem = QString::fromLatin1(xmlErrorMessage(result.error));
+        if (result.line > 0) {
+            document.problem += u" at line %1, column %2"_s.arg(result.line).arg(result.column);
+        }
+        return document;
+    }
+    constexpr QStringView rootName = u"QRV_Model";
+    document.root = top.childNode(rootName);
+    if (document.root.isEmpty() && equalsIgnoringCase(top.name(), rootName)) document.root = top;
+    if (document.root.isEmpty()) document.problem = u"no element 'QRV_Model' found"_s;
+    return document;
+}
+
+int reportProblem(const ModelDocument &document) {
+    printText(u"Cannot convert model '%1': %2.\n"_s.arg(document.fileName, document.problem));
+    return exitUnusableModel;
+}
+
+QString cleanName(QStringView text, QStringView replaced) {
+    QString name = text.toString();
+    for (QChar &c : name) {
+        if (replaced.contains(c)) c = u'_';
+    }
+    return name;
+}
+
+QString targetPrefix(const ModelDocument &document, QStringView replaced) {
+    const QStringView target = document.root.childNode(u"MetaData").childNode(u"Target").text();
+    return target.isEmpty() ? QString() : cleanName(target, replaced) + u'_';
+}
+
+std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView replaced) {
+    constexpr qsizetype longestName = 31;
+    const XmlNode parent = document.root.childNode(u"UnivModels");
+    std::vector<UnivModel> models;
+    models.reserve(static_cast<std::size_t>(parent.childCount(u"Model")));
+    int index = 0;
+    for (XmlNode node = parent.childNode(u"Model", &index); !node.isEmpty();
+         node = parent.childNode(u"Model", &index)) {
+        UnivModel model;
+        model.field = node.attribute(u"field");
+        model.cleanField = cleanName(model.field, replaced);
+        model.recodingName =
+            (u'R' + QString::number(models.size()) + u'_' + model.cleanField).left(longestName);
+        const QStringView name = node.attribute(u"name");
+        model.number = name.size() > 1 ? xmlToInt(name.sliced(1), -1) : -1;
+        model.isCategorical = node.attribute(u"type") == u"MapValues";
+        model.node = std::move(node);
+        models.push_back(std::move(model));
+    }
+    return models;
+}
+
+void readNumericRecoding(ModelDocument &document, const UnivModel &model,
+                         NumericRecoding &recoding) {
+    readArray(document, model.node, u"x", 1, recoding.x);
+    readArray(document, model.node, u"y", recoding.x.size() + 2, recoding.y);
+}
+
+void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
+                             CategoricalRecoding &recoding) {
+    recoding.values.clear();
+    const XmlNode modalities = model.node.childNode(u"Modalities");
+    int index = 0;
+    for (XmlNode mod = modalities.childNode(u"Mod", &index); !mod.isEmpty();
+         mod = modalities.childNode(u"Mod", &index)) {
+        recoding.values.push_back(mod.attribute(u"val"));
+    }
+    recoding.isBoolean = model.node.attribute(u"tname") == u"bb64";
+    const std::size_t count = recoding.values.size();
+    const std::size_t needed = 1 + (recoding.isBoolean && count > 0 ? (count <= 5 ? 1 : 2) : count);
+    readArray(document, model.node, u"y", needed, recoding.y);
+}
+
+DataDictionary readDataDictionary(const ModelDocument &document) {
+    const XmlNode parent = document.root.childNode(u"DataDictionary");
+    DataDictionary dictionary;
+    dictionary.fields.reserve(static_cast<std::size_t>(parent.childCount()));
+    int index = 0;
+    for (XmlNode field = parent.childNode(u"DataField", &index); !field.isEmpty();
+         field = parent.childNode(u"DataField", &index)) {
+        int next = 0;
+        for (int tried = -1; tried != next;) {
+            tried = next;
+            const QStringView name = field.attribute(u"name", &next);
+            if (!name.isNull()) dictionary.fields.try_emplace(name, field);
+        }
+    }
+    return dictionary;
+}
+
+bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary, QStringView field,
+                      std::vector<double> &codes) {
+    codes.clear();
+    const auto found = dictionary.fields.find(field.isNull() ? QStringView(u"") : field);
+    if (found == dictionary.fields.end()) return false;
+    const QStringView text = found->second.childNode(u"Missing").text();
+    if (text.isNull()) return false;
+    decodeArray(document, text, codes);
+    return true;
+}
+
+Regression readRegression(ModelDocument &document, std::span<const UnivModel> models) {
+    const XmlNode node = document.root.childNode(u"RegressionModel");
+    std::vector<int> indexes;
+    std::vector<double> betas;
+    decodeArray(document, node.childNode(u"indexes").text(), indexes);
+    decodeArray(document, node.childNode(u"betas").text(), betas);
+    requireValues(document, betas, indexes.size() + 1, u"RegressionModel"_s, u"betas");
+
+    std::unordered_map<int, int> lastOfNumber;
+    lastOfNumber.reserve(models.size());
+    for (std::size_t k = 0; k < models.size(); ++k) {
+        lastOfNumber[models[k].number] = static_cast<int>(k);
+    }
+    Regression regression;
+    regression.terms.reserve(indexes.size());
+    for (std::size_t j = 0; j < indexes.size(); ++j) {
+        const auto found = lastOfNumber.find(indexes[j]);
+        const int model = found == lastOfNumber.end() ? -1 : found->second;
+        regression.terms.push_back({betas[j], indexes[j], model});
+    }
+    regression.constant = betas[indexes.size()];
+    return regression;
+}
+
+QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term) {
+    if (term.model < 0) return {};
+    return models[static_cast<std::size_t>(term.model)].recodingName;
+}
+
+void requireModels(ModelDocument &document, const Regression &regression) {
+    const auto unmatched = std::find_if(regression.terms.begin(), regression.terms.end(),
+                                        [](const RegressionTerm &term) { return term.model < 0; });
+    if (unmatched != regression.terms.end()) {
+        noteProblem(document, u"RegressionModel: array 'indexes' holds %1, which is the number of "
+                              "no model"_s.arg(unmatched->index));
+    }
+}
+
+ProbabilityTable readProbabilityTable(ModelDocument &document) {
+    const XmlNode node = document.root.childNode(u"ProbabilityMapping");
+    ProbabilityTable table;
+    table.exists = !node.isEmpty();
+    if (table.exists) {
+        readArray(document, node, u"x", 1, table.x);
+        readArray(document, node, u"y", table.x.size(), table.y);
+    }
+    return table;
+}
+
+std::vector<ProbabilitySegment> probabilitySegments(const ProbabilityTable &table,
+                                                    LastSegment lastSegment) {
+    const std::vector<double> &x = table.x;
+    const std::vector<double> &y = table.y;
+    const std::size_t end = x.size() - (lastSegment == LastSegment::Written ? 0 : 1);
+    std::vector<ProbabilitySegment> segments;
+    for (std::size_t i = 1; i < end; ++i) {
+        if (x[i] == x[i - 1]) continue;
+        const double slope = (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
+        const double product = x[i] * slope;
+        segments.push_back({x[i], slope, y[i] - product});
+    }
+    return segments;
+}
+
+bool hasLogisticProbability(const ModelDocument &document) {
+    return document.root.childNode(u"RegressionModel")
+        .attribute(u"normalizationMethod")
+        .startsWith(u"so");
+}

@@ -1,0 +1,156 @@
+// The model document as the exporters read it: one walk over the univariate models, the arrays of
+// each, the regression and the probability table. The tree stays the model; what is read here are
+// views into it and decoded arrays.
+//
+// Reading does not stop at an array that is too short: the first shortage is noted in the document,
+// the missing values read as 0, and the exporter goes on and asks once, before it writes anything,
+// whether there was a problem.
+#pragma once
+
+#include "xml/base64.h"
+#include "xml/xml_node.h"
+
+#include <QString>
+
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+struct ModelDocument {
+    QString fileName;
+    XmlNode root;          // the element "QRV_Model"
+    QString problem;       // the first reason why the document cannot be converted; else empty
+    Base64Decoder decoder; // reused for all arrays
+};
+
+// Loads a model document. Without a readable file, an acceptable document or a "QRV_Model" in it
+// the root is empty and the problem says why.
+ModelDocument loadModel(const QString &fileName);
+
+// Prints the document's problem as one line and returns exitUnusableModel.
+int reportProblem(const ModelDocument &document);
+
+// --- Names
+
+// The text with each of the characters of `replaced` turned into "_".
+QString cleanName(QStringView text, QStringView replaced);
+
+// The name of the target column, cleaned, and "_"; empty without a target.
+QString targetPrefix(const ModelDocument &document, QStringView replaced);
+
+// --- Univariate models
+
+// One univariate recoding. Views and nodes are valid as long as the document.
+struct UnivModel {
+    XmlNode node;
+    QStringView field;    // the input column; empty when absent
+    QString cleanField;   // the field, cleaned for the target language
+    QString recodingName; // "R", its position from 0, "_" and the clean field; at most 31 units
+    int number;           // of the "name" attribute without its first character; -1 without any
+    bool isCategorical;   // a list of values, else intervals
+};
+
+// All univariate models in document order, their fields cleaned of the characters of `replaced`.
+std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView replaced);
+
+// The recoding of a numeric column: y[0] for a missing value, y[1] below x[0], y[i + 1] up to x[i],
+// y.back() above x.back(). There are at least one bound and two scores more than bounds.
+struct NumericRecoding {
+    std::vector<double> x;
+    std::vector<double> y;
+};
+void readNumericRecoding(ModelDocument &document, const UnivModel &model,
+                         NumericRecoding &recoding);
+
+// Calls write(bound, score) for the intervals between the first bound and the last, in order.
+// An interval whose right neighbour has the same score is left to that neighbour's test.
+template <typename Write>
+void forEachInnerInterval(const NumericRecoding &recoding, Write write) {
+    const std::vector<double> &y = recoding.y;
+    const std::size_t last = recoding.x.size() - 1;
+    for (std::size_t i = 1; i <= last; ++i) {
+        if (i < last && y[i + 1] == y[i + 2]) continue;
+        write(recoding.x[i], y[i + 1]);
+    }
+}
+
+// The recoding of a list of values: y[0] for any other value, and a score for each value. The
+// values of a boolean column are spellings of false at positions 1 to 5 and of true from 6 on; they
+// share y[1] and y[2].
+struct CategoricalRecoding {
+    std::vector<QStringView> values; // in document order; empty where absent
+    std::vector<double> y;
+    bool isBoolean = false;
+
+    // The score of the value at `position`, which counts from 1.
+    double score(std::size_t position) const {
+        return y[!isBoolean ? position : position <= 5 ? 1 : 2];
+    }
+};
+void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
+                             CategoricalRecoding &recoding);
+
+// --- Missing codes
+
+// The first data field of each name, found at a cost that does not depend on their number.
+struct DataDictionary {
+    struct Hash {
+        std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
+    };
+    struct Equal {
+        bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
+    };
+    std::unordered_map<QStringView, XmlNode, Hash, Equal> fields;
+};
+DataDictionary readDataDictionary(const ModelDocument &document);
+
+// Decodes the codes of the data field of that name that stand for a missing value; none when the
+// field has no list. The result tells whether there is a list, which may hold no code.
+bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary, QStringView field,
+                      std::vector<double> &codes);
+
+// --- Score and probability
+
+// The score is the constant plus, for each term, its coefficient times the recoding of its model.
+struct RegressionTerm {
+    double coefficient;
+    int index; // the number that the document gives for the model
+    int model; // position among the univariate models; -1 when none has that number
+};
+struct Regression {
+    std::vector<RegressionTerm> terms;
+    double constant = 0;
+};
+// Of several models with one number the last gets the term.
+Regression readRegression(ModelDocument &document, std::span<const UnivModel> models);
+
+// The name of the recoding that a term multiplies; empty when there is no such model.
+QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term);
+
+// Notes a problem when a term has no model.
+void requireModels(ModelDocument &document, const Regression &regression);
+
+// Score points in decreasing order and the probabilities there. Where the document has a table, it
+// has at least one point.
+struct ProbabilityTable {
+    bool exists = false;
+    std::vector<double> x;
+    std::vector<double> y; // at least as many as x
+};
+ProbabilityTable readProbabilityTable(ModelDocument &document);
+
+// Scores above `threshold` (and not above that of the segment before) have the probability
+// intercept + score * slope.
+struct ProbabilitySegment {
+    double threshold;
+    double slope;
+    double intercept;
+};
+// The segments down to the last point of the table, or to the last but one; none between two points
+// with one score.
+enum class LastSegment { Written, LeftOut };
+std::vector<ProbabilitySegment> probabilitySegments(const ProbabilityTable &table,
+                                                    LastSegment lastSegment);
+
+// Whether the score becomes a probability by the logistic function, where there is no table.
+bool hasLogisticProbability(const ModelDocument &document);

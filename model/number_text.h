@@ -1,0 +1,23 @@
+// Numbers as the generated code shows them.
+#pragma once
+
+#include <string_view>
+
+// The text of one number; ASCII.
+struct NumberText {
+    char characters[32];
+    int size = 0;
+
+    std::string_view view() const { return {characters, static_cast<std::size_t>(size)}; }
+};
+
+// The text that printf("%.*g", digits, value) gives in the C locale, for 1 to 17 digits. Negative
+// zero keeps its sign.
+NumberText generalNumber(double value, int digits);
+
+// Model numbers (scores, bounds, coefficients, probabilities): 16 significant digits.
+NumberText modelNumber(double value);
+
+// Numbers that the generated code takes from a plain text stream: 6 significant digits and an
+// exponent of at least three digits, as in 1e+006.
+NumberText streamNumber(double value);
