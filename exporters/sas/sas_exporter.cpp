@@ -1,0 +1,174 @@
+#include "exporters/sas/sas_exporter.h"
+
+#include "exporters/sas/sas_text.h"
+#include "model/model_document.h"
+#include "model/output_file.h"
+#include "model/text_buffer.h"
+#include "xml/platform.h"
+
+#include <algorithm>
+#include <ranges>
+
+namespace {
+
+constexpr int exitUnsupportedRecoding = 1;
+constexpr QStringView cleanedCharacters = u" .";
+
+QStringView typeOf(const UnivModel &model) {
+    return model.node.attribute(u"type");
+}
+
+bool isSupported(const UnivModel &model) {
+    return model.isCategorical || typeOf(model) == u"NormContinuous" ||
+           typeOf(model) == u"Discretize";
+}
+
+void putBanner(TextBuffer &out, const ModelDocument &document,
+               const std::vector<UnivModel> &models) {
+    put(out, sasBannerTitle, document.root.childNode(u"Header").attribute(u"version"));
+    put(out, sasBannerSource, document.fileName);
+    put(out, sasBannerCount, std::ssize(models), sasBannerColumns);
+    for (const UnivModel &model : models) {
+        put(out, u" *  ", model.cleanField, u"  <->  ", model.recodingName, u"            *\n");
+    }
+    put(out, sasBannerEnd);
+}
+
+// Values are compared as they stand only when all of them look like plain numbers.
+bool needsQuotes(const CategoricalRecoding &recoding) {
+    const auto isPlain = [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; };
+    return recoding.isBoolean || !std::ranges::all_of(recoding.values, [&](QStringView value) {
+               return std::all_of(value.begin(), value.end(), isPlain);
+           });
+}
+
+void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRecoding &recoding) {
+    const QString &field = model.cleanField;
+    const QString &name = model.recodingName;
+    const QStringView quote = needsQuotes(recoding) ? u"\"" : u"";
+
+    put(out, u"   if trim(left(", field, u"))=\"\" then ", name, u"=", recoding.y[0], u";\n");
+    for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
+        const double score = recoding.score(i);
+        put(out, u"   else if trim(left(", field, u"))=", quote,
+            escapeQuotes(recoding.values[i - 1]), quote, u" then ", name, u"=",
+            recoding.isBoolean ? streamNumber(score) : modelNumber(score), u";\n");
+    }
+    put(out, u"   else ", name, u"=", recoding.y[0], u";\n");
+}
+
+// Opens the test for a missing value. With a list of codes the opening "if" is not written, and the
+// last code is left out: existing scripts look like this.
+void putMissingTest(TextBuffer &out, const QString &field, bool isListed,
+                    const std::vector<double> &codes) {
+    if (!isListed) {
+        put(out, u"   if (", field, u"=.");
+        return;
+    }
+    for (const double code : codes | std::views::reverse | std::views::drop(1)) {
+        put(out, u"|| (", field, u"==", streamNumber(code), u")");
+    }
+}
+
+void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
+    const QString &field = model.cleanField;
+    const QString &name = model.recodingName;
+    const std::vector<double> &y = recoding.y;
+    const double upperTail = y[recoding.x.size() + 1];
+
+    put(out, u") then ", name, u"=", y[0], u";\n");
+    put(out, u"   else if (", field, u"<", recoding.x.front(), u") then ", name, u"=", y[1],
+        u";\n");
+    put(out, u"   else if (", field, u">", recoding.x.back(), u") then ", name, u"=", upperTail,
+        u";\n");
+    forEachInnerInterval(recoding, [&](double bound, double score) {
+        put(out, u"   else if (", field, u"<=", bound, u") then ", name, u"=", score, u";\n");
+    });
+    put(out, u"   else ", name, u"=", y[0], u"; /* default */\n\n");
+}
+
+void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+    const DataDictionary dictionary = readDataDictionary(document);
+    CategoricalRecoding categorical;
+    NumericRecoding numeric;
+    std::vector<double> codes;
+    for (const UnivModel &model : models) {
+        put(out, u"\n   /* computing recoding '", model.recodingName, u"'\n      based on the ",
+            typeOf(model), u" column of display name '", model.node.attribute(u"displayName"),
+            u"' */\n\n");
+        if (model.isCategorical) {
+            readCategoricalRecoding(document, model, categorical);
+            putCategorical(out, model, categorical);
+        } else {
+            readNumericRecoding(document, model, numeric);
+            const bool isListed = readMissingCodes(document, dictionary, model.cleanField, codes);
+            putMissingTest(out, model.cleanField, isListed, codes);
+            putIntervals(out, model, numeric);
+        }
+    }
+}
+
+void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models,
+              const QString &prefix) {
+    const Regression regression = readRegression(document, models);
+    requireModels(document, regression);
+    put(out, u"\n\n   /* computing the regression Model */\n   ", prefix, u"score= ",
+        regression.constant, u"\n");
+    for (std::size_t j = 0; j < regression.terms.size(); ++j) {
+        const RegressionTerm &term = regression.terms[j];
+        put(out, u"        + ", term.coefficient, u"* ", recodingName(models, term));
+        put(out, j + 1 == regression.terms.size() ? QStringView(u";\n\n") : QStringView(u"\n"));
+    }
+    put(out, u"\n");
+}
+
+void putProbability(TextBuffer &out, ModelDocument &document, const QString &prefix) {
+    const ProbabilityTable table = readProbabilityTable(document);
+    if (!table.exists) {
+        if (hasLogisticProbability(document)) {
+            put(out, u"   /* computing the probability */\n");
+            put(out, u"   ", prefix, u"proba=1/(1+exp(-", prefix, u"score);\n");
+        }
+        return;
+    }
+    const std::size_t last = table.x.size() - 1;
+    put(out, u"   /* computing the probability */\n", u"   ", prefix, u"proba=0;\n");
+    put(out, u"   if      (", prefix, u"score>", table.x[0], u") then ", prefix, u"proba=",
+        table.y[0], u";\n");
+    put(out, u"   else if (", prefix, u"score<", table.x[last], u") then ", prefix, u"proba=",
+        table.y[last], u";\n");
+    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::Written)) {
+        put(out, u"   else if ", prefix, u"score>", segment.threshold, u" then ", prefix, u"proba=",
+            segment.intercept, u"+ ", prefix, u"score*", segment.slope, u";\n");
+    }
+}
+
+void putClosing(TextBuffer &out, const std::vector<UnivModel> &models) {
+    put(out, sasDropRemark);
+    for (const UnivModel &model : models) put(out, u"   drop ", model.recodingName, u";\n");
+    put(out, u"\n/* run; */\n");
+}
+
+} // namespace
+
+int exportToSas(const QString &modelFile, const QString &scriptFile) {
+    ModelDocument document = loadModel(modelFile);
+    if (!document.problem.isEmpty()) return reportProblem(document);
+    const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
+    if (!std::ranges::all_of(models, isSupported)) {
+        printText(u"Unsupported recoding (from RANK)!\n"
+                  "Please update Qorv to the latest version.\n");
+        return exitUnsupportedRecoding;
+    }
+    const QString prefix = targetPrefix(document, cleanedCharacters);
+
+    TextBuffer out;
+    putBanner(out, document, models);
+    putRecodings(out, document, models);
+    putScore(out, document, models, prefix);
+    putProbability(out, document, prefix);
+    putClosing(out, models);
+
+    if (!document.problem.isEmpty()) return reportProblem(document);
+    return writeScript(scriptFile, out.text());
+}
