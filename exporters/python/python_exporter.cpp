@@ -1,0 +1,183 @@
+#include "exporters/python/python_exporter.h"
+
+#include "exporters/python/python_text.h"
+#include "model/model_document.h"
+#include "model/output_file.h"
+#include "model/text_buffer.h"
+
+#include <ranges>
+
+namespace {
+
+constexpr QStringView cleanedCharacters = u" .'-";
+
+enum class Result { ScoreAndProbability, Prediction };
+
+// The last component of the path, its solidus included, up to the last full stop; all that follows
+// the solidus when the full stop stands before it.
+QString classNameOf(const QString &modelFile) {
+    QString path = modelFile;
+    path.replace(u'\\', u'/');
+    const qsizetype start = std::max<qsizetype>(path.lastIndexOf(u'/'), 0);
+    const qsizetype end = path.lastIndexOf(u'.');
+    return path.mid(start, end < start ? -1 : end - start);
+}
+
+void putBanner(TextBuffer &out, const ModelDocument &document,
+               const std::vector<UnivModel> &models) {
+    put(out, u"'''\n", u"   QORVALIS v", document.root.childNode(u"Header").attribute(u"version"));
+    put(out, pythonBannerSource, document.fileName, u" \n");
+    put(out, u"    Total number of variables in model: ", std::ssize(models), pythonBannerColumns);
+    for (const UnivModel &model : models) {
+        put(out, u"  ", model.cleanField, u"  <->  ", model.recodingName, u"\n");
+    }
+    put(out, u"'''\n");
+}
+
+void putDictionaries(TextBuffer &out, ModelDocument &document,
+                     const std::vector<UnivModel> &models) {
+    CategoricalRecoding recoding;
+    for (const UnivModel &model : models) {
+        if (!model.isCategorical) continue;
+        readCategoricalRecoding(document, model, recoding);
+        // A boolean column's entries end in a comma, another's are separated by one.
+        const QStringView separator = recoding.isBoolean ? u"" : u",";
+        const QStringView end = recoding.isBoolean ? u"," : u"";
+        put(out, u"        self.dict_", model.recodingName, u" = {\"\":", recoding.y[0], end);
+        for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
+            put(out, separator, u"\"", escapeQuotes(recoding.values[i - 1]), u"\":",
+                recoding.score(i), end);
+        }
+        put(out, u"}\n");
+    }
+}
+
+void putColumnLookups(TextBuffer &out, const std::vector<UnivModel> &models) {
+    for (const UnivModel &model : models) {
+        put(out, u"        ", model.cleanField, u"_Idx=colNames.index('''", model.field, u"''')\n");
+    }
+}
+
+void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRecoding &recoding) {
+    const QString &name = model.recodingName;
+    put(out, u"            try:\n                ", name, u" = self.dict_", name, u"[df.iloc[line,",
+        model.cleanField, u"_Idx].strip()]\n");
+    put(out, u"            except KeyError:\n                ", name, u" = ", recoding.y[0],
+        u"\n\n");
+}
+
+// With codes the parenthesis after "if" is never closed: existing modules look like this.
+void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
+    if (codes.empty()) {
+        put(out, u"            if isnan(data):\n");
+        return;
+    }
+    put(out, u"            if (isnan(data)");
+    for (const double code : codes | std::views::reverse) {
+        put(out, u"or (data==", streamNumber(code), u")");
+    }
+    put(out, u":\n");
+}
+
+void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
+    const QString &name = model.recodingName;
+    const std::vector<double> &y = recoding.y;
+    const double upperTail = y[recoding.x.size() + 1];
+
+    put(out, u"                ", name, u"=", y[0], u"\n");
+    put(out, u"            elif data < ", recoding.x.front(), u":\n                ", name, u" = ",
+        y[1], u"\n");
+    put(out, u"            elif data > ", recoding.x.back(), u":\n                ", name, u" = ",
+        upperTail, u"\n");
+    forEachInnerInterval(recoding, [&](double bound, double score) {
+        put(out, u"            elif data <= ", bound, u":\n                ", name, u" = ", score,
+            u"\n");
+    });
+    put(out, u"            else:\n                ", name, u" = ", y[0], u"\n\n");
+}
+
+void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+    const DataDictionary dictionary = readDataDictionary(document);
+    CategoricalRecoding categorical;
+    NumericRecoding numeric;
+    std::vector<double> codes;
+    for (const UnivModel &model : models) {
+        put(out, u"            # computing recoding '", model.recodingName,
+            u"'\n            #based on the ", model.node.attribute(u"type"),
+            u" column of display name '", model.node.attribute(u"displayName"), u"'\n");
+        if (model.isCategorical) {
+            readCategoricalRecoding(document, model, categorical);
+            putCategorical(out, model, categorical);
+        } else {
+            readNumericRecoding(document, model, numeric);
+            readMissingCodes(document, dictionary, model.cleanField, codes);
+            put(out, u"            data = float(df.iloc[line,", model.cleanField, u"_Idx])\n");
+            putMissingTest(out, codes);
+            putIntervals(out, model, numeric);
+        }
+    }
+}
+
+void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+    const Regression regression = readRegression(document, models);
+    put(out, u"\n\n            #computing the regression Model\n");
+    put(out, u"            s=dfOutScore[line]=", regression.constant);
+    for (const RegressionTerm &term : regression.terms) {
+        put(out, u" + ", term.coefficient, u" * ", recodingName(models, term));
+    }
+    put(out, u"\n");
+}
+
+Result putProbability(TextBuffer &out, ModelDocument &document) {
+    const ProbabilityTable table = readProbabilityTable(document);
+    if (!table.exists) {
+        if (!hasLogisticProbability(document)) return Result::Prediction;
+        put(out, pythonLogisticProbability);
+        return Result::ScoreAndProbability;
+    }
+    const std::size_t last = table.x.size() - 1;
+    put(out, u"            # computing the probability */\n");
+    put(out, u"            if s>", table.x[0], u":\n                dfOutProba[line]=", table.y[0],
+        u"\n");
+    put(out, u"            elif s<", table.x[last], u":\n                dfOutProba[line]=",
+        table.y[last], u"\n");
+    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::LeftOut)) {
+        put(out, u"            elif s>", segment.threshold, u":\n                dfOutProba[line]=",
+            segment.intercept, u" + s*", segment.slope, u"\n");
+    }
+    return Result::ScoreAndProbability;
+}
+
+void putReturn(TextBuffer &out, Result result, const QString &prefix) {
+    put(out, u"        return pd.DataFrame(data={'", prefix);
+    if (result == Result::ScoreAndProbability) {
+        put(out, u"score':dfOutScore,'", prefix, u"proba':dfOutProba})");
+    } else {
+        put(out, u"prediction':dfOutScore})");
+    }
+}
+
+} // namespace
+
+int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
+    ModelDocument document = loadModel(modelFile);
+    if (!document.problem.isEmpty()) return reportProblem(document);
+    const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
+
+    TextBuffer out;
+    putBanner(out, document, models);
+    put(out, pythonImports);
+    put(out, u"class QORVModel_", className.isEmpty() ? classNameOf(modelFile) : className, u":\n");
+    put(out, u"    def __init__(self):\n");
+    putDictionaries(out, document, models);
+    put(out, pythonApply);
+    putColumnLookups(out, models);
+    put(out, u"        for line in range(len(df.index)):\n");
+    putRecodings(out, document, models);
+    putScore(out, document, models);
+    const Result result = putProbability(out, document);
+    putReturn(out, result, targetPrefix(document, cleanedCharacters));
+
+    if (!document.problem.isEmpty()) return reportProblem(document);
+    return writeOutputFile(moduleFile, out.text(), OutputEncoding::Utf8);
+}
