@@ -1,0 +1,62 @@
+#include "app/driver.h"
+
+#include "exporters/python/python_exporter.h"
+#include "exporters/sas/sas_exporter.h"
+#include "xml/platform.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int exitUsage = 1;
+
+constexpr QStringView banner = u"Qorv Model Exportation v1.07\n=============================\n";
+
+constexpr QStringView usage = uR"(USAGE:
+to SAS   : scorewright -a <.ModelXml file> <SAS script file>
+to SQL   : scorewright -s <Config SQL file convertion>
+to VBA   : scorewright -e <.ModelXml file> <Excel VBA code file>
+to Python: scorewright -p <.ModelXml file> <Python code file> [<Python Class>]
+to Html  : scorewright -h <.ModelXml file> [[<HTML canvas file>] <HTML output file>]
+)";
+
+constexpr std::size_t mostOperands = 3;
+using Operands = std::array<QString, mostOperands>;
+
+struct Option {
+    QStringView name;
+    std::size_t needed; // operands without which the option is not taken
+    std::size_t taken;  // operands in all; further ones are ignored
+    int (*convert)(const Operands &operands);
+};
+
+// In the order in which they are tried.
+constexpr Option options[] = {
+    {u"-a", 2, 2, [](const Operands &o) { return exportToSas(o[0], o[1]); }},
+    {u"-p", 2, 3, [](const Operands &o) { return exportToPython(o[0], o[1], o[2]); }},
+};
+
+} // namespace
+
+int runCommandLine(const std::vector<QString> &arguments) {
+    printText(banner);
+    const std::size_t given = arguments.size() < 2 ? 0 : arguments.size() - 2;
+    for (const Option &option : options) {
+        if (arguments.size() < 2 || arguments[1] != option.name || given < option.needed) continue;
+        Operands operands;
+        operands.fill(u""_s);
+        for (std::size_t i = 0; i < std::min(given, option.taken); ++i) {
+            operands[i] = arguments[2 + i];
+            if (operands[i].isNull()) {
+                printText(u"Argument %1 is not valid UTF-8.\n"_s.arg(2 + i));
+                return exitUsage;
+            }
+        }
+        return option.convert(operands);
+    }
+    printText(usage);
+    return exitUsage;
+}

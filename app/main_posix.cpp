@@ -1,0 +1,30 @@
+#include "app/driver.h"
+
+#include <QStringDecoder>
+
+#include <cstdio>
+#include <new>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// File names are UTF-8; a null text stands for one that is not.
+QString decodeArgument(const char *argument) {
+    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = utf8(QByteArrayView(argument));
+    return utf8.hasError() ? QString() : text.isNull() ? QString(u""_s) : text;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    try {
+        std::vector<QString> arguments;
+        for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
+        return runCommandLine(arguments);
+    } catch (const std::bad_alloc &) {
+        std::fputs("The model does not fit in memory.\n", stdout);
+        return 8;
+    }
+}
