@@ -1,0 +1,169 @@
+#!/usr/bin/python3
+"""Fits the example scorecard on applicants.csv and writes credit.ModelXml.
+
+The score is the log-odds of a bad payer: the higher, the worse the risk."""
+
+import csv
+import sys
+from pathlib import Path
+
+import numpy as np
+
+HERE = Path(__file__).resolve().parent
+sys.path.insert(0, str(HERE.parent))
+import model_document  # noqa: E402
+
+# The bad rate of a bin is drawn towards the overall one as if so many average applicants were in it.
+PRIOR_APPLICANTS = 10
+DECIMALS = 6  # the last bits of the arithmetic differ between machines, the document must not
+
+# (column, label, kind, trend of the risk, cut points); where a trend is given, bins that break it share one score.
+NUMERIC = [
+    ("Seniority", "Seniority in the job (years)", "NormContinuous", "falling", [1, 2, 3, 4, 6, 8, 10, 12, 15, 20]),
+    ("Time", "Duration of the loan (months)", "Discretize", "rising", [18, 30, 42, 54]),
+    ("Age", "Age (years)", "NormContinuous", None, [22, 25, 28, 32, 36, 40, 45, 50, 56]),
+    ("Expenses", "Expenses (housing & living costs)", "NormContinuous", None, [40, 50, 65, 80, 100]),
+    ("Income", "Income", "NormContinuous", "falling", [60, 80, 95, 110, 125, 140, 160, 185, 215, 280]),
+    ("Income", "Income, three classes", "Discretize", None, [100, 200]),
+    ("Assets", "Assets", "NormContinuous", "falling", [1, 2000, 3000, 4000, 5000, 6500, 10000, 18000]),
+    ("Debt", "Debt", "Discretize", None, [1, 1000, 2500]),
+    ("Amount", "Amount of the loan", "NormContinuous", "rising", [300, 500, 700, 850, 1000, 1150, 1300, 1500, 1800]),
+    ("Price", "Price of the goods", "NormContinuous", None, [600, 850, 1050, 1250, 1450, 1650, 1900, 2300]),
+]
+
+CATEGORICAL = [
+    ("Home", "Home", "str", {"rent": "Tenant", "owner": "Owner", "parents": "Lives with parents", "priv": "Private",
+                             "other": "Other", "ignore": "Not stated"}),
+    ("Marital", "Marital status", "str", {"married": "Married", "single": "Single", "separated": "Separated",
+                                          "widow": "Widowed", "divorced": "Divorced"}),
+    ("Records", "Negative records on file", "bb64", {"no": "No", "NO": "No", "false": "No", "FALSE": "No", "0": "No",
+                                                     "yes": "Yes", "YES": "Yes", "true": "Yes", "TRUE": "Yes",
+                                                     "1": "Yes"}),
+    ("Job", "Kind of job", "str", {"fixed": "Fixed", "freelance": "Freelance", "partime": "Part-time",
+                                   "others": "Other"}),
+]
+
+
+def number_or_nan(cell):
+    try:
+        return float(cell)
+    except ValueError:
+        return float("nan")
+
+
+def logit(p):
+    return np.log(p / (1 - p))
+
+
+def logistic(s):
+    return 1 / (1 + np.exp(-s))
+
+
+def rounded(values):
+    return np.round(values, DECIMALS) + 0.0  # the sum turns -0 into 0
+
+
+def rising(rates, weights):
+    """The closest rising sequence: neighbours that break the order are pooled."""
+    pools = []
+    for rate, weight in zip(rates, weights):
+        pools.append((rate, weight, 1))
+        while len(pools) > 1 and pools[-2][0] >= pools[-1][0]:
+            (r1, w1, n1), (r2, w2, n2) = pools[-2:]
+            pools[-2:] = [((r1 * w1 + r2 * w2) / (w1 + w2), w1 + w2, n1 + n2)]
+    return np.concatenate([np.full(n, rate) for rate, _, n in pools])
+
+
+def numeric_bins(values, cuts):
+    """0 missing, 1 below the first cut; else up to and including a cut, the first one being in the second bin."""
+    bins = np.searchsorted(cuts, values, side="left") + 1
+    bins[values == cuts[0]] = 2
+    bins[np.isnan(values)] = 0
+    return bins
+
+
+def weights_of_evidence(bins, count, bad, trend=None):
+    size = np.bincount(bins, minlength=count) + PRIOR_APPLICANTS
+    rate = (np.bincount(bins, weights=bad, minlength=count) + PRIOR_APPLICANTS * bad.mean()) / size
+    if trend == "rising":
+        rate[1:] = rising(rate[1:], size[1:])
+    elif trend == "falling":
+        rate[1:] = rising(rate[:0:-1], size[:0:-1])[::-1]
+    return rounded(logit(rate) - logit(bad.mean()))
+
+
+def logistic_regression(recodings, bad):
+    design = np.column_stack([recodings, np.ones(len(bad))])
+    beta = np.zeros(design.shape[1])
+    for _ in range(50):
+        p = logistic(design @ beta)
+        step = np.linalg.solve(design.T @ (design * (p * (1 - p))[:, None]), design.T @ (bad - p))
+        beta += step
+        if np.abs(step).max() < 1e-12:
+            break
+    return rounded(beta)
+
+
+def probability_table(score, bad):
+    """Observed bad rates around score points, made monotone; a few applicants lie beyond either end."""
+    points = np.linspace(-4.75, 3.25, 33)
+    around = np.searchsorted((points[1:] + points[:-1]) / 2, score)
+    weights = np.bincount(around, minlength=len(points)) + PRIOR_APPLICANTS
+    rates = (np.bincount(around, weights=bad, minlength=len(points)) + PRIOR_APPLICANTS * logistic(points)) / weights
+    return points[::-1].tolist(), rounded(rising(rates, weights))[::-1].tolist()
+
+
+def area_under_curve(score, bad):
+    values, inverse, counts = np.unique(score, return_inverse=True, return_counts=True)
+    rank = (np.cumsum(counts) - (counts - 1) / 2)[inverse]
+    positives = bad.sum()
+    return (rank[bad == 1].sum() - positives * (positives + 1) / 2) / (positives * (len(bad) - positives))
+
+
+def main():
+    with open(HERE / "applicants.csv", newline="") as file:
+        applicants = list(csv.DictReader(file))
+    columns = list(applicants[0])
+    bad = np.array([a["Status"] == "bad" for a in applicants], dtype=float)
+
+    recoded = []  # (variable, recoding of each applicant)
+    for field, label, kind, trend, cuts in NUMERIC:
+        bins = numeric_bins(np.array([number_or_nan(a[field]) for a in applicants]), cuts)
+        scores = weights_of_evidence(bins, len(cuts) + 2, bad, trend)
+        recoded.append((model_document.Variable(0, field, label, kind, scores, cuts=cuts), scores[bins]))
+    for field, label, value_kind, labels in CATEGORICAL:
+        values = list(labels)
+        positions = {value: i for i, value in enumerate(values, start=1)}
+        if value_kind == "bb64":
+            positions = {value: 1 if i <= 5 else 2 for value, i in positions.items()}
+        bins = np.array([positions.get(a[field], 0) for a in applicants])
+        scores = weights_of_evidence(bins, max(positions.values()) + 1, bad)
+        recoded.append((model_document.Variable(0, field, label, "MapValues", scores, value_kind=value_kind,
+                                                modalities=list(labels.items())), scores[bins]))
+
+    # Variables stand in the order of their columns; a second recoding of a column is numbered after all columns.
+    recoded.sort(key=lambda pair: columns.index(pair[0].field))
+    variables = [variable for variable, _ in recoded]
+    extra, seen = len(columns), set()
+    for v in variables:
+        v.number = extra if v.field in seen else columns.index(v.field)
+        extra += v.field in seen
+        seen.add(v.field)
+
+    recodings = np.column_stack([values for _, values in recoded])
+    beta = logistic_regression(recodings, bad)
+    score = recodings @ beta[:-1] + beta[-1]
+    table = probability_table(score, bad)
+
+    # The most telling variables come first in the sum.
+    order = np.argsort(-np.abs(beta[:-1]) * recodings.std(axis=0), kind="stable")
+    terms = [(variables[i].number, beta[i]) for i in order]
+    model_document.write(HERE / "credit.ModelXml", "T", "Status.bad", variables, terms, beta[-1], table)
+
+    for i in order:
+        print(f"{variables[i].label:40} V{variables[i].number:<3} {beta[i]:9.6f}")
+    print(f"{len(bad)} applicants, {int(bad.sum())} bad; area under the ROC curve {area_under_curve(score, bad):.4f}")
+
+
+if __name__ == "__main__":
+    main()
