@@ -1,0 +1,75 @@
+#include "model/model_document.h"
+#include "model/number_text.h"
+#include "model/text_buffer.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <random>
+
+namespace {
+
+std::string printed(const char *format, int digits, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, digits, value);
+    return text;
+}
+
+TEST(NumberText, IsWhatPrintfWrites) {
+    std::vector<double> values = {0.0,
+                                  -0.0,
+                                  0.1,
+                                  1e18 + 1,
+                                  std::exp2(60),
+                                  1e-05,
+                                  1e-04,
+                                  1e15,
+                                  9999999999999999.0,
+                                  3504133338402688.5,
+                                  5e-324,
+                                  1.5e308,
+                                  -1e100,
+                                  std::numeric_limits<double>::infinity(),
+                                  std::nan("")};
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 20000; ++i) values.push_back(std::bit_cast<double>(random()));
+    for (const double value : values) {
+        EXPECT_EQ(modelNumber(value).view(), printed("%.*g", 16, value));
+        EXPECT_EQ(generalNumber(value, 15).view(), printed("%.*g", 15, value));
+    }
+}
+
+TEST(NumberText, OfTheStreamHasSixDigitsAndALongExponent) {
+    const std::pair<double, const char *> cases[] = {
+        {99, "99"},       {-999.5, "-999.5"},  {1e6, "1e+006"},           {1.5e-07, "1.5e-007"},
+        {1e10, "1e+010"}, {-1e100, "-1e+100"}, {1234567, "1.23457e+006"}, {999999.4, "999999"},
+        {0, "0"},         {1e-05, "1e-005"},
+    };
+    for (const auto &[value, text] : cases) EXPECT_EQ(streamNumber(value).view(), text);
+}
+
+TEST(TextBuffer, TakesPiecesOfAllKinds) {
+    TextBuffer out;
+    put(out, u"a", QStringView(), QString(u'b'), -0.5, 12, streamNumber(1e6),
+        escapeQuotes(u"\"c\""), escapeQuotes({}), EscapedText{u"it's", u'\''});
+    EXPECT_EQ(out.text(), u"ab-0.5121e+006\\\"c\\\"it\\'s");
+    for (int i = 0; i < 100000; ++i) put(out, u"0123456789");
+    EXPECT_EQ(out.text().size(), 24 + 1000000);
+    EXPECT_EQ(out.text().last(11), u"90123456789");
+}
+
+TEST(ProbabilitySegments, RoundSlopeAndInterceptSeparately) {
+    ProbabilityTable table{true, {3, 2, 2, 0.1, -1}, {0.9, 0.9, 0.5, 1.0 / 3, 0.3}};
+    const auto segments = probabilitySegments(table, LastSegment::Written);
+    ASSERT_EQ(segments.size(), 3U);
+    EXPECT_TRUE(std::signbit(segments[0].slope));
+    volatile double product = 0.1 * ((1.0 / 3 - 0.5) / (0.1 - 2)); // as two operations, not one
+    EXPECT_EQ(segments[1].intercept, 1.0 / 3 - product);
+    EXPECT_EQ(segments[2].threshold, -1);
+    EXPECT_EQ(probabilitySegments(table, LastSegment::LeftOut).size(), 2U);
+    EXPECT_TRUE(probabilitySegments({true, {1}, {1}}, LastSegment::LeftOut).empty());
+}
+
+} // namespace

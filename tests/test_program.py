@@ -1,0 +1,135 @@
+"""The command line: options, messages, exit statuses and what becomes of the output file."""
+
+import os
+import subprocess
+import unittest
+
+from support import BANNER, DOCUMENTS, PROGRAM, ProgramTest, categorical, document, numeric
+
+USAGE = """USAGE:
+to SAS   : scorewright -a <.ModelXml file> <SAS script file>
+to SQL   : scorewright -s <Config SQL file convertion>
+to VBA   : scorewright -e <.ModelXml file> <Excel VBA code file>
+to Python: scorewright -p <.ModelXml file> <Python code file> [<Python Class>]
+to Html  : scorewright -h <.ModelXml file> [[<HTML canvas file>] <HTML output file>]
+"""
+PLAIN = DOCUMENTS["logistic"]
+
+
+class ProgramLineTest(ProgramTest):
+    def test_usage(self):
+        self.write("m", PLAIN)
+        for arguments in [[], ["-a"], ["-a", "m"], ["-p", "m"], ["-A", "m", "out"], ["/a", "m", "out"], ["", "m", "out"],
+                          ["-as", "m", "out"], ["m", "-a", "out"]]:
+            with self.subTest(arguments):
+                self.assertEqual(self.run_program(*arguments), (1, USAGE))
+        self.assertFalse((self.folder / "out").exists())
+
+    def test_further_arguments_are_ignored(self):
+        self.write("m", PLAIN)
+        self.assertEqual(self.run_program("-a", "m", "out", "x", b"\xff"), (0, "Conversion successful!\n"))
+        self.assertEqual(self.run_program("-p", "m", "out", "Name", "x"), (0, ""))
+        self.assertIn("class QORVModel_Name:", self.read("out"))
+
+    def test_names_beyond_ascii(self):
+        name = self.write("modèle €.ModelXml", PLAIN)
+        self.assertEqual(self.run_program("-a", name, "straße 𝄞.sas")[0], 0)
+        self.assertIn(f"Source model file: {name} *\n", self.read("straße 𝄞.sas"))
+        self.assertEqual(self.run_program("-a", name, b"\xff"), (1, "Argument 3 is not valid UTF-8.\n"))
+        self.assertEqual(self.run_program("-a", b"m\xff", "out"), (1, "Argument 2 is not valid UTF-8.\n"))
+
+    def test_outputs_that_cannot_be_written(self):
+        self.write("m", PLAIN)
+        (self.folder / "folder").mkdir()
+        for option in ["-a", "-p"]:
+            for output in ["no/such/folder", "folder", ""]:
+                self.assertEqual(self.run_program(option, "m", output),
+                                 (6, f"Cannot open file '{output}' for writing.\n"))
+            self.assertEqual(self.run_program(option, "m", "/dev/full"), (7, "Cannot write to file '/dev/full'.\n"))
+
+    def test_marks_and_line_ends(self):
+        self.write("m", PLAIN)
+        self.run_program("-a", "m", "out.sas")
+        self.run_program("-p", "m", "out.py")
+        self.assertTrue((self.folder / "out.sas").read_bytes().startswith(b"\xff\xfe/\0*\0"))
+        self.assertTrue((self.folder / "out.py").read_bytes().startswith(b"\xef\xbb\xbf'''\n"))
+        self.assertNotIn("\r", self.read("out.sas") + self.read("out.py"))
+
+    def test_unusable_documents_leave_the_output_alone(self):
+        model = numeric(3, "the field", [1, 2], [1, 2, 3, 4])
+        good = document([model], [(3, 1)], 0, table=[(1, 1), (0, 0)])
+        boolean = categorical(1, "b", ["no"] * 6, [0, 1], tname="bb64")
+        cases = {
+            None: "Error: File not found",
+            "": "Error: No XML data",
+            "<QRV_Model><a>&b;</a></QRV_Model>": "Error: Unknown character entity at line 1, column 20",
+            "<a/>": "no element 'QRV_Model' found",
+            good.replace("<y>", "<z>", 1): "Error: Unmatched end tag at line 1, column ",
+            good.replace("<x>", "<w/><x>*", 1): "model 'V3' (field 'the field'): array 'x' has 0 values, 1 needed",
+            document([numeric(1, "f", [1, 2], [1, 2, 3])], [(1, 1)], 0):
+                "model 'V1' (field 'f'): array 'y' has 3 values, 4 needed",
+            document([categorical(1, "f", ["a", "b"], [1, 2])], [(1, 1)], 0):
+                "model 'V1' (field 'f'): array 'y' has 2 values, 3 needed",
+            document([boolean], [(1, 1)], 0): "model 'V1' (field 'b'): array 'y' has 2 values, 3 needed",
+            good.replace("betas>", "gammas>"): "RegressionModel: array 'betas' has 0 values, 2 needed",
+            document([model], [(3, 1)], 0, table=[]): "ProbabilityMapping: array 'x' has 0 values, 1 needed",
+        }
+        self.write("out", "as it was")
+        for text, problem in cases.items():
+            with self.subTest(problem):
+                name = "none" if text is None else self.write("m", text, "utf-8")
+                for option in ["-a", "-p"]:
+                    status, printed = self.run_program(option, name, "out")
+                    self.assertEqual(status, 8)
+                    self.assertEqual(printed.count("\n"), 1)
+                    self.assertTrue(printed.startswith(f"Cannot convert model '{name}': {problem}"), printed)
+        # The unusable document is told even where the output could not be written.
+        self.assertEqual(self.run_program("-a", "m", "no/such/folder")[0], 8)
+        self.assertEqual(self.read("out"), "as it was")
+
+    def test_only_what_is_used_must_exist(self):
+        boolean = categorical(1, "b", ["no"] * 5, [0, 1], tname="bb64")
+        longer = numeric(2, "l", [1], [1, 2, 3, 4, 5])
+        for text in [document([boolean, longer], [(2, 1)], 0), DOCUMENTS["none"],
+                     document([boolean], [], 0).replace('<?xml version="1.0"?>', ""),
+                     document([boolean], [], 0).replace("QRV_Model", "qrv_MODEL"),
+                     document([boolean], [], 0).replace("</QRV_Model>", "")]:
+            self.convert("-a", text)
+            self.convert("-p", text)
+
+    def test_what_sas_alone_refuses(self):
+        self.write("out", "as it was")
+        unsupported = numeric(2, "f", [1], [1], kind="normcontinuous")  # its array is too short besides
+        self.write("m", document([numeric(1, "e", [1], [1, 2, 3]), unsupported], [(1, 1), (9, 1)], 0))
+        self.assertEqual(self.run_program("-a", "m", "out"),
+                         (1, "Unsupported recoding (from RANK)!\nPlease update Qorv to the latest version.\n"))
+        self.write("m", document([numeric(1, "e", [1], [1, 2, 3])], [(1, 1), (9, 1)], 0))
+        self.assertEqual(self.run_program("-a", "m", "out"),
+                         (8, "Cannot convert model 'm': RegressionModel: array 'indexes' holds 9, which is the number "
+                             "of no model.\n"))
+        self.assertEqual(self.read("out"), "as it was")
+        self.assertEqual(self.run_program("-p", "m", "out"), (0, ""))
+        self.assertIn("s=dfOutScore[line]=0 + 1 * R0_e + 1 * \n", self.read("out"))
+
+    def test_numbers_of_models(self):
+        """Without anything after the first character the number is -1, without digits 0; the last model wins."""
+        names = ["V", "", "Vx", "V0", "V-1", "V 7z"]
+        models = [numeric(k, f"f{k}", [1], [1, 2, 3]).replace(f'"V{k}"', f'"{n}"') for k, n in enumerate(names)]
+        models.append(numeric(6, "f6", [1], [1, 2, 3]).replace('name="V6"', ""))
+        script = self.convert("-a", document(models, [(-1, 1), (0, 2), (7, 3)], 0))
+        self.assertIn("+ 1* R6_f6\n        + 2* R3_f3\n        + 3* R5_f5;\n", script)
+
+    def test_a_pair_cut_in_two(self):
+        model = document([categorical(1, "x" * 27 + "𝄞", ["a"], [1, 2])], [], 0)  # "R0_" and 27 leave room for one unit
+        self.assertIn("R0_" + "x" * 27 + "\ud834=1;\n", self.convert("-a", model))
+        self.assertIn("R0_" + "x" * 27 + "? = 1\n", self.convert("-p", model))
+
+    def test_standard_output_that_is_closed(self):
+        self.write("m", PLAIN)
+        run = subprocess.run(["sh", "-c", f'"{PROGRAM}" -a m out >&-'], cwd=self.folder, stderr=subprocess.PIPE)
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        self.assertGreater(os.path.getsize(self.folder / "out"), len(BANNER))
+
+
+if __name__ == "__main__":
+    unittest.main()
