@@ -28,7 +28,7 @@ void decodeArray(ModelDocument &document, QStringView text, std::vector<T> &valu
     qsizetype size = 0;
     const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
     values.resize(bytes ? static_cast<std::size_t>(size) / sizeof(T) : 0);
-    if (!values.empty()) std::memcpy(values.data(), bytes, values.size() * sizeof(T));
+    if (bytes && !values.empty()) std::memcpy(values.data(), bytes, values.size() * sizeof(T));
 }
 
 // Notes an array that is shorter than `needed` and fills it up.
@@ -154,6 +154,7 @@ bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary,
     const QStringView text = found->second.childNode(u"Missing").text();
     if (text.isNull()) return false;
     decodeArray(document, text, codes);
+    std::reverse(codes.begin(), codes.end());
     return true;
 }
 

@@ -104,8 +104,9 @@ struct DataDictionary {
 };
 DataDictionary readDataDictionary(const ModelDocument &document);
 
-// Decodes the codes of the data field of that name that stand for a missing value; none when the
-// field has no list. The result tells whether there is a list, which may hold no code.
+// Decodes the codes of the data field of that name that stand for a missing value, the last first,
+// which is how all targets test them; none when the field has no list. The result tells whether
+// there is a list, which may hold no code.
 bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary, QStringView field,
                       std::vector<double> &codes);
 

@@ -90,7 +90,8 @@ void warnUnmatchedEndTag(Parser &p) {
 
 template <typename T>
 T *allocate(Parser &p, std::size_t count) {
-    return static_cast<T *>(p.document.blocks.allocate(count * sizeof(T), alignof(T)));
+    constexpr std::size_t size = sizeof(T); // NOLINT(bugprone-sizeof-expression): lists of pointers
+    return static_cast<T *>(p.document.blocks.allocate(count * size, alignof(T)));
 }
 
 // Moves the entries from `first` on out of a work list into the document.
@@ -227,7 +228,7 @@ bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
     decoded = raw;
     if (ampersand < 0) return true;
 
-    char16_t *const begin = allocate<char16_t>(p, static_cast<std::size_t>(raw.size()));
+    auto *const begin = allocate<char16_t>(p, static_cast<std::size_t>(raw.size()));
     char16_t *out = begin;
     while (ampersand >= 0) {
         out = std::copy_n(raw.utf16(), ampersand, out);
@@ -287,7 +288,7 @@ bool flushText(Parser &p, qsizetype end) {
 // --- Elements
 
 void openElement(Parser &p, QStringView name, bool isDeclaration) {
-    XmlElement *const element = new (allocate<XmlElement>(p, 1)) XmlElement;
+    auto *const element = new (allocate<XmlElement>(p, 1)) XmlElement;
     element->name = name;
     element->isDeclaration = isDeclaration;
     if (!p.open.empty()) {
@@ -363,7 +364,7 @@ bool readClear(Parser &p, const ClearTag *tag) {
     const QStringView rest(p.source + p.at, p.length - p.at);
     QStringView closing = tag->closing;
     if (tag == doctypeTag) {
-        const auto stop =
+        const auto *const stop =
             std::find_if(rest.begin(), rest.end(), [](QChar c) { return c == u'<' || c == u'>'; });
         if (stop != rest.end() && *stop == u'<') closing = doctypeSubsetEnd;
     }

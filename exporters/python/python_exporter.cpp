@@ -5,7 +5,7 @@
 #include "model/output_file.h"
 #include "model/text_buffer.h"
 
-#include <ranges>
+#include <algorithm>
 
 namespace {
 
@@ -73,7 +73,7 @@ void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
         return;
     }
     put(out, u"            if (isnan(data)");
-    for (const double code : codes | std::views::reverse) {
+    for (const double code : codes) {
         put(out, u"or (data==", streamNumber(code), u")");
     }
     put(out, u":\n");

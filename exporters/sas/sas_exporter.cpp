@@ -7,7 +7,6 @@
 #include "xml/platform.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace {
 
@@ -65,8 +64,8 @@ void putMissingTest(TextBuffer &out, const QString &field, bool isListed,
         put(out, u"   if (", field, u"=.");
         return;
     }
-    for (const double code : codes | std::views::reverse | std::views::drop(1)) {
-        put(out, u"|| (", field, u"==", streamNumber(code), u")");
+    for (std::size_t i = 1; i < codes.size(); ++i) {
+        put(out, u"|| (", field, u"==", streamNumber(codes[i]), u")");
     }
 }
 

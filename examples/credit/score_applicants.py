@@ -1,0 +1,32 @@
+#!/usr/bin/python3
+"""score_applicants.py MODULE: scores all applicants with the class QORVModel_Credit of a generated module."""
+
+import importlib.util
+import sys
+from pathlib import Path
+
+import pandas as pd
+
+HERE = Path(__file__).resolve().parent
+
+
+def load(path):
+    generated = importlib.util.spec_from_file_location("credit", path)
+    module = importlib.util.module_from_spec(generated)
+    generated.loader.exec_module(module)
+    return module.QORVModel_Credit()
+
+
+def main():
+    applicants = pd.read_csv(HERE / "applicants.csv").fillna({"Home": "", "Marital": "", "Records": "", "Job": ""})
+    result = load(sys.argv[1]).apply(applicants)
+    columns = ["Status", "Seniority", "Home", "Age", "Records", "Job", "Income", "Amount"]
+    print(pd.concat([applicants[columns], result.round(3)], axis=1).head(8).to_string(index=False))
+    risk = pd.qcut(result.Status_bad_proba, 5, labels=["lowest fifth", "2nd", "3rd", "4th", "highest fifth"])
+    bad = applicants.Status.eq("bad").groupby(risk).mean().mul(100).round(1)
+    print(f"\n{len(result)} applicants; bad payers among them, in per cent, by fifths of the risk that the class tells:")
+    print(bad.to_frame("bad payers").T.to_string())
+
+
+if __name__ == "__main__":
+    main()
