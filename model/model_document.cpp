@@ -3,6 +3,8 @@
 #include "model/output_file.h"
 #include "xml/platform.h"
 
+#include <QHash>
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -66,6 +68,10 @@ ModelDocument loadModel(const QString &fileName) {
     if (document.root.isEmpty() && equalsIgnoringCase(top.name(), rootName)) document.root = top;
     if (document.root.isEmpty()) document.problem = u"no element 'QRV_Model' found"_s;
     return document;
+}
+
+qsizetype expectedOutput(const ModelDocument &document) {
+    return 4 * document.root.sourceLength();
 }
 
 int reportProblem(const ModelDocument &document) {
@@ -166,17 +172,15 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
     decodeArray(document, node.childNode(u"betas").text(), betas);
     requireValues(document, betas, indexes.size() + 1, u"RegressionModel"_s, u"betas");
 
-    std::unordered_map<int, int> lastOfNumber;
-    lastOfNumber.reserve(models.size());
-    for (std::size_t k = 0; k < models.size(); ++k) {
-        lastOfNumber[models[k].number] = static_cast<int>(k);
+    QHash<int, int> lastOfNumber;
+    lastOfNumber.reserve(std::ssize(models));
+    for (int k = 0; k < static_cast<int>(models.size()); ++k) {
+        lastOfNumber.insert(models[static_cast<std::size_t>(k)].number, k);
     }
     Regression regression;
     regression.terms.reserve(indexes.size());
     for (std::size_t j = 0; j < indexes.size(); ++j) {
-        const auto found = lastOfNumber.find(indexes[j]);
-        const int model = found == lastOfNumber.end() ? -1 : found->second;
-        regression.terms.push_back({betas[j], indexes[j], model});
+        regression.terms.push_back({betas[j], indexes[j], lastOfNumber.value(indexes[j], -1)});
     }
     regression.constant = betas[indexes.size()];
     return regression;

@@ -27,6 +27,9 @@ struct ModelDocument {
 // the root is empty and the problem says why.
 ModelDocument loadModel(const QString &fileName);
 
+// The size that an output of this document hardly exceeds, in UTF-16 units.
+qsizetype expectedOutput(const ModelDocument &document);
+
 // Prints the document's problem as one line and returns exitUnusableModel.
 int reportProblem(const ModelDocument &document);
 

@@ -17,6 +17,11 @@
 
 class TextBuffer {
 public:
+    TextBuffer() = default;
+    // A buffer that is expected to take about so many units. Room is promised for them, but it is
+    // not touched before it is used.
+    explicit TextBuffer(qsizetype expected);
+
     QStringView text() const { return {units.get(), used}; }
 
     // Makes room for `count` more units and returns where they go; the caller fills all of them.
@@ -32,6 +37,7 @@ private:
         void operator()(char16_t *memory) const { std::free(memory); }
     };
 
+    bool resize(qsizetype newCapacity);
     void enlarge(qsizetype count);
 
     std::unique_ptr<char16_t[], Free> units;

@@ -16,5 +16,10 @@ bool isUtf16Text(QByteArrayView bytes);
 // Text in the system's 8-bit code page, a unit for a byte: `text` has room for bytes.size() units.
 void decodeAnsi(QByteArrayView bytes, char16_t *text);
 
+// Asks for large memory pages under a block that is going to be filled once: a page that is touched
+// for the first time costs more than filling it. Does nothing for small blocks or where there are
+// no large pages.
+void preferLargePages(void *block, std::size_t bytes);
+
 // Writes to standard output. On this system's console texts are UTF-8.
 void printText(QStringView text);

@@ -2,6 +2,9 @@
 
 #include <QStringEncoder>
 
+#include <memory>
+
+#include <sys/mman.h>
 #include <sys/stat.h>
 
 std::FILE *openFile(const QString &fileName, const char *mode) {
@@ -34,6 +37,15 @@ void decodeAnsi(QByteArrayView bytes, char16_t *text) {
         const auto value = static_cast<unsigned char>(byte);
         *text++ = value >= 0x80 && value <= 0x9F ? from80to9F[value - 0x80] : value;
     }
+}
+
+void preferLargePages(void *block, std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+    constexpr std::size_t largePage = 1 << 21;
+    if (bytes < 2 * largePage) return;
+    void *start = block;
+    if (std::align(largePage, largePage, start, bytes)) madvise(start, bytes, MADV_HUGEPAGE);
+#endif
 }
 
 void printText(QStringView text) {

@@ -28,10 +28,15 @@ struct XmlElement {
 };
 
 struct XmlDocument {
-    std::unique_ptr<char16_t[]> buffer; // ends in a zero unit
-    const char16_t *source = nullptr;   // the text in the buffer, after its mark
-    qsizetype length = 0;               // units before the first zero unit
-    std::pmr::monotonic_buffer_resource blocks{1 << 14};
+    // Takes over a text that ends in a zero unit, of which the first `skipped` units are left out.
+    XmlDocument(std::unique_ptr<char16_t[]> text, qsizetype skipped);
+
+    std::unique_ptr<char16_t[]> buffer;
+    const char16_t *source;
+    qsizetype length; // units before the first zero unit
+    // A tree is seldom larger than its text, so the first block holds all of most trees.
+    std::unique_ptr<std::byte[]> firstBlock;
+    std::pmr::monotonic_buffer_resource blocks;
     int handles = 0; // of all elements together
 };
 

@@ -20,7 +20,9 @@ std::unique_ptr<char16_t[]> allocateText(qsizetype units) {
     constexpr qsizetype zeros = 3;
     std::unique_ptr<char16_t[]> text(
         new (std::nothrow) char16_t[static_cast<std::size_t>(units + zeros)]);
-    if (text) std::fill_n(text.get() + units, zeros, u'\0');
+    if (!text) return text;
+    preferLargePages(text.get(), static_cast<std::size_t>(units) * sizeof(char16_t));
+    std::fill_n(text.get() + units, zeros, u'\0');
     return text;
 }
 
@@ -45,46 +47,39 @@ FileBytes readFile(const QString &fileName) {
     return file;
 }
 
-// 8-bit text up to its first zero byte.
-bool decodeNarrow(QByteArrayView bytes, XmlDocument &document) {
+// The text of 8-bit bytes up to the first zero byte; null when memory is short.
+std::unique_ptr<char16_t[]> decodeNarrow(QByteArrayView bytes) {
     const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
     if (isUtf8) bytes = bytes.sliced(3);
     bytes.truncate(
         static_cast<qsizetype>(qstrnlen(bytes.data(), static_cast<size_t>(bytes.size()))));
     // A decoder without this flag would drop a second mark.
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-    document.buffer = allocateText(isUtf8 ? utf8.requiredSpace(bytes.size()) : bytes.size());
-    if (!document.buffer) return false;
-    char16_t *const text = document.buffer.get();
-    if (isUtf8) {
-        *utf8.appendToBuffer(reinterpret_cast<QChar *>(text), bytes) = u'\0';
-    } else {
-        decodeAnsi(bytes, text);
+    auto text = allocateText(isUtf8 ? utf8.requiredSpace(bytes.size()) : bytes.size());
+    if (text && isUtf8) {
+        *utf8.appendToBuffer(reinterpret_cast<QChar *>(text.get()), bytes) = u'\0';
+    } else if (text) {
+        decodeAnsi(bytes, text.get());
     }
-    document.source = text;
-    return true;
+    return text;
 }
 
 } // namespace
 
 XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseResult *results) {
     FileBytes file = readFile(fileName);
-    auto document = std::make_unique<XmlDocument>();
+    qsizetype mark = 0; // units before the text
     if (file.error == XmlError::NoError) {
-        if (isUtf16Text(file.bytes())) {
-            const bool isMarked =
-                file.bytes().startsWith("\xEF\xFF") || file.bytes().startsWith("\xFF\xFE");
-            document->buffer = std::move(file.buffer);
-            document->source = document->buffer.get() + (isMarked ? 1 : 0);
-        } else if (!decodeNarrow(file.bytes(), *document)) {
-            file.error = XmlError::WideCharConversionError;
+        if (!isUtf16Text(file.bytes())) {
+            file.buffer = decodeNarrow(file.bytes());
+            if (!file.buffer) file.error = XmlError::WideCharConversionError;
+        } else if (file.bytes().startsWith("\xEF\xFF") || file.bytes().startsWith("\xFF\xFE")) {
+            mark = 1;
         }
     }
     if (file.error != XmlError::NoError) {
         if (results) *results = {file.error};
         return {};
     }
-    file.buffer.reset();
-    document->length = QStringView(document->source).size();
-    return parseXml(document.release(), tag, results);
+    return parseXml(new XmlDocument(std::move(file.buffer), mark), tag, results);
 }

@@ -2,6 +2,9 @@
 
 #include "xml/xml_document.h"
 
+#include <QHash>
+#include <QVarLengthArray>
+
 #include <algorithm>
 #include <climits>
 #include <utility>
@@ -63,9 +66,10 @@ bool equalsIgnoringCase(QStringView a, QStringView b) {
 }
 
 std::size_t hashIgnoringCase(QStringView text) {
-    std::size_t hash = 14695981039346656037U; // FNV-1a
-    for (const QChar c : text) hash = (hash ^ foldAscii(c.unicode())) * 1099511628211U;
-    return hash;
+    QVarLengthArray<char16_t, 64> folded(text.size());
+    std::transform(text.utf16(), text.utf16() + text.size(), folded.begin(), foldAscii);
+    // The seed differs from run to run, so no document can be made of names that all collide.
+    return qHash(QStringView(folded.data(), folded.size()), QHashSeed::globalSeed());
 }
 
 XmlNode::XmlNode(XmlDocument *owner, XmlElement *record) : document(owner), element(record) {
@@ -194,6 +198,10 @@ int XmlNode::clearCount() const {
 
 int XmlNode::attributeCount() const {
     return element ? element->attributeCount : 0;
+}
+
+qsizetype XmlNode::sourceLength() const {
+    return document ? document->length : 0;
 }
 
 int xmlToInt(QStringView value, int defaultValue) {

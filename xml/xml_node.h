@@ -126,6 +126,9 @@ public:
     int clearCount() const;
     int attributeCount() const;
 
+    // The length of the text that the whole tree was read from, in units.
+    qsizetype sourceLength() const;
+
 private:
     XmlNode(XmlDocument *owner, XmlElement *record);
     friend XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results);

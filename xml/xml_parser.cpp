@@ -1,5 +1,6 @@
 // Tokens and elements. One loop with a stack of its own takes the place of recursion, so that no
 // document can exhaust the process's stack.
+#include "xml/platform.h"
 #include "xml/xml_document.h"
 
 #include <algorithm>
@@ -478,7 +479,18 @@ bool isWarning(XmlError error) {
            error == XmlError::NoXmlTagFound;
 }
 
+std::size_t firstBlockSize(qsizetype length) {
+    return static_cast<std::size_t>(length) * sizeof(char16_t) + 4096;
+}
+
 } // namespace
+
+XmlDocument::XmlDocument(std::unique_ptr<char16_t[]> text, qsizetype skipped)
+    : buffer(std::move(text)), source(buffer.get() + skipped), length(QStringView(source).size()),
+      firstBlock(new std::byte[firstBlockSize(length)]),
+      blocks(firstBlock.get(), firstBlockSize(length)) {
+    preferLargePages(firstBlock.get(), firstBlockSize(length));
+}
 
 XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results) {
     Parser p{*document, document->source, document->length};
@@ -515,11 +527,8 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
         if (results) *results = {XmlError::NoElementsFound};
         return {};
     }
-    auto document = std::make_unique<XmlDocument>();
-    const qsizetype zero = text.indexOf(u'\0');
-    document->length = zero < 0 ? text.size() : zero;
-    document->buffer = std::make_unique<char16_t[]>(static_cast<std::size_t>(document->length) + 1);
-    document->source = document->buffer.get();
-    std::copy_n(text.utf16(), document->length, document->buffer.get());
-    return parseXml(document.release(), tag, results);
+    const auto size = static_cast<std::size_t>(text.size());
+    auto buffer = std::make_unique<char16_t[]>(size + 1);
+    std::copy_n(text.utf16(), size, buffer.get());
+    return parseXml(new XmlDocument(std::move(buffer), 0), tag, results);
 }

@@ -164,7 +164,7 @@ int exportToPython(const QString &modelFile, const QString &moduleFile, const QS
     if (!document.problem.isEmpty()) return reportProblem(document);
     const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
 
-    TextBuffer out;
+    TextBuffer out(expectedOutput(document));
     putBanner(out, document, models);
     put(out, pythonImports);
     put(out, u"class QORVModel_", className.isEmpty() ? classNameOf(modelFile) : className, u":\n");

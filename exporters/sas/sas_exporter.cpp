@@ -161,7 +161,7 @@ int exportToSas(const QString &modelFile, const QString &scriptFile) {
     }
     const QString prefix = targetPrefix(document, cleanedCharacters);
 
-    TextBuffer out;
+    TextBuffer out(expectedOutput(document));
     putBanner(out, document, models);
     putRecodings(out, document, models);
     putScore(out, document, models, prefix);
