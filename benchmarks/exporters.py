@@ -1,0 +1,77 @@
+#!/usr/bin/python3
+"""exporters.py [N...]: runs every exporter on models of N variables (100 1000 10000 100000).
+
+Prints the least processor time of several rounds, the peak memory, the time for each byte written, the memory as a
+multiple of the document's size, and the growth from one N to the next. SCOREWRIGHT names the program
+(build/scorewright)."""
+
+import os
+import random
+import sys
+import tempfile
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+sys.path.insert(0, str(ROOT / "tests"))
+import support  # noqa: E402
+
+PROGRAM = os.environ.get("SCOREWRIGHT", str(ROOT / "build" / "scorewright"))
+OPTIONS = {
+    "sas": ["-a", "model.ModelXml", "out"],
+    "python": ["-p", "model.ModelXml", "out", "Model"],
+}
+
+
+def model(count):
+    """Two thirds numeric variables of 20 bounds, one third categorical ones of 12 values, in UTF-16."""
+    rnd = random.Random(count)
+    models = []
+    for k in range(1, count + 1):
+        if k % 3:
+            bounds = sorted(rnd.uniform(-1000, 1000) for _ in range(20))
+            models.append(support.numeric(k, f"months on book {k}", bounds, [rnd.uniform(-2, 2) for _ in range(22)]))
+        else:
+            values = [f"skilled worker {i}" for i in range(12)]
+            models.append(support.categorical(k, f"kind of work {k}", values, [rnd.uniform(-2, 2) for _ in range(13)]))
+    terms = [(k, rnd.uniform(-1, 1)) for k in range(1, count + 1)]
+    rnd.shuffle(terms)
+    table = [(3 - i / 10, 0.9 - i / 100) for i in range(60)]
+    fields = {f"months_on_book_{k}": [-1.0, 99.0] for k in range(10, count + 1, 30)}
+    return support.document(models, terms, 0.5, table=table, missing=fields).replace("><", ">\n<")
+
+
+def run(folder, arguments):
+    """Processor time in seconds and peak memory in bytes."""
+    child = os.fork()
+    if child == 0:
+        os.chdir(folder)
+        os.dup2(os.open(os.devnull, os.O_WRONLY), 1)
+        os.execv(PROGRAM, [PROGRAM, *arguments])
+    _, status, usage = os.wait4(child, 0)
+    if status != 0:
+        sys.exit(f"{arguments} ended with {os.waitstatus_to_exitcode(status)}")
+    return usage.ru_utime + usage.ru_stime, usage.ru_maxrss * 1024
+
+
+def main():
+    counts = [int(argument) for argument in sys.argv[1:]] or [100, 1000, 10000, 100000]
+    before = {}
+    print("exporter       N  doc MB  out MB   cpu ms  ns/byte  peak MB  peak/doc  growth")
+    for count in counts:
+        with tempfile.TemporaryDirectory() as name:
+            folder = Path(name)
+            document = folder / "model.ModelXml"
+            document.write_bytes(b"\xff\xfe" + model(count).encode("utf-16-le"))
+            size = document.stat().st_size
+            for exporter, arguments in OPTIONS.items():
+                figures = [run(folder, arguments) for _ in range(3 if count > 10000 else 10)]
+                time, memory = min(f[0] for f in figures), max(f[1] for f in figures)
+                written = (folder / "out").stat().st_size
+                growth = f"{time / before[exporter]:7.2f}" if exporter in before else ""
+                before[exporter] = time
+                print(f"{exporter:8} {count:7} {size / 1e6:7.2f} {written / 1e6:7.2f} {time * 1e3:8.1f} "
+                      f"{time * 1e9 / written:8.2f} {memory / 1e6:8.1f} {memory / size:9.2f} {growth}", flush=True)
+
+
+if __name__ == "__main__":
+    main()
