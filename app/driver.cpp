@@ -2,6 +2,7 @@
 
 #include "exporters/python/python_exporter.h"
 #include "exporters/sas/sas_exporter.h"
+#include "exporters/vba/vba_exporter.h"
 #include "xml/platform.h"
 
 #include <algorithm>
@@ -36,6 +37,7 @@ struct Option {
 // In the order in which they are tried.
 constexpr Option options[] = {
     {u"-a", 2, 2, [](const Operands &o) { return exportToSas(o[0], o[1]); }},
+    {u"-e", 2, 2, [](const Operands &o) { return exportToVba(o[0], o[1]); }},
     {u"-p", 2, 3, [](const Operands &o) { return exportToPython(o[0], o[1], o[2]); }},
 };
 

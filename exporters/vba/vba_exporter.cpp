@@ -1,0 +1,209 @@
+#include "exporters/vba/vba_exporter.h"
+
+#include "exporters/vba/vba_text.h"
+#include "model/model_document.h"
+#include "model/output_file.h"
+#include "model/text_buffer.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <variant>
+
+namespace {
+
+constexpr QStringView cleanedCharacters = u"\"%'-() /.";
+constexpr int mostLinesOfStatement = 24;
+
+struct Place {
+    QStringView name;
+    std::variant<QStringView, std::ptrdiff_t, double> value;
+};
+
+// Appends a fixed stretch with its places filled; each must be among those given.
+void fill(TextBuffer &out, QStringView stretch, std::initializer_list<Place> places) {
+    for (qsizetype open = stretch.indexOf(u'{'); open >= 0; open = stretch.indexOf(u'{')) {
+        const qsizetype close = stretch.indexOf(u'}', open);
+        const QStringView name = stretch.sliced(open + 1, close - open - 1);
+        const Place &place = *std::ranges::find(places, name, &Place::name);
+        put(out, stretch.first(open));
+        std::visit([&](const auto &value) { put(out, value); }, place.value);
+        stretch = stretch.sliced(close + 1);
+    }
+    put(out, stretch);
+}
+
+void putBanner(TextBuffer &out, const ModelDocument &document,
+               const std::vector<UnivModel> &models) {
+    fill(out, vbaBanner,
+         {{u"version", document.root.childNode(u"Header").attribute(u"version")},
+          {u"file", document.fileName},
+          {u"count", std::ssize(models)}});
+    for (const UnivModel &model : models) {
+        put(out, u"' *  ", model.cleanField, u"  <->  ", model.recodingName, u"            *\n");
+    }
+    put(out, vbaBannerEnd);
+}
+
+// `routine` is what the block leaves when a sheet or a title is not found: "Function" or "Sub".
+void putInitialisation(TextBuffer &out, const std::vector<UnivModel> &models, QStringView routine) {
+    fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(models)}});
+    std::ptrdiff_t position = 0;
+    for (const UnivModel &model : models) {
+        put(out, u"     variableNames(", ++position, u")=\"", escapeQuotes(model.field), u"\"\n");
+    }
+    fill(out, vbaTitleSearch, {{u"exit", routine}});
+}
+
+// A cell that holds a truth value shows these texts.
+QStringView shownInCell(QStringView value) {
+    if (value == u"TRUE") return u"True";
+    if (value == u"FALSE") return u"False";
+    return value;
+}
+
+void putCategorical(TextBuffer &out, const UnivModel &model, std::ptrdiff_t position,
+                    const CategoricalRecoding &recoding) {
+    const QString &name = model.recodingName;
+    fill(out, vbaCategoryOfCell,
+         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"position", position}});
+    for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
+        const QStringView value = recoding.values[i - 1];
+        if (recoding.isBoolean) {
+            put(out, u"    Case Is =\"", escapeQuotes(value));
+        } else {
+            put(out, u"    Case Is = \"", escapeQuotes(shownInCell(value)));
+        }
+        put(out, u"\"\n      ", name, u"=", recoding.score(i), u"\n");
+    }
+    put(out, u"   End Select\n");
+}
+
+// Without a Case Else: a cell that is empty or no number keeps the first score.
+void putNumeric(TextBuffer &out, const UnivModel &model, std::ptrdiff_t position,
+                const NumericRecoding &recoding, const std::vector<double> &codes) {
+    const QString &name = model.recodingName;
+    const std::vector<double> &y = recoding.y;
+    const double upperTail = y[recoding.x.size() + 1];
+
+    fill(out, vbaNumberOfCell, {{u"recoding", name}, {u"missing", y[0]}, {u"position", position}});
+    for (const double code : codes) {
+        put(out, u"    Case Is =", streamNumber(code), u"\n", name, u" = ", y[0], u"\n");
+    }
+    put(out, u"    Case Is <", recoding.x.front(), u"\n      ", name, u"=", y[1], u"\n");
+    put(out, u"    Case Is >", recoding.x.back(), u"\n      ", name, u"=", upperTail, u"\n");
+    forEachInnerInterval(recoding, [&](double bound, double score) {
+        put(out, u"    Case Is <=", bound, u"\n      ", name, u"=", score, u"\n");
+    });
+    put(out, u"   End Select\n  End If\n");
+}
+
+void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+    const DataDictionary dictionary = readDataDictionary(document);
+    CategoricalRecoding categorical;
+    NumericRecoding numeric;
+    std::vector<double> codes;
+    std::ptrdiff_t position = 0;
+    for (const UnivModel &model : models) {
+        ++position;
+        fill(out, vbaRecodingHead,
+             {{u"recoding", model.recodingName},
+              {u"type", model.node.attribute(u"type")},
+              {u"label", model.node.attribute(u"displayName")}});
+        if (model.isCategorical) {
+            readCategoricalRecoding(document, model, categorical);
+            putCategorical(out, model, position, categorical);
+        } else {
+            readNumericRecoding(document, model, numeric);
+            readMissingCodes(document, dictionary, model.cleanField, codes);
+            putNumeric(out, model, position, numeric, codes);
+        }
+    }
+}
+
+// Puts every term on a line of its own, in as many statements as the language's limit of
+// continued lines asks for.
+void putTerms(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {
+    put(out, u"\n\n'   computing the regression Model\n  score = ", regression.constant);
+    int lines = 2;
+    for (const RegressionTerm &term : regression.terms) {
+        if (lines != mostLinesOfStatement) {
+            put(out, u" _\n");
+            ++lines;
+        } else {
+            put(out, u"\n score  = score _\n");
+            lines = 1;
+        }
+        put(out, u"        + ", term.coefficient, u"* ", recodingName(models, term));
+    }
+    put(out, u"\n\n");
+}
+
+void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+    const Regression regression = readRegression(document, models);
+    put(out, u"\n\n'  for debug:\n'  Dim vdebug(", std::ssize(regression.terms), u") As Double\n");
+    std::ptrdiff_t position = 0;
+    for (const RegressionTerm &term : regression.terms) {
+        put(out, u"'  vdebug(", ++position, u") = ", recodingName(models, term), u"\n");
+    }
+    putTerms(out, models, regression);
+}
+
+void putProbability(TextBuffer &out, ModelDocument &document) {
+    const ProbabilityTable table = readProbabilityTable(document);
+    if (!table.exists) {
+        put(out, u"  QorvPrediction_1 = score\n");
+        return;
+    }
+    const std::size_t last = table.x.size() - 1;
+    put(out, u"'  computing the probability\n   Dim proba as Double\n   proba=0\n");
+    put(out, u"   Select Case score\n");
+    put(out, u"   Case Is > ", table.x[0], u"\n    proba=", table.y[0], u"\n");
+    put(out, u"   Case Is < ", table.x[last], u"\n    proba=", table.y[last], u"\n");
+    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::LeftOut)) {
+        put(out, u"   Case Is > ", segment.threshold, u"\n    proba=", segment.intercept,
+            u"+ score*", segment.slope, u"\n");
+    }
+    put(out, u"End Select\n  QorvPrediction_1 = proba\n");
+}
+
+void putRangeChecks(TextBuffer &out, ModelDocument &document,
+                    const std::vector<UnivModel> &models) {
+    NumericRecoding numeric;
+    std::ptrdiff_t position = 0;
+    for (const UnivModel &model : models) {
+        ++position;
+        if (model.isCategorical) continue;
+        readNumericRecoding(document, model, numeric);
+        fill(out, vbaRangeCheck,
+             {{u"recoding", model.recodingName},
+              {u"position", position},
+              {u"lowest", numeric.x.front()},
+              {u"highest", numeric.x.back()}});
+    }
+}
+
+} // namespace
+
+int exportToVba(const QString &modelFile, const QString &moduleFile) {
+    ModelDocument document = loadModel(modelFile);
+    if (!document.problem.isEmpty()) return reportProblem(document);
+    const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
+
+    TextBuffer out(expectedOutput(document));
+    put(out, vbaDeclarations);
+    putBanner(out, document, models);
+    put(out, vbaFunctionHead);
+    putInitialisation(out, models, u"Function");
+    put(out, vbaRowDeclarations);
+    putRecodings(out, document, models);
+    putScore(out, document, models);
+    putProbability(out, document);
+    put(out, vbaRangeHead);
+    putInitialisation(out, models, u"Sub");
+    put(out, vbaRangeRows);
+    putRangeChecks(out, document, models);
+    put(out, vbaRangeEnd);
+
+    if (!document.problem.isEmpty()) return reportProblem(document);
+    return writeScript(moduleFile, out.text());
+}
