@@ -19,8 +19,8 @@ PLAIN = DOCUMENTS["logistic"]
 class ProgramLineTest(ProgramTest):
     def test_usage(self):
         self.write("m", PLAIN)
-        for arguments in [[], ["-a"], ["-a", "m"], ["-p", "m"], ["-A", "m", "out"], ["/a", "m", "out"], ["", "m", "out"],
-                          ["-as", "m", "out"], ["m", "-a", "out"]]:
+        for arguments in [[], ["-a"], ["-a", "m"], ["-p", "m"], ["-e", "m"], ["-A", "m", "out"], ["/a", "m", "out"],
+                          ["", "m", "out"], ["-as", "m", "out"], ["m", "-a", "out"]]:
             with self.subTest(arguments):
                 self.assertEqual(self.run_program(*arguments), (1, USAGE))
         self.assertFalse((self.folder / "out").exists())
@@ -41,7 +41,7 @@ class ProgramLineTest(ProgramTest):
     def test_outputs_that_cannot_be_written(self):
         self.write("m", PLAIN)
         (self.folder / "folder").mkdir()
-        for option in ["-a", "-p"]:
+        for option in ["-a", "-e", "-p"]:
             for output in ["no/such/folder", "folder", ""]:
                 self.assertEqual(self.run_program(option, "m", output),
                                  (6, f"Cannot open file '{output}' for writing.\n"))
@@ -50,10 +50,12 @@ class ProgramLineTest(ProgramTest):
     def test_marks_and_line_ends(self):
         self.write("m", PLAIN)
         self.run_program("-a", "m", "out.sas")
+        self.run_program("-e", "m", "out.bas")
         self.run_program("-p", "m", "out.py")
         self.assertTrue((self.folder / "out.sas").read_bytes().startswith(b"\xff\xfe/\0*\0"))
+        self.assertTrue((self.folder / "out.bas").read_bytes().startswith(b"\xff\xfe'\0 \0"))
         self.assertTrue((self.folder / "out.py").read_bytes().startswith(b"\xef\xbb\xbf'''\n"))
-        self.assertNotIn("\r", self.read("out.sas") + self.read("out.py"))
+        self.assertNotIn("\r", self.read("out.sas") + self.read("out.bas") + self.read("out.py"))
 
     def test_unusable_documents_leave_the_output_alone(self):
         model = numeric(3, "the field", [1, 2], [1, 2, 3, 4])
@@ -78,7 +80,7 @@ class ProgramLineTest(ProgramTest):
         for text, problem in cases.items():
             with self.subTest(problem):
                 name = "none" if text is None else self.write("m", text, "utf-8")
-                for option in ["-a", "-p"]:
+                for option in ["-a", "-e", "-p"]:
                     status, printed = self.run_program(option, name, "out")
                     self.assertEqual(status, 8)
                     self.assertEqual(printed.count("\n"), 1)
@@ -94,8 +96,8 @@ class ProgramLineTest(ProgramTest):
                      document([boolean], [], 0).replace('<?xml version="1.0"?>', ""),
                      document([boolean], [], 0).replace("QRV_Model", "qrv_MODEL"),
                      document([boolean], [], 0).replace("</QRV_Model>", "")]:
-            self.convert("-a", text)
-            self.convert("-p", text)
+            for option in ["-a", "-e", "-p"]:
+                self.convert(option, text)
 
     def test_what_sas_alone_refuses(self):
         self.write("out", "as it was")
@@ -110,6 +112,8 @@ class ProgramLineTest(ProgramTest):
         self.assertEqual(self.read("out"), "as it was")
         self.assertEqual(self.run_program("-p", "m", "out"), (0, ""))
         self.assertIn("s=dfOutScore[line]=0 + 1 * R0_e + 1 * \n", self.read("out"))
+        self.assertEqual(self.run_program("-e", "m", "out"), (0, "Conversion successful!\n"))
+        self.assertIn("        + 1* R0_e _\n        + 1* \n\n", self.read("out"))
 
     def test_numbers_of_models(self):
         """Without anything after the first character the number is -1, without digits 0; the last model wins."""
