@@ -1,5 +1,6 @@
 #include "app/driver.h"
 
+#include "exporters/html/html_exporter.h"
 #include "exporters/python/python_exporter.h"
 #include "exporters/sas/sas_exporter.h"
 #include "exporters/vba/vba_exporter.h"
@@ -38,6 +39,7 @@ struct Option {
 constexpr Option options[] = {
     {u"-a", 2, 2, [](const Operands &o) { return exportToSas(o[0], o[1]); }},
     {u"-e", 2, 2, [](const Operands &o) { return exportToVba(o[0], o[1]); }},
+    {u"-h", 1, 3, [](const Operands &o) { return exportToHtml(o[0], o[1], o[2]); }},
     {u"-p", 2, 3, [](const Operands &o) { return exportToPython(o[0], o[1], o[2]); }},
 };
 

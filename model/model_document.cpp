@@ -15,10 +15,6 @@ static_assert(std::endian::native == std::endian::little, "arrays are read as th
 
 namespace {
 
-void noteProblem(ModelDocument &document, const QString &problem) {
-    if (document.problem.isEmpty()) document.problem = problem;
-}
-
 // How messages call the element that an array belongs to.
 QString describe(const XmlNode &node) {
     if (!equalsIgnoringCase(node.name(), u"Model")) return node.name().toString();
@@ -43,13 +39,12 @@ void requireValues(ModelDocument &document, std::vector<double> &values, std::si
     values.resize(needed);
 }
 
-void readArray(ModelDocument &document, const XmlNode &owner, QStringView array, std::size_t needed,
-               std::vector<double> &values) {
-    decodeArray(document, owner.childNode(array).text(), values);
-    if (values.size() < needed) requireValues(document, values, needed, describe(owner), array);
-}
-
 } // namespace
+
+XmlNode rootElement(const XmlNode &parsed, QStringView name) {
+    const XmlNode root = parsed.childNode(name);
+    return root.isEmpty() && equalsIgnoringCase(parsed.name(), name) ? parsed : root;
+}
 
 ModelDocument loadModel(const QString &fileName) {
     ModelDocument document;
@@ -63,9 +58,7 @@ ModelDocument loadModel(const QString &fileName) {
         }
         return document;
     }
-    constexpr QStringView rootName = u"QRV_Model";
-    document.root = top.childNode(rootName);
-    if (document.root.isEmpty() && equalsIgnoringCase(top.name(), rootName)) document.root = top;
+    document.root = rootElement(top, u"QRV_Model");
     if (document.root.isEmpty()) document.problem = u"no element 'QRV_Model' found"_s;
     return document;
 }
@@ -74,9 +67,24 @@ qsizetype expectedOutput(const ModelDocument &document) {
     return 4 * document.root.sourceLength();
 }
 
+void noteProblem(ModelDocument &document, const QString &problem) {
+    if (document.problem.isEmpty()) document.problem = problem;
+}
+
 int reportProblem(const ModelDocument &document) {
     printText(u"Cannot convert model '%1': %2.\n"_s.arg(document.fileName, document.problem));
     return exitUnusableModel;
+}
+
+void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                 std::size_t needed, std::vector<double> &values) {
+    decodeArray(document, owner.childNode(array).text(), values);
+    if (values.size() < needed) requireValues(document, values, needed, describe(owner), array);
+}
+
+void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                  std::vector<int> &values) {
+    decodeArray(document, owner.childNode(array).text(), values);
 }
 
 QString cleanName(QStringView text, QStringView replaced) {
@@ -116,8 +124,8 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
 
 void readNumericRecoding(ModelDocument &document, const UnivModel &model,
                          NumericRecoding &recoding) {
-    readArray(document, model.node, u"x", 1, recoding.x);
-    readArray(document, model.node, u"y", recoding.x.size() + 2, recoding.y);
+    readNumbers(document, model.node, u"x", 1, recoding.x);
+    readNumbers(document, model.node, u"y", recoding.x.size() + 2, recoding.y);
 }
 
 void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
@@ -132,7 +140,7 @@ void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
     recoding.isBoolean = model.node.attribute(u"tname") == u"bb64";
     const std::size_t count = recoding.values.size();
     const std::size_t needed = 1 + (recoding.isBoolean && count > 0 ? (count <= 5 ? 1 : 2) : count);
-    readArray(document, model.node, u"y", needed, recoding.y);
+    readNumbers(document, model.node, u"y", needed, recoding.y);
 }
 
 DataDictionary readDataDictionary(const ModelDocument &document) {
@@ -168,9 +176,8 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
     const XmlNode node = document.root.childNode(u"RegressionModel");
     std::vector<int> indexes;
     std::vector<double> betas;
-    decodeArray(document, node.childNode(u"indexes").text(), indexes);
-    decodeArray(document, node.childNode(u"betas").text(), betas);
-    requireValues(document, betas, indexes.size() + 1, u"RegressionModel"_s, u"betas");
+    readIntegers(document, node, u"indexes", indexes);
+    readNumbers(document, node, u"betas", indexes.size() + 1, betas);
 
     QHash<int, int> lastOfNumber;
     lastOfNumber.reserve(std::ssize(models));
@@ -205,8 +212,8 @@ ProbabilityTable readProbabilityTable(ModelDocument &document) {
     ProbabilityTable table;
     table.exists = !node.isEmpty();
     if (table.exists) {
-        readArray(document, node, u"x", 1, table.x);
-        readArray(document, node, u"y", table.x.size(), table.y);
+        readNumbers(document, node, u"x", 1, table.x);
+        readNumbers(document, node, u"y", table.x.size(), table.y);
     }
     return table;
 }

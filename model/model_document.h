@@ -23,6 +23,10 @@ struct ModelDocument {
     Base64Decoder decoder; // reused for all arrays
 };
 
+// The element of that name at the top of a parsed file. Without XML declaration, the parser returns
+// that element itself instead of one that holds it.
+XmlNode rootElement(const XmlNode &parsed, QStringView name);
+
 // Loads a model document. Without a readable file, an acceptable document or a "QRV_Model" in it
 // the root is empty and the problem says why.
 ModelDocument loadModel(const QString &fileName);
@@ -30,8 +34,22 @@ ModelDocument loadModel(const QString &fileName);
 // The size that an output of this document hardly exceeds, in UTF-16 units.
 qsizetype expectedOutput(const ModelDocument &document);
 
+// Takes down why the document cannot be converted, unless another reason came first.
+void noteProblem(ModelDocument &document, const QString &problem);
+
 // Prints the document's problem as one line and returns exitUnusableModel.
 int reportProblem(const ModelDocument &document);
+
+// --- Arrays
+
+// Reads the child `array` of `owner`, which holds 64-bit numbers; an absent one is empty. One of
+// less than `needed` values is a problem, and is filled up.
+void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                 std::size_t needed, std::vector<double> &values);
+
+// The same for 32-bit integers, of which any number will do.
+void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                  std::vector<int> &values);
 
 // --- Names
 

@@ -8,6 +8,15 @@ using namespace Qt::Literals::StringLiterals;
 
 static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
 
+namespace {
+
+void writeUtf8(std::FILE *file, QStringView text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
+}
+
+} // namespace
+
 int writeOutputFile(const QString &fileName, QStringView text, OutputEncoding encoding) {
     std::FILE *const file = openFile(fileName, "wb");
     if (!file) {
@@ -26,8 +35,7 @@ int writeOutputFile(const QString &fileName, QStringView text, OutputEncoding en
     if (encoding == OutputEncoding::Utf16) {
         std::fwrite(text.utf16(), sizeof(char16_t), static_cast<std::size_t>(text.size()), file);
     } else {
-        const QByteArray bytes = text.toUtf8();
-        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
+        writeUtf8(file, text);
     }
     std::fclose(file);
     return exitSuccess;
@@ -37,4 +45,11 @@ int writeScript(const QString &fileName, QStringView text) {
     const int status = writeOutputFile(fileName, text, OutputEncoding::Utf16);
     if (status == exitSuccess) printText(u"Conversion successful!\n");
     return status;
+}
+
+void writePage(const QString &fileName, QStringView text) {
+    std::FILE *const file = openFile(fileName, "wb");
+    if (!file) return;
+    writeUtf8(file, text);
+    std::fclose(file);
 }

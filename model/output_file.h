@@ -25,3 +25,7 @@ int writeOutputFile(const QString &fileName, QStringView text, OutputEncoding en
 
 // The same in UTF-16, and a message of success.
 int writeScript(const QString &fileName, QStringView text);
+
+// Creates or replaces the file and writes the text in UTF-8 without mark. Prints nothing: a file
+// that cannot be opened is left alone.
+void writePage(const QString &fileName, QStringView text);

@@ -1,0 +1,144 @@
+#include "exporters/html/canvas_tags.h"
+
+#include "xml/platform.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr std::array<QStringView, tagKinds> openings = {
+    u"[QRV_SCRIPT",      u"[QRV_ALL_QUESTIONS", u"[QRV_QUESTION",     u"[QRV_DYN_SCALE",
+    u"[QRV_GRAPHICS",    u"[QRV_ANSWER",        u"[QRV_SUBMIT",       u"[QRV_STRING_UNKNOWN",
+    u"[QRV_STRING_TRUE", u"[QRV_STRING_FALSE",  u"[QRV_STRING_SUBMIT"};
+
+constexpr TagKind kindAt(std::size_t position) {
+    return static_cast<TagKind>(position);
+}
+
+bool isBlank(QChar c) {
+    return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n';
+}
+
+bool hasValue(TagKind kind) {
+    return kind == TagKind::Question || kind == TagKind::Answer || kind >= TagKind::UnknownLabel;
+}
+
+qsizetype skipBlanks(QStringView canvas, qsizetype at) {
+    while (at < canvas.size() && isBlank(canvas[at])) ++at;
+    return at;
+}
+
+std::optional<int> wholeNumber(QStringView text) {
+    const bool isNegative = text.startsWith(u'-');
+    const QStringView digits = text.sliced(isNegative || text.startsWith(u'+') ? 1 : 0);
+    qint64 number = 0;
+    for (const QChar c : digits) {
+        if (c < u'0' || c > u'9') return {};
+        number = 10 * number + (c.unicode() - u'0');
+        if (number > -qint64(std::numeric_limits<int>::min())) return {};
+    }
+    if (isNegative) number = -number;
+    if (digits.isEmpty() || number > std::numeric_limits<int>::max()) return {};
+    return static_cast<int>(number);
+}
+
+// The value that begins at or after `at`. Its end is searched only when it was not found for an
+// earlier value: otherwise unclosed tags before a long text would cost the square of its length.
+QStringView readValue(QStringView canvas, qsizetype at, Tag &tag) {
+    const qsizetype start = skipBlanks(canvas, at);
+    if (tag.valueEnd < start) {
+        const auto isEnd = [](QChar c) { return c == u'/' || c == u']'; };
+        const auto end = std::find_if(canvas.begin() + start, canvas.end(), isEnd);
+        tag.valueEnd = end - canvas.begin();
+        tag.trimmedEnd = tag.valueEnd;
+        while (tag.trimmedEnd > start && isBlank(canvas[tag.trimmedEnd - 1])) --tag.trimmedEnd;
+    }
+    return canvas.sliced(start, std::max(tag.trimmedEnd, start) - start);
+}
+
+// `warning` is printed with the opening of the tag and its position when the value is no number.
+int numberOrWarn(QStringView value, QStringView warning, TagKind kind, qsizetype start) {
+    const std::optional<int> number = wholeNumber(value);
+    if (!number) printText(warning.arg(tagOpening(kind), QString::number(start)));
+    return number.value_or(0);
+}
+
+void takeValue(CanvasTags &tags, TagKind kind, QStringView value) {
+    const qsizetype start = tags[kind].start;
+    switch (kind) {
+    case TagKind::Question:
+        tags.questionNumber = numberOrWarn(
+            value, u"WARNING: no question number found in tag %1 on index %2", kind, start);
+        break;
+    case TagKind::Answer:
+        tags.answerModel = numberOrWarn(
+            value, u"WARNING: no model number found in tag %1 on index %2", kind, start);
+        break;
+    case TagKind::UnknownLabel:
+        tags.labels.unknown = value;
+        break;
+    case TagKind::TrueLabel:
+        tags.labels.trueAnswer = value;
+        break;
+    case TagKind::FalseLabel:
+        tags.labels.falseAnswer = value;
+        break;
+    case TagKind::SubmitLabel:
+        tags.labels.submit = value;
+        break;
+    default:
+        break;
+    }
+}
+
+// The position after the "]" or "/]" that stands at `at`, -1 where there is neither.
+qsizetype closingEnd(QStringView canvas, qsizetype at) {
+    const QStringView rest = canvas.sliced(at);
+    if (rest.startsWith(u']')) return at + 1;
+    return rest.startsWith(u"/]") ? at + 2 : -1;
+}
+
+} // namespace
+
+QStringView tagOpening(TagKind kind) {
+    return openings[static_cast<std::size_t>(kind)];
+}
+
+void scanTag(CanvasTags &tags, TagKind kind) {
+    const QStringView opening = tagOpening(kind);
+    Tag &tag = tags.tags[static_cast<std::size_t>(kind)];
+    qsizetype from = tag.end;
+    do {
+        tag.end = -1;
+        tag.start = tags.canvas.indexOf(opening, from);
+        if (tag.start < 0) return;
+        from = tag.start + opening.size();
+        if (hasValue(kind)) {
+            takeValue(tags, kind, readValue(tags.canvas, from, tag));
+            tag.end = closingEnd(tags.canvas, tag.valueEnd);
+        } else {
+            tag.end = closingEnd(tags.canvas, skipBlanks(tags.canvas, from));
+        }
+    } while (tag.end < 0);
+}
+
+CanvasTags scanCanvas(QStringView canvas) {
+    CanvasTags tags;
+    tags.canvas = canvas;
+    for (std::size_t kind = 0; kind < tagKinds; ++kind) scanTag(tags, kindAt(kind));
+    return tags;
+}
+
+TagKind nextTag(CanvasTags &tags, TagKind previous) {
+    if (previous != TagKind::None && tags[previous].end >= 0) scanTag(tags, previous);
+    TagKind next = TagKind::None;
+    for (std::size_t kind = 0; kind < tagKinds; ++kind) {
+        const qsizetype start = tags.tags[kind].start;
+        if (start >= 0 && (next == TagKind::None || start < tags[next].start)) next = kindAt(kind);
+    }
+    return next;
+}

@@ -1,0 +1,67 @@
+// The tags of a canvas, and what their values say. Each kind of tag is searched by itself, one
+// occurrence at a time; taking the occurrence that stands first walks through all of them in order.
+#pragma once
+
+#include <QStringView>
+
+#include <array>
+
+// In the order in which kinds are told apart and searched.
+enum class TagKind {
+    Script,
+    AllQuestions,
+    Question,
+    DynScale,
+    Graphics,
+    Answer,
+    Submit,
+    UnknownLabel,
+    TrueLabel,
+    FalseLabel,
+    SubmitLabel,
+    None,
+};
+inline constexpr std::size_t tagKinds = static_cast<std::size_t>(TagKind::None);
+
+// What a tag begins with, as in "[QRV_SCRIPT".
+QStringView tagOpening(TagKind kind);
+
+// The current occurrence of a kind: [start, end) in the canvas, both -1 when there is none left.
+struct Tag {
+    qsizetype start = -1;
+    qsizetype end = 0; // the next search begins here
+
+    // The end of the last value looked at; values that begin before it end there too.
+    qsizetype valueEnd = -1;   // where its "/" or "]" stands
+    qsizetype trimmedEnd = -1; // the same without blanks
+};
+
+struct Labels {
+    QStringView unknown = u"unknown";
+    QStringView trueAnswer = u"True";
+    QStringView falseAnswer = u"False";
+    QStringView submit = u"Submit";
+};
+
+// The tags, and the values of those scanned last. Labels are views into the canvas.
+struct CanvasTags {
+    QStringView canvas;
+    std::array<Tag, tagKinds> tags;
+    int questionNumber = 0;
+    int answerModel = 0;
+    Labels labels;
+
+    const Tag &operator[](TagKind kind) const { return tags[static_cast<std::size_t>(kind)]; }
+};
+
+// Finds the next occurrence of the kind and takes over its value. Prints a warning for a number
+// that is none; it counts as 0. An occurrence that is not closed leaves its value and is passed
+// over.
+void scanTag(CanvasTags &tags, TagKind kind);
+
+// The first occurrence of each kind.
+CanvasTags scanCanvas(QStringView canvas);
+
+// The kind whose current occurrence stands first, None when there is none left. The occurrence of
+// `previous` is done with: its kind is scanned on first, unless `previous` is None.
+TagKind nextTag(CanvasTags &tags, TagKind previous);

@@ -1,0 +1,154 @@
+#include "exporters/html/form_controls.h"
+
+#include "exporters/html/form_controls_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+
+namespace {
+
+// Categories are listed once there are this many of them, else each has a radio button.
+constexpr int listFrom = 5;
+
+int toInt(double value) {
+    constexpr double lowest = std::numeric_limits<int>::min();
+    constexpr double highest = std::numeric_limits<int>::max();
+    return std::isnan(value) ? 0 : static_cast<int>(std::clamp(value, lowest, highest));
+}
+
+double rounded(double value) {
+    return std::floor(value + 0.5);
+}
+
+std::size_t mostFrequent(ModelDocument &document, const UnivModel &univModel) {
+    std::vector<int> counts;
+    readIntegers(document, univModel.node, u"nocc", counts);
+    const auto largest = std::ranges::max_element(counts);
+    if (largest == counts.end() || *largest <= 0) return 0;
+    return static_cast<std::size_t>(largest - counts.begin());
+}
+
+// The label, or where it is empty the column, or where that is empty too the variable's name.
+QStringView captionOf(const UnivModel &univModel) {
+    const QStringView label = univModel.node.attribute(u"displayName");
+    if (!label.isEmpty()) return label;
+    return univModel.field.isEmpty() ? univModel.node.attribute(u"name") : univModel.field;
+}
+
+void writeNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,
+                         const SliderRange &range) {
+    put(out, QStringView(numericControl)
+                 .arg(QString::number(range.min), QString::number(range.max),
+                      QString::number(range.defaultValue), formName, page.tags.labels.unknown));
+    put(page.listenerCalls, u"myEventListener(\"", formName, u"\");\n");
+}
+
+void writeYesNoControl(TextBuffer &out, const Labels &labels, const QString &formName, int preset) {
+    const auto mark = [preset](int value) {
+        return value == preset ? QStringView(u"CHECKED") : QStringView();
+    };
+    put(out, QStringView(yesNoControl)
+                 .arg(formName, mark(0), labels.unknown, mark(2), labels.trueAnswer, mark(1),
+                      labels.falseAnswer));
+}
+
+// The categories in the order of their values, each with its position in the document. Of several
+// with one value the last is offered.
+struct Category {
+    int position;
+    QStringView caption;
+};
+std::map<QStringView, Category> sortCategories(const XmlNode &modalities) {
+    std::map<QStringView, Category> categories;
+    int index = 0;
+    int position = 0;
+    for (XmlNode mod = modalities.childNode(u"Mod", &index); !mod.isEmpty();
+         mod = modalities.childNode(u"Mod", &index)) {
+        const QStringView value = mod.attribute(u"val");
+        const QStringView label = mod.attribute(u"label");
+        categories[value] = {position++, label.isEmpty() ? value : label};
+    }
+    return categories;
+}
+
+void writeList(TextBuffer &out, const std::map<QStringView, Category> &categories,
+               QStringView unknown, const QString &formName, int preset) {
+    const auto mark = [preset](int value) {
+        return value == preset ? QStringView(u" selected=\"selected\"") : QStringView();
+    };
+    put(out, u"\n<SELECT onChange=\"ComputeModel();\" name=\"", formName,
+        u"\" >\n<OPTION VALUE=\"0\"", mark(0), u">----- ", unknown, u" -----\n");
+    for (const auto &[value, category] : categories) {
+        const int number = category.position + 1;
+        put(out, u"<OPTION VALUE=\"", number, u"\"", mark(number), u">", category.caption, u"\n");
+    }
+    put(out, u"</SELECT><br>\n");
+}
+
+void writeRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &categories,
+                       QStringView unknown, const QString &formName, int preset) {
+    const auto writeButton = [&](int value, QStringView caption) {
+        put(out, u"<input onclick=\"ComputeModel();\" type=\"radio\" name=\"", formName,
+            u"\" value=\"", value, u"\" ");
+        if (value == preset) put(out, u"CHECKED");
+        put(out, u" >", caption, u"<br>\n");
+    };
+    put(out, u"<br/>\n");
+    writeButton(0, unknown);
+    for (const auto &[value, category] : categories) {
+        writeButton(category.position + 1, category.caption);
+    }
+}
+
+} // namespace
+
+SliderRange computeSliderRange(ModelDocument &document, const UnivModel &univModel) {
+    std::vector<double> bounds;
+    readNumbers(document, univModel.node, u"x", 0, bounds);
+    SliderRange range;
+    if (!bounds.empty()) {
+        range.min = toInt(std::floor(bounds.front()));
+        range.max = toInt(std::ceil(bounds.back()));
+    }
+    const bool isOrdinal =
+        univModel.node.childNode(u"x").isEmpty() || univModel.node.attribute(u"ordinal") == u"1";
+    if (!isOrdinal) {
+        range.defaultValue = toInt(rounded((double(range.min) + double(range.max)) * 0.5));
+        return range;
+    }
+    const std::size_t bucket = mostFrequent(document, univModel);
+    range.defaultValue = bounds.empty()
+                             ? static_cast<int>(bucket)
+                             : toInt(rounded(bounds[std::min(bucket, bounds.size() - 1)]));
+    return range;
+}
+
+void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIndex) {
+    const VariableRecord &record = page.variables[recordIndex];
+    const UnivModel &univModel = page.univModel(record);
+    const SliderRange range = computeSliderRange(page.model(record).document, univModel);
+    const QString &formName = record.formName;
+    const Labels &labels = page.tags.labels;
+
+    put(out, captionOf(univModel), u" ");
+    if (!univModel.isCategorical) {
+        writeNumericControl(out, page, formName, range);
+        return;
+    }
+    const XmlNode modalities = univModel.node.childNode(u"Modalities");
+    if (modalities.isEmpty()) return;
+    if (univModel.node.attribute(u"tname") == u"bb64") {
+        writeYesNoControl(out, labels, formName, range.defaultValue);
+    } else if (modalities.childCount(u"Mod") >= listFrom) {
+        writeList(out, sortCategories(modalities), labels.unknown, formName, range.defaultValue);
+    } else {
+        writeRadioButtons(out, sortCategories(modalities), labels.unknown, formName,
+                          range.defaultValue);
+    }
+}
+
+void writeListenerScript(TextBuffer &out, const HtmlPage &page) {
+    put(out, listenerScript, page.listenerCalls.text(), u"--></script>\n");
+}

@@ -1,0 +1,23 @@
+// The form controls through which a page asks for the value of a column.
+#pragma once
+
+#include "exporters/html/html_page.h"
+
+// The slider of a numeric column. Of a list of values only the preset is used: 0 for the unknown
+// value, k + 1 for the value at position k.
+struct SliderRange {
+    int min = 0;
+    int max = 0;
+    int defaultValue = 0;
+};
+
+// The range is that of the bounds in "x", outwards to whole numbers within 32 bits; 0 to 0 without
+// bounds. The preset is its middle. Where the values are ordinal or have no "x", it is the bound
+// (without bounds, the position) of the bucket with the largest count in "nocc".
+SliderRange computeSliderRange(ModelDocument &document, const UnivModel &univModel);
+
+// Writes the label and the controls of the question that begins with that record.
+void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIndex);
+
+// Writes the script that keeps the sliders written so far in step with their number fields.
+void writeListenerScript(TextBuffer &out, const HtmlPage &page);

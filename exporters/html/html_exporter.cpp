@@ -1,0 +1,223 @@
+#include "exporters/html/html_exporter.h"
+
+#include "exporters/html/default_canvas_text.h"
+#include "exporters/html/form_controls.h"
+#include "exporters/html/html_page.h"
+#include "exporters/html/scoring_script.h"
+#include "exporters/html/variable_list.h"
+#include "model/output_file.h"
+#include "xml/platform.h"
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr int exitNothingToAsk = 2;
+constexpr int exitNotScorable = 3;
+
+// Which questions a canvas has placed one by one. Opened by the first of them, complete when as
+// many were asked as there are variables; so columns that several variables share keep it open.
+struct AskedQuestions {
+    enum State { Unused, Open, Complete } state = Unused;
+    std::vector<bool> asked; // by question; as many as there are variables
+    std::size_t count = 0;
+};
+
+// --- What goes in
+
+HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype number) {
+    HtmlModel model;
+    model.number = static_cast<int>(number);
+    model.document.fileName = fileName;
+    model.document.root = rootElement(parsed, u"QRV_Model");
+    model.univModels = readUnivModels(model.document, {});
+    return model;
+}
+
+// No model when the file is a list without entries.
+std::vector<HtmlModel> readModels(const QString &modelPath) {
+    const XmlNode parsed = XmlNode::parseFile(modelPath);
+    const XmlNode list = rootElement(parsed, u"Models");
+    std::vector<HtmlModel> models;
+    if (list.isEmpty()) {
+        models.push_back(readModel(parsed, modelPath, 0));
+        return models;
+    }
+    int index = 0;
+    for (XmlNode entry = list.childNode(u"Model", &index); !entry.isEmpty();
+         entry = list.childNode(u"Model", &index)) {
+        const QString fileName = entry.attribute(u"file").toString();
+        models.push_back(readModel(XmlNode::parseFile(fileName), fileName, std::ssize(models)));
+    }
+    if (models.empty()) {
+        printText(u"Couldn't find tag 'Model' in XML-Models file '%1'!"_s.arg(modelPath));
+    }
+    return models;
+}
+
+QByteArray readFile(const QString &fileName) {
+    QByteArray bytes;
+    std::FILE *const file = openFile(fileName, "rb");
+    if (!file) return bytes;
+    char block[1 << 16];
+    for (std::size_t read = 1; read > 0;) {
+        read = std::fread(block, 1, sizeof(block), file);
+        bytes.append(block, static_cast<qsizetype>(read));
+    }
+    std::fclose(file);
+    return bytes;
+}
+
+QString readCanvas(const QString &canvasPath) {
+    constexpr qsizetype shortest = 10;
+    const QString canvas = QString::fromUtf8(readFile(canvasPath));
+    return canvas.size() < shortest ? QStringView(defaultCanvas).toString() : canvas;
+}
+
+// Prints a message when a tag is missing without which there is no page.
+bool hasRequiredTags(const CanvasTags &tags) {
+    const auto occurs = [&](TagKind kind) { return tags[kind].start >= 0; };
+    for (const TagKind kind : {TagKind::Script, TagKind::Answer}) {
+        if (occurs(kind)) continue;
+        printText(u"Required tag %1] is missing!"_s.arg(tagOpening(kind)));
+        return false;
+    }
+    if (occurs(TagKind::AllQuestions) || occurs(TagKind::Question)) return true;
+    printText(u"One of these tags (%1],%2]) is missing!"_s.arg(tagOpening(TagKind::AllQuestions),
+                                                               tagOpening(TagKind::Question)));
+    return false;
+}
+
+// --- What comes out
+
+void putAllQuestions(TextBuffer &out, HtmlPage &page) {
+    for (std::size_t i = 0; i < page.questions.size(); ++i) {
+        put(out, u"Question ", static_cast<qsizetype>(i + 1), u") ");
+        writeQuestionControls(out, page, page.questions[i]);
+    }
+    writeListenerScript(out, page);
+}
+
+void putQuestion(TextBuffer &out, HtmlPage &page, AskedQuestions &questions) {
+    const int number = page.tags.questionNumber;
+    if (number > std::ssize(page.variables)) {
+        printText(u"Question %1 does not exist. Ignoring this call!"_s.arg(number));
+        return;
+    }
+    if (questions.state == AskedQuestions::Unused) {
+        questions.state = AskedQuestions::Open;
+        questions.asked.resize(page.variables.size());
+    }
+    if (number < 1 || number > std::ssize(page.questions)) return;
+    const auto index = static_cast<std::size_t>(number - 1);
+    if (questions.asked[index]) {
+        printText(u"Question %1 has been asked multiple times. Ignoring this call!"_s.arg(number));
+        return;
+    }
+    questions.asked[index] = true;
+    writeQuestionControls(out, page, page.questions[index]);
+    if (++questions.count == page.variables.size()) {
+        writeListenerScript(out, page);
+        questions.state = AskedQuestions::Complete;
+    }
+}
+
+void putAnswer(TextBuffer &out, const HtmlPage &page) {
+    const bool exists = page.tags.answerModel < std::ssize(page.models);
+    put(out, u"<div id=\"m", exists ? page.tags.answerModel : 0,
+        u"_total_proba\" style=\"display:inline;\">0</div>\n");
+}
+
+void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind, AskedQuestions &questions) {
+    switch (kind) {
+    case TagKind::Script:
+        writeHtmlScript(out, page);
+        break;
+    case TagKind::AllQuestions:
+        putAllQuestions(out, page);
+        break;
+    case TagKind::Question:
+        putQuestion(out, page, questions);
+        break;
+    case TagKind::DynScale:
+        put(out, u"<input id='scaleProba' type='checkbox' onclick='ComputeModel();' /> "
+                 "dynamic scale\n");
+        break;
+    case TagKind::Graphics:
+        put(out, u"<div id=\"myDrawingSpace\" class=\"histogram\"> </div>\n");
+        break;
+    case TagKind::Answer:
+        putAnswer(out, page);
+        break;
+    case TagKind::Submit:
+        put(out,
+            u"<input type=\"button\" "
+            "onClick=\"finished=true; QRVform.submit();finished=false;\" value=\"",
+            page.tags.labels.submit, u"\"/>\n");
+        break;
+    default: // labels are only read
+        break;
+    }
+}
+
+// The canvas with its tags replaced.
+AskedQuestions putPage(TextBuffer &out, HtmlPage &page) {
+    const QStringView canvas = page.tags.canvas;
+    AskedQuestions questions;
+    qsizetype copied = 0;
+    for (TagKind kind = nextTag(page.tags, TagKind::None); kind != TagKind::None;
+         kind = nextTag(page.tags, kind)) {
+        const Tag &tag = page.tags[kind];
+        if (tag.start > copied) put(out, canvas.sliced(copied, tag.start - copied));
+        putReplacement(out, page, kind, questions);
+        copied = tag.end;
+    }
+    put(out, u"<script type=\"text/javascript\" ><!--\n"
+             "computeIsReady=true;\nComputeModel();\n--></script>");
+    put(out, canvas.sliced(copied));
+    return questions;
+}
+
+void reportForgottenQuestions(const AskedQuestions &questions) {
+    TextBuffer message;
+    put(message, u"You have asked only ", static_cast<qsizetype>(questions.count), u" out of ",
+        std::ssize(questions.asked), u" question!\nYou forgot questions: ");
+    for (std::size_t i = 0; i < questions.asked.size(); ++i) {
+        if (!questions.asked[i]) put(message, u" ", static_cast<qsizetype>(i + 1), u"\n");
+    }
+    put(message, u"\n");
+    printText(message.text());
+}
+
+QString pagePath(const QString &modelPath, const QString &outputPath) {
+    if (!outputPath.isEmpty()) return outputPath;
+    return QString(modelPath).replace(u".ModelXML"_s, u".html"_s, Qt::CaseInsensitive);
+}
+
+} // namespace
+
+int exportToHtml(const QString &modelPath, const QString &canvasPath, const QString &outputPath) {
+    HtmlPage page;
+    page.models = readModels(modelPath);
+    if (page.models.empty()) return exitNothingToAsk;
+    const QString canvas = readCanvas(canvasPath);
+    page.tags = scanCanvas(canvas);
+    if (!hasRequiredTags(page.tags)) return exitNotScorable;
+    if (!findRegressionPositions(page.models)) return exitNotScorable;
+    page.variables = listVariables(page.models);
+    page.questions = listQuestions(page.variables);
+
+    TextBuffer out;
+    const AskedQuestions questions = putPage(out, page);
+    if (questions.state == AskedQuestions::Open) {
+        reportForgottenQuestions(questions);
+        return exitNothingToAsk;
+    }
+    const auto unusable = std::ranges::find_if(
+        page.models, [](const HtmlModel &model) { return !model.document.problem.isEmpty(); });
+    if (unusable != page.models.end()) return reportProblem(unusable->document);
+    writePage(pagePath(modelPath, outputPath), out.text());
+    return exitSuccess;
+}

@@ -1,0 +1,16 @@
+// Interactive HTML page.
+#pragma once
+
+#include <QString>
+
+// Writes a page that asks for the value of each input column and scores the model while they are
+// entered, as UTF-8 without mark. The model path names a model document or a list of them (root
+// "Models", with the file names in its "Model" elements); a document that cannot be read adds
+// nothing to the page. The page is laid out by the canvas file, or by a built-in canvas where that
+// file does not exist or is next to empty. Without an output path, the page stands beside the model
+// under the same name.
+//
+// Returns 0, silently, also when the output cannot be opened; 2 for a list without models or a
+// canvas that asks only some of the questions; 3 for a canvas that lacks a tag, or a variable
+// without coefficient; 8 for arrays that are too short. Touches the output only for 0.
+int exportToHtml(const QString &modelPath, const QString &canvasPath, const QString &outputPath);

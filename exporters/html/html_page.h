@@ -1,0 +1,40 @@
+// The state of one page, which the pieces of the exporter hand to each other.
+#pragma once
+
+#include "exporters/html/canvas_tags.h"
+#include "model/model_document.h"
+#include "model/text_buffer.h"
+
+// One of the models that the page scores. A document that cannot be read has no univariate models.
+struct HtmlModel {
+    int number; // from 0
+    ModelDocument document;
+    std::vector<UnivModel> univModels;
+    std::vector<std::size_t> regIndex; // the coefficient of each univariate model; empty without a
+                                       // regression
+};
+
+// One univariate model of one of the models. Records of one column stand next to each other and
+// share the form control of the one that was found first.
+struct VariableRecord {
+    QStringView field; // the input column
+    QString formName;  // of the column's form control
+    QString jsName;    // what the script calls the variable
+    int modelIndex;
+    std::size_t univIndex;
+};
+
+struct HtmlPage {
+    std::vector<HtmlModel> models;
+    std::vector<VariableRecord> variables;
+    std::vector<std::size_t> questions; // the first record of each column
+    CanvasTags tags;
+    TextBuffer listenerCalls; // grows with each numeric control
+
+    HtmlModel &model(const VariableRecord &record) {
+        return models[static_cast<std::size_t>(record.modelIndex)];
+    }
+    const UnivModel &univModel(const VariableRecord &record) {
+        return model(record).univModels[record.univIndex];
+    }
+};

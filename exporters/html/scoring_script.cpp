@@ -1,0 +1,189 @@
+#include "exporters/html/scoring_script.h"
+
+#include "exporters/html/scoring_script_text.h"
+
+#include <algorithm>
+#include <optional>
+#include <span>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// Categories are read from a list once there are this many of them. The page shows a list already
+// for one less; existing pages do so too, and read five categories as unknown.
+constexpr int listFrom = 6;
+
+// No browser takes a longer script. Only columns that are shared by thousands of variables, each of
+// which repeats the lines of the others, come this far.
+constexpr qsizetype longestScript = qsizetype(1) << 29;
+
+// None for a list of values without the list.
+std::optional<ControlKind> controlKind(const UnivModel &univModel) {
+    if (!univModel.isCategorical) return ControlKind::NumberField;
+    const XmlNode modalities = univModel.node.childNode(u"Modalities");
+    if (modalities.isEmpty()) return {};
+    return modalities.childCount(u"Mod") >= listFrom ? ControlKind::List
+                                                     : ControlKind::RadioButtons;
+}
+
+void writeScoreLines(TextBuffer &out, HtmlPage &page) {
+    for (std::size_t i = 0; i < page.variables.size(); ++i) {
+        const VariableRecord &record = page.variables[i];
+        const std::optional<ControlKind> kind = controlKind(page.univModel(record));
+        if (kind) writeVariableScoreLines(out, page, i, *kind);
+        if (out.text().size() > longestScript) {
+            noteProblem(page.model(record).document,
+                        u"too many variables share the field '%1'"_s.arg(record.field));
+            return;
+        }
+    }
+}
+
+// A model whose kind is neither a probability nor a prediction gets terms without a sum: existing
+// pages show an error then.
+void writeModelSum(TextBuffer &out, HtmlModel &model) {
+    const XmlNode &root = model.document.root;
+    const XmlNode metaData = root.childNode(u"MetaData");
+    const XmlNode regression = root.childNode(u"RegressionModel");
+    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() || model.regIndex.empty()) {
+        return;
+    }
+    const QStringView targetKind = metaData.attribute(u"tkind");
+    const bool isProbability = equalsIgnoringCase(targetKind, u"T");
+    const bool isPrediction = equalsIgnoringCase(targetKind, u"C");
+    const int number = model.number;
+    const std::size_t count = model.univModels.size();
+    const std::size_t constant = isProbability || isPrediction ? count : 0;
+    std::vector<double> betas;
+    readNumbers(model.document, regression, u"betas",
+                std::max(std::ranges::max(model.regIndex), constant) + 1, betas);
+
+    if (isProbability) {
+        put(out, u"\n\tvar m", number, u"_probaTot = mapScoreToProba(", number, u",0");
+    } else if (isPrediction) {
+        put(out, u"\n\tvar m", number, u"_probaTot = 0");
+    }
+    for (std::size_t j = 0; j < count; ++j) {
+        put(out, u"\n\t\t+ m", number, u"_", model.univModels[j].node.attribute(u"name"),
+            u"_score * ", betas[model.regIndex[j]]);
+    }
+    const QString numberText = QString::number(number);
+    if (isProbability) {
+        put(out, u"\n\t\t+ ", betas[constant], QStringView(probabilityEnd).arg(numberText));
+    } else if (isPrediction) {
+        put(out, u"\n\t\t+ ", betas[constant], QStringView(predictionEnd).arg(numberText));
+    }
+}
+
+void writeHistogram(TextBuffer &out, const std::vector<HtmlModel> &models) {
+    put(out, histogramHead, std::ssize(models), histogramBackgroundEnd);
+    for (const HtmlModel &model : models) {
+        put(out, QStringView(histogramBar).arg(QString::number(model.number)));
+    }
+    put(out, histogramEnd);
+}
+
+void writeNumbers(TextBuffer &out, std::span<const double> values) {
+    for (std::size_t k = 0; k < values.size(); ++k) {
+        if (k > 0) put(out, u",");
+        if (k > 0 && k % 5 == 0) put(out, u"\n\t\t");
+        put(out, values[k]);
+    }
+}
+
+void writeScoresAndBounds(TextBuffer &out, HtmlPage &page) {
+    for (std::size_t i = 0; i < page.variables.size(); ++i) {
+        const VariableRecord &record = page.variables[i];
+        const UnivModel &univModel = page.univModel(record);
+        ModelDocument &document = page.model(record).document;
+        if (i == 0 || record.field != page.variables[i - 1].field) {
+            const QStringView label = univModel.node.attribute(u"displayName");
+            put(out, u"//------------- Column '", record.field, u"' ");
+            if (!label.isEmpty()) put(out, u"( ", label, u" ) ");
+            put(out, u"------------------\n");
+        }
+        put(out, u"var ", record.jsName, u"_score = 0;\nvar ", record.jsName, u"_scoreAr = ");
+        writeNumberArray(out, document, univModel.node, u"y");
+        if (!univModel.isCategorical) {
+            put(out, u"var ", record.jsName, u"_boundAr = ");
+            writeNumberArray(out, document, univModel.node, u"x");
+        }
+    }
+}
+
+// Writes the tables from score to probability and raises `maxProbability` to the third probability
+// of each. False when a model ends the script.
+bool writeProbabilityTable(TextBuffer &out, HtmlModel &model, double &maxProbability) {
+    if (model.document.root.isEmpty()) return false;
+    const XmlNode mapping = model.document.root.childNode(u"ProbabilityMapping");
+    if (mapping.isEmpty()) return true;
+    if (mapping.childNode(u"x").isEmpty() || mapping.childNode(u"y").isEmpty()) return false;
+    std::vector<double> scores;
+    std::vector<double> probabilities;
+    readNumbers(model.document, mapping, u"x", 0, scores);
+    readNumbers(model.document, mapping, u"y", scores.size(), probabilities);
+    if (scores.size() > 2) maxProbability = std::max(maxProbability, probabilities[2]);
+
+    put(out, u"mapScore[", model.number, u"]  = [");
+    writeNumbers(out, scores);
+    put(out, u"];\nmapProba[", model.number, u"]  = [");
+    writeNumbers(out, std::span(probabilities).first(scores.size()));
+    put(out, u"];\n\n");
+    return true;
+}
+
+} // namespace
+
+void writeHtmlScript(TextBuffer &out, HtmlPage &page) {
+    put(out, scriptHead);
+    writeScoreLines(out, page);
+    put(out, sumsHead);
+    for (HtmlModel &model : page.models) writeModelSum(out, model);
+    writeHistogram(out, page.models);
+    writeScoresAndBounds(out, page);
+    put(out, mappingHead);
+    double maxProbability = 0;
+    for (HtmlModel &model : page.models) {
+        if (!writeProbabilityTable(out, model, maxProbability)) return;
+    }
+    put(out, u"var histogramMaxProba=", streamNumber(maxProbability), u";\n");
+    put(out, u"\n// -->\n</SCRIPT>\n");
+}
+
+void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t index,
+                             ControlKind kind) {
+    const std::vector<VariableRecord> &variables = page.variables;
+    const QStringView field = variables[index].field;
+    for (std::size_t i = index; i < variables.size() && variables[i].field == field; ++i) {
+        const QString &name = variables[i].jsName;
+        const QString &formName = variables[i].formName;
+        put(out, u"      ", name, u"_score = ");
+        switch (kind) {
+        case ControlKind::NumberField:
+            put(out, u"enterDoubleField(document.QRVform.", formName, u",document.QRVform.unkown_",
+                formName, u",", name, u"_scoreAr,", name, u"_boundAr");
+            break;
+        case ControlKind::List:
+            put(out, u"enterModalFieldString(document.QRVform.", formName, u",", name, u"_scoreAr");
+            break;
+        case ControlKind::Integer:
+            put(out, u"enterModalFieldInt(0,", name, u"_scoreAr");
+            break;
+        case ControlKind::RadioButtons:
+            put(out, u"enterModalFieldRadioButton(document.QRVform.", formName, u",", name,
+                u"_scoreAr");
+            break;
+        }
+        put(out, u");\n");
+    }
+}
+
+void writeNumberArray(TextBuffer &out, ModelDocument &document, const XmlNode &node,
+                      QStringView childName) {
+    std::vector<double> values;
+    readNumbers(document, node, childName, 0, values);
+    put(out, u"[");
+    writeNumbers(out, values);
+    put(out, u"];\n\n");
+}

@@ -1,0 +1,21 @@
+// The script that scores the models of a page in the browser.
+#pragma once
+
+#include "exporters/html/html_page.h"
+
+// How the script reads a form control.
+enum class ControlKind { NumberField, List, Integer, RadioButtons };
+
+// Writes the whole script block. A model without a document, or with a probability mapping that
+// lacks one of its arrays, ends the block where its table would stand, unclosed. Arrays that are
+// too short are noted as the problem of their document.
+void writeHtmlScript(TextBuffer &out, HtmlPage &page);
+
+// Writes the score line of the record at `index` and of all that follow it in its column, all of
+// them for the same kind of control.
+void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t index,
+                             ControlKind kind);
+
+// Writes the array `childName` of the node as a literal, and what ends the statement.
+void writeNumberArray(TextBuffer &out, ModelDocument &document, const XmlNode &node,
+                      QStringView childName);

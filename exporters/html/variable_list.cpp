@@ -1,0 +1,92 @@
+#include "exporters/html/variable_list.h"
+
+#include "xml/platform.h"
+
+#include <QHashFunctions>
+
+#include <algorithm>
+#include <ranges>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// The records of one column in the order in which they were found.
+using Column = std::vector<VariableRecord>;
+
+struct Columns {
+    std::vector<Column> columns;
+    std::unordered_map<QStringView, std::size_t> positions; // by field
+};
+
+void addVariable(Columns &list, const HtmlModel &model, std::size_t univIndex) {
+    const UnivModel &univModel = model.univModels[univIndex];
+    const auto [found, isNew] = list.positions.try_emplace(univModel.field, list.columns.size());
+    if (isNew) list.columns.emplace_back();
+    Column &column = list.columns[found->second];
+    const QString name =
+        u"m%1_%2"_s.arg(QString::number(model.number), univModel.node.attribute(u"name"));
+    const QString formName = isNew ? name : column.front().formName;
+    column.push_back({univModel.field, formName, name, model.number, univIndex});
+}
+
+// The position of each number among the coefficients; the first one where it stands repeatedly.
+std::unordered_map<int, std::size_t> coefficientPositions(ModelDocument &document,
+                                                          const XmlNode &regression) {
+    std::vector<int> numbers;
+    readIntegers(document, regression, u"indexes", numbers);
+    std::unordered_map<int, std::size_t> positions;
+    positions.reserve(numbers.size());
+    for (std::size_t k = 0; k < numbers.size(); ++k) positions.try_emplace(numbers[k], k);
+    return positions;
+}
+
+bool findRegressionPositions(HtmlModel &model) {
+    const XmlNode regression = model.document.root.childNode(u"RegressionModel");
+    if (regression.isEmpty() || model.univModels.empty()) return true;
+    const auto positions = coefficientPositions(model.document, regression);
+    model.regIndex.reserve(model.univModels.size());
+    for (const UnivModel &univModel : model.univModels) {
+        const auto found = positions.find(univModel.number);
+        if (found == positions.end()) {
+            // The number is that of the variable, which is what readers of these messages expect.
+            printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
+                univModel.node.attribute(u"name"), QString::number(model.regIndex.size())));
+            return false;
+        }
+        model.regIndex.push_back(found->second);
+    }
+    return true;
+}
+
+} // namespace
+
+bool findRegressionPositions(std::vector<HtmlModel> &models) {
+    return std::ranges::all_of(models,
+                               [](HtmlModel &model) { return findRegressionPositions(model); });
+}
+
+std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models) {
+    Columns list;
+    std::vector<const HtmlModel *> unfinished;
+    for (const HtmlModel &model : models) unfinished.push_back(&model);
+    for (std::size_t univIndex = 0; !unfinished.empty(); ++univIndex) {
+        std::erase_if(unfinished, [univIndex](const HtmlModel *model) {
+            return model->univModels.size() <= univIndex;
+        });
+        for (const HtmlModel *model : unfinished) addVariable(list, *model, univIndex);
+    }
+    std::vector<VariableRecord> variables;
+    for (Column &column : list.columns) {
+        std::ranges::move(std::views::reverse(column), std::back_inserter(variables));
+    }
+    return variables;
+}
+
+std::vector<std::size_t> listQuestions(const std::vector<VariableRecord> &variables) {
+    std::vector<std::size_t> questions;
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        if (i == 0 || variables[i].field != variables[i - 1].field) questions.push_back(i);
+    }
+    return questions;
+}

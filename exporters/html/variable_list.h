@@ -1,0 +1,15 @@
+// The variables of all models of a page, arranged as the questions that are asked for them.
+#pragma once
+
+#include "exporters/html/html_page.h"
+
+// Finds the coefficient of each univariate model. False, after a message, when the regression of a
+// model leaves one of them out.
+bool findRegressionPositions(std::vector<HtmlModel> &models);
+
+// One record for each univariate model, the first of each model before the second of each, and so
+// on; a record of a column that is already listed is put before the others of that column.
+std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models);
+
+// The positions of the records that begin a column.
+std::vector<std::size_t> listQuestions(const std::vector<VariableRecord> &variables);
