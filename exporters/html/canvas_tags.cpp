@@ -52,7 +52,7 @@ QStringView readValue(QStringView canvas, qsizetype at, Tag &tag) {
     const qsizetype start = skipBlanks(canvas, at);
     if (tag.valueEnd < start) {
         const auto isEnd = [](QChar c) { return c == u'/' || c == u']'; };
-        const auto end = std::find_if(canvas.begin() + start, canvas.end(), isEnd);
+        const auto *const end = std::find_if(canvas.begin() + start, canvas.end(), isEnd);
         tag.valueEnd = end - canvas.begin();
         tag.trimmedEnd = tag.valueEnd;
         while (tag.trimmedEnd > start && isBlank(canvas[tag.trimmedEnd - 1])) --tag.trimmedEnd;

@@ -5,7 +5,7 @@
 #include <QHashFunctions>
 
 #include <algorithm>
-#include <ranges>
+#include <iterator>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -78,7 +78,7 @@ std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models) 
     }
     std::vector<VariableRecord> variables;
     for (Column &column : list.columns) {
-        std::ranges::move(std::views::reverse(column), std::back_inserter(variables));
+        std::move(column.rbegin(), column.rend(), std::back_inserter(variables));
     }
     return variables;
 }
