@@ -69,6 +69,7 @@ bool findRegressionPositions(std::vector<HtmlModel> &models) {
 std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models) {
     Columns list;
     std::vector<const HtmlModel *> unfinished;
+    unfinished.reserve(models.size());
     for (const HtmlModel &model : models) unfinished.push_back(&model);
     for (std::size_t univIndex = 0; !unfinished.empty(); ++univIndex) {
         std::erase_if(unfinished, [univIndex](const HtmlModel *model) {
