@@ -2,7 +2,7 @@
 
 #include "xml/platform.h"
 
-#include <QHashFunctions>
+#include <QHash>
 
 #include <algorithm>
 #include <iterator>
@@ -16,14 +16,18 @@ using Column = std::vector<VariableRecord>;
 
 struct Columns {
     std::vector<Column> columns;
-    std::unordered_map<QStringView, std::size_t> positions; // by field
+    QHash<QStringView, std::size_t> positions; // by field
 };
 
 void addVariable(Columns &list, const HtmlModel &model, std::size_t univIndex) {
     const UnivModel &univModel = model.univModels[univIndex];
-    const auto [found, isNew] = list.positions.try_emplace(univModel.field, list.columns.size());
-    if (isNew) list.columns.emplace_back();
-    Column &column = list.columns[found->second];
+    const std::size_t position = list.positions.value(univModel.field, list.columns.size());
+    const bool isNew = position == list.columns.size();
+    if (isNew) {
+        list.positions.insert(univModel.field, position);
+        list.columns.emplace_back();
+    }
+    Column &column = list.columns[position];
     const QString name =
         u"m%1_%2"_s.arg(QString::number(model.number), univModel.node.attribute(u"name"));
     const QString formName = isNew ? name : column.front().formName;
@@ -31,13 +35,12 @@ void addVariable(Columns &list, const HtmlModel &model, std::size_t univIndex) {
 }
 
 // The position of each number among the coefficients; the first one where it stands repeatedly.
-std::unordered_map<int, std::size_t> coefficientPositions(ModelDocument &document,
-                                                          const XmlNode &regression) {
+QHash<int, std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
     std::vector<int> numbers;
     readIntegers(document, regression, u"indexes", numbers);
-    std::unordered_map<int, std::size_t> positions;
-    positions.reserve(numbers.size());
-    for (std::size_t k = 0; k < numbers.size(); ++k) positions.try_emplace(numbers[k], k);
+    QHash<int, std::size_t> positions;
+    positions.reserve(std::ssize(numbers));
+    for (std::size_t k = numbers.size(); k-- > 0;) positions.insert(numbers[k], k);
     return positions;
 }
 
@@ -47,14 +50,14 @@ bool findRegressionPositions(HtmlModel &model) {
     const auto positions = coefficientPositions(model.document, regression);
     model.regIndex.reserve(model.univModels.size());
     for (const UnivModel &univModel : model.univModels) {
-        const auto found = positions.find(univModel.number);
-        if (found == positions.end()) {
+        const auto found = positions.constFind(univModel.number);
+        if (found == positions.cend()) {
             // The number is that of the variable, which is what readers of these messages expect.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
                 univModel.node.attribute(u"name"), QString::number(model.regIndex.size())));
             return false;
         }
-        model.regIndex.push_back(found->second);
+        model.regIndex.push_back(*found);
     }
     return true;
 }
