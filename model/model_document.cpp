@@ -68,7 +68,8 @@ qsizetype expectedOutput(const ModelDocument &document) {
 }
 
 void noteProblem(ModelDocument &document, const QString &problem) {
-    if (document.problem.isEmpty()) document.problem = problem;
+    // Names from the document may hold line ends; the message is one line all the same.
+    if (document.problem.isEmpty()) document.problem = problem.simplified();
 }
 
 int reportProblem(const ModelDocument &document) {
@@ -151,8 +152,8 @@ DataDictionary readDataDictionary(const ModelDocument &document) {
     for (XmlNode field = parent.childNode(u"DataField", &index); !field.isEmpty();
          field = parent.childNode(u"DataField", &index)) {
         int next = 0;
-        for (int tried = -1; tried != next;) {
-            tried = next;
+        for (int before = -1; before != next;) { // a field may have several attributes "name"
+            before = next;
             const QStringView name = field.attribute(u"name", &next);
             if (!name.isNull()) dictionary.fields.try_emplace(name, field);
         }
@@ -177,6 +178,11 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
     std::vector<int> indexes;
     std::vector<double> betas;
     readIntegers(document, node, u"indexes", indexes);
+    const XmlNode list = node.childNode(u"indexes");
+    if (list.isEmpty() || (indexes.empty() && !list.text().isNull())) {
+        // Without the numbers of its models the regression would be no more than its first beta.
+        noteProblem(document, u"RegressionModel: array 'indexes' is absent or holds no number"_s);
+    }
     readNumbers(document, node, u"betas", indexes.size() + 1, betas);
 
     QHash<int, int> lastOfNumber;

@@ -67,8 +67,8 @@ struct UnivModel {
     QStringView field;    // the input column; empty when absent
     QString cleanField;   // the field, cleaned for the target language
     QString recodingName; // "R", its position from 0, "_" and the clean field; at most 31 units
-    int number;           // of the "name" attribute without its first character; -1 without any
-    bool isCategorical;   // a list of values, else intervals
+    int number = -1;      // of the "name" attribute without its first character; -1 without any
+    bool isCategorical = false; // a list of values, else intervals
 };
 
 // All univariate models in document order, their fields cleaned of the characters of `replaced`.

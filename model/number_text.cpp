@@ -11,6 +11,14 @@ NumberText generalNumber(double value, int digits) {
     return text;
 }
 
+NumberText integerText(std::int64_t value) {
+    NumberText text;
+    const auto result =
+        std::to_chars(std::begin(text.characters), std::end(text.characters), value);
+    text.size = static_cast<int>(result.ptr - text.characters);
+    return text;
+}
+
 NumberText modelNumber(double value) {
     return generalNumber(value, 16);
 }

@@ -1,6 +1,7 @@
 // Numbers as the generated code shows them.
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 // The text of one number; ASCII.
@@ -17,6 +18,9 @@ NumberText generalNumber(double value, int digits);
 
 // Model numbers (scores, bounds, coefficients, probabilities): 16 significant digits.
 NumberText modelNumber(double value);
+
+// Counts and positions.
+NumberText integerText(std::int64_t value);
 
 // Numbers that the generated code takes from a plain text stream: 6 significant digits and an
 // exponent of at least three digits, as in 1e+006.

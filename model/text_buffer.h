@@ -73,7 +73,7 @@ inline void append(TextBuffer &out, double number) {
 }
 template <std::signed_integral Integer>
 void append(TextBuffer &out, Integer number) {
-    append(out, generalNumber(static_cast<double>(number), 17));
+    append(out, integerText(number));
 }
 
 template <typename... Pieces>

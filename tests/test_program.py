@@ -68,12 +68,16 @@ class ProgramLineTest(ProgramTest):
             "<a/>": "no element 'QRV_Model' found",
             good.replace("<y>", "<z>", 1): "Error: Unmatched end tag at line 1, column ",
             good.replace("<x>", "<w/><x>*", 1): "model 'V3' (field 'the field'): array 'x' has 0 values, 1 needed",
-            document([numeric(1, "f", [1, 2], [1, 2, 3])], [(1, 1)], 0):
-                "model 'V1' (field 'f'): array 'y' has 3 values, 4 needed",
+            document([numeric(1, "f\n g", [1, 2], [1, 2, 3])], [(1, 1)], 0):
+                "model 'V1' (field 'f g'): array 'y' has 3 values, 4 needed",
             document([categorical(1, "f", ["a", "b"], [1, 2])], [(1, 1)], 0):
                 "model 'V1' (field 'f'): array 'y' has 2 values, 3 needed",
             document([boolean], [(1, 1)], 0): "model 'V1' (field 'b'): array 'y' has 2 values, 3 needed",
             good.replace("betas>", "gammas>"): "RegressionModel: array 'betas' has 0 values, 2 needed",
+            good.replace("indexes>", "lists>"): "RegressionModel: array 'indexes' is absent or holds no number",
+            good.replace("<indexes>", "<indexes>*"): "RegressionModel: array 'indexes' is absent or holds no number",
+            good.replace("<y>", "<y>*").replace("<y>*", "<y>", 1):
+                "ProbabilityMapping: array 'y' has 0 values, 2 needed",
             document([model], [(3, 1)], 0, table=[]): "ProbabilityMapping: array 'x' has 0 values, 1 needed",
         }
         self.write("out", "as it was")

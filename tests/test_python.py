@@ -74,6 +74,14 @@ class PythonTest(ProgramTest):
         with self.assertRaises(AttributeError):  # a categorical cell that is no text
             self.export(text).apply(frame.assign(c=1))
 
+    def test_names_and_types(self):
+        text = document([numeric(1, "x(1)'b-c.d e", [1], [1, 2, 3]), categorical(2, "c", [str(i) for i in range(16)], [0, 1, 2], "bb64"),
+                         numeric(3, "n", [1], [1, 2, 3], kind="mapvalues")], [], 0)
+        module = self.convert("-p", text)
+        self.assertIn("        x(1)_b_c_d_e_Idx=colNames.index('''x(1)'b-c.d e''')\n", module)
+        self.assertIn(',"13":2,"14":2,"15":2,}\n', module)
+        self.assertIn("#based on the mapvalues column of display name 'Label'\n            data = float(", module)
+
     def test_logistic_lines_fill_the_last_row_only(self):
         result = self.export(DOCUMENTS["logistic"]).apply(pandas.DataFrame({"a": [0.5, 0.5], "b": ["x", "x"]}))
         self.assertEqual(list(result.score), [2.5, 2.5])
