@@ -1,4 +1,5 @@
 #include "app/driver.h"
+#include "model/output_file.h"
 
 #include <QStringDecoder>
 
@@ -11,7 +12,9 @@ namespace {
 
 // File names are UTF-8; a null text stands for one that is not.
 QString decodeArgument(const char *argument) {
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    // Without a state, a sequence that is cut off at the end is an error too.
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
     const QString text = utf8(QByteArrayView(argument));
     return utf8.hasError() ? QString() : text.isNull() ? QString(u""_s) : text;
 }
@@ -26,6 +29,6 @@ int main(int argc, char **argv) {
         return runCommandLine(arguments);
     } catch (const std::bad_alloc &) {
         std::fputs("The model does not fit in memory.\n", stdout);
-        return 8;
+        return exitUnusableModel;
     }
 }

@@ -2,6 +2,7 @@
 
 #include "xml/platform.h"
 
+#include <algorithm>
 #include <bit>
 
 using namespace Qt::Literals::StringLiterals;
@@ -10,15 +11,22 @@ static_assert(std::endian::native == std::endian::little, "UTF-16 texts are writ
 
 namespace {
 
+// Converts piece by piece: a second copy of the whole text would cost its memory once more.
 void writeUtf8(std::FILE *file, QStringView text) {
-    const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
+    constexpr qsizetype most = 1 << 16;
+    while (!text.isEmpty()) {
+        qsizetype size = std::min(most, text.size());
+        if (size < text.size() && text[size - 1].isHighSurrogate()) ++size;
+        const QByteArray bytes = text.first(size).toUtf8();
+        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
+        text = text.sliced(size);
+    }
 }
 
 } // namespace
 
 int writeOutputFile(const QString &fileName, QStringView text, OutputEncoding encoding) {
-    std::FILE *const file = openFile(fileName, "wb");
+    std::FILE *const file = openFile(fileName, FileUse::Write);
     if (!file) {
         printText(u"Cannot open file '%1' for writing.\n"_s.arg(fileName));
         return exitCannotOpenOutput;
@@ -48,7 +56,7 @@ int writeScript(const QString &fileName, QStringView text) {
 }
 
 void writePage(const QString &fileName, QStringView text) {
-    std::FILE *const file = openFile(fileName, "wb");
+    std::FILE *const file = openFile(fileName, FileUse::Write);
     if (!file) return;
     writeUtf8(file, text);
     std::fclose(file);

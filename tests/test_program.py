@@ -37,12 +37,15 @@ class ProgramLineTest(ProgramTest):
         self.assertIn(f"Source model file: {name} *\n", self.read("straße 𝄞.sas"))
         self.assertEqual(self.run_program("-a", name, b"\xff"), (1, "Argument 3 is not valid UTF-8.\n"))
         self.assertEqual(self.run_program("-a", b"m\xff", "out"), (1, "Argument 2 is not valid UTF-8.\n"))
+        self.assertEqual(self.run_program("-a", name, b"out\xc3"), (1, "Argument 3 is not valid UTF-8.\n"))
+        self.assertEqual(self.run_program(b"-a\xc3", name, "out"), (1, USAGE))
 
     def test_outputs_that_cannot_be_written(self):
         self.write("m", PLAIN)
         (self.folder / "folder").mkdir()
+        os.mkfifo(self.folder / "pipe")
         for option in ["-a", "-e", "-p"]:
-            for output in ["no/such/folder", "folder", ""]:
+            for output in ["no/such/folder", "folder", "", "pipe"]:
                 self.assertEqual(self.run_program(option, "m", output),
                                  (6, f"Cannot open file '{output}' for writing.\n"))
             self.assertEqual(self.run_program(option, "m", "/dev/full"), (7, "Cannot write to file '/dev/full'.\n"))
@@ -81,6 +84,9 @@ class ProgramLineTest(ProgramTest):
             document([model], [(3, 1)], 0, table=[]): "ProbabilityMapping: array 'x' has 0 values, 1 needed",
         }
         self.write("out", "as it was")
+        os.mkfifo(self.folder / "pipe")
+        for name, problem in [("/dev/null", "No XML data"), ("/dev/zero", "No XML data"), ("pipe", "File not found")]:
+            self.assertEqual(self.run_program("-a", name, "out"), (8, f"Cannot convert model '{name}': Error: {problem}.\n"))
         for text, problem in cases.items():
             with self.subTest(problem):
                 name = "none" if text is None else self.write("m", text, "utf-8")

@@ -6,9 +6,10 @@
 
 #include <cstdio>
 
-// Opens a file with the C library's `mode`; null when it cannot be opened. For reading, anything
-// but a regular file cannot be opened: a folder has no text, and a pipe could wait for ever.
-std::FILE *openFile(const QString &fileName, const char *mode);
+// Opens a file for reading, or creates or empties it for writing; null when it cannot be opened.
+// Folders and pipes cannot be opened for reading.
+enum class FileUse { Read, Write };
+std::FILE *openFile(const QString &fileName, FileUse use);
 
 // Whether the bytes of a file without another known mark are UTF-16LE text.
 bool isUtf16Text(QByteArrayView bytes);

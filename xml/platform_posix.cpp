@@ -4,16 +4,25 @@
 
 #include <memory>
 
+#include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
-std::FILE *openFile(const QString &fileName, const char *mode) {
+// Nothing here waits: a pipe that nobody writes to or reads from cannot be opened.
+std::FILE *openFile(const QString &fileName, FileUse use) {
     const QByteArray path = fileName.toUtf8();
-    if (mode[0] == 'r') {
-        struct stat status {};
-        if (stat(path.constData(), &status) != 0 || !S_ISREG(status.st_mode)) return nullptr;
+    const bool isInput = use == FileUse::Read;
+    const int flags = isInput ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
+    const int file = open(path.constData(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
+    struct stat status {};
+    if (file < 0 || fstat(file, &status) != 0) return nullptr;
+    if (isInput && !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode)) {
+        close(file);
+        return nullptr;
     }
-    return std::fopen(path.constData(), mode);
+    fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
+    return fdopen(file, isInput ? "rb" : "wb");
 }
 
 // Most units of UTF-16 text in Western languages have a zero high byte, which 8-bit text has not.

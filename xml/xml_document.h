@@ -42,7 +42,7 @@ struct XmlDocument {
 
 // Parses the document's source and takes the document over: it is released with the last handle,
 // or at once when the result is the empty node.
-XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results);
+XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseResult *results);
 
 // The named character entities, in the order in which they are tried.
 struct XmlEntity {

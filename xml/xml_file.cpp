@@ -28,7 +28,7 @@ std::unique_ptr<char16_t[]> allocateText(qsizetype units) {
 
 FileBytes readFile(const QString &fileName) {
     FileBytes file;
-    std::FILE *const input = openFile(fileName, "rb");
+    std::FILE *const input = openFile(fileName, FileUse::Read);
     if (!input) return {{}, 0, XmlError::FileNotFound};
     std::fseek(input, 0, SEEK_END);
     file.size = std::ftell(input);
@@ -53,8 +53,10 @@ std::unique_ptr<char16_t[]> decodeNarrow(QByteArrayView bytes) {
     if (isUtf8) bytes = bytes.sliced(3);
     bytes.truncate(
         static_cast<qsizetype>(qstrnlen(bytes.data(), static_cast<size_t>(bytes.size()))));
-    // A decoder without this flag would drop a second mark.
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    // Without these flags, a decoder drops a second mark, and a sequence that is cut off at the
+    // end.
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
     auto text = allocateText(isUtf8 ? utf8.requiredSpace(bytes.size()) : bytes.size());
     if (text && isUtf8) {
         *utf8.appendToBuffer(reinterpret_cast<QChar *>(text.get()), bytes) = u'\0';
@@ -81,5 +83,5 @@ XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseRes
         if (results) *results = {file.error};
         return {};
     }
-    return parseXml(new XmlDocument(std::move(file.buffer), mark), tag, results);
+    return parseXml(std::make_unique<XmlDocument>(std::move(file.buffer), mark), tag, results);
 }

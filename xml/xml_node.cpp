@@ -113,7 +113,7 @@ XmlNode XmlNode::childNode(QStringView name, int i) const {
     }
     int index = 0;
     while (i > 0 && !childNode(name, &index).isEmpty()) --i;
-    return i == 0 ? childNode(name, &index) : XmlNode();
+    return childNode(name, &index);
 }
 
 XmlNode XmlNode::childNodeWithAttribute(QStringView name, QStringView attributeName,

@@ -17,6 +17,8 @@
 #include <QString>
 #include <QStringView>
 
+#include <memory>
+
 // The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
 // Base64LengthNotMultipleOf4 and Base64Truncated are warnings: there is a result all the same.
 enum class XmlError {
@@ -131,7 +133,8 @@ public:
 
 private:
     XmlNode(XmlDocument *owner, XmlElement *record);
-    friend XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results);
+    friend XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag,
+                            XmlParseResult *results);
 
     XmlDocument *document = nullptr;
     XmlElement *element = nullptr;

@@ -202,13 +202,13 @@ bool readEntity(QStringView &rest, char16_t &character) {
         unsigned value = 0;
         for (qsizetype i = isHexadecimal ? 3 : 2; i < rest.size(); ++i) {
             if (rest[i] == u';') {
-                character = static_cast<char16_t>(value);
+                character = static_cast<char16_t>(value); // modulo 65536
                 rest = rest.sliced(i + 1);
                 return true;
             }
             const int digit = digitValue(rest[i].unicode(), base);
             if (digit < 0) return false;
-            value = (value * static_cast<unsigned>(base) + static_cast<unsigned>(digit)) & 0xFFFF;
+            value = value * static_cast<unsigned>(base) + static_cast<unsigned>(digit);
         }
         return false;
     }
@@ -266,7 +266,6 @@ void joinText(Parser &p, QStringView more) {
 // goes, and the texts become one.
 bool flushText(Parser &p, qsizetype end) {
     qsizetype start = p.runStart;
-    p.runStart = end;
     while (start < end && isSpace(p.source[start])) ++start;
     while (start < end && isSpace(p.source[end - 1])) --end;
     if (start == end) return true;
@@ -278,7 +277,6 @@ bool flushText(Parser &p, qsizetype end) {
         p.clears.pop_back();
         joinText(p, text);
         element.last = PieceKind::Text;
-        element.beforeLast = PieceKind::None;
     } else {
         p.texts.push_back(text);
         addPiece(p, PieceKind::Text);
@@ -314,7 +312,8 @@ enum class StartTag { Open, Empty, Unfinished, Failed };
 // The attributes of the innermost element, up to the end of its start tag.
 StartTag readAttributes(Parser &p) {
     const XmlElement &element = *p.open.back().element;
-    QStringView name; // the attribute whose value has not been met
+    // The attribute whose value has not been met; null when there is none, since no name is empty.
+    QStringView name;
     while (true) {
         Token token = nextToken(p);
         if (token.kind == TokenKind::End) return StartTag::Unfinished;
@@ -441,7 +440,7 @@ bool readElement(Parser &p, bool isDeclaration) {
 }
 
 // Reads from one "<" to the next until the text ends, an error is met or the top record is closed.
-// What stands between is text, whatever it holds: no token of it can contain a "<".
+// What stands between is text, whatever it holds: even a quote does not run over a "<".
 void readContent(Parser &p) {
     bool goesOn = true;
     while (goesOn && !p.open.empty()) {
@@ -492,11 +491,11 @@ XmlDocument::XmlDocument(std::unique_ptr<char16_t[]> text, qsizetype skipped)
     preferLargePages(firstBlock.get(), firstBlockSize(length));
 }
 
-XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results) {
-    Parser p{*document, document->source, document->length};
+XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseResult *results) {
+    Parser p{*owned, owned->source, owned->length};
     openElement(p, {}, false);
     XmlElement *const top = p.open.front().element;
-    XmlNode node(document, top);
+    XmlNode node(owned.release(), top);
     readContent(p);
     while (!p.open.empty()) closeElement(p);
 
@@ -504,7 +503,7 @@ XmlNode parseXml(XmlDocument *document, QStringView tag, XmlParseResult *results
     XmlParseResult result{p.error};
     if (p.error != XmlError::NoError) {
         const bool isLate = p.error == XmlError::UnmatchedEndTagWarning;
-        locate(*document, isLate ? p.warningAt : p.at, result);
+        locate(p.document, isLate ? p.warningAt : p.at, result);
     }
 
     if (!isWarning(p.error)) {
@@ -530,5 +529,5 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
     const auto size = static_cast<std::size_t>(text.size());
     auto buffer = std::make_unique<char16_t[]>(size + 1);
     std::copy_n(text.utf16(), size, buffer.get());
-    return parseXml(new XmlDocument(std::move(buffer), 0), tag, results);
+    return parseXml(std::make_unique<XmlDocument>(std::move(buffer), 0), tag, results);
 }

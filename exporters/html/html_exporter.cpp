@@ -59,13 +59,14 @@ std::vector<HtmlModel> readModels(const QString &modelPath) {
 
 QByteArray readFile(const QString &fileName) {
     QByteArray bytes;
-    std::FILE *const file = openFile(fileName, "rb");
+    std::FILE *const file = openFile(fileName, FileUse::Read);
     if (!file) return bytes;
-    char block[1 << 16];
-    for (std::size_t read = 1; read > 0;) {
-        read = std::fread(block, 1, sizeof(block), file);
-        bytes.append(block, static_cast<qsizetype>(read));
-    }
+    // A device may go on for ever, but it has no size.
+    std::fseek(file, 0, SEEK_END);
+    bytes.resize(std::max(std::ftell(file), 0L));
+    std::rewind(file);
+    const auto size = static_cast<std::size_t>(bytes.size());
+    bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
     std::fclose(file);
     return bytes;
 }

@@ -2,6 +2,7 @@
 #include "tests/fuzz/fuzz.h"
 #include "xml/base64.h"
 
+#include <cstring>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

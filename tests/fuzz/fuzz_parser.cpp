@@ -2,6 +2,7 @@
 #include "tests/fuzz/fuzz.h"
 #include "xml/xml_node.h"
 
+#include <cstring>
 #include <vector>
 
 namespace {
