@@ -3,6 +3,7 @@
 #include "exporters/html/html_exporter.h"
 #include "exporters/python/python_exporter.h"
 #include "exporters/sas/sas_exporter.h"
+#include "exporters/sql/sql_exporter.h"
 #include "exporters/vba/vba_exporter.h"
 #include "xml/platform.h"
 
@@ -40,6 +41,7 @@ constexpr Option options[] = {
     {u"-a", 2, 2, [](const Operands &o) { return exportToSas(o[0], o[1]); }},
     {u"-e", 2, 2, [](const Operands &o) { return exportToVba(o[0], o[1]); }},
     {u"-h", 1, 3, [](const Operands &o) { return exportToHtml(o[0], o[1], o[2]); }},
+    {u"-s", 1, 1, [](const Operands &o) { return exportToSql(o[0]); }},
     {u"-p", 2, 3, [](const Operands &o) { return exportToPython(o[0], o[1], o[2]); }},
 };
 

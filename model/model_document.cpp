@@ -130,7 +130,7 @@ void readNumericRecoding(ModelDocument &document, const UnivModel &model,
 }
 
 void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
-                             CategoricalRecoding &recoding) {
+                             CategoricalRecoding &recoding, BooleanScores booleanScores) {
     recoding.values.clear();
     const XmlNode modalities = model.node.childNode(u"Modalities");
     int index = 0;
@@ -139,9 +139,15 @@ void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
         recoding.values.push_back(mod.attribute(u"val"));
     }
     recoding.isBoolean = model.node.attribute(u"tname") == u"bb64";
-    const std::size_t count = recoding.values.size();
-    const std::size_t needed = 1 + (recoding.isBoolean && count > 0 ? (count <= 5 ? 1 : 2) : count);
-    readNumbers(document, model.node, u"y", needed, recoding.y);
+    std::size_t listed = recoding.values.size();
+    if (recoding.isBoolean) {
+        if (booleanScores == BooleanScores::Both || listed > 5) {
+            listed = 2;
+        } else {
+            listed = std::min<std::size_t>(listed, 1);
+        }
+    }
+    readNumbers(document, model.node, u"y", 1 + listed, recoding.y);
 }
 
 DataDictionary readDataDictionary(const ModelDocument &document) {
@@ -173,7 +179,8 @@ bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary,
     return true;
 }
 
-Regression readRegression(ModelDocument &document, std::span<const UnivModel> models) {
+Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
+                          ConstantTerm constantTerm) {
     const XmlNode node = document.root.childNode(u"RegressionModel");
     std::vector<int> indexes;
     std::vector<double> betas;
@@ -183,7 +190,8 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
         // Without the numbers of its models the regression would be no more than its first beta.
         noteProblem(document, u"RegressionModel: array 'indexes' is absent or holds no number"_s);
     }
-    readNumbers(document, node, u"betas", indexes.size() + 1, betas);
+    const bool hasConstant = constantTerm == ConstantTerm::Read;
+    readNumbers(document, node, u"betas", indexes.size() + (hasConstant ? 1 : 0), betas);
 
     QHash<int, int> lastOfNumber;
     lastOfNumber.reserve(std::ssize(models));
@@ -195,7 +203,7 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
     for (std::size_t j = 0; j < indexes.size(); ++j) {
         regression.terms.push_back({betas[j], indexes[j], lastOfNumber.value(indexes[j], -1)});
     }
-    regression.constant = betas[indexes.size()];
+    if (hasConstant) regression.constant = betas[indexes.size()];
     return regression;
 }
 
@@ -211,6 +219,26 @@ void requireModels(ModelDocument &document, const Regression &regression) {
         noteProblem(document, u"RegressionModel: array 'indexes' holds %1, which is the number of "
                               "no model"_s.arg(unmatched->index));
     }
+}
+
+std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
+                                      const Regression &regression) {
+    std::unordered_map<int, double> ofNumber;
+    ofNumber.reserve(regression.terms.size());
+    for (const RegressionTerm &term : regression.terms) ofNumber[term.index] = term.coefficient;
+
+    std::vector<double> coefficients;
+    coefficients.reserve(models.size());
+    for (const UnivModel &model : models) {
+        const auto found = ofNumber.find(model.number);
+        if (found == ofNumber.end()) {
+            noteProblem(document,
+                        u"%1: its number is not in the array 'indexes' of RegressionModel"_s.arg(
+                            describe(model.node)));
+        }
+        coefficients.push_back(found == ofNumber.end() ? 0 : found->second);
+    }
+    return coefficients;
 }
 
 ProbabilityTable readProbabilityTable(ModelDocument &document) {

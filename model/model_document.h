@@ -108,8 +108,11 @@ struct CategoricalRecoding {
         return y[!isBoolean ? position : position <= 5 ? 1 : 2];
     }
 };
+// Whether a boolean column needs only the scores that its values take, or both even without values.
+enum class BooleanScores { OfValues, Both };
 void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
-                             CategoricalRecoding &recoding);
+                             CategoricalRecoding &recoding,
+                             BooleanScores booleanScores = BooleanScores::OfValues);
 
 // --- Missing codes
 
@@ -143,14 +146,22 @@ struct Regression {
     std::vector<RegressionTerm> terms;
     double constant = 0;
 };
-// Of several models with one number the last gets the term.
-Regression readRegression(ModelDocument &document, std::span<const UnivModel> models);
+// Of several models with one number the last gets the term. A constant that is left out reads as 0
+// and need not exist.
+enum class ConstantTerm { Read, LeftOut };
+Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
+                          ConstantTerm constantTerm = ConstantTerm::Read);
 
 // The name of the recoding that a term multiplies; empty when there is no such model.
 QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term);
 
 // Notes a problem when a term has no model.
 void requireModels(ModelDocument &document, const Regression &regression);
+
+// The coefficient of each model: that of the last term with the model's number, which models of one
+// number share. Notes a problem when a model has no term; its coefficient is 0.
+std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
+                                      const Regression &regression);
 
 // Score points in decreasing order and the probabilities there. Where the document has a table, it
 // has at least one point.

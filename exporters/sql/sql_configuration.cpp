@@ -1,0 +1,84 @@
+#include "exporters/sql/sql_configuration.h"
+
+#include "exporters/sql/sql_text.h"
+#include "model/output_file.h"
+#include "xml/platform.h"
+#include "xml/xml_node.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// 4 was never used.
+enum ConfigurationStatus {
+    exitNoInputFile = 1,
+    exitNoOutputFile = 2,
+    exitNoInputTable = 3,
+    exitNoPredictionTable = 5,
+    exitBadConfiguration = 10,
+};
+
+SqlConfiguration readSettings(const XmlNode &root) {
+    const auto text = [&](QStringView name, QStringView absent = {}) {
+        return xmlToText(root.attribute(name), absent).toString();
+    };
+    const auto flag = [&](QStringView name, bool absent) {
+        return xmlToBool(root.attribute(name), absent);
+    };
+    return {
+        .inputFile = text(u"inputFile"),
+        .outputFile = text(u"outputFile"),
+        .inputTable = text(u"inputTable"),
+        .keyName = text(u"keyName"),
+        .prediction = text(u"prediction", u"Predictions"),
+        .predictionTable = text(u"predictionTable"),
+        .schemaName = text(u"schemaName"),
+        .dbType = text(u"dbType", u"default"),
+        .createPredictionTable = flag(u"createPredictionTable", false),
+        .kestruneScript = flag(u"kestruneScript", false),
+        .useTmpTable = flag(u"useTmpTable", true),
+        .createTmpTable = flag(u"createTmpTable", true),
+        .boolsAreNumbers = flag(u"boolsAreNumbers", true),
+        .debugRecoding = flag(u"debugRecoding", false),
+        .odbcLink = text(u"odbcLink"),
+        .odbcLogin = text(u"odbcLogin"),
+        .odbcPassword = text(u"odbcPassword"),
+        .comment = root.text().trimmed().toString().replace(u"\n"_s, u"\n-- "_s),
+    };
+}
+
+int checkSettings(const SqlConfiguration &configuration) {
+    struct Check {
+        const QString &setting;
+        int status;
+        QStringView message;
+    };
+    const Check checks[] = {
+        {configuration.inputFile, exitNoInputFile, sqlNoInputFile},
+        {configuration.outputFile, exitNoOutputFile, sqlNoOutputFile},
+        {configuration.inputTable, exitNoInputTable, sqlNoInputTable},
+        {configuration.predictionTable, exitNoPredictionTable, sqlNoPredictionTable},
+    };
+    for (const Check &check : checks) {
+        if (!check.setting.isEmpty()) continue;
+        printText(check.message);
+        return check.status;
+    }
+    return exitSuccess;
+}
+
+} // namespace
+
+int readSqlConfiguration(const QString &fileName, SqlConfiguration &configuration) {
+    XmlParseResult result;
+    const XmlNode root = XmlNode::parseFile(fileName, u"Model2SQL", &result);
+    if (result.error != XmlError::NoError) {
+        const QString message =
+            u"XML Parsing error inside file '%1'.\n%2\nAt line %3, column %4.\n"_s;
+        printText(message.arg(fileName, QString::fromLatin1(xmlErrorMessage(result.error)),
+                              QString::number(result.line), QString::number(result.column)));
+        return exitBadConfiguration;
+    }
+    configuration = readSettings(root);
+    return checkSettings(configuration);
+}

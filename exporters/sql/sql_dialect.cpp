@@ -1,0 +1,71 @@
+#include "exporters/sql/sql_dialect.h"
+
+#include <QStringBuilder>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr SqlWrapper none = {u"", u""};
+constexpr SqlWrapper score = {u"CAST((", u") AS FLOAT)"};
+constexpr SqlWrapper column = {u"CAST(", u" AS FLOAT)"};
+constexpr SqlWrapper trim = {u"RTRIM(LTRIM(", u"))"};
+
+constexpr SqlQuoting marks = SqlQuoting::QuotationMarks;
+constexpr SqlQuoting upper = SqlQuoting::UpperCase;
+constexpr SqlQuoting brackets = SqlQuoting::Brackets;
+
+constexpr bool yes = true;
+constexpr bool no = false;
+
+// The last one stands for all names that are not in the table.
+// clang-format off
+constexpr SqlDialect dialects[] = {
+    // name              score  column  text   quoting  name    digits  proba-  distri-  makes  collects    reader
+    //                   cast   cast    trim            length          bility  butes    index  statistics  mode
+    {u"default",         none,  none,   trim,  marks,    64,    16,     no,     no,      no,    no,         yes},
+    {u"sqlserver",       none,  column, trim,  brackets, 64,    16,     yes,    no,      yes,   no,         no},
+    {u"oracle",          none,  none,   trim,  upper,    64,    16,     yes,    no,      no,    no,         yes},
+    {u"mysql",           none,  none,   trim,  marks,    64,    16,     yes,    no,      yes,   no,         yes},
+    {u"teradata",        none,  none,   none,  marks,    30,    15,     yes,    no,      no,    yes,        yes},
+    {u"teradata_aster",  none,  none,   none,  marks,    30,    16,     yes,    yes,     no,    no,         yes},
+    {u"",                score, column, trim,  marks,    64,    16,     yes,    no,      no,    no,         no},
+};
+// clang-format on
+
+} // namespace
+
+const SqlDialect &findSqlDialect(QStringView name) {
+    const QString wanted = name.toString().toLower();
+    const auto *const unknown = std::end(dialects) - 1;
+    return *std::find_if(std::begin(dialects), unknown,
+                         [&](const SqlDialect &dialect) { return dialect.name == wanted; });
+}
+
+QString sqlIdentifier(const SqlDialect &dialect, QStringView name) {
+    const bool needsQuotes =
+        name.contains(u'"') || name.contains(u' ') || name.contains(u'-') || name == u"key";
+    QString text = name.toString();
+    if (!needsQuotes) return text;
+    if (dialect.quoting == SqlQuoting::Brackets) return u'[' + text + u']';
+    text.replace(u"\""_s, u"\\\""_s);
+    if (dialect.quoting == SqlQuoting::UpperCase) text = text.toUpper();
+    return u'"' + text + u'"';
+}
+
+QString sqlTableName(const SqlDialect &dialect, QStringView name) {
+    return sqlIdentifier(dialect, name.left(dialect.identifierLength));
+}
+
+NumberText sqlNumber(const SqlDialect &dialect, double number) {
+    constexpr double smallest = 1e-12;
+    return generalNumber(std::abs(number) < smallest ? 0 : number, dialect.digits);
+}
+
+QString wrapped(const SqlWrapper &wrapper, QStringView text) {
+    return wrapper.opening % text % wrapper.closing;
+}

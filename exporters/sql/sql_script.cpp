@@ -1,0 +1,299 @@
+#include "exporters/sql/sql_script.h"
+
+#include <QStringBuilder>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+enum class Plan {
+    ScoreOnly,      // the score is the prediction
+    Nested,         // the probability is selected from the score select
+    TemporaryTable, // the score goes into a table of its own first
+};
+
+// What the statements of one script share. Names are quoted, and tables have their schema.
+struct Script {
+    const SqlConfiguration &configuration;
+    const SqlDialect &dialect;
+    Plan plan;
+    QString key;
+    QString prediction;
+    QString predictionTable;
+    QString inputTable;
+    QString temporaryTable;
+    std::vector<QString> debugColumns; // one of each model, or none
+    std::vector<UnivModel> models;
+    ProbabilityTable probabilities; // unless the plan is ScoreOnly
+};
+
+// --- What is written
+
+QString keyName(const ModelDocument &document, const SqlConfiguration &configuration) {
+    if (!configuration.keyName.isEmpty()) return configuration.keyName;
+    const QStringView key = document.root.childNode(u"MetaData").childNode(u"Key").text();
+    return key.isEmpty() ? u"id"_s : key.toString();
+}
+
+// Before the name of each table.
+QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &dialect) {
+    const QString &schema = configuration.schemaName;
+    return schema.isEmpty() ? QString() : sqlIdentifier(dialect, schema) + u'.';
+}
+
+std::vector<QString> debugColumns(const std::vector<UnivModel> &models,
+                                  const SqlConfiguration &configuration,
+                                  const SqlDialect &dialect) {
+    std::vector<QString> columns;
+    if (!configuration.debugRecoding) return columns;
+    columns.reserve(models.size());
+    for (const UnivModel &model : models) {
+        columns.push_back(sqlIdentifier(dialect, QString(u"R_" % model.field)));
+    }
+    return columns;
+}
+
+Plan choosePlan(const ProbabilityTable &probabilities, const SqlConfiguration &configuration) {
+    if (!probabilities.exists) return Plan::ScoreOnly;
+    return configuration.useTmpTable ? Plan::TemporaryTable : Plan::Nested;
+}
+
+Script readScript(ModelDocument &document, const SqlConfiguration &configuration,
+                  const SqlDialect &dialect) {
+    const QString schema = schemaPrefix(configuration, dialect);
+    const QString &target = configuration.predictionTable;
+    const QString temporary = u"Qorv_TMP_"_s + target;
+    std::vector<UnivModel> models = readUnivModels(document, {});
+    ProbabilityTable probabilities;
+    if (dialect.hasProbability) probabilities = readProbabilityTable(document);
+    return {
+        .configuration = configuration,
+        .dialect = dialect,
+        .plan = choosePlan(probabilities, configuration),
+        .key = sqlIdentifier(dialect, keyName(document, configuration)),
+        .prediction = sqlIdentifier(dialect, configuration.prediction),
+        .predictionTable = schema + sqlTableName(dialect, target),
+        .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
+        .temporaryTable = schema + sqlTableName(dialect, temporary),
+        .debugColumns = debugColumns(models, configuration, dialect),
+        .models = std::move(models),
+        .probabilities = std::move(probabilities),
+    };
+}
+
+// --- Tables
+
+void putComment(TextBuffer &out, const Script &script) {
+    const QString &comment = script.configuration.comment;
+    if (!comment.isEmpty()) put(out, u"-- ", comment, u"\n");
+}
+
+QStringView tableClause(const Script &script) {
+    return script.dialect.distributes ? u" distribute by hash(id)" : u"";
+}
+
+void putPredictionTable(TextBuffer &out, const Script &script) {
+    if (!script.configuration.createPredictionTable) return;
+    put(out, u"-- drop table ", script.predictionTable, u";\n");
+    put(out, u"create table ", script.predictionTable, u"(", script.key, u" VARCHAR(20), ",
+        script.prediction, u" FLOAT(53))", tableClause(script), u";\n");
+    if (script.dialect.makesIndex) {
+        const QString indexed = sqlTableName(script.dialect, script.configuration.predictionTable);
+        put(out, u"CREATE INDEX ", indexed, u"_index ON ", script.predictionTable, u"(", script.key,
+            u");\n");
+    }
+}
+
+// Without a table of its own to create, a script only shows how the table was made, so the first
+// line of that statement becomes a comment.
+void putTemporaryTable(TextBuffer &out, const Script &script) {
+    const QString &table = script.temporaryTable;
+    const bool creates = script.configuration.createTmpTable;
+    if (creates) {
+        put(out, u"--drop table ", table, u";\n");
+    } else {
+        put(out, u"-- ");
+    }
+    put(out, u"create table ", table, u"(", script.key, u" VARCHAR(20), score FLOAT(53)");
+    for (const QString &column : script.debugColumns) put(out, u",\n", column, u" FLOAT(53)");
+    put(out, u")", tableClause(script), u";\n");
+    if (!creates) put(out, u"delete from ", table, u";\n");
+}
+
+void putTemporaryInsert(TextBuffer &out, const Script &script) {
+    put(out, u"insert into ", script.temporaryTable, u"(", script.key);
+    for (const QString &column : script.debugColumns) put(out, u",", column);
+    put(out, u",score)\n");
+}
+
+void putPredictionInsert(TextBuffer &out, const Script &script) {
+    put(out, u"insert into ", script.predictionTable, u"(", script.key, u",", script.prediction,
+        u")\n");
+}
+
+// --- Score
+
+void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const UnivModel &model,
+                    const NumericRecoding &recoding, const std::vector<double> &missingCodes,
+                    double coefficient) {
+    const QString field = sqlIdentifier(dialect, model.field);
+    const QString column = wrapped(dialect.columnCast, field);
+    const auto number = [&](double value) { return sqlNumber(dialect, value); };
+    const auto points = [&](double score) { return number(coefficient * score); };
+    const double upperTail = recoding.y[recoding.x.size() + 1];
+
+    put(out, u"CASE WHEN (", field, u" IS NULL");
+    for (const double code : missingCodes) put(out, u") OR (", column, u"=", number(code));
+    put(out, u") THEN ", points(recoding.y[0]), u"\n");
+    put(out, u"   WHEN ", column, u"<", number(recoding.x.front()), u" THEN ",
+        points(recoding.y[1]), u"\n");
+    put(out, u"   WHEN ", column, u">", number(recoding.x.back()), u" THEN ", points(upperTail),
+        u"\n");
+    forEachInnerInterval(recoding, [&](double bound, double score) {
+        put(out, u"   WHEN ", column, u"<=", number(bound), u" THEN ", points(score), u"\n");
+    });
+    put(out, u"   ELSE ", points(recoding.y[0]), u"\n   END ");
+}
+
+// A boolean column may be stored as 0 and 1, and then has no texts to compare with.
+void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const UnivModel &model,
+                        const CategoricalRecoding &recoding, bool isNumber, double coefficient) {
+    const QString field = sqlIdentifier(dialect, model.field);
+    const QString text = wrapped(dialect.textTrim, field);
+    const QString column = wrapped(dialect.columnCast, field);
+    const auto points = [&](double score) { return sqlNumber(dialect, coefficient * score); };
+
+    put(out, u"CASE WHEN ( ", field, u" IS NULL");
+    if (!isNumber) put(out, u" OR ", text, u"=''");
+    put(out, u") THEN ", points(recoding.y[0]), u"\n");
+    if (isNumber) {
+        put(out, u"   WHEN ", column, u"=0 THEN ", points(recoding.y[1]), u"\n");
+        put(out, u"   WHEN ", column, u"=1 THEN ", points(recoding.y[2]), u"\n");
+    } else {
+        // The spellings of a boolean column are compared untrimmed.
+        const QString &compared = recoding.isBoolean ? field : text;
+        for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
+            put(out, u"   WHEN ", compared, u"='", EscapedText{recoding.values[i - 1], u'\''},
+                u"' THEN ", points(recoding.score(i)), u"\n");
+        }
+    }
+    put(out, u"   ELSE ", points(recoding.y[0]), u"\n   END");
+}
+
+// Each variable's CASE, already multiplied with its coefficient: as one term of the sum, or as a
+// column of its own.
+void putContributions(TextBuffer &out, ModelDocument &document, const Script &script,
+                      const Regression &regression) {
+    const SqlDialect &dialect = script.dialect;
+    const bool boolsAreNumbers = script.configuration.boolsAreNumbers;
+    const BooleanScores booleanScores =
+        boolsAreNumbers ? BooleanScores::Both : BooleanScores::OfValues;
+    const DataDictionary dictionary = readDataDictionary(document);
+    const std::vector<double> coefficients = modelCoefficients(document, script.models, regression);
+    CategoricalRecoding categorical;
+    NumericRecoding numeric;
+    std::vector<double> codes;
+    for (std::size_t k = 0; k < script.models.size(); ++k) {
+        const UnivModel &model = script.models[k];
+        const bool isColumn = script.configuration.debugRecoding;
+        put(out, isColumn ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
+        if (model.isCategorical) {
+            readCategoricalRecoding(document, model, categorical, booleanScores);
+            putCategoricalCase(out, dialect, model, categorical,
+                               categorical.isBoolean && boolsAreNumbers, coefficients[k]);
+        } else {
+            readNumericRecoding(document, model, numeric);
+            readMissingCodes(document, dictionary, model.field, codes);
+            putNumericCase(out, dialect, model, numeric, codes, coefficients[k]);
+        }
+        put(out, dialect.scoreCast.closing, u")");
+        if (isColumn) put(out, u" AS ", script.debugColumns[k]);
+        put(out, u"\n");
+    }
+}
+
+void putScoreSelect(TextBuffer &out, ModelDocument &document, const Script &script) {
+    const bool isDebug = script.configuration.debugRecoding;
+    const Regression regression = readRegression(
+        document, script.models, isDebug ? ConstantTerm::LeftOut : ConstantTerm::Read);
+    requireModels(document, regression);
+
+    put(out, u" SELECT ", script.key);
+    if (!isDebug) put(out, u",(", sqlNumber(script.dialect, regression.constant), u"\n");
+    putContributions(out, document, script, regression);
+    if (isDebug) {
+        put(out, u", 0 as score");
+    } else {
+        const bool isPrediction = script.plan == Plan::ScoreOnly;
+        put(out, u"   ) AS ", isPrediction ? QStringView(script.prediction) : u"score");
+    }
+    put(out, u" FROM ", script.inputTable);
+}
+
+// --- Probability
+
+// Selects from what is written next. `prefix` stands before each "score". Between the last two
+// points of the table there is no probability: existing scripts look like this.
+void putProbabilitySelect(TextBuffer &out, const Script &script, const QString &prefix) {
+    const SqlDialect &dialect = script.dialect;
+    const ProbabilityTable &table = script.probabilities;
+    const std::size_t last = table.x.size() - 1;
+    const auto number = [&](double value) { return sqlNumber(dialect, value); };
+
+    put(out, u" select ", script.key, u", (", dialect.scoreCast.opening, u"CASE \n");
+    put(out, u"   WHEN ", prefix, u"score>", number(table.x[0]), u" THEN ", number(table.y[0]),
+        u"\n   WHEN ", prefix, u"score<", number(table.x[last]), u" THEN ", number(table.y[last]));
+    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::LeftOut)) {
+        put(out, u"\n   WHEN ", prefix, u"score>", number(segment.threshold), u" THEN ",
+            number(segment.intercept));
+        const NumberText slope = number(segment.slope);
+        if (slope.view() != "0") put(out, u"+", prefix, u"score*", slope);
+    }
+    put(out, u"\n   ELSE 0\n   END ", dialect.scoreCast.closing, u") AS ", script.prediction,
+        u"\n  from ");
+}
+
+void putTemporaryMapping(TextBuffer &out, const Script &script) {
+    const QString &table = script.temporaryTable;
+    if (script.dialect.collectsStatistics) {
+        put(out, u"COLLECT STATISTICS ON ", table, u" INDEX (", script.key, u");\n");
+    }
+    putPredictionInsert(out, script);
+    putProbabilitySelect(out, script, table + u'.');
+    put(out, table, u";\n");
+    if (script.configuration.debugRecoding) return;
+    put(out, script.configuration.createTmpTable ? QStringView(u"DROP TABLE ") : u"DELETE FROM ",
+        table, u";\n");
+}
+
+} // namespace
+
+void putSqlScript(TextBuffer &out, ModelDocument &document, const SqlConfiguration &configuration,
+                  const SqlDialect &dialect) {
+    const Script script = readScript(document, configuration, dialect);
+    putComment(out, script);
+    putPredictionTable(out, script);
+    switch (script.plan) {
+    case Plan::ScoreOnly:
+        putPredictionInsert(out, script);
+        putScoreSelect(out, document, script);
+        put(out, u";\n\n");
+        break;
+    case Plan::Nested:
+        putPredictionInsert(out, script);
+        // The case of the alias differs from that where it is made: existing scripts look like
+        // this.
+        putProbabilitySelect(out, script, u"qorv_tmp."_s);
+        put(out, u"\n(");
+        putScoreSelect(out, document, script);
+        put(out, u") Qorv_TMP;\n\n");
+        break;
+    case Plan::TemporaryTable:
+        putTemporaryTable(out, script);
+        putTemporaryInsert(out, script);
+        putScoreSelect(out, document, script);
+        put(out, u";\n\n");
+        putTemporaryMapping(out, script);
+        break;
+    }
+}
