@@ -2,33 +2,16 @@
 
 import unittest
 from xml.etree import ElementTree
-from xml.sax.saxutils import quoteattr
 
-from support import DOCUMENTS, ProgramTest, categorical, document, numeric
-
-DIALECTS = ["default", "sqlserver", "oracle", "mysql", "teradata", "teradata_aster", "unknown"]
+from sql_program import DIALECTS, SqlProgramTest, configuration
+from support import DOCUMENTS, categorical, document, numeric
 
 TABLE = [(1, 0.9), (0, 0.5), (-1, 0.25), (-2, 0.1)]
 SMALL = document([numeric(1, "n", [0.5], [0, 1 / 3, 1e-13]), categorical(2, "my col", ["it's", ""], [0, 1, 10])],
                  [(2, 1), (1, 1)], -10, TABLE)
 
 
-def configuration(comment="", **settings):
-    given = {"inputFile": "model.ModelXml", "outputFile": "out", "inputTable": "src", "predictionTable": "Preds"}
-    attributes = "".join(f" {name}={quoteattr(value)}" for name, value in {**given, **settings}.items()
-                         if value is not None)
-    return f'<?xml version="1.0"?>\n<Model2SQL{attributes}>{comment}</Model2SQL>'
-
-
-class SqlTest(ProgramTest):
-    def run_configuration(self, text):
-        return self.run_program("-s", self.write("c.xml", text))
-
-    def sql(self, model, comment="", **settings):
-        self.write("model.ModelXml", model)
-        self.assertEqual(self.run_configuration(configuration(comment, **settings)), (0, "Conversion successful!\n"))
-        return self.read("out")
-
+class SqlTest(SqlProgramTest):
     def test_golden_scripts(self):
         """Every dialect once, every plan and switch among them."""
         nested = {"useTmpTable": "0"}
