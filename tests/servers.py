@@ -13,50 +13,39 @@ class Refused(Exception):
     """What a server said of a script that it did not run to the end."""
 
 
-def run(command, text):
-    done = subprocess.run(command, input=text.encode("utf-8"), capture_output=True, timeout=300)
-    if done.returncode:
-        raise Refused(done.stderr.decode("utf-8", "replace"))
-    return [line.split("\t") for line in done.stdout.decode("utf-8").splitlines()]
-
-
 class Server:
-    account = None  # servers refuse to run as root, so they then get their package's own account
-
     def __init__(self):
         self.folder = Path(tempfile.mkdtemp(prefix="sw"))  # short, since the path of a socket is limited
-        self.as_account = {}
-        if os.geteuid() == 0:
+        account = {}
+        if os.geteuid() == 0:  # which servers refuse to run as
             entry = pwd.getpwnam(self.account)
             os.chown(self.folder, entry.pw_uid, entry.pw_gid)
-            self.as_account = {"user": entry.pw_uid, "group": entry.pw_gid, "extra_groups": []}
-        self.process = None
-        try:
-            self.start()
-        except BaseException:
-            self.stop()
-            raise
-
-    def start(self):
+            account = {"user": entry.pw_uid, "group": entry.pw_gid, "extra_groups": []}
         with open(self.folder / "log", "wb") as log:
-            quiet = {"stdin": subprocess.DEVNULL, "stdout": log, "stderr": log, "cwd": self.folder, **self.as_account}
+            quiet = {"stdin": subprocess.DEVNULL, "stdout": log, "stderr": log, "cwd": self.folder, **account}
             subprocess.run(self.installation(), check=True, timeout=120, **quiet)
             self.process = subprocess.Popen(self.command(), **quiet)
         deadline = time.monotonic() + 60
         while True:
             try:
-                return self.query("select 1;")
+                self.query("select 1;")
+                return
             except Refused as refusal:
                 if self.process.poll() is not None or time.monotonic() > deadline:
-                    log = (self.folder / "log").read_text(errors="replace")
-                    raise RuntimeError(f"{type(self).__name__} did not start: {refusal}\n{log}") from None
+                    self.process.kill()
+                    raise RuntimeError(f"{refusal}; see {self.folder}/log") from None
                 time.sleep(0.05)
 
     def stop(self):
-        if self.process:
-            self.process.terminate()
-            self.process.wait(60)
+        self.process.terminate()
+        self.process.wait(60)
         shutil.rmtree(self.folder, ignore_errors=True)
+
+    def run(self, client, sql):
+        done = subprocess.run(client, input=sql.encode("utf-8"), capture_output=True, timeout=300)
+        if done.returncode:
+            raise Refused(done.stderr.decode("utf-8", "replace"))
+        return [line.split("\t") for line in done.stdout.decode("utf-8").splitlines()]
 
 
 class MariaDb(Server):
@@ -70,34 +59,29 @@ class MariaDb(Server):
         # Names without case, since the scripts write the alias Qorv_TMP in two ways; a collation that tells letters
         # and blanks apart, as the other engines do.
         return ["/usr/sbin/mariadbd", "--no-defaults", f"--datadir={self.folder}/data", f"--socket={self.folder}/s",
-                "--skip-networking", "--skip-log-bin", "--innodb-flush-log-at-trx-commit=0",
-                "--innodb-flush-method=nosync", "--performance-schema=0", "--lower-case-table-names=1",
-                "--character-set-server=utf8mb4", "--collation-server=utf8mb4_nopad_bin"]
+                "--skip-networking", "--innodb-flush-method=nosync", "--innodb-flush-log-at-trx-commit=0",
+                "--lower-case-table-names=1", "--character-set-server=utf8mb4", "--collation-server=utf8mb4_nopad_bin"]
 
     def query(self, sql, mode="ANSI_QUOTES"):
         client = ["mariadb", "--no-defaults", "--default-character-set=utf8mb4", "-S", f"{self.folder}/s", "-u", "root"]
-        return run([*client, "-N", "-B"], f"create database if not exists x; use x; set sql_mode='{mode}';\n{sql}")
+        return self.run([*client, "-N", "-B"], f"create database if not exists x; use x; set sql_mode='{mode}';\n{sql}")
 
 
 class Postgres(Server):
     account = "postgres"
-
-    def binary(self, name):
-        folders = sorted(Path("/usr/lib/postgresql").glob("*/bin"))
-        if not folders:
-            raise RuntimeError("PostgreSQL is not installed; see scripts/install")
-        return str(folders[-1] / name)
+    binaries = max(Path("/usr/lib/postgresql").glob("*/bin"), default=Path("postgresql is not installed"))
 
     def installation(self):
-        return [self.binary("initdb"), "-D", f"{self.folder}/data", "-A", "trust", "-U", "postgres", "-E", "UTF8",
+        return [self.binaries / "initdb", "-D", self.folder / "data", "-A", "trust", "-U", "postgres", "-E", "UTF8",
                 "--locale=C", "--no-sync"]
 
     def command(self):
-        return [self.binary("postgres"), "-D", f"{self.folder}/data", "-k", str(self.folder), "-c", "listen_addresses=",
-                "-c", "fsync=off", "-c", "synchronous_commit=off", "-c", "full_page_writes=off"]
+        return [self.binaries / "postgres", "-D", self.folder / "data", "-k", self.folder, "-c", "listen_addresses=",
+                "-c", "fsync=off", "-c", "synchronous_commit=off"]
 
-    def query(self, sql, backslashes=True):
-        """backslashes: whether they escape in texts, as the scripts expect; the server's own default is no."""
-        setting = "set standard_conforming_strings=off; set escape_string_warning=off;\n" if backslashes else ""
-        client = [self.binary("psql"), "-X", "-q", "-A", "-t", "-F", "\t", "-v", "ON_ERROR_STOP=1"]
-        return run([*client, "-h", str(self.folder), "-U", "postgres", "-f", "-"], setting + sql)
+    def query(self, sql, backslashes="on"):
+        """backslashes: whether they escape in texts, as the scripts expect; the server's own default is off."""
+        setting = {"on": "off", "off": "on"}[backslashes]
+        client = [self.binaries / "psql", "-X", "-q", "-A", "-t", "-F", "\t", "-v", "ON_ERROR_STOP=1", "-h", self.folder]
+        return self.run([*client, "-U", "postgres"],
+                        f"set standard_conforming_strings={setting}; set escape_string_warning=off;\n{sql}")
