@@ -20,8 +20,7 @@ class SqlTest(SqlProgramTest):
             "default": {"createPredictionTable": "1", "boolsAreNumbers": "0"},
             "sqlserver": {"createPredictionTable": "1", "schemaName": "my schema", "inputTable": "a-b"},
             "oracle": {**nested, "schemaName": "dbo", "predictionTable": 'the "best"', "keyName": "key"},
-            "mysql": {"createPredictionTable": "1", "createTmpTable": "0",
-                      "comment": " Scores\nof applicants\n"},
+            "mysql": {"createPredictionTable": "1", "createTmpTable": "0", "comment": " Scores\nof applicants\n"},
             "teradata": {**debug, "predictionTable": "a table name longer than thirty units", "prediction": "p c"},
             "teradata_aster": {**nested, **debug, "createPredictionTable": "1", "boolsAreNumbers": "0"},
             "unknown": debug | {"createTmpTable": "0", "schemaName": "s"},
@@ -58,7 +57,6 @@ class SqlTest(SqlProgramTest):
             " mode='4'": "default oracle mysql teradata teradata_aster",
             "='it\\'s' THEN 1\n": " ".join(DIALECTS),
             "='' THEN 10\n": " ".join(DIALECTS),
-            ",(-10\n": "default sqlserver oracle mysql teradata teradata_aster unknown",
         }
         for dialect in DIALECTS:
             settings = {"dbType": dialect.title(), "predictionTable": long, "createPredictionTable": "1"}
@@ -87,33 +85,26 @@ class SqlTest(SqlProgramTest):
             self.assert_golden(f"etl.{given['dbType']}.xml", etl.replace(script, "(script)"))
 
     def test_settings(self):
-        """A setting and what it makes of the script."""
         keyed = SMALL.replace("</Target>", "</Target><Key>the key</Key>")
-        cases = [
-            (SMALL, {}, ["insert into Preds(id,Predictions)\n"]),
-            (keyed, {"keyName": ""}, ['insert into Preds("the key",Predictions)\n']),
-            (keyed, {"keyName": " ", "prediction": "", "schemaName": " "}, ['insert into " ".Preds(" ",)\n', ') AS  FROM " ".src']),
-            (SMALL, {"keyName": "Key", "prediction": "key"}, ['(Key,"key")']),
-            (SMALL, {"keyName": "a-b", "prediction": 'straße "x"', "dbType": "oracle"}, ['("A-B","STRASSE \\"X\\"")']),
-            (SMALL, {"predictionTable": "t" * 64 + " x"}, ["t(id,Predictions)"]),  # the blank is cut off
-            (SMALL, {"predictionTable": "Preds]", "schemaName": "a b", "dbType": "sqlserver"},
-             ["[a b].Preds](id", "[a b].Qorv_TMP_Preds].score>1 THEN", "DROP TABLE [a b].Qorv_TMP_Preds];\n"]),
-        ]
-        flags = {"1": True, "-1": True, " +7x": True, "4294967297": True, "257": True, "": False, "0": False, "true": False,
-                 "yes": False, "256": False, "99999999999999999999": True, "-99999999999999999999": False}
-        for value, isset in flags.items():
-            cases.append((SMALL, {"createPredictionTable": value}, ["create table Preds"] if isset else []))
-            self.assertEqual("create table" in self.sql(SMALL, createPredictionTable=value), isset, value)
-        for model, settings, fragments in cases:
-            script = self.sql(model, **settings)
-            for fragment in fragments:
-                self.assertIn(fragment, script)
-        self.assertIn("DROP TABLE", self.sql(SMALL, dbType="x", createTmpTable="", useTmpTable=""))
-        self.assertIn(") Qorv_TMP;", self.sql(SMALL, dbType="", useTmpTable="yes"))
-        self.assertTrue(self.sql(SMALL, "\n a\nb \u00a0<x>c</x> d").startswith("-- a\n-- b\n"))
-        bare = configuration(outputFile="out2").replace("<Model2SQL ", "<model2sql prediction dbType CREATEtmptable ")
+        for settings, fragment in [
+            ({"keyName": ""}, 'insert into Preds("the key",Predictions)\n'),
+            ({"keyName": " ", "prediction": "", "schemaName": " "}, 'insert into " ".Preds(" ",)\n'),
+            ({"keyName": "Key", "prediction": "key"}, '(Key,"key")'),
+            ({"keyName": "a-b", "prediction": 'straße "x"', "dbType": "oracle"}, '("A-B","STRASSE \\"X\\"")'),
+            ({"predictionTable": "t" * 64 + " x"}, 't("the key"'),
+            ({"predictionTable": "P]", "schemaName": "a b", "dbType": "sqlserver"}, "DROP TABLE [a b].Qorv_TMP_P];\n"),
+            ({"dbType": "", "createTmpTable": "", "useTmpTable": ""}, "DROP TABLE"),
+            ({"dbType": "x", "useTmpTable": "yes"}, ") Qorv_TMP;"),
+        ]:
+            with self.subTest(settings):
+                self.assertIn(fragment, self.sql(keyed, **settings))
+        flags = {"1": True, "-1": True, " +7x": True, "257": True, "99999999999999999999": True, "": False, "0": False,
+                 "true": False, "256": False, "-99999999999999999999": False}
+        self.assertEqual({flag: "create table" in self.sql(SMALL, createPredictionTable=flag) for flag in flags}, flags)
+        self.assertTrue(self.sql(SMALL, "\n a\nb \u00a0<x>c</x> d").startswith("-- a\n-- b\ninsert into Preds(id,"))
+        bare = configuration().replace("<Model2SQL ", "<model2sql prediction dbType CREATEtmptable ")
         self.assertEqual(self.run_configuration(bare.replace("/Model2SQL", "/MODEL2sql"))[0], 0)
-        self.assertIn("(id,Predictions)\n SELECT", self.read("out2"))
+        self.assertIn("(id,Predictions)\n SELECT", self.read("out"))
 
     def test_refused_configurations(self):
         self.write("model.ModelXml", SMALL)

@@ -66,16 +66,18 @@ Script readScript(ModelDocument &document, const SqlConfiguration &configuration
     std::vector<UnivModel> models = readUnivModels(document, {});
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
+    const Plan plan = choosePlan(probabilities, configuration);
+    std::vector<QString> columns = debugColumns(models, configuration, dialect);
     return {
         .configuration = configuration,
         .dialect = dialect,
-        .plan = choosePlan(probabilities, configuration),
+        .plan = plan,
         .key = sqlIdentifier(dialect, keyName(document, configuration)),
         .prediction = sqlIdentifier(dialect, configuration.prediction),
         .predictionTable = schema + sqlTableName(dialect, target),
         .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
         .temporaryTable = schema + sqlTableName(dialect, temporary),
-        .debugColumns = debugColumns(models, configuration, dialect),
+        .debugColumns = std::move(columns),
         .models = std::move(models),
         .probabilities = std::move(probabilities),
     };
