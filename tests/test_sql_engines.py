@@ -165,7 +165,7 @@ class EnginesTest(SqlProgramTest):
                 self.assert_equal_numbers(found, {row["policy"]: model.score(row) for row in seen})
 
     def test_what_servers_refuse(self):
-        """Required texts that do not run; they are kept."""
+        """What these servers do not take; scripts in use look like this."""
         models = [categorical(1, "b", ["it's"], [1, 2]), numeric(2, "n", [0], [0, 0, 0])]
         table = [(3, 0.75), (0, 0.5), (-1, 0)]
         good = document(models, [(1, 1), (2, 1)], 0, table)
