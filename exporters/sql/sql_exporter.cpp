@@ -16,7 +16,7 @@ int exportToSql(const QString &configurationFile) {
 
     ModelDocument document = loadModel(configuration.inputFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    TextBuffer script;
+    TextBuffer script(expectedOutput(document));
     putSqlScript(script, document, configuration, dialect);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
