@@ -6,12 +6,26 @@
 #include <cstdio>
 #include <cstdlib>
 
-QString fileInMemory(const uint8_t *data, size_t size) {
-    static const int file = memfd_create("input", 0);
-    const bool isWritten = ftruncate(file, 0) == 0 && lseek(file, 0, SEEK_SET) == 0 &&
-                           write(file, data, size) == static_cast<ssize_t>(size);
+MemoryFile::MemoryFile() : file(memfd_create("input", 0)) {}
+
+void MemoryFile::write(const void *data, size_t size) {
+    const bool isWritten =
+        ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size);
     if (!isWritten) std::abort();
+}
+
+QString MemoryFile::path() const {
     return QString::fromLatin1("/proc/self/fd/%1").arg(file);
+}
+
+QString fileInMemory(const uint8_t *data, size_t size) {
+    static MemoryFile file;
+    file.write(data, size);
+    return file.path();
+}
+
+QString modelOfCorpus(const char *name) {
+    return QString::fromUtf8(FUZZ_CORPUS "/model/") + QString::fromUtf8(name);
 }
 
 void silenceOutput() {

@@ -4,6 +4,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     silenceOutput();
-    exportToPython(fileInMemory(data, size), QStringLiteral("/dev/null"), QString());
+    exportToPython(fileInMemory(data, size), nowhere(), QString());
     return 0;
 }
