@@ -23,8 +23,9 @@ NUMERIC = [
     ("Time", "Duration of the loan (months)", "Discretize", "rising", [18, 30, 42, 54]),
     ("Age", "Age (years)", "NormContinuous", None, [22, 25, 28, 32, 36, 40, 45, 50, 56]),
     ("Expenses", "Expenses (housing & living costs)", "NormContinuous", None, [40, 50, 65, 80, 100]),
-    ("Income", "Income", "NormContinuous", "falling", [60, 80, 95, 110, 125, 140, 160, 185, 215, 280]),
+    # Of two recodings of a column, a page shows the range and the label of the second.
     ("Income", "Income, three classes", "Discretize", None, [100, 200]),
+    ("Income", "Income", "NormContinuous", "falling", [60, 80, 95, 110, 125, 140, 160, 185, 215, 280]),
     ("Assets", "Assets", "NormContinuous", "falling", [1, 2000, 3000, 4000, 5000, 6500, 10000, 18000]),
     ("Debt", "Debt", "Discretize", None, [1, 1000, 2500]),
     ("Amount", "Amount of the loan", "NormContinuous", "rising", [300, 500, 700, 850, 1000, 1150, 1300, 1500, 1800]),
