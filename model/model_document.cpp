@@ -110,6 +110,7 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
     for (XmlNode node = parent.childNode(u"Model", &index); !node.isEmpty();
          node = parent.childNode(u"Model", &index)) {
         UnivModel model;
+        model.position = models.size();
         model.field = node.attribute(u"field");
         model.cleanField = cleanName(model.field, replaced);
         model.recodingName =
@@ -150,33 +151,35 @@ void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
     readNumbers(document, model.node, u"y", 1 + listed, recoding.y);
 }
 
-DataDictionary readDataDictionary(const ModelDocument &document) {
+const MissingCodes &DataDictionary::codesOf(QStringView field) const {
+    const auto found = fields.find(field.isNull() ? QStringView(u"") : field);
+    return lists[found == fields.end() ? 0 : found->second];
+}
+
+DataDictionary readDataDictionary(ModelDocument &document) {
     const XmlNode parent = document.root.childNode(u"DataDictionary");
     DataDictionary dictionary;
+    dictionary.lists.emplace_back();
     dictionary.fields.reserve(static_cast<std::size_t>(parent.childCount()));
     int index = 0;
     for (XmlNode field = parent.childNode(u"DataField", &index); !field.isEmpty();
          field = parent.childNode(u"DataField", &index)) {
+        std::size_t list = 0;
+        if (const QStringView text = field.childNode(u"Missing").text(); !text.isNull()) {
+            list = dictionary.lists.size();
+            MissingCodes &missing = dictionary.lists.emplace_back();
+            missing.isListed = true;
+            decodeArray(document, text, missing.codes);
+            std::reverse(missing.codes.begin(), missing.codes.end());
+        }
         int next = 0;
         for (int before = -1; before != next;) { // a field may have several attributes "name"
             before = next;
             const QStringView name = field.attribute(u"name", &next);
-            if (!name.isNull()) dictionary.fields.try_emplace(name, field);
+            if (!name.isNull()) dictionary.fields.try_emplace(name, list);
         }
     }
     return dictionary;
-}
-
-bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary, QStringView field,
-                      std::vector<double> &codes) {
-    codes.clear();
-    const auto found = dictionary.fields.find(field.isNull() ? QStringView(u"") : field);
-    if (found == dictionary.fields.end()) return false;
-    const QStringView text = found->second.childNode(u"Missing").text();
-    if (text.isNull()) return false;
-    decodeArray(document, text, codes);
-    std::reverse(codes.begin(), codes.end());
-    return true;
 }
 
 Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
@@ -223,20 +226,19 @@ void requireModels(ModelDocument &document, const Regression &regression) {
 
 std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
                                       const Regression &regression) {
-    std::unordered_map<int, double> ofNumber;
-    ofNumber.reserve(regression.terms.size());
+    QHash<int, double> ofNumber;
+    ofNumber.reserve(std::ssize(regression.terms));
     for (const RegressionTerm &term : regression.terms) ofNumber[term.index] = term.coefficient;
 
     std::vector<double> coefficients;
     coefficients.reserve(models.size());
     for (const UnivModel &model : models) {
-        const auto found = ofNumber.find(model.number);
-        if (found == ofNumber.end()) {
+        if (!ofNumber.contains(model.number)) {
             noteProblem(document,
                         u"%1: its number is not in the array 'indexes' of RegressionModel"_s.arg(
                             describe(model.node)));
         }
-        coefficients.push_back(found == ofNumber.end() ? 0 : found->second);
+        coefficients.push_back(ofNumber.value(model.number));
     }
     return coefficients;
 }

@@ -31,7 +31,7 @@ XmlNode rootElement(const XmlNode &parsed, QStringView name);
 // the root is empty and the problem says why.
 ModelDocument loadModel(const QString &fileName);
 
-// The size that an output of this document hardly exceeds, in UTF-16 units.
+// The size that an output of this document seldom exceeds, in UTF-16 units.
 qsizetype expectedOutput(const ModelDocument &document);
 
 // Takes down why the document cannot be converted, unless another reason came first.
@@ -64,10 +64,11 @@ QString targetPrefix(const ModelDocument &document, QStringView replaced);
 // One univariate recoding. Views and nodes are valid as long as the document.
 struct UnivModel {
     XmlNode node;
-    QStringView field;    // the input column; empty when absent
-    QString cleanField;   // the field, cleaned for the target language
-    QString recodingName; // "R", its position from 0, "_" and the clean field; at most 31 units
-    int number = -1;      // of the "name" attribute without its first character; -1 without any
+    QStringView field;        // the input column; empty when absent
+    QString cleanField;       // the field, cleaned for the target language
+    std::size_t position = 0; // in document order, from 0
+    QString recodingName;     // "R", its position from 0, "_" and the clean field; at most 31 units
+    int number = -1;          // of the "name" attribute without its first character; -1 without any
     bool isCategorical = false; // a list of values, else intervals
 };
 
@@ -114,9 +115,15 @@ void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
                              CategoricalRecoding &recoding,
                              BooleanScores booleanScores = BooleanScores::OfValues);
 
-// --- Missing codes
+// The numbers that stand for a missing value of a numeric column, the last first, which is how all
+// targets test them. A list that is there may hold none.
+struct MissingCodes {
+    bool isListed = false;
+    std::vector<double> codes;
+};
 
-// The first data field of each name, found at a cost that does not depend on their number.
+// The missing codes by the names of data fields, each list decoded once. Of several fields with one
+// name the first counts.
 struct DataDictionary {
     struct Hash {
         std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
@@ -124,15 +131,34 @@ struct DataDictionary {
     struct Equal {
         bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
     };
-    std::unordered_map<QStringView, XmlNode, Hash, Equal> fields;
-};
-DataDictionary readDataDictionary(const ModelDocument &document);
+    std::vector<MissingCodes> lists; // the first is that of a field without a list
+    std::unordered_map<QStringView, std::size_t, Hash, Equal> fields;
 
-// Decodes the codes of the data field of that name that stand for a missing value, the last first,
-// which is how all targets test them; none when the field has no list. The result tells whether
-// there is a list, which may hold no code.
-bool readMissingCodes(ModelDocument &document, const DataDictionary &dictionary, QStringView field,
-                      std::vector<double> &codes);
+    const MissingCodes &codesOf(QStringView field) const;
+};
+DataDictionary readDataDictionary(ModelDocument &document);
+
+// --- The walk
+
+// Reads the recodings of all models in document order and calls categorical(model, recoding) or
+// numeric(model, recoding, missingCodes) for each.
+template <typename Categorical, typename Numeric>
+void forEachRecoding(ModelDocument &document, const std::vector<UnivModel> &models,
+                     Categorical categorical, Numeric numeric,
+                     BooleanScores booleanScores = BooleanScores::OfValues) {
+    const DataDictionary dictionary = readDataDictionary(document);
+    CategoricalRecoding values;
+    NumericRecoding intervals;
+    for (const UnivModel &model : models) {
+        if (model.isCategorical) {
+            readCategoricalRecoding(document, model, values, booleanScores);
+            categorical(model, values);
+        } else {
+            readNumericRecoding(document, model, intervals);
+            numeric(model, intervals, dictionary.codesOf(model.cleanField));
+        }
+    }
+}
 
 // --- Score and probability
 

@@ -124,7 +124,8 @@ inline constexpr char16_t histogramHead[] = uR"js(
 	drawing.innerHTML= "\
 		<div style='position:absolute;background-color:#FFFFFF; left:0px; width:"+(10+(2*histogramBorder+histogramWidth)*)js";
 
-inline constexpr char16_t histogramBackgroundEnd[] = uR"js()+"px; bottom:0px; height:"+histogramHeight+"px;'> </div>\)js";
+inline constexpr char16_t histogramBackgroundEnd[] =
+    uR"js()+"px; bottom:0px; height:"+histogramHeight+"px;'> </div>\)js";
 
 // One bar of the histogram; %1 is the model.
 inline constexpr char16_t histogramBar[] = uR"js(
@@ -152,7 +153,8 @@ function validate_form(thisform)
 
 )js";
 
-inline constexpr char16_t mappingHead[] = uR"js(/////////////////////////////////////////////////////////////
+inline constexpr char16_t mappingHead[] =
+    uR"js(/////////////////////////////////////////////////////////////
 //                   Probability mapping                   //
 /////////////////////////////////////////////////////////////
 

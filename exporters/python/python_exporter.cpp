@@ -96,26 +96,25 @@ void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding
     put(out, u"            else:\n                ", name, u" = ", y[0], u"\n\n");
 }
 
+void putHeading(TextBuffer &out, const UnivModel &model) {
+    put(out, u"            # computing recoding '", model.recodingName,
+        u"'\n            #based on the ", model.node.attribute(u"type"),
+        u" column of display name '", model.node.attribute(u"displayName"), u"'\n");
+}
+
 void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
-    const DataDictionary dictionary = readDataDictionary(document);
-    CategoricalRecoding categorical;
-    NumericRecoding numeric;
-    std::vector<double> codes;
-    for (const UnivModel &model : models) {
-        put(out, u"            # computing recoding '", model.recodingName,
-            u"'\n            #based on the ", model.node.attribute(u"type"),
-            u" column of display name '", model.node.attribute(u"displayName"), u"'\n");
-        if (model.isCategorical) {
-            readCategoricalRecoding(document, model, categorical);
-            putCategorical(out, model, categorical);
-        } else {
-            readNumericRecoding(document, model, numeric);
-            readMissingCodes(document, dictionary, model.cleanField, codes);
+    forEachRecoding(
+        document, models,
+        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
+            putHeading(out, model);
+            putCategorical(out, model, recoding);
+        },
+        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
+            putHeading(out, model);
             put(out, u"            data = float(df.iloc[line,", model.cleanField, u"_Idx])\n");
-            putMissingTest(out, codes);
-            putIntervals(out, model, numeric);
-        }
-    }
+            putMissingTest(out, missing.codes);
+            putIntervals(out, model, recoding);
+        });
 }
 
 void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {

@@ -1,7 +1,8 @@
 // The fixed stretches of the Python module.
 #pragma once
 
-inline constexpr char16_t pythonBannerSource[] = uR"( auto-generated model                             
+inline constexpr char16_t pythonBannerSource[] =
+    uR"( auto-generated model                             
    ==========================================================                             
                                                                                          
     Source model file: )";
@@ -25,7 +26,6 @@ inline constexpr char16_t pythonApply[] = uR"(
         dfOutProba = np.zeros(len(df.index))
 )";
 
-inline constexpr char16_t pythonLogisticProbability[] =
-    uR"(        #computing the probability */
+inline constexpr char16_t pythonLogisticProbability[] = uR"(        #computing the probability */
         dfOutProba[line]=1/(1+exp(-dfOutScore[line]))
 )";

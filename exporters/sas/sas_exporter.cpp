@@ -58,14 +58,13 @@ void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRe
 
 // Opens the test for a missing value. With a list of codes the opening "if" is not written, and the
 // last code is left out: existing scripts look like this.
-void putMissingTest(TextBuffer &out, const QString &field, bool isListed,
-                    const std::vector<double> &codes) {
-    if (!isListed) {
+void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &missing) {
+    if (!missing.isListed) {
         put(out, u"   if (", field, u"=.");
         return;
     }
-    for (std::size_t i = 1; i < codes.size(); ++i) {
-        put(out, u"|| (", field, u"==", streamNumber(codes[i]), u")");
+    for (std::size_t i = 1; i < missing.codes.size(); ++i) {
+        put(out, u"|| (", field, u"==", streamNumber(missing.codes[i]), u")");
     }
 }
 
@@ -86,25 +85,24 @@ void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding
     put(out, u"   else ", name, u"=", y[0], u"; /* default */\n\n");
 }
 
+void putHeading(TextBuffer &out, const UnivModel &model) {
+    put(out, u"\n   /* computing recoding '", model.recodingName, u"'\n      based on the ",
+        typeOf(model), u" column of display name '", model.node.attribute(u"displayName"),
+        u"' */\n\n");
+}
+
 void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
-    const DataDictionary dictionary = readDataDictionary(document);
-    CategoricalRecoding categorical;
-    NumericRecoding numeric;
-    std::vector<double> codes;
-    for (const UnivModel &model : models) {
-        put(out, u"\n   /* computing recoding '", model.recodingName, u"'\n      based on the ",
-            typeOf(model), u" column of display name '", model.node.attribute(u"displayName"),
-            u"' */\n\n");
-        if (model.isCategorical) {
-            readCategoricalRecoding(document, model, categorical);
-            putCategorical(out, model, categorical);
-        } else {
-            readNumericRecoding(document, model, numeric);
-            const bool isListed = readMissingCodes(document, dictionary, model.cleanField, codes);
-            putMissingTest(out, model.cleanField, isListed, codes);
-            putIntervals(out, model, numeric);
-        }
-    }
+    forEachRecoding(
+        document, models,
+        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
+            putHeading(out, model);
+            putCategorical(out, model, recoding);
+        },
+        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
+            putHeading(out, model);
+            putMissingTest(out, model.cleanField, missing);
+            putIntervals(out, model, recoding);
+        });
 }
 
 void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models,

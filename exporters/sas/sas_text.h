@@ -1,11 +1,13 @@
 // The fixed stretches of the SAS script.
 #pragma once
 
-inline constexpr char16_t sasBannerTitle[] = uR"(/******************************************************************************************
+inline constexpr char16_t sasBannerTitle[] =
+    uR"(/******************************************************************************************
  *                                                                                        *
  *  QORVALIS v)";
 
-inline constexpr char16_t sasBannerSource[] = uR"( auto-generated model                             *
+inline constexpr char16_t sasBannerSource[] =
+    uR"( auto-generated model                             *
  *  ==========================================================                             *
  *                                                                                        *
  *   Source model file: )";
@@ -19,7 +21,8 @@ inline constexpr char16_t sasBannerColumns[] = uR"( *
  *  ----------------------------------------------------------                            *
 )";
 
-inline constexpr char16_t sasBannerEnd[] = uR"( *                                                                                        *
+inline constexpr char16_t sasBannerEnd[] =
+    uR"( *                                                                                        *
  ******************************************************************************************/
 
 /*

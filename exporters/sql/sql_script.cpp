@@ -187,31 +187,32 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const UnivMo
 void putContributions(TextBuffer &out, ModelDocument &document, const Script &script,
                       const Regression &regression) {
     const SqlDialect &dialect = script.dialect;
+    const bool isDebug = script.configuration.debugRecoding;
     const bool boolsAreNumbers = script.configuration.boolsAreNumbers;
-    const BooleanScores booleanScores =
-        boolsAreNumbers ? BooleanScores::Both : BooleanScores::OfValues;
-    const DataDictionary dictionary = readDataDictionary(document);
     const std::vector<double> coefficients = modelCoefficients(document, script.models, regression);
-    CategoricalRecoding categorical;
-    NumericRecoding numeric;
-    std::vector<double> codes;
-    for (std::size_t k = 0; k < script.models.size(); ++k) {
-        const UnivModel &model = script.models[k];
-        const bool isColumn = script.configuration.debugRecoding;
-        put(out, isColumn ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
-        if (model.isCategorical) {
-            readCategoricalRecoding(document, model, categorical, booleanScores);
-            putCategoricalCase(out, dialect, model, categorical,
-                               categorical.isBoolean && boolsAreNumbers, coefficients[k]);
-        } else {
-            readNumericRecoding(document, model, numeric);
-            readMissingCodes(document, dictionary, model.field, codes);
-            putNumericCase(out, dialect, model, numeric, codes, coefficients[k]);
-        }
+    const auto putOpening = [&] {
+        put(out, isDebug ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
+    };
+    const auto putClosing = [&](const UnivModel &model) {
         put(out, dialect.scoreCast.closing, u")");
-        if (isColumn) put(out, u" AS ", script.debugColumns[k]);
+        if (isDebug) put(out, u" AS ", script.debugColumns[model.position]);
         put(out, u"\n");
-    }
+    };
+    forEachRecoding(
+        document, script.models,
+        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
+            putOpening();
+            putCategoricalCase(out, dialect, model, recoding, recoding.isBoolean && boolsAreNumbers,
+                               coefficients[model.position]);
+            putClosing(model);
+        },
+        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
+            putOpening();
+            putNumericCase(out, dialect, model, recoding, missing.codes,
+                           coefficients[model.position]);
+            putClosing(model);
+        },
+        boolsAreNumbers ? BooleanScores::Both : BooleanScores::OfValues);
 }
 
 void putScoreSelect(TextBuffer &out, ModelDocument &document, const Script &script) {

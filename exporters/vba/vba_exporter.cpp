@@ -6,6 +6,7 @@
 #include "model/text_buffer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <initializer_list>
 #include <variant>
 
@@ -19,14 +20,20 @@ struct Place {
     std::variant<QStringView, std::ptrdiff_t, double> value;
 };
 
+// Positions count from 1 in the module's arrays.
+std::ptrdiff_t positionOf(const UnivModel &model) {
+    return static_cast<std::ptrdiff_t>(model.position) + 1;
+}
+
 // Appends a fixed stretch with its places filled; each must be among those given.
 void fill(TextBuffer &out, QStringView stretch, std::initializer_list<Place> places) {
     for (qsizetype open = stretch.indexOf(u'{'); open >= 0; open = stretch.indexOf(u'{')) {
         const qsizetype close = stretch.indexOf(u'}', open);
         const QStringView name = stretch.sliced(open + 1, close - open - 1);
-        const Place &place = *std::ranges::find(places, name, &Place::name);
+        const auto *const place = std::ranges::find(places, name, &Place::name);
+        assert(place != places.end());
         put(out, stretch.first(open));
-        std::visit([&](const auto &value) { put(out, value); }, place.value);
+        std::visit([&](const auto &value) { put(out, value); }, place->value);
         stretch = stretch.sliced(close + 1);
     }
     put(out, stretch);
@@ -47,9 +54,9 @@ void putBanner(TextBuffer &out, const ModelDocument &document,
 // `routine` is what the block leaves when a sheet or a title is not found: "Function" or "Sub".
 void putInitialisation(TextBuffer &out, const std::vector<UnivModel> &models, QStringView routine) {
     fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(models)}});
-    std::ptrdiff_t position = 0;
     for (const UnivModel &model : models) {
-        put(out, u"     variableNames(", ++position, u")=\"", escapeQuotes(model.field), u"\"\n");
+        put(out, u"     variableNames(", positionOf(model), u")=\"", escapeQuotes(model.field),
+            u"\"\n");
     }
     fill(out, vbaTitleSearch, {{u"exit", routine}});
 }
@@ -61,11 +68,10 @@ QStringView shownInCell(QStringView value) {
     return value;
 }
 
-void putCategorical(TextBuffer &out, const UnivModel &model, std::ptrdiff_t position,
-                    const CategoricalRecoding &recoding) {
+void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRecoding &recoding) {
     const QString &name = model.recodingName;
     fill(out, vbaCategoryOfCell,
-         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"position", position}});
+         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"position", positionOf(model)}});
     for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
         const QStringView value = recoding.values[i - 1];
         if (recoding.isBoolean) {
@@ -79,13 +85,14 @@ void putCategorical(TextBuffer &out, const UnivModel &model, std::ptrdiff_t posi
 }
 
 // Without a Case Else: a cell that is empty or no number keeps the first score.
-void putNumeric(TextBuffer &out, const UnivModel &model, std::ptrdiff_t position,
-                const NumericRecoding &recoding, const std::vector<double> &codes) {
+void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding,
+                const std::vector<double> &codes) {
     const QString &name = model.recodingName;
     const std::vector<double> &y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
-    fill(out, vbaNumberOfCell, {{u"recoding", name}, {u"missing", y[0]}, {u"position", position}});
+    fill(out, vbaNumberOfCell,
+         {{u"recoding", name}, {u"unknown", y[0]}, {u"position", positionOf(model)}});
     for (const double code : codes) {
         put(out, u"    Case Is =", streamNumber(code), u"\n", name, u" = ", y[0], u"\n");
     }
@@ -97,27 +104,24 @@ void putNumeric(TextBuffer &out, const UnivModel &model, std::ptrdiff_t position
     put(out, u"   End Select\n  End If\n");
 }
 
+void putHeading(TextBuffer &out, const UnivModel &model) {
+    fill(out, vbaRecodingHead,
+         {{u"recoding", model.recodingName},
+          {u"type", model.node.attribute(u"type")},
+          {u"label", model.node.attribute(u"displayName")}});
+}
+
 void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
-    const DataDictionary dictionary = readDataDictionary(document);
-    CategoricalRecoding categorical;
-    NumericRecoding numeric;
-    std::vector<double> codes;
-    std::ptrdiff_t position = 0;
-    for (const UnivModel &model : models) {
-        ++position;
-        fill(out, vbaRecodingHead,
-             {{u"recoding", model.recodingName},
-              {u"type", model.node.attribute(u"type")},
-              {u"label", model.node.attribute(u"displayName")}});
-        if (model.isCategorical) {
-            readCategoricalRecoding(document, model, categorical);
-            putCategorical(out, model, position, categorical);
-        } else {
-            readNumericRecoding(document, model, numeric);
-            readMissingCodes(document, dictionary, model.cleanField, codes);
-            putNumeric(out, model, position, numeric, codes);
-        }
-    }
+    forEachRecoding(
+        document, models,
+        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
+            putHeading(out, model);
+            putCategorical(out, model, recoding);
+        },
+        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
+            putHeading(out, model);
+            putNumeric(out, model, recoding, missing.codes);
+        });
 }
 
 // Puts every term on a line of its own, in as many statements as the language's limit of
@@ -168,17 +172,15 @@ void putProbability(TextBuffer &out, ModelDocument &document) {
 
 void putRangeChecks(TextBuffer &out, ModelDocument &document,
                     const std::vector<UnivModel> &models) {
-    NumericRecoding numeric;
-    std::ptrdiff_t position = 0;
+    std::vector<double> bounds;
     for (const UnivModel &model : models) {
-        ++position;
         if (model.isCategorical) continue;
-        readNumericRecoding(document, model, numeric);
+        readNumbers(document, model.node, u"x", 1, bounds);
         fill(out, vbaRangeCheck,
              {{u"recoding", model.recodingName},
-              {u"position", position},
-              {u"lowest", numeric.x.front()},
-              {u"highest", numeric.x.back()}});
+              {u"position", positionOf(model)},
+              {u"lowest", bounds.front()},
+              {u"highest", bounds.back()}});
     }
 }
 

@@ -1,7 +1,8 @@
 // The fixed stretches of the VBA module. A name in braces is a place where something is inserted.
 #pragma once
 
-inline constexpr char16_t vbaDeclarations[] = uR"(' The Following code shoud be included only ONCE inside the VBA script: (especially if there are multiple models):
+inline constexpr char16_t vbaDeclarations[] =
+    uR"(' The Following code shoud be included only ONCE inside the VBA script: (especially if there are multiple models):
 Private Type QorvDataType
   indexes() As Integer
   workSheetIdx As Integer
@@ -12,7 +13,8 @@ Private tdAllModels(100) As QorvDataType
 
 )";
 
-inline constexpr char16_t vbaBanner[] = uR"(' ******************************************************************************************
+inline constexpr char16_t vbaBanner[] =
+    uR"(' ******************************************************************************************
 ' *                                                                                        *
 ' *  QORVALIS v{version} auto-generated model                             *
 ' *  ==========================================================                             *
@@ -24,7 +26,8 @@ inline constexpr char16_t vbaBanner[] = uR"(' **********************************
 ' *  ----------------------------------------------------------                            *
 )";
 
-inline constexpr char16_t vbaBannerEnd[] = uR"(' *                                                                                        *
+inline constexpr char16_t vbaBannerEnd[] =
+    uR"(' *                                                                                        *
 ' ******************************************************************************************/
 )";
 
@@ -103,7 +106,7 @@ inline constexpr char16_t vbaCategoryOfCell[] = uR"(  {recoding} = {unknown}
   Select case Trim(ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes({position})).Value)
 )";
 
-inline constexpr char16_t vbaNumberOfCell[] = uR"(  {recoding} = {missing}
+inline constexpr char16_t vbaNumberOfCell[] = uR"(  {recoding} = {unknown}
   myCell = ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes({position})).Value
   If (IsNumeric(myCell) And (Len(myCell) > 0)) Then
    Select case CDbl(myCell)
