@@ -16,7 +16,9 @@ void writeUtf8(std::FILE *file, QStringView text) {
     constexpr qsizetype most = 1 << 16;
     while (!text.isEmpty()) {
         qsizetype size = std::min(most, text.size());
-        if (size < text.size() && text[size - 1].isHighSurrogate()) ++size;
+        const bool cutsPair =
+            size < text.size() && text[size - 1].isHighSurrogate() && text[size].isLowSurrogate();
+        if (cutsPair) ++size;
         const QByteArray bytes = text.first(size).toUtf8();
         std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), file);
         text = text.sliced(size);
