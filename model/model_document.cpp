@@ -91,7 +91,7 @@ void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView arr
 QString cleanName(QStringView text, QStringView replaced) {
     QString name = text.toString();
     for (QChar &c : name) {
-        if (replaced.contains(c)) c = u'_';
+        if (std::find(replaced.begin(), replaced.end(), c) != replaced.end()) c = u'_';
     }
     return name;
 }

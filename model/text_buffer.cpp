@@ -28,7 +28,10 @@ void TextBuffer::enlarge(qsizetype count) {
 }
 
 void append(TextBuffer &out, const NumberText &number) {
-    std::copy_n(number.characters, number.size, out.extend(number.size));
+    // A copy of fixed length is one of a few instructions; what is too much of it is dropped.
+    constexpr int room = sizeof(number.characters);
+    std::copy_n(number.characters, room, out.extend(room));
+    out.drop(room - number.size);
 }
 
 void append(TextBuffer &out, const EscapedText &escaped) {

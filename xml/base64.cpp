@@ -58,26 +58,34 @@ unsigned char nextClass(const char16_t *&at, const char16_t *end) {
     return at < end ? classOf(*at++) : textEnd;
 }
 
+unsigned char byte(int value) {
+    return static_cast<unsigned char>(value);
+}
+
+// Decodes groups of four digits without anything between them, which is nearly all of most texts,
+// and moves on over them. Writes at most three bytes for each four characters.
+void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out) {
+    for (; end - at >= 4; at += 4, out += 3) {
+        if ((at[0] | at[1] | at[2] | at[3]) > 0xFF) return;
+        const unsigned char a = classes[at[0]];
+        const unsigned char b = classes[at[1]];
+        const unsigned char c = classes[at[2]];
+        const unsigned char d = classes[at[3]];
+        if ((a | b | c | d) >= padding) return;
+        out[0] = byte(a << 2 | b >> 4);
+        out[1] = byte(b << 4 | c >> 2);
+        out[2] = byte(c << 6 | d);
+    }
+}
+
 // Fills the `size` bytes at `out` from text without illegal characters; the result is the error or
 // warning met. No more than `size` bytes are written.
 XmlError decode(QStringView text, unsigned char *out, qsizetype size) {
     const char16_t *at = text.utf16();
     const char16_t *const end = at + text.size();
     unsigned char *const outEnd = out + size;
-    const auto byte = [](int value) { return static_cast<unsigned char>(value); };
     while (true) {
-        while (end - at >= 4 && outEnd - out >= 3) { // four digits without anything between them
-            const unsigned char a = classOf(at[0]);
-            const unsigned char b = classOf(at[1]);
-            const unsigned char c = classOf(at[2]);
-            const unsigned char d = classOf(at[3]);
-            if ((a | b | c | d) >= padding) break;
-            out[0] = byte(a << 2 | b >> 4);
-            out[1] = byte((b << 4 & 0xF0) | c >> 2);
-            out[2] = byte((c << 6 & 0xC0) | d);
-            at += 4;
-            out += 3;
-        }
+        decodeGroups(at, at + std::min(end - at, (outEnd - out) / 3 * 4), out);
         const unsigned char first = nextClass(at, end);
         if (first == textEnd) return XmlError::NoError;
         if (first == padding) {
@@ -112,23 +120,31 @@ void Base64Decoder::release() {
 const unsigned char *base64Decode(Base64Decoder &decoder, QStringView text, qsizetype *outSize,
                                   XmlError *error) {
     static constexpr unsigned char nothing[] = {0};
-    XmlError code = XmlError::NoError;
     const bool isAbsent = text.isNull();
-    if (const qsizetype zero = text.indexOf(u'\0'); zero >= 0) text.truncate(zero);
-    const qsizetype size = decodedSize(text, code);
+    const qsizetype most = text.size() / 4 * 3 + 3;
+    if (most > decoder.capacity) {
+        decoder.buffer = std::make_unique<unsigned char[]>(static_cast<std::size_t>(most));
+        decoder.capacity = most;
+    }
+    unsigned char *const begin = decoder.buffer.get();
+    unsigned char *out = begin;
+    const char16_t *at = text.utf16();
+    decodeGroups(at, at + text.size(), out);
+
+    // What is left is measured first, so that a text with an illegal character gives nothing.
+    XmlError code = XmlError::NoError;
+    text = text.sliced(at - text.utf16());
+    text.truncate(std::find(text.begin(), text.end(), u'\0') - text.begin());
+    const qsizetype left = decodedSize(text, code);
+    const bool isIllegal = code == XmlError::Base64IllegalCharacter;
+    const qsizetype size = isIllegal ? 0 : out - begin + left;
     if (size > 0) {
-        if (size + 1 > decoder.capacity) {
-            decoder.buffer = std::make_unique<unsigned char[]>(static_cast<std::size_t>(size) + 1);
-            decoder.capacity = size + 1;
-        }
-        std::fill_n(decoder.buffer.get(), size + 1, static_cast<unsigned char>(0));
-        const XmlError decoding = decode(text, decoder.buffer.get(), size);
+        std::fill_n(out, left, byte(0));
+        const XmlError decoding = decode(text, out, left);
         if (decoding != XmlError::NoError) code = decoding;
     }
     if (outSize) *outSize = size;
     if (error) *error = code;
     if (isAbsent) return nothing;
-    const bool isUsable = size > 0 && code != XmlError::Base64IllegalCharacter &&
-                          code != XmlError::Base64OutputBufferTooSmall;
-    return isUsable ? decoder.buffer.get() : nullptr;
+    return size > 0 && code != XmlError::Base64OutputBufferTooSmall ? begin : nullptr;
 }

@@ -225,18 +225,21 @@ bool readEntity(QStringView &rest, char16_t &character) {
 
 // The text with its entities replaced: a view into the source when it holds none.
 bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
-    qsizetype ampersand = raw.indexOf(u'&');
+    const auto findEntity = [&raw] {
+        return std::find(raw.begin(), raw.end(), u'&') - raw.begin();
+    };
+    qsizetype ampersand = findEntity();
     decoded = raw;
-    if (ampersand < 0) return true;
+    if (ampersand == raw.size()) return true;
 
     auto *const begin = allocate<char16_t>(p, static_cast<std::size_t>(raw.size()));
     char16_t *out = begin;
-    while (ampersand >= 0) {
+    while (ampersand < raw.size()) {
         out = std::copy_n(raw.utf16(), ampersand, out);
         raw = raw.sliced(ampersand);
         if (!readEntity(raw, *out)) return fail(p, XmlError::UnknownCharacterEntity);
         ++out;
-        ampersand = raw.indexOf(u'&');
+        ampersand = findEntity();
     }
     out = std::copy_n(raw.utf16(), raw.size(), out);
     decoded = QStringView(begin, std::find(begin, out, u'\0'));
@@ -444,14 +447,14 @@ bool readElement(Parser &p, bool isDeclaration) {
 void readContent(Parser &p) {
     bool goesOn = true;
     while (goesOn && !p.open.empty()) {
-        const qsizetype markup = QStringView(p.source, p.length).indexOf(u'<', p.at);
-        if (markup < 0) {
-            p.at = p.length;
+        const char16_t *const end = p.source + p.length;
+        const qsizetype markup = std::find(p.source + p.at, end, u'<') - p.source;
+        p.at = markup;
+        if (markup == p.length) {
             warnIfUnclosed(p);
             flushText(p, p.length);
             return;
         }
-        p.at = markup;
         const Token token = markupToken(p);
         if (!flushText(p, markup)) return;
         switch (token.kind) {
