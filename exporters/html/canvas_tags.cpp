@@ -46,18 +46,23 @@ std::optional<int> wholeNumber(QStringView text) {
     return static_cast<int>(number);
 }
 
+// The end of the last value looked at; values that begin before it end there too.
+struct ValueEnd {
+    qsizetype position = -1; // where its "/" or "]" stands
+    qsizetype trimmed = -1;  // the same without blanks
+};
+
 // The value that begins at or after `at`. Its end is searched only when it was not found for an
 // earlier value: otherwise unclosed tags before a long text would cost the square of its length.
-QStringView readValue(QStringView canvas, qsizetype at, Tag &tag) {
+QStringView readValue(QStringView canvas, qsizetype at, ValueEnd &end) {
     const qsizetype start = skipBlanks(canvas, at);
-    if (tag.valueEnd < start) {
+    if (end.position < start) {
         const auto isEnd = [](QChar c) { return c == u'/' || c == u']'; };
-        const auto *const end = std::find_if(canvas.begin() + start, canvas.end(), isEnd);
-        tag.valueEnd = end - canvas.begin();
-        tag.trimmedEnd = tag.valueEnd;
-        while (tag.trimmedEnd > start && isBlank(canvas[tag.trimmedEnd - 1])) --tag.trimmedEnd;
+        end.position = std::find_if(canvas.begin() + start, canvas.end(), isEnd) - canvas.begin();
+        end.trimmed = end.position;
+        while (end.trimmed > start && isBlank(canvas[end.trimmed - 1])) --end.trimmed;
     }
-    return canvas.sliced(start, std::max(tag.trimmedEnd, start) - start);
+    return canvas.sliced(start, std::max(end.trimmed, start) - start);
 }
 
 // `warning` is printed with the opening of the tag and its position when the value is no number.
@@ -90,7 +95,12 @@ void takeValue(CanvasTags &tags, TagKind kind, QStringView value) {
     case TagKind::SubmitLabel:
         tags.labels.submit = value;
         break;
-    default:
+    case TagKind::Script:
+    case TagKind::AllQuestions:
+    case TagKind::DynScale:
+    case TagKind::Graphics:
+    case TagKind::Submit:
+    case TagKind::None:
         break;
     }
 }
@@ -112,14 +122,15 @@ void scanTag(CanvasTags &tags, TagKind kind) {
     const QStringView opening = tagOpening(kind);
     Tag &tag = tags.tags[static_cast<std::size_t>(kind)];
     qsizetype from = tag.end;
+    ValueEnd valueEnd;
     do {
         tag.end = -1;
         tag.start = tags.canvas.indexOf(opening, from);
         if (tag.start < 0) return;
         from = tag.start + opening.size();
         if (hasValue(kind)) {
-            takeValue(tags, kind, readValue(tags.canvas, from, tag));
-            tag.end = closingEnd(tags.canvas, tag.valueEnd);
+            takeValue(tags, kind, readValue(tags.canvas, from, valueEnd));
+            tag.end = closingEnd(tags.canvas, valueEnd.position);
         } else {
             tag.end = closingEnd(tags.canvas, skipBlanks(tags.canvas, from));
         }

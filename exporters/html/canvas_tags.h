@@ -30,10 +30,6 @@ QStringView tagOpening(TagKind kind);
 struct Tag {
     qsizetype start = -1;
     qsizetype end = 0; // the next search begins here
-
-    // The end of the last value looked at; values that begin before it end there too.
-    qsizetype valueEnd = -1;   // where its "/" or "]" stands
-    qsizetype trimmedEnd = -1; // the same without blanks
 };
 
 struct Labels {

@@ -158,9 +158,19 @@ void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind, AskedQuestion
             "onClick=\"finished=true; QRVform.submit();finished=false;\" value=\"",
             page.tags.labels.submit, u"\"/>\n");
         break;
-    default: // labels are only read
+    case TagKind::UnknownLabel: // labels are only read
+    case TagKind::TrueLabel:
+    case TagKind::FalseLabel:
+    case TagKind::SubmitLabel:
+    case TagKind::None:
         break;
     }
+}
+
+qsizetype expectedSize(const HtmlPage &page) {
+    qsizetype size = page.tags.canvas.size();
+    for (const HtmlModel &model : page.models) size += expectedOutput(model.document);
+    return size;
 }
 
 // The canvas with its tags replaced.
