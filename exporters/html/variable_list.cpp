@@ -44,7 +44,7 @@ QHash<int, std::size_t> coefficientPositions(ModelDocument &document, const XmlN
     return positions;
 }
 
-bool findRegressionPositions(HtmlModel &model) {
+bool findCoefficients(HtmlModel &model) {
     const XmlNode regression = model.document.root.childNode(u"RegressionModel");
     if (regression.isEmpty() || model.univModels.empty()) return true;
     const auto positions = coefficientPositions(model.document, regression);
@@ -52,7 +52,8 @@ bool findRegressionPositions(HtmlModel &model) {
     for (const UnivModel &univModel : model.univModels) {
         const auto found = positions.constFind(univModel.number);
         if (found == positions.cend()) {
-            // The number is that of the variable, which is what readers of these messages expect.
+            // The number is the position of the univariate model, though the text calls it that of
+            // the model: scripts that watch for this message know it so.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
                 univModel.node.attribute(u"name"), QString::number(model.regIndex.size())));
             return false;
@@ -65,8 +66,7 @@ bool findRegressionPositions(HtmlModel &model) {
 } // namespace
 
 bool findRegressionPositions(std::vector<HtmlModel> &models) {
-    return std::ranges::all_of(models,
-                               [](HtmlModel &model) { return findRegressionPositions(model); });
+    return std::ranges::all_of(models, findCoefficients);
 }
 
 std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models) {
