@@ -70,6 +70,11 @@ class HtmlTest(ProgramTest):
             # The next label of a kind counts as soon as the one before it has been passed.
             ("[QRV_SUBMIT][QRV_STRING_SUBMIT a][QRV_SUBMIT][QRV_STRING_SUBMIT b]", submit("a") + submit("b"), ""),
             ("[QRV_STRING_SUBMIT no/x][QRV_SUBMIT]", "[QRV_STRING_SUBMIT no/x]" + submit("no"), ""),
+            ("[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x[QRV_SUBMIT]",
+             "[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x" + submit(""), ""),
+            # Other white space is no blank.
+            ("[QRV_SUBMIT\v][QRV_SUBMIT\f][QRV_SUBMIT\xa0]", "[QRV_SUBMIT\v][QRV_SUBMIT\f][QRV_SUBMIT\xa0]", ""),
+            ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\f\xa0]", submit("\va\f\xa0"), ""),
             ("<[QRV_STRING_TRUE [QRV_SUBMIT/]>\r\né", "<" + submit("Submit") + ">\r\né", ""),
         ]
         for canvas, expected, printed in cases:
@@ -84,6 +89,14 @@ class HtmlTest(ProgramTest):
         built_in = self.page(ONE)
         self.assertIn("<title>Generated Model</title>\n<script", built_in)
         self.assertEqual(self.page(ONE, "ü[QRV_SCR]"[:9]), built_in)
+        self.assertTrue(self.page(ONE, "\ufeff" + REQUIRED).startswith("<script"))  # the mark is no part of the canvas
+        twice = self.page(ONE, REQUIRED * 2)
+        self.assertEqual([len(re.findall(text, twice)) for text in ["var finished=", r"Question 1\)", "myEventListener\\("]],
+                         [2, 2, 2 + 1 + 2])  # the second script calls for both
+        # A lone half of a pair at the end of a piece that is converted by itself.
+        halves = ONE.replace('"Label"', '"&#55296;😀"')
+        page = self.page(halves, " " * (2**16 - 1 - len("Question 1) ")) + "[QRV_ALL_QUESTIONS]" + REQUIRED)
+        self.assertEqual(page[:2**16 + 2].lstrip(), "Question 1) ?😀 ")
         for canvas, printed in [
                 ("0123456789", "Required tag [QRV_SCRIPT] is missing!"),
                 ("[QRV_SCRIPT][QRV_ANSWER 1", "Required tag [QRV_ANSWER] is missing!"),
@@ -133,6 +146,9 @@ class HtmlTest(ProgramTest):
         self.assertTrue(page[:page.index("Question 1)")].endswith("var mapProba = new Array();\n\n"))
         self.assertIn("var maxHistogram=0;", self.page("none.ModelXml"))
 
+        self.write(" m ", ONE)
+        self.assertIn("m0_V1", self.page(self.write("list.Xml", '<Models><Model file=" m "/></Models>')))
+
         empty = self.write("list.Xml", "<Models><model/></Models>")
         self.assertIn("m0_total_proba", self.page(empty))
         empty = self.write("list.Xml", "<Models><x/></Models>")
@@ -170,8 +186,16 @@ class HtmlTest(ProgramTest):
         # The script ends where an array of the table is absent.
         cut = self.page(ONE.replace("ProbabilityMapping><x>", "ProbabilityMapping><w>").replace("</x><y>", "</w><y>"))
         self.assertIn("var mapProba = new Array();\n\n\n</head>", cut)
-        self.assertIsNone(self.page(ONE.replace(integers([1]), integers([2])), "",
-                                    (3, "Couldn't find regression index of var V1 in model 0!\n")))
+        page = self.page(document([numeric(1, "", range(5), range(11), label="")], [(1, 2), (1, 3)], 0,
+                                  table=[(1, 0), (0, 1.2345678e-7), (-1, 1.2345678e-7)], kind="c"))
+        for text in ["_scoreAr = [0,1,2,3,4,\n\t\t5,6,7,8,9,\n\t\t10];\n\nvar", "_boundAr = [0,1,2,3,4];\n\n",
+                     "var m0_probaTot = 0\n\t\t+ m0_V1_score * 2\n\t\t+ 3; //",  # the first of two coefficients
+                     "var histogramMaxProba=1.23457e-007;", "Question 1) V1 \n<div"]:
+            self.assertIn(text, page)
+        for tag in ["MetaData", "betas"]:
+            self.assertNotIn("_score * ", self.page(ONE.replace(tag, "x" + tag)))
+        self.assertIsNone(self.page(TWO.replace(integers([1, 2]), integers([1, 3])), "",
+                                    (3, "Couldn't find regression index of var V2 in model 1!\n")))
 
     def test_slider_ranges(self):
         def counted(bounds, *counts, ordinal="1"):
@@ -183,7 +207,7 @@ class HtmlTest(ProgramTest):
             (counted([-0.5, 99.2], 1, ordinal="0"), (-1, 100, 50)),
             (counted([1, 2, 3, 4.5], 0, 2, 1, 7), (1, 5, 5)),
             (counted([1, 2.4, 3], 0, 2, 2), (1, 3, 2)),
-            (counted([1.7, 2], 0, -1), (1, 2, 2)),
+            (counted([1, 2.4], -1, 0), (1, 3, 1)),
             (counted([1, 2], 0, 0, 0, 9), (1, 2, 2)),
             (counted([], 0, 0, 4), (0, 0, 2)),
             (counted([-1e300, 1e300], 1, ordinal=""), (-2**31, 2**31 - 1, 0)),
@@ -201,6 +225,8 @@ class HtmlTest(ProgramTest):
             node = node.replace("<y>", f"<nocc>{integers(counts)}</nocc><y>")
             node = node if labels is None else re.sub(r' label="\w*"', "", node)
             page = self.page(document([node], [(1, 1)], 0), REQUIRED)
+            reads = "enterModalFieldString(" if len(values) > 5 else "enterModalFieldRadioButton("
+            self.assertIn(f"m0_V1_score = {reads}document.QRVform.m0_V1,m0_V1_scoreAr);\n", page)
             return re.findall(r'VALUE="(\d)"( selected="selected")?>(.*)|value="(\d)" (CHECKED)? >(.*)<br>', page)
 
         def seen(matches):
@@ -214,6 +240,9 @@ class HtmlTest(ProgramTest):
                           (5, "é", False)])
         self.assertEqual(seen(offered(["no", "yes"], (0, 1, 2), "bb64")),
                          [(0, "unknown", False), (2, "True", True), (1, "False", False)])
+        self.assertEqual(seen(offered(["no", "yes"], (0, 1, 2), "BB64")),
+                         [(0, "unknown", False), (1, "No", False), (2, "Yes", True)])
+        self.assertEqual(len(offered("abcdef")), 7)
 
     def test_large_inputs(self):
         """What grows with the square of the input would take minutes here."""
@@ -224,10 +253,17 @@ class HtmlTest(ProgramTest):
         self.assertIn(f"m0_V{count - 1}_score * 1\n", self.page(large))
         self.page(ONE, "[QRV_STRING_TRUE " * count + " " * 10**6 + "/" + REQUIRED)
         self.assertLess(time.monotonic() - started, 60)
-        same = document([numeric(k, "", [0], [0, 1, 2]) for k in range(count // 5)],
-                        [(k, 1) for k in range(count // 5)], 0)
-        problem = "Cannot convert model 'model.ModelXml': too many variables share the field ''.\n"
-        self.assertIsNone(self.page(same, "", (8, problem)))
+
+    def test_columns_of_too_many_variables(self):
+        def shared(count, name=""):
+            models = [categorical(k, f"c{k % 2}", [], [0]) for k in range(count)]  # of no values, so that no line is written
+            text = document(models, [(k, 1) for k in range(count)], 0).replace("<Modalities></Modalities>", "")
+            return text.replace('"V0"', f'"V0{name}"')
+
+        self.assertIn("</SCRIPT>", self.page(shared(5791)))
+        for model, lines in [(shared(5792), 8389712), (shared(2000, "x" * 1000), 1001000)]:
+            problem = f"the models share columns so often that the script would have {lines} score lines"
+            self.assertIsNone(self.page(model, "", (8, f"Cannot convert model 'model.ModelXml': {problem}.\n")))
 
 
 if __name__ == "__main__":

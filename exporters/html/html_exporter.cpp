@@ -220,7 +220,13 @@ int exportToHtml(const QString &modelPath, const QString &canvasPath, const QStr
     page.variables = listVariables(page.models);
     page.questions = listQuestions(page.variables);
 
-    TextBuffer out;
+    // The lines are those of all models, so that the problem is that of the path given.
+    ModelDocument given;
+    given.fileName = modelPath;
+    given.problem = scoreLinesProblem(page.variables);
+    if (!given.problem.isEmpty()) return reportProblem(given);
+
+    TextBuffer out(expectedSize(page));
     const AskedQuestions questions = putPage(out, page);
     if (questions.state == AskedQuestions::Open) {
         reportForgottenQuestions(questions);

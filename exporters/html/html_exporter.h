@@ -10,7 +10,12 @@
 // file does not exist or is next to empty. Without an output path, the page stands beside the model
 // under the same name.
 //
+// A column that k variables share has k (k + 1) / 2 lines in the page's script, so that the lines
+// of some hundred models soon are millions. A page has at most 1 << 23 of them, and at most 1 << 29
+// characters of names in them.
+//
 // Returns 0, silently, also when the output cannot be opened; 2 for a list without models or a
 // canvas that asks only some of the questions; 3 for a canvas that lacks a tag, or a variable
-// without coefficient; 8 for arrays that are too short. Touches the output only for 0.
+// without coefficient; 8 for arrays that are too short and for too many lines. Touches the output
+// only for 0.
 int exportToHtml(const QString &modelPath, const QString &canvasPath, const QString &outputPath);

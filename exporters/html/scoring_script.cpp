@@ -14,9 +14,10 @@ namespace {
 // for one less; existing pages do so too, and read five categories as unknown.
 constexpr int listFrom = 6;
 
-// No browser takes a longer script. Only columns that are shared by thousands of variables, each of
-// which repeats the lines of the others, come this far.
-constexpr qsizetype longestScript = qsizetype(1) << 29;
+// What the score lines may come to: their number, and the characters of the names in them. Lists of
+// hundreds of models stay below; one step further no browser takes the page.
+constexpr qsizetype mostScoreLines = qsizetype(1) << 23;
+constexpr double mostNameCharacters = 1 << 29;
 
 // None for a list of values without the list.
 std::optional<ControlKind> controlKind(const UnivModel &univModel) {
@@ -32,11 +33,6 @@ void writeScoreLines(TextBuffer &out, HtmlPage &page) {
         const VariableRecord &record = page.variables[i];
         const std::optional<ControlKind> kind = controlKind(page.univModel(record));
         if (kind) writeVariableScoreLines(out, page, i, *kind);
-        if (out.text().size() > longestScript) {
-            noteProblem(page.model(record).document,
-                        u"too many variables share the field '%1'"_s.arg(record.field));
-            return;
-        }
     }
 }
 
@@ -85,9 +81,10 @@ void writeHistogram(TextBuffer &out, const std::vector<HtmlModel> &models) {
 }
 
 void writeNumbers(TextBuffer &out, std::span<const double> values) {
+    constexpr std::size_t numbersPerLine = 5;
     for (std::size_t k = 0; k < values.size(); ++k) {
         if (k > 0) put(out, u",");
-        if (k > 0 && k % 5 == 0) put(out, u"\n\t\t");
+        if (k > 0 && k % numbersPerLine == 0) put(out, u"\n\t\t");
         put(out, values[k]);
     }
 }
@@ -134,6 +131,23 @@ bool writeProbabilityTable(TextBuffer &out, HtmlModel &model, double &maxProbabi
 }
 
 } // namespace
+
+QString scoreLinesProblem(const std::vector<VariableRecord> &variables) {
+    qsizetype lines = 0;
+    double characters = 0; // of names, which may be too many for an integer
+    qsizetype repeats = 0;
+    for (std::size_t i = 0; i < variables.size(); ++i) {
+        const VariableRecord &record = variables[i];
+        // The first record of a column has one line, the second one line more, and so on.
+        repeats = i > 0 && record.field == variables[i - 1].field ? repeats + 1 : 1;
+        lines += repeats;
+        characters +=
+            double(repeats) * double(3 * record.jsName.size() + 2 * record.formName.size());
+    }
+    if (lines <= mostScoreLines && characters <= mostNameCharacters) return {};
+    return u"the models share columns so often that the script would have %1 score lines"_s.arg(
+        lines);
+}
 
 void writeHtmlScript(TextBuffer &out, HtmlPage &page) {
     put(out, scriptHead);
