@@ -7,7 +7,7 @@ import unittest
 
 import scorer
 from spreadsheet import Office, Workbook
-from support import DOCUMENTS, EXAMPLES, ProgramTest, categorical, document, numeric, terms_document
+from support import DOCUMENTS, EXAMPLES, ProgramTest, categorical, document, doubles, numeric, terms_document
 
 CREDIT = EXAMPLES / "credit"
 CLAIMS = EXAMPLES / "claims"
@@ -15,17 +15,18 @@ CLAIMS = EXAMPLES / "claims"
 BELOW, ABOVE, WITHIN = "FFB78B", "EE9EFF", "FFFFFF"
 EMPTY = "9E12FF"  # of RGB(158, 274, 255); Excel takes 274 as 255 and colours 9EFFFF
 
-# What only this target makes something of: the characters of a name, titles and values with quotes, truth values; and a
-# missing code of seven digits, of which six are written.
+# What only this target makes something of: the characters of a name, titles and values with quotes, truth values; a
+# missing code of seven digits, of which six are written; a table of two points; and scores and probabilities to spare.
 WORKSHEET = document(
     [
         numeric(1, "a\"b%c'd-e(f)g/h.i j", [1, 2], [5, 6, 7, 8], label="{recoding}"),
-        numeric(2, "a b", [1, 2], [1, 2, 3, 4]),
+        numeric(2, "a b", [1, 2], [1, 2, 3, 4, 9]),
         categorical(3, "flag", ["TRUE", "FALSE", "true", 'a "TRUE"', ""], [0.5, 1, 2, 3, 4, 5]),
-        categorical(4, "bool", ["FALSE", *"2345", "TRUE", *"789ABCDE", "15th"], [0.5, 1, 1 / 3], tname="bb64"),
+        categorical(4, "bool", ["FALSE", *"2345", "TRUE", *"789ABCDE", '15"'], [0.5, 1, 1 / 3], tname="bb64"),
     ],
-    [(1, 1), (9, 2), (3, 3)], -0.0,
-    missing={"a_b_c_d_e_f_g_h_i_j": [-1, 1234567], "a b": [3]}).replace(' version="4.2.1"', "")
+    [(1, 1), (9, 2), (3, 3)], -0.0, table=[(2, 0.75), (1, 0.5)],
+    missing={"a_b_c_d_e_f_g_h_i_j": [-1, 1234567], "a b": [3]},
+).replace(' version="4.2.1"', "").replace(doubles([0.75, 0.5]), doubles([0.75, 0.5, 0.25]))
 
 
 def cell(text):
@@ -93,7 +94,7 @@ class VbaSpreadsheetTest(ProgramTest):
         return self.read("out")
 
     def check_example(self, path, rows):
-        """Compares predictions and colours of the rows with what the model says, and wants every bin and value reached."""
+        """Compares predictions and colours with what the model says, and wants every bin and value reached."""
         model = scorer.load(path)
         titles = ["no column of the model", *reversed(model.fields)]
         workbook = self.workbook(self.export(path), titles, [[row.get(title) for title in titles] for row in rows])
@@ -159,7 +160,7 @@ class VbaSpreadsheetTest(ProgramTest):
         self.assertEqual(workbook.scores(), [2.5])
 
     def test_truth_values(self):
-        """The cell TRUE shows True, and so does FALSE; a text stays as it is, and booleans keep their spellings."""
+        """The cell TRUE shows True, the cell FALSE False; a text stays as it is, and booleans keep their spellings."""
         model = document([categorical(1, "flag", ["TRUE", "FALSE", "true"], [0, 1, 2, 3]),
                           categorical(2, "bool", ["FALSE"] * 5 + ["TRUE"], [0, 10, 20], tname="bb64")],
                          [(1, 1), (2, 1)], 0)
@@ -169,10 +170,15 @@ class VbaSpreadsheetTest(ProgramTest):
 
     def test_quotes_keep_the_module_from_compiling(self):
         """The backslash before a quote in a title or value does not keep it from ending the literal."""
-        for model in [numeric(1, 'a "b"', [1], [1, 2, 3]), categorical(1, "c", ['5" pipe'], [1, 2])]:
-            workbook = self.workbook(self.convert("-e", document([model], [(1, 1)], 0)), ["c"], [[1]])
-            with self.assertRaises(SyntaxError):
-                workbook.scores()
+        for title in ['a "b"', "a b"]:
+            for value in ['5" pipe', "5 pipe"]:
+                model = document([numeric(1, title, [1], [1, 2, 3]), categorical(2, "c", [value], [10, 20])],
+                                 [(1, 1), (2, 1)], 0)
+                workbook = self.workbook(self.convert("-e", model), ["a b", "c"], [[2, "5 pipe"]])
+                if '"' in title + value:
+                    self.assertRaises(SyntaxError, workbook.scores)
+                else:
+                    self.assertEqual(workbook.scores(), [23])
 
     def test_sheets_and_titles_that_are_not_found(self):
         model = document([numeric(1, "a", [1], [1, 2, 3]), numeric(2, "b", [1], [1, 2, 3])], [(1, 1), (2, 10)], 0)

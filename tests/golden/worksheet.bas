@@ -173,7 +173,7 @@ R0_a_b_c_d_e_f_g_h_i_j = 5
       R3_bool=0.3333333333333333
     Case Is ="E"
       R3_bool=0.3333333333333333
-    Case Is ="15th"
+    Case Is ="15\""
       R3_bool=0.3333333333333333
    End Select
 
@@ -191,7 +191,16 @@ R0_a_b_c_d_e_f_g_h_i_j = 5
         + 2*  _
         + 3* R2_flag
 
-  QorvPrediction_1 = score
+'  computing the probability
+   Dim proba as Double
+   proba=0
+   Select Case score
+   Case Is > 2
+    proba=0.75
+   Case Is < 1
+    proba=0.5
+End Select
+  QorvPrediction_1 = proba
 End Function
 
 Sub QorvCheckRange_1(sourceWorksheet As String, titleRow As Range, dataTable As Range)
