@@ -175,11 +175,9 @@ class BrowserTest(ProgramTest):
             return name, ""
 
         five = categorical(1, "a", list("abcde"), [0.5, 1, 1, 1, 1, 1])
-        six = categorical(1, "a", list("abcdef"), [0.5, 1, 1, 1, 1, 1, 1])
         number = numeric(1, "a", [0, 9], [2, 1, 1, -3])
         pages = {
             "five categories are read as unknown": (*write("5", five, table=TABLE), [[["m0_V1", "3"]]]),
-            "six are not": (*write("6", six, table=TABLE), [[["m0_V1", "3"]]]),
             "no probability at or below the last point": (*write("n", number, 1, table=TABLE), [[["m0_V1", "10"]]]),
             "an empty field is 0": (*write("e", number, table=TABLE), [[["m0_V1", ""]]]),
             "a lone bound is above itself": (*write("l", numeric(1, "a", [5], [0, 1, 3]), table=TABLE),
@@ -189,7 +187,7 @@ class BrowserTest(ProgramTest):
         }
         results = self.browse(*pages.values())
         self.assertEqual({name: result["states"][-1]["shown"][0] for name, result in zip(pages, results)}, {
-            "five categories are read as unknown": "55.000", "six are not": "60.000",
+            "five categories are read as unknown": "55.000",
             "no probability at or below the last point": "NaN", "an empty field is 0": "60.000",
             "a lone bound is above itself": "90.000", "a list of missing codes is not read": "60.000"})
         # No table, a kind that is neither, and a canvas without the scale box.
