@@ -28,7 +28,7 @@ class PythonTest(ProgramTest):
     def test_golden_modules(self):
         for name, text in DOCUMENTS.items():
             with self.subTest(name):
-                self.assert_golden(f"{name}.py", self.convert("-p", text))
+                self.assert_golden(f"{name}.py.txt", self.convert("-p", text))
 
     def test_class_names(self):
         self.write("m", DOCUMENTS["logistic"])
