@@ -18,8 +18,14 @@ import support  # noqa: E402
 PROGRAM = os.environ.get("SCOREWRIGHT", str(ROOT / "build" / "scorewright"))
 OPTIONS = {
     "sas": ["-a", "model.ModelXml", "out"],
+    "sql": ["-s", "configuration.xml"],
+    "vba": ["-e", "model.ModelXml", "out"],
     "python": ["-p", "model.ModelXml", "out", "Model"],
+    "html": ["-h", "model.ModelXml", "", "out"],
 }
+# The SQL script that goes through a temporary table.
+CONFIGURATION = """<Model2SQL inputFile="model.ModelXml" outputFile="out" inputTable="rows" predictionTable="risk"
+ dbType="mysql"/>"""
 
 
 def model(count):
@@ -62,6 +68,7 @@ def main():
             folder = Path(name)
             document = folder / "model.ModelXml"
             document.write_bytes(b"\xff\xfe" + model(count).encode("utf-16-le"))
+            (folder / "configuration.xml").write_text(CONFIGURATION)
             size = document.stat().st_size
             for exporter, arguments in OPTIONS.items():
                 figures = [run(folder, arguments) for _ in range(3 if count > 10000 else 10)]
