@@ -2,8 +2,8 @@
 """exporters.py [N...]: runs every exporter on models of N variables (100 1000 10000 100000).
 
 Prints the least processor time of several rounds, the peak memory, the time for each byte written, the memory as a
-multiple of the document's size, and the growth from one N to the next. SCOREWRIGHT names the program
-(build/scorewright)."""
+multiple of the document's size, and the growth from one N to the next. Peaks below some 20 MB are those of the process
+that starts the program. SCOREWRIGHT names the program (build/scorewright)."""
 
 import os
 import random
