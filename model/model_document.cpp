@@ -68,12 +68,14 @@ qsizetype expectedOutput(const ModelDocument &document) {
 }
 
 void noteProblem(ModelDocument &document, const QString &problem) {
-    // Names from the document may hold line ends; the message is one line all the same.
-    if (document.problem.isEmpty()) document.problem = problem.simplified();
+    if (document.problem.isEmpty()) document.problem = problem;
 }
 
 int reportProblem(const ModelDocument &document) {
-    printText(u"Cannot convert model '%1': %2.\n"_s.arg(document.fileName, document.problem));
+    QString message = u"Cannot convert model '%1': %2."_s.arg(document.fileName, document.problem);
+    // Names may hold line ends; the message is one line all the same.
+    for (const char16_t lineEnd : {u'\n', u'\r'}) message.replace(lineEnd, u' ');
+    printText(message + u'\n');
     return exitUnusableModel;
 }
 
@@ -233,7 +235,7 @@ std::vector<double> modelCoefficients(ModelDocument &document, std::span<const U
     std::vector<double> coefficients;
     coefficients.reserve(models.size());
     for (const UnivModel &model : models) {
-        if (!ofNumber.contains(model.number)) {
+        if (document.problem.isEmpty() && !ofNumber.contains(model.number)) {
             noteProblem(document,
                         u"%1: its number is not in the array 'indexes' of RegressionModel"_s.arg(
                             describe(model.node)));

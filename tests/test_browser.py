@@ -12,7 +12,7 @@ from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document
 
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 CLAIMS = EXAMPLES / "claims" / "claims.ModelXml"
-DRIVER = "playwright-core@1.65.1"
+DRIVER = "playwright-core@1.60.0"  # runs on the Node.js 18 of Debian 12, where 1.65 does not
 TABLE = [(3, 0.9), (1, 0.6), (0, 0.5), (-2, 0.1)]
 CANVAS = """[QRV_STRING_TRUE Yes]<p>[QRV_ANSWER 0] and [QRV_ANSWER 1] and [QRV_ANSWER 1]</p>
 <div style="position:relative;height:90px">[QRV_GRAPHICS]</div>[QRV_DYN_SCALE]<form name="QRVform">[QRV_ALL_QUESTIONS]

@@ -71,7 +71,7 @@ class ProgramLineTest(ProgramTest):
             "<a/>": "no element 'QRV_Model' found",
             good.replace("<y>", "<z>", 1): "Error: Unmatched end tag at line 1, column ",
             good.replace("<x>", "<w/><x>*", 1): "model 'V3' (field 'the field'): array 'x' has 0 values, 1 needed",
-            document([numeric(1, "f\n g", [1, 2], [1, 2, 3])], [(1, 1)], 0):
+            document([numeric(1, "f\ng", [1, 2], [1, 2, 3])], [(1, 1)], 0):
                 "model 'V1' (field 'f g'): array 'y' has 3 values, 4 needed",
             document([categorical(1, "f", ["a", "b"], [1, 2])], [(1, 1)], 0):
                 "model 'V1' (field 'f'): array 'y' has 2 values, 3 needed",

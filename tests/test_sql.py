@@ -93,6 +93,7 @@ class SqlTest(SqlProgramTest):
             ({"keyName": "a-b", "prediction": 'straße "x"', "dbType": "oracle"}, '("A-B","STRASSE \\"X\\"")'),
             ({"predictionTable": "t" * 64 + " x"}, 't("the key"'),
             ({"predictionTable": "P]", "schemaName": "a b", "dbType": "sqlserver"}, "DROP TABLE [a b].Qorv_TMP_P];\n"),
+            ({"predictionTable": 'P "q"', "dbType": "sqlserver"}, 'DROP TABLE [Qorv_TMP_P "q"];\n'),
             ({"dbType": "", "createTmpTable": "", "useTmpTable": ""}, "DROP TABLE"),
             ({"dbType": "x", "useTmpTable": "yes"}, ") Qorv_TMP;"),
         ]:
@@ -163,8 +164,9 @@ class SqlTest(SqlProgramTest):
 
     def test_missing_codes_are_looked_up_by_the_raw_field(self):
         models = [numeric(1, "a b", [0], [1, 2, 3]), numeric(2, "c", [0], [1, 2, 3])]
-        script = self.sql(document(models, [(1, 1), (2, 1)], 0, missing={"a_b": [1], "A B": [2, 1e-13, 1e6], "c": [9, 99]}))
-        self.assertIn('("a b" IS NULL) OR ("a b"=1000000) OR ("a b"=0) OR ("a b"=2) THEN 1\n', script)
+        script = self.sql(document(models, [(1, 1), (2, 1)], 0,
+                                   missing={"a_b": [1], "A B": [2, 9.9e-13, -1e-12, 1e6], "c": [9, 99]}))
+        self.assertIn('("a b" IS NULL) OR ("a b"=1000000) OR ("a b"=-1e-12) OR ("a b"=0) OR ("a b"=2) THEN 1\n', script)
         self.assertIn("(c IS NULL) OR (c=99) OR (c=9) THEN 1\n", script)
 
 

@@ -99,7 +99,7 @@ class EnginesTest(SqlProgramTest):
 
     def assert_equal_numbers(self, found, expected):
         self.assertEqual(found.keys(), expected.keys())
-        far = {k: (found[k], v) for k, v in expected.items() if not abs(found[k] - v) <= 1e-12 * max(1, abs(v))}
+        far = {k: (found[k], v) for k, v in expected.items() if not abs(found[k] - v) <= 1e-12 * abs(v)}
         self.assertEqual(far, {})
 
     def test_all_applicants_in_every_dialect_and_plan(self):

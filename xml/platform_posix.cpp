@@ -12,6 +12,7 @@
 // Nothing here waits: a pipe that nobody writes to or reads from cannot be opened.
 std::FILE *openFile(const QString &fileName, FileUse use) {
     const QByteArray path = fileName.toUtf8();
+    if (QString::fromUtf8(path) != fileName) return nullptr; // half a pair would name another file
     const bool isInput = use == FileUse::Read;
     const int flags = isInput ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
     const int file = open(path.constData(), flags | O_NONBLOCK | O_CLOEXEC, 0666);

@@ -5,6 +5,8 @@
 #include "xml/platform.h"
 #include "xml/xml_node.h"
 
+#include <QStringList>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -43,7 +45,7 @@ SqlConfiguration readSettings(const XmlNode &root) {
         .odbcLink = text(u"odbcLink"),
         .odbcLogin = text(u"odbcLogin"),
         .odbcPassword = text(u"odbcPassword"),
-        .comment = root.text().trimmed().toString().replace(u"\n"_s, u"\n-- "_s),
+        .comment = root.text().trimmed().toString().split(u'\n').join(u"\n-- "),
     };
 }
 

@@ -12,12 +12,12 @@ struct SqlConfiguration {
     QString predictionTable;
     QString schemaName;
     QString dbType;
-    bool createPredictionTable;
-    bool kestruneScript; // wrap the script in an ETL document
-    bool useTmpTable;
-    bool createTmpTable;
-    bool boolsAreNumbers;
-    bool debugRecoding;
+    bool createPredictionTable = false;
+    bool kestruneScript = false; // wrap the script in an ETL document
+    bool useTmpTable = true;
+    bool createTmpTable = true;
+    bool boolsAreNumbers = true;
+    bool debugRecoding = false;
     QString odbcLink;
     QString odbcLogin;
     QString odbcPassword;

@@ -1,6 +1,7 @@
 #include "exporters/sql/sql_dialect.h"
 
 #include <QStringBuilder>
+#include <QStringList>
 
 #include <algorithm>
 #include <cmath>
@@ -52,7 +53,7 @@ QString sqlIdentifier(const SqlDialect &dialect, QStringView name) {
     QString text = name.toString();
     if (!needsQuotes) return text;
     if (dialect.quoting == SqlQuoting::Brackets) return u'[' + text + u']';
-    text.replace(u"\""_s, u"\\\""_s);
+    text = text.split(u'"').join(u"\\\"");
     if (dialect.quoting == SqlQuoting::UpperCase) text = text.toUpper();
     return u'"' + text + u'"';
 }

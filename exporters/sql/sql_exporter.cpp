@@ -21,7 +21,7 @@ int exportToSql(const QString &configurationFile) {
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     if (!configuration.kestruneScript) return writeScript(configuration.outputFile, script.text());
-    TextBuffer etl;
+    TextBuffer etl(2 * script.text().size());
     putEtlDocument(etl,
                    {configuration.odbcLink, configuration.odbcLogin, configuration.odbcPassword},
                    dialect.hasReaderMode, script.text());
