@@ -54,9 +54,8 @@ def answers(models, row, sliders=False):
 class BrowserTest(ProgramTest):
     @classmethod
     def setUpClass(cls):
-        cls.modules = Path(PROGRAM).resolve().parent / "browser-driver"
-        wanted = cls.modules / "node_modules" / DRIVER.split("@")[0]
-        if not wanted.exists():
+        cls.modules = Path(PROGRAM).resolve().parent / DRIVER
+        if not (cls.modules / "node_modules" / "playwright-core").exists():
             subprocess.run(["npm", "install", "--no-save", "--no-audit", "--no-fund", "--silent",
                             "--prefix", cls.modules, DRIVER], check=True, timeout=120)
 
