@@ -28,10 +28,7 @@ void TextBuffer::enlarge(qsizetype count) {
 }
 
 void append(TextBuffer &out, const NumberText &number) {
-    // A copy of fixed length is one of a few instructions; what is too much of it is dropped.
-    constexpr int room = sizeof(number.characters);
-    std::copy_n(number.characters, room, out.extend(room));
-    out.drop(room - number.size);
+    std::copy_n(number.characters, number.size, out.extend(number.size));
 }
 
 void append(TextBuffer &out, const EscapedText &escaped) {

@@ -32,9 +32,6 @@ public:
         return room;
     }
 
-    // Takes back the last `count` units.
-    void drop(qsizetype count) { used -= count; }
-
 private:
     struct Free {
         void operator()(char16_t *memory) const { std::free(memory); }

@@ -140,9 +140,12 @@ private:
     XmlElement *element = nullptr;
 };
 
-// Equality and hash of two texts without regard to the case of ASCII letters. A null text equals
-// null only.
+// Equality of two texts without regard to the case of ASCII letters. A null text equals null only.
 bool equalsIgnoringCase(QStringView a, QStringView b);
+
+// Hashes for tables of names, with and without regard to the case of ASCII letters. They hold for
+// one run of the program.
+std::size_t hashText(QStringView text);
 std::size_t hashIgnoringCase(QStringView text);
 
 // The number that `value` begins with: white space, a sign and ASCII digits, saturating at 32 bits;

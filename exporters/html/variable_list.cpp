@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -14,20 +15,20 @@ namespace {
 // The records of one column in the order in which they were found.
 using Column = std::vector<VariableRecord>;
 
+struct HashOfField {
+    std::size_t operator()(QStringView field) const { return hashText(field); }
+};
+
 struct Columns {
     std::vector<Column> columns;
-    QHash<QStringView, std::size_t> positions; // by field
+    std::unordered_map<QStringView, std::size_t, HashOfField> positions; // by field
 };
 
 void addVariable(Columns &list, const HtmlModel &model, std::size_t univIndex) {
     const UnivModel &univModel = model.univModels[univIndex];
-    const std::size_t position = list.positions.value(univModel.field, list.columns.size());
-    const bool isNew = position == list.columns.size();
-    if (isNew) {
-        list.positions.insert(univModel.field, position);
-        list.columns.emplace_back();
-    }
-    Column &column = list.columns[position];
+    const auto [found, isNew] = list.positions.try_emplace(univModel.field, list.columns.size());
+    if (isNew) list.columns.emplace_back();
+    Column &column = list.columns[found->second];
     const QString name =
         u"m%1_%2"_s.arg(QString::number(model.number), univModel.node.attribute(u"name"));
     const QString formName = isNew ? name : column.front().formName;
