@@ -7,6 +7,7 @@ import subprocess
 import time
 import unittest
 from base64 import b64encode
+from pathlib import Path
 
 from support import DOCUMENTS, PROGRAM, ProgramTest, categorical, document, doubles, integers, numeric
 
@@ -67,6 +68,8 @@ class FaultsTest(ProgramTest):
                 self.export(text.replace(original, array), ["-a", "-h"], statuses=(0, 1, 3, 8))
 
     def test_memory_that_runs_out(self):
+        if b"__asan_init" in Path(PROGRAM).read_bytes():
+            self.skipTest("the address sanitizer reserves more memory than any limit here allows")
         (self.folder / "m").write_text(document([numeric(1, "x" * 8_000_000, [1], [1, 2, 3])], [(1, 1)], 0), "utf-8-sig")
         (self.folder / "out").write_text("as it was")
         for option in ["-a", "-p"]:
