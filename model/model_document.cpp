@@ -39,6 +39,21 @@ void requireValues(ModelDocument &document, std::vector<double> &values, std::si
     values.resize(needed);
 }
 
+void appendValues(const UnivModel &model, std::vector<QStringView> &values) {
+    const XmlNode modalities = model.node.childNode(u"Modalities");
+    int index = 0;
+    for (XmlNode mod = modalities.childNode(u"Mod", &index); !mod.isEmpty();
+         mod = modalities.childNode(u"Mod", &index)) {
+        values.push_back(mod.attribute(u"val"));
+    }
+}
+
+// The score of a missing value is not counted.
+std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
+    if (scores == BooleanScores::Both || values > 5) return 2;
+    return std::min<std::size_t>(values, 1);
+}
+
 } // namespace
 
 XmlNode rootElement(const XmlNode &parsed, QStringView name) {
@@ -126,33 +141,6 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
     return models;
 }
 
-void readNumericRecoding(ModelDocument &document, const UnivModel &model,
-                         NumericRecoding &recoding) {
-    readNumbers(document, model.node, u"x", 1, recoding.x);
-    readNumbers(document, model.node, u"y", recoding.x.size() + 2, recoding.y);
-}
-
-void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
-                             CategoricalRecoding &recoding, BooleanScores booleanScores) {
-    recoding.values.clear();
-    const XmlNode modalities = model.node.childNode(u"Modalities");
-    int index = 0;
-    for (XmlNode mod = modalities.childNode(u"Mod", &index); !mod.isEmpty();
-         mod = modalities.childNode(u"Mod", &index)) {
-        recoding.values.push_back(mod.attribute(u"val"));
-    }
-    recoding.isBoolean = model.node.attribute(u"tname") == u"bb64";
-    std::size_t listed = recoding.values.size();
-    if (recoding.isBoolean) {
-        if (booleanScores == BooleanScores::Both || listed > 5) {
-            listed = 2;
-        } else {
-            listed = std::min<std::size_t>(listed, 1);
-        }
-    }
-    readNumbers(document, model.node, u"y", 1 + listed, recoding.y);
-}
-
 const MissingCodes &DataDictionary::codesOf(QStringView field) const {
     const auto found = fields.find(field.isNull() ? QStringView(u"") : field);
     return lists[found == fields.end() ? 0 : found->second];
@@ -182,6 +170,54 @@ DataDictionary readDataDictionary(ModelDocument &document) {
         }
     }
     return dictionary;
+}
+
+NumericRecoding Recodings::numeric(const UnivModel &model) const {
+    const Record &record = records[model.position];
+    const std::span numbersOfModel = std::span(numbers).subspan(record.firstNumber);
+    return {.x = numbersOfModel.first(record.bounds),
+            .y = numbersOfModel.subspan(record.bounds, record.scores)};
+}
+
+CategoricalRecoding Recodings::categorical(const UnivModel &model) const {
+    const Record &record = records[model.position];
+    return {.values = std::span(values).subspan(record.firstValue, record.values),
+            .y = std::span(numbers).subspan(record.firstNumber, record.scores),
+            .isBoolean = record.isBoolean};
+}
+
+Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
+                        BooleanScores booleanScores) {
+    Recodings all;
+    all.dictionary = readDataDictionary(document);
+    all.records.reserve(models.size());
+    // Room for a document that is nothing but numbers, six bits a character.
+    all.numbers.reserve(static_cast<std::size_t>(document.root.sourceLength()) * 6 / 64);
+    preferLargePages(all.numbers.data(), all.numbers.capacity() * sizeof(double));
+    std::vector<double> array;
+    const auto append = [&](const UnivModel &model, QStringView name, std::size_t needed) {
+        readNumbers(document, model.node, name, needed, array);
+        all.numbers.insert(all.numbers.end(), array.begin(), array.end());
+        return array.size();
+    };
+    for (const UnivModel &model : models) {
+        Recodings::Record record{.firstNumber = all.numbers.size(),
+                                 .firstValue = all.values.size()};
+        if (model.isCategorical) {
+            appendValues(model, all.values);
+            record.values = all.values.size() - record.firstValue;
+            record.isBoolean = model.node.attribute(u"tname") == u"bb64";
+            const std::size_t scores = record.isBoolean
+                                           ? booleanScoresNeeded(record.values, booleanScores)
+                                           : record.values;
+            record.scores = append(model, u"y", 1 + scores);
+        } else {
+            record.bounds = append(model, u"x", 1);
+            record.scores = append(model, u"y", record.bounds + 2);
+        }
+        all.records.push_back(record);
+    }
+    return all;
 }
 
 Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,

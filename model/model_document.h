@@ -3,8 +3,8 @@
 // views into it and decoded arrays.
 //
 // Reading does not stop at an array that is too short: the first shortage is noted in the document,
-// the missing values read as 0, and the exporter goes on and asks once, before it writes anything,
-// whether there was a problem.
+// the missing values read as 0, and the exporter goes on and asks once, when it has read all that
+// it needs and before it writes anything, whether there was a problem.
 #pragma once
 
 #include "xml/base64.h"
@@ -78,17 +78,15 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
 // The recoding of a numeric column: y[0] for a missing value, y[1] below x[0], y[i + 1] up to x[i],
 // y.back() above x.back(). There are at least one bound and two scores more than bounds.
 struct NumericRecoding {
-    std::vector<double> x;
-    std::vector<double> y;
+    std::span<const double> x;
+    std::span<const double> y;
 };
-void readNumericRecoding(ModelDocument &document, const UnivModel &model,
-                         NumericRecoding &recoding);
 
 // Calls write(bound, score) for the intervals between the first bound and the last, in order.
 // An interval whose right neighbour has the same score is left to that neighbour's test.
 template <typename Write>
 void forEachInnerInterval(const NumericRecoding &recoding, Write write) {
-    const std::vector<double> &y = recoding.y;
+    const std::span<const double> y = recoding.y;
     const std::size_t last = recoding.x.size() - 1;
     for (std::size_t i = 1; i <= last; ++i) {
         if (i < last && y[i + 1] == y[i + 2]) continue;
@@ -100,21 +98,15 @@ void forEachInnerInterval(const NumericRecoding &recoding, Write write) {
 // values of a boolean column are spellings of false at positions 1 to 5 and of true from 6 on; they
 // share y[1] and y[2].
 struct CategoricalRecoding {
-    std::vector<QStringView> values; // in document order; empty where absent
-    std::vector<double> y;
-    bool isBoolean = false;
+    std::span<const QStringView> values; // in document order; empty where absent
+    std::span<const double> y;
+    bool isBoolean;
 
     // The score of the value at `position`, which counts from 1.
     double score(std::size_t position) const {
         return y[!isBoolean ? position : position <= 5 ? 1 : 2];
     }
 };
-// Whether a boolean column needs only the scores that its values take, or both even without values.
-enum class BooleanScores { OfValues, Both };
-void readCategoricalRecoding(ModelDocument &document, const UnivModel &model,
-                             CategoricalRecoding &recoding,
-                             BooleanScores booleanScores = BooleanScores::OfValues);
-
 // The numbers that stand for a missing value of a numeric column, the last first, which is how all
 // targets test them. A list that is there may hold none.
 struct MissingCodes {
@@ -138,24 +130,42 @@ struct DataDictionary {
 };
 DataDictionary readDataDictionary(ModelDocument &document);
 
+// The recodings of all univariate models. Their numbers and values stand one after the other.
+struct Recodings {
+    struct Record {
+        std::size_t firstNumber = 0; // the bounds, and after them the scores
+        std::size_t bounds = 0;
+        std::size_t scores = 0;
+        std::size_t firstValue = 0;
+        std::size_t values = 0;
+        bool isBoolean = false;
+    };
+    std::vector<Record> records; // of each model
+    std::vector<double> numbers;
+    std::vector<QStringView> values;
+    DataDictionary dictionary;
+
+    NumericRecoding numeric(const UnivModel &model) const;
+    CategoricalRecoding categorical(const UnivModel &model) const;
+};
+// Whether a boolean column needs only the scores that its values take, or both even without values.
+enum class BooleanScores { OfValues, Both };
+Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
+                        BooleanScores booleanScores = BooleanScores::OfValues);
+
 // --- The walk
 
-// Reads the recodings of all models in document order and calls categorical(model, recoding) or
-// numeric(model, recoding, missingCodes) for each.
+// Calls categorical(model, recoding) or numeric(model, recoding, missingCodes) for each model, in
+// document order.
 template <typename Categorical, typename Numeric>
-void forEachRecoding(ModelDocument &document, const std::vector<UnivModel> &models,
-                     Categorical categorical, Numeric numeric,
-                     BooleanScores booleanScores = BooleanScores::OfValues) {
-    const DataDictionary dictionary = readDataDictionary(document);
-    CategoricalRecoding values;
-    NumericRecoding intervals;
+void forEachRecoding(const Recodings &recodings, const std::vector<UnivModel> &models,
+                     Categorical categorical, Numeric numeric) {
     for (const UnivModel &model : models) {
         if (model.isCategorical) {
-            readCategoricalRecoding(document, model, values, booleanScores);
-            categorical(model, values);
+            categorical(model, recodings.categorical(model));
         } else {
-            readNumericRecoding(document, model, intervals);
-            numeric(model, intervals, dictionary.codesOf(model.cleanField));
+            numeric(model, recodings.numeric(model),
+                    recodings.dictionary.codesOf(model.cleanField));
         }
     }
 }

@@ -1,4 +1,5 @@
-// Writing a finished output, and the messages and exit statuses that all exporters share.
+// Opening and finishing the output file of an exporter, and the messages and exit statuses that all
+// exporters share.
 #pragma once
 
 #include "model/text_buffer.h"
@@ -13,18 +14,14 @@ enum ExitStatus {
     exitUnusableModel = 8,
 };
 
-enum class OutputEncoding {
-    Utf16, // little-endian, with mark
-    Utf8,  // with mark
-};
+// Creates or empties the file and writes the mark of the encoding. Prints a message and returns
+// exitCannotOpenOutput or exitCannotWriteOutput when the file cannot be opened or takes no mark.
+// An exporter calls this when nothing can go wrong with the model any more: what was in the file is
+// lost.
+int openOutputFile(const QString &fileName, OutputEncoding encoding, OutputFile &file);
 
-// Creates or replaces the file and writes the mark and the text. Prints a message and returns
-// exitCannotOpenOutput or exitCannotWriteOutput when the file cannot be opened or takes no mark;
-// the writing of the text is not tested. Silent on success.
-int writeOutputFile(const QString &fileName, QStringView text, OutputEncoding encoding);
-
-// The same in UTF-16, and a message of success.
-int writeScript(const QString &fileName, QStringView text);
+// Closes a script and prints the message of success.
+int finishScript(TextBuffer &script);
 
 // Creates or replaces the file and writes the text in UTF-8 without mark. Prints nothing: a file
 // that cannot be opened is left alone.

@@ -3,7 +3,39 @@
 #include "xml/platform.h"
 
 #include <algorithm>
+#include <bit>
 #include <new>
+
+static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
+
+namespace {
+
+bool endsInHalfPair(QStringView text) {
+    return !text.isEmpty() && text.back().isHighSurrogate();
+}
+
+// Converts piece by piece: a second copy of the whole text would cost its memory once more.
+void writeUtf8(std::FILE *stream, QStringView text) {
+    constexpr qsizetype most = 1 << 16;
+    while (!text.isEmpty()) {
+        QStringView piece = text.first(std::min(most, text.size()));
+        if (piece.size() < text.size() && endsInHalfPair(piece)) piece.chop(1);
+        const QByteArray bytes = piece.toUtf8();
+        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+        text = text.sliced(piece.size());
+    }
+}
+
+} // namespace
+
+void writeText(const OutputFile &file, QStringView text) {
+    if (file.encoding == OutputEncoding::Utf8) {
+        writeUtf8(file.stream.get(), text);
+    } else {
+        std::fwrite(text.utf16(), sizeof(char16_t), static_cast<std::size_t>(text.size()),
+                    file.stream.get());
+    }
+}
 
 TextBuffer::TextBuffer(qsizetype expected) {
     // Memory that is never touched costs nothing; where there is none to promise, it can wait.
@@ -21,10 +53,29 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// Large blocks are moved by remapping their pages, so growing costs no copy and touches nothing.
+// Half a pair waits for its other half, which is converted together with it.
+void TextBuffer::writeBlock() {
+    const qsizetype kept = endsInHalfPair(text()) ? 1 : 0;
+    writeText(file, text().chopped(kept));
+    if (kept > 0) units[0] = units[static_cast<std::size_t>(used - 1)];
+    used = kept;
+}
+
+// A block before a file stays in the processor's cache while it is filled and written. In memory,
+// large blocks are moved by remapping their pages, so growing costs no copy and touches nothing.
 void TextBuffer::enlarge(qsizetype count) {
     constexpr qsizetype smallest = 1 << 15;
+    if (file.stream) {
+        writeBlock();
+        if (count <= capacity - used) return;
+    }
     if (!resize(std::max({smallest, 2 * capacity, used + count}))) throw std::bad_alloc();
+}
+
+void TextBuffer::close() {
+    writeText(file, text());
+    file = {};
+    used = 0;
 }
 
 void append(TextBuffer &out, const NumberText &number) {

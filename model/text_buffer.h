@@ -1,28 +1,53 @@
-// The output of an exporter while it grows in memory, and the one way of appending to it:
+// The output of an exporter, and the one way of appending to it:
 //
 //     put(out, u"   else ", name, u"=", score, u";\n");
 //
 // appends its pieces from left to right. A piece is a UTF-16 literal or any other text, a double
 // (written as a model number), an integer, a NumberText, or a text with its quotes escaped.
+//
+// A buffer with a file hands it one full block after the other; without one, the text grows in
+// memory.
 #pragma once
 
 #include "model/number_text.h"
 
 #include <QStringView>
 
+#include <algorithm>
 #include <concepts>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 
+enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
+
+// A file that is open for writing. Without a stream there is none.
+struct OutputFile {
+    struct Close {
+        void operator()(std::FILE *stream) const { std::fclose(stream); }
+    };
+    std::unique_ptr<std::FILE, Close> stream;
+    OutputEncoding encoding = OutputEncoding::Utf16;
+};
+
+// Whether the device takes the text is not tested.
+void writeText(const OutputFile &file, QStringView text);
+
 class TextBuffer {
 public:
     TextBuffer() = default;
-    // A buffer that is expected to take about so many units. Room is promised for them, but it is
-    // not touched before it is used.
+    // A buffer in memory that is expected to take about so many units. Room is promised for them,
+    // but it is not touched before it is used.
     explicit TextBuffer(qsizetype expected);
+    // A buffer before a file.
+    explicit TextBuffer(OutputFile openFile) : file(std::move(openFile)) {}
 
+    // What was appended; before a file, as far as it is not yet written.
     QStringView text() const { return {units.get(), used}; }
+
+    // Writes what is left to the file and closes it.
+    void close();
 
     // Makes room for `count` more units and returns where they go; the caller fills all of them.
     char16_t *extend(qsizetype count) {
@@ -39,7 +64,9 @@ private:
 
     bool resize(qsizetype newCapacity);
     void enlarge(qsizetype count);
+    void writeBlock();
 
+    OutputFile file;
     std::unique_ptr<char16_t[], Free> units;
     qsizetype used = 0;
     qsizetype capacity = 0;
@@ -61,9 +88,12 @@ void append(TextBuffer &out, const char16_t (&literal)[size]) {
     std::memcpy(out.extend(size - 1), literal, (size - 1) * sizeof(char16_t));
 }
 inline void append(TextBuffer &out, QStringView text) {
-    if (!text.isEmpty()) {
-        std::memcpy(out.extend(text.size()), text.utf16(),
-                    static_cast<std::size_t>(text.size()) * sizeof(char16_t));
+    // Piece by piece, so that even the longest name needs no more than the block before a file.
+    constexpr qsizetype most = 1 << 14;
+    for (; !text.isEmpty(); text = text.sliced(std::min(most, text.size()))) {
+        const qsizetype size = std::min(most, text.size());
+        std::memcpy(out.extend(size), text.utf16(),
+                    static_cast<std::size_t>(size) * sizeof(char16_t));
     }
 }
 void append(TextBuffer &out, const NumberText &number);

@@ -11,8 +11,6 @@ namespace {
 
 constexpr QStringView cleanedCharacters = u" .'-";
 
-enum class Result { ScoreAndProbability, Prediction };
-
 // The last component of the path, its solidus included, up to the last full stop; all that follows
 // the solidus when the full stop stands before it.
 QString classNameOf(const QString &modelFile) {
@@ -34,12 +32,11 @@ void putBanner(TextBuffer &out, const ModelDocument &document,
     put(out, u"'''\n");
 }
 
-void putDictionaries(TextBuffer &out, ModelDocument &document,
-                     const std::vector<UnivModel> &models) {
-    CategoricalRecoding recoding;
+void putDictionaries(TextBuffer &out, const std::vector<UnivModel> &models,
+                     const Recodings &recodings) {
     for (const UnivModel &model : models) {
         if (!model.isCategorical) continue;
-        readCategoricalRecoding(document, model, recoding);
+        const CategoricalRecoding recoding = recodings.categorical(model);
         // A boolean column's entries end in a comma, another's are separated by one.
         const QStringView separator = recoding.isBoolean ? u"" : u",";
         const QStringView end = recoding.isBoolean ? u"," : u"";
@@ -81,7 +78,7 @@ void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
 
 void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
     const QString &name = model.recodingName;
-    const std::vector<double> &y = recoding.y;
+    const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
     put(out, u"                ", name, u"=", y[0], u"\n");
@@ -102,9 +99,10 @@ void putHeading(TextBuffer &out, const UnivModel &model) {
         u" column of display name '", model.node.attribute(u"displayName"), u"'\n");
 }
 
-void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
+                  const Recodings &recodings) {
     forEachRecoding(
-        document, models,
+        recodings, models,
         [&](const UnivModel &model, const CategoricalRecoding &recoding) {
             putHeading(out, model);
             putCategorical(out, model, recoding);
@@ -117,8 +115,7 @@ void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<Un
         });
 }
 
-void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
-    const Regression regression = readRegression(document, models);
+void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {
     put(out, u"\n\n            #computing the regression Model\n");
     put(out, u"            s=dfOutScore[line]=", regression.constant);
     for (const RegressionTerm &term : regression.terms) {
@@ -127,13 +124,7 @@ void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivMo
     put(out, u"\n");
 }
 
-Result putProbability(TextBuffer &out, ModelDocument &document) {
-    const ProbabilityTable table = readProbabilityTable(document);
-    if (!table.exists) {
-        if (!hasLogisticProbability(document)) return Result::Prediction;
-        put(out, pythonLogisticProbability);
-        return Result::ScoreAndProbability;
-    }
+void putProbability(TextBuffer &out, const ProbabilityTable &table) {
     const std::size_t last = table.x.size() - 1;
     put(out, u"            # computing the probability */\n");
     put(out, u"            if s>", table.x[0], u":\n                dfOutProba[line]=", table.y[0],
@@ -144,12 +135,11 @@ Result putProbability(TextBuffer &out, ModelDocument &document) {
         put(out, u"            elif s>", segment.threshold, u":\n                dfOutProba[line]=",
             segment.intercept, u" + s*", segment.slope, u"\n");
     }
-    return Result::ScoreAndProbability;
 }
 
-void putReturn(TextBuffer &out, Result result, const QString &prefix) {
+void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
     put(out, u"        return pd.DataFrame(data={'", prefix);
-    if (result == Result::ScoreAndProbability) {
+    if (hasProbability) {
         put(out, u"score':dfOutScore,'", prefix, u"proba':dfOutProba})");
     } else {
         put(out, u"prediction':dfOutScore})");
@@ -162,21 +152,29 @@ int exportToPython(const QString &modelFile, const QString &moduleFile, const QS
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
+    const Recodings recodings = readRecodings(document, models);
+    const Regression regression = readRegression(document, models);
+    const ProbabilityTable table = readProbabilityTable(document);
+    const bool isLogistic = !table.exists && hasLogisticProbability(document);
+    if (!document.problem.isEmpty()) return reportProblem(document);
 
-    TextBuffer out(expectedOutput(document));
+    OutputFile file;
+    const int status = openOutputFile(moduleFile, OutputEncoding::Utf8, file);
+    if (status != exitSuccess) return status;
+    TextBuffer out(std::move(file));
     putBanner(out, document, models);
     put(out, pythonImports);
     put(out, u"class QORVModel_", className.isEmpty() ? classNameOf(modelFile) : className, u":\n");
     put(out, u"    def __init__(self):\n");
-    putDictionaries(out, document, models);
+    putDictionaries(out, models, recodings);
     put(out, pythonApply);
     putColumnLookups(out, models);
     put(out, u"        for line in range(len(df.index)):\n");
-    putRecodings(out, document, models);
-    putScore(out, document, models);
-    const Result result = putProbability(out, document);
-    putReturn(out, result, targetPrefix(document, cleanedCharacters));
-
-    if (!document.problem.isEmpty()) return reportProblem(document);
-    return writeOutputFile(moduleFile, out.text(), OutputEncoding::Utf8);
+    putRecodings(out, models, recodings);
+    putScore(out, models, regression);
+    if (table.exists) putProbability(out, table);
+    if (isLogistic) put(out, pythonLogisticProbability);
+    putReturn(out, table.exists || isLogistic, targetPrefix(document, cleanedCharacters));
+    out.close();
+    return exitSuccess;
 }

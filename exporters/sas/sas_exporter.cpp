@@ -71,7 +71,7 @@ void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &m
 void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
     const QString &field = model.cleanField;
     const QString &name = model.recodingName;
-    const std::vector<double> &y = recoding.y;
+    const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
     put(out, u") then ", name, u"=", y[0], u";\n");
@@ -91,9 +91,10 @@ void putHeading(TextBuffer &out, const UnivModel &model) {
         u"' */\n\n");
 }
 
-void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
+                  const Recodings &recodings) {
     forEachRecoding(
-        document, models,
+        recodings, models,
         [&](const UnivModel &model, const CategoricalRecoding &recoding) {
             putHeading(out, model);
             putCategorical(out, model, recoding);
@@ -105,10 +106,8 @@ void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<Un
         });
 }
 
-void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models,
+void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression,
               const QString &prefix) {
-    const Regression regression = readRegression(document, models);
-    requireModels(document, regression);
     put(out, u"\n\n   /* computing the regression Model */\n   ", prefix, u"score= ",
         regression.constant, u"\n");
     for (std::size_t j = 0; j < regression.terms.size(); ++j) {
@@ -119,15 +118,12 @@ void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivMo
     put(out, u"\n");
 }
 
-void putProbability(TextBuffer &out, ModelDocument &document, const QString &prefix) {
-    const ProbabilityTable table = readProbabilityTable(document);
-    if (!table.exists) {
-        if (hasLogisticProbability(document)) {
-            put(out, u"   /* computing the probability */\n");
-            put(out, u"   ", prefix, u"proba=1/(1+exp(-", prefix, u"score);\n");
-        }
-        return;
-    }
+void putLogisticProbability(TextBuffer &out, const QString &prefix) {
+    put(out, u"   /* computing the probability */\n");
+    put(out, u"   ", prefix, u"proba=1/(1+exp(-", prefix, u"score);\n");
+}
+
+void putProbability(TextBuffer &out, const ProbabilityTable &table, const QString &prefix) {
     const std::size_t last = table.x.size() - 1;
     put(out, u"   /* computing the probability */\n", u"   ", prefix, u"proba=0;\n");
     put(out, u"   if      (", prefix, u"score>", table.x[0], u") then ", prefix, u"proba=",
@@ -158,14 +154,24 @@ int exportToSas(const QString &modelFile, const QString &scriptFile) {
         return exitUnsupportedRecoding;
     }
     const QString prefix = targetPrefix(document, cleanedCharacters);
-
-    TextBuffer out(expectedOutput(document));
-    putBanner(out, document, models);
-    putRecodings(out, document, models);
-    putScore(out, document, models, prefix);
-    putProbability(out, document, prefix);
-    putClosing(out, models);
-
+    const Recodings recodings = readRecodings(document, models);
+    const Regression regression = readRegression(document, models);
+    requireModels(document, regression);
+    const ProbabilityTable table = readProbabilityTable(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    return writeScript(scriptFile, out.text());
+
+    OutputFile file;
+    const int status = openOutputFile(scriptFile, OutputEncoding::Utf16, file);
+    if (status != exitSuccess) return status;
+    TextBuffer out(std::move(file));
+    putBanner(out, document, models);
+    putRecodings(out, models, recodings);
+    putScore(out, models, regression, prefix);
+    if (table.exists) {
+        putProbability(out, table, prefix);
+    } else if (hasLogisticProbability(document)) {
+        putLogisticProbability(out, prefix);
+    }
+    putClosing(out, models);
+    return finishScript(out);
 }

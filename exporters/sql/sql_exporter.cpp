@@ -16,14 +16,24 @@ int exportToSql(const QString &configurationFile) {
 
     ModelDocument document = loadModel(configuration.inputFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    TextBuffer script(expectedOutput(document));
-    putSqlScript(script, document, configuration, dialect);
+    const SqlScript script = readSqlScript(document, configuration, dialect);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
-    if (!configuration.kestruneScript) return writeScript(configuration.outputFile, script.text());
-    TextBuffer etl(2 * script.text().size());
-    putEtlDocument(etl,
-                   {configuration.odbcLink, configuration.odbcLogin, configuration.odbcPassword},
-                   dialect.hasReaderMode, script.text());
-    return writeScript(configuration.outputFile, etl.text());
+    TextBuffer content;
+    if (configuration.kestruneScript) {
+        content = TextBuffer(expectedOutput(document));
+        putSqlScript(content, script);
+    }
+    OutputFile file;
+    const int openStatus = openOutputFile(configuration.outputFile, OutputEncoding::Utf16, file);
+    if (openStatus != exitSuccess) return openStatus;
+    TextBuffer out(std::move(file));
+    if (configuration.kestruneScript) {
+        putEtlDocument(
+            out, {configuration.odbcLink, configuration.odbcLogin, configuration.odbcPassword},
+            dialect.hasReaderMode, content.text());
+    } else {
+        putSqlScript(out, script);
+    }
+    return finishScript(out);
 }

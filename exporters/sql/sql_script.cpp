@@ -6,27 +6,6 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-enum class Plan {
-    ScoreOnly,      // the score is the prediction
-    Nested,         // the probability is selected from the score select
-    TemporaryTable, // the score goes into a table of its own first
-};
-
-// What the statements of one script share. Names are quoted, and tables have their schema.
-struct Script {
-    const SqlConfiguration &configuration;
-    const SqlDialect &dialect;
-    Plan plan;
-    QString key;
-    QString prediction;
-    QString predictionTable;
-    QString inputTable;
-    QString temporaryTable;
-    std::vector<QString> debugColumns; // one of each model, or none
-    std::vector<UnivModel> models;
-    ProbabilityTable probabilities; // unless the plan is ScoreOnly
-};
-
 // --- What is written
 
 QString keyName(const ModelDocument &document, const SqlConfiguration &configuration) {
@@ -53,48 +32,23 @@ std::vector<QString> debugColumns(const std::vector<UnivModel> &models,
     return columns;
 }
 
-Plan choosePlan(const ProbabilityTable &probabilities, const SqlConfiguration &configuration) {
-    if (!probabilities.exists) return Plan::ScoreOnly;
-    return configuration.useTmpTable ? Plan::TemporaryTable : Plan::Nested;
-}
-
-Script readScript(ModelDocument &document, const SqlConfiguration &configuration,
-                  const SqlDialect &dialect) {
-    const QString schema = schemaPrefix(configuration, dialect);
-    const QString &target = configuration.predictionTable;
-    const QString temporary = u"Qorv_TMP_"_s + target;
-    std::vector<UnivModel> models = readUnivModels(document, {});
-    ProbabilityTable probabilities;
-    if (dialect.hasProbability) probabilities = readProbabilityTable(document);
-    const Plan plan = choosePlan(probabilities, configuration);
-    std::vector<QString> columns = debugColumns(models, configuration, dialect);
-    return {
-        .configuration = configuration,
-        .dialect = dialect,
-        .plan = plan,
-        .key = sqlIdentifier(dialect, keyName(document, configuration)),
-        .prediction = sqlIdentifier(dialect, configuration.prediction),
-        .predictionTable = schema + sqlTableName(dialect, target),
-        .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
-        .temporaryTable = schema + sqlTableName(dialect, temporary),
-        .debugColumns = std::move(columns),
-        .models = std::move(models),
-        .probabilities = std::move(probabilities),
-    };
+SqlPlan choosePlan(const ProbabilityTable &probabilities, const SqlConfiguration &configuration) {
+    if (!probabilities.exists) return SqlPlan::ScoreOnly;
+    return configuration.useTmpTable ? SqlPlan::TemporaryTable : SqlPlan::Nested;
 }
 
 // --- Tables
 
-void putComment(TextBuffer &out, const Script &script) {
+void putComment(TextBuffer &out, const SqlScript &script) {
     const QString &comment = script.configuration.comment;
     if (!comment.isEmpty()) put(out, u"-- ", comment, u"\n");
 }
 
-QStringView tableClause(const Script &script) {
+QStringView tableClause(const SqlScript &script) {
     return script.dialect.distributes ? u" distribute by hash(id)" : u"";
 }
 
-void putPredictionTable(TextBuffer &out, const Script &script) {
+void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     if (!script.configuration.createPredictionTable) return;
     put(out, u"-- drop table ", script.predictionTable, u";\n");
     put(out, u"create table ", script.predictionTable, u"(", script.key, u" VARCHAR(20), ",
@@ -108,7 +62,7 @@ void putPredictionTable(TextBuffer &out, const Script &script) {
 
 // Without a table of its own to create, a script only shows how the table was made, so the first
 // line of that statement becomes a comment.
-void putTemporaryTable(TextBuffer &out, const Script &script) {
+void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     const QString &table = script.temporaryTable;
     const bool creates = script.configuration.createTmpTable;
     if (creates) {
@@ -122,13 +76,13 @@ void putTemporaryTable(TextBuffer &out, const Script &script) {
     if (!creates) put(out, u"delete from ", table, u";\n");
 }
 
-void putTemporaryInsert(TextBuffer &out, const Script &script) {
+void putTemporaryInsert(TextBuffer &out, const SqlScript &script) {
     put(out, u"insert into ", script.temporaryTable, u"(", script.key);
     for (const QString &column : script.debugColumns) put(out, u",", column);
     put(out, u",score)\n");
 }
 
-void putPredictionInsert(TextBuffer &out, const Script &script) {
+void putPredictionInsert(TextBuffer &out, const SqlScript &script) {
     put(out, u"insert into ", script.predictionTable, u"(", script.key, u",", script.prediction,
         u")\n");
 }
@@ -184,12 +138,10 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const UnivMo
 
 // Each variable's CASE, already multiplied with its coefficient: as one term of the sum, or as a
 // column of its own.
-void putContributions(TextBuffer &out, ModelDocument &document, const Script &script,
-                      const Regression &regression) {
+void putContributions(TextBuffer &out, const SqlScript &script) {
     const SqlDialect &dialect = script.dialect;
     const bool isDebug = script.configuration.debugRecoding;
     const bool boolsAreNumbers = script.configuration.boolsAreNumbers;
-    const std::vector<double> coefficients = modelCoefficients(document, script.models, regression);
     const auto putOpening = [&] {
         put(out, isDebug ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
     };
@@ -199,35 +151,30 @@ void putContributions(TextBuffer &out, ModelDocument &document, const Script &sc
         put(out, u"\n");
     };
     forEachRecoding(
-        document, script.models,
+        script.recodings, script.models,
         [&](const UnivModel &model, const CategoricalRecoding &recoding) {
             putOpening();
             putCategoricalCase(out, dialect, model, recoding, recoding.isBoolean && boolsAreNumbers,
-                               coefficients[model.position]);
+                               script.coefficients[model.position]);
             putClosing(model);
         },
         [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
             putOpening();
             putNumericCase(out, dialect, model, recoding, missing.codes,
-                           coefficients[model.position]);
+                           script.coefficients[model.position]);
             putClosing(model);
-        },
-        boolsAreNumbers ? BooleanScores::Both : BooleanScores::OfValues);
+        });
 }
 
-void putScoreSelect(TextBuffer &out, ModelDocument &document, const Script &script) {
+void putScoreSelect(TextBuffer &out, const SqlScript &script) {
     const bool isDebug = script.configuration.debugRecoding;
-    const Regression regression = readRegression(
-        document, script.models, isDebug ? ConstantTerm::LeftOut : ConstantTerm::Read);
-    requireModels(document, regression);
-
     put(out, u" SELECT ", script.key);
-    if (!isDebug) put(out, u",(", sqlNumber(script.dialect, regression.constant), u"\n");
-    putContributions(out, document, script, regression);
+    if (!isDebug) put(out, u",(", sqlNumber(script.dialect, script.constant), u"\n");
+    putContributions(out, script);
     if (isDebug) {
         put(out, u", 0 as score");
     } else {
-        const bool isPrediction = script.plan == Plan::ScoreOnly;
+        const bool isPrediction = script.plan == SqlPlan::ScoreOnly;
         put(out, u"   ) AS ", isPrediction ? QStringView(script.prediction) : u"score");
     }
     put(out, u" FROM ", script.inputTable);
@@ -237,7 +184,7 @@ void putScoreSelect(TextBuffer &out, ModelDocument &document, const Script &scri
 
 // Selects from what is written next. `prefix` stands before each "score". Between the last two
 // points of the table there is no probability: existing scripts look like this.
-void putProbabilitySelect(TextBuffer &out, const Script &script, const QString &prefix) {
+void putProbabilitySelect(TextBuffer &out, const SqlScript &script, const QString &prefix) {
     const SqlDialect &dialect = script.dialect;
     const ProbabilityTable &table = script.probabilities;
     const std::size_t last = table.x.size() - 1;
@@ -256,7 +203,7 @@ void putProbabilitySelect(TextBuffer &out, const Script &script, const QString &
         u"\n  from ");
 }
 
-void putTemporaryMapping(TextBuffer &out, const Script &script) {
+void putTemporaryMapping(TextBuffer &out, const SqlScript &script) {
     const QString &table = script.temporaryTable;
     if (script.dialect.collectsStatistics) {
         put(out, u"COLLECT STATISTICS ON ", table, u" INDEX (", script.key, u");\n");
@@ -271,30 +218,63 @@ void putTemporaryMapping(TextBuffer &out, const Script &script) {
 
 } // namespace
 
-void putSqlScript(TextBuffer &out, ModelDocument &document, const SqlConfiguration &configuration,
-                  const SqlDialect &dialect) {
-    const Script script = readScript(document, configuration, dialect);
+SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configuration,
+                        const SqlDialect &dialect) {
+    const QString schema = schemaPrefix(configuration, dialect);
+    const QString &target = configuration.predictionTable;
+    const QString temporary = u"Qorv_TMP_"_s + target;
+    std::vector<UnivModel> models = readUnivModels(document, {});
+    ProbabilityTable probabilities;
+    if (dialect.hasProbability) probabilities = readProbabilityTable(document);
+    const SqlPlan plan = choosePlan(probabilities, configuration);
+    std::vector<QString> columns = debugColumns(models, configuration, dialect);
+    const Regression regression = readRegression(
+        document, models, configuration.debugRecoding ? ConstantTerm::LeftOut : ConstantTerm::Read);
+    requireModels(document, regression);
+    std::vector<double> coefficients = modelCoefficients(document, models, regression);
+    Recodings recodings = readRecodings(document, models,
+                                        configuration.boolsAreNumbers ? BooleanScores::Both
+                                                                      : BooleanScores::OfValues);
+    return {
+        .configuration = configuration,
+        .dialect = dialect,
+        .plan = plan,
+        .key = sqlIdentifier(dialect, keyName(document, configuration)),
+        .prediction = sqlIdentifier(dialect, configuration.prediction),
+        .predictionTable = schema + sqlTableName(dialect, target),
+        .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
+        .temporaryTable = schema + sqlTableName(dialect, temporary),
+        .debugColumns = std::move(columns),
+        .models = std::move(models),
+        .probabilities = std::move(probabilities),
+        .constant = regression.constant,
+        .coefficients = std::move(coefficients),
+        .recodings = std::move(recodings),
+    };
+}
+
+void putSqlScript(TextBuffer &out, const SqlScript &script) {
     putComment(out, script);
     putPredictionTable(out, script);
     switch (script.plan) {
-    case Plan::ScoreOnly:
+    case SqlPlan::ScoreOnly:
         putPredictionInsert(out, script);
-        putScoreSelect(out, document, script);
+        putScoreSelect(out, script);
         put(out, u";\n\n");
         break;
-    case Plan::Nested:
+    case SqlPlan::Nested:
         putPredictionInsert(out, script);
         // The case of the alias differs from that where it is made: existing scripts look like
         // this.
         putProbabilitySelect(out, script, u"qorv_tmp."_s);
         put(out, u"\n(");
-        putScoreSelect(out, document, script);
+        putScoreSelect(out, script);
         put(out, u") Qorv_TMP;\n\n");
         break;
-    case Plan::TemporaryTable:
+    case SqlPlan::TemporaryTable:
         putTemporaryTable(out, script);
         putTemporaryInsert(out, script);
-        putScoreSelect(out, document, script);
+        putScoreSelect(out, script);
         put(out, u";\n\n");
         putTemporaryMapping(out, script);
         break;

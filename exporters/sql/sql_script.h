@@ -6,7 +6,33 @@
 #include "model/model_document.h"
 #include "model/text_buffer.h"
 
-// Appends the script. What is wrong with the model is noted in the document; the script is then not
-// to be used.
-void putSqlScript(TextBuffer &out, ModelDocument &document, const SqlConfiguration &configuration,
-                  const SqlDialect &dialect);
+enum class SqlPlan {
+    ScoreOnly,      // the score is the prediction
+    Nested,         // the probability is selected from the score select
+    TemporaryTable, // the score goes into a table of its own first
+};
+
+// All that a script is written from. Names are quoted, and tables have their schema. Valid as long
+// as the configuration and the document.
+struct SqlScript {
+    const SqlConfiguration &configuration;
+    const SqlDialect &dialect;
+    SqlPlan plan;
+    QString key;
+    QString prediction;
+    QString predictionTable;
+    QString inputTable;
+    QString temporaryTable;
+    std::vector<QString> debugColumns; // one of each model, or none
+    std::vector<UnivModel> models;
+    ProbabilityTable probabilities;   // unless the plan is ScoreOnly
+    double constant;                  // 0 where it is not written
+    std::vector<double> coefficients; // of each model
+    Recodings recodings;
+};
+
+// What is wrong with the model is noted in the document; the script is then not to be written.
+SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configuration,
+                        const SqlDialect &dialect);
+
+void putSqlScript(TextBuffer &out, const SqlScript &script);

@@ -88,7 +88,7 @@ void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRe
 void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding,
                 const std::vector<double> &codes) {
     const QString &name = model.recodingName;
-    const std::vector<double> &y = recoding.y;
+    const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
     fill(out, vbaNumberOfCell,
@@ -111,9 +111,10 @@ void putHeading(TextBuffer &out, const UnivModel &model) {
           {u"label", model.node.attribute(u"displayName")}});
 }
 
-void putRecodings(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
+void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
+                  const Recodings &recodings) {
     forEachRecoding(
-        document, models,
+        recodings, models,
         [&](const UnivModel &model, const CategoricalRecoding &recoding) {
             putHeading(out, model);
             putCategorical(out, model, recoding);
@@ -142,8 +143,7 @@ void putTerms(TextBuffer &out, const std::vector<UnivModel> &models, const Regre
     put(out, u"\n\n");
 }
 
-void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivModel> &models) {
-    const Regression regression = readRegression(document, models);
+void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {
     put(out, u"\n\n'  for debug:\n'  Dim vdebug(", std::ssize(regression.terms), u") As Double\n");
     std::ptrdiff_t position = 0;
     for (const RegressionTerm &term : regression.terms) {
@@ -152,8 +152,7 @@ void putScore(TextBuffer &out, ModelDocument &document, const std::vector<UnivMo
     putTerms(out, models, regression);
 }
 
-void putProbability(TextBuffer &out, ModelDocument &document) {
-    const ProbabilityTable table = readProbabilityTable(document);
+void putProbability(TextBuffer &out, const ProbabilityTable &table) {
     if (!table.exists) {
         put(out, u"  QorvPrediction_1 = score\n");
         return;
@@ -170,12 +169,11 @@ void putProbability(TextBuffer &out, ModelDocument &document) {
     put(out, u"End Select\n  QorvPrediction_1 = proba\n");
 }
 
-void putRangeChecks(TextBuffer &out, ModelDocument &document,
-                    const std::vector<UnivModel> &models) {
-    std::vector<double> bounds;
+void putRangeChecks(TextBuffer &out, const std::vector<UnivModel> &models,
+                    const Recodings &recodings) {
     for (const UnivModel &model : models) {
         if (model.isCategorical) continue;
-        readNumbers(document, model.node, u"x", 1, bounds);
+        const std::span<const double> bounds = recodings.numeric(model).x;
         fill(out, vbaRangeCheck,
              {{u"recoding", model.recodingName},
               {u"position", positionOf(model)},
@@ -190,22 +188,27 @@ int exportToVba(const QString &modelFile, const QString &moduleFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
+    const Recodings recodings = readRecodings(document, models);
+    const Regression regression = readRegression(document, models);
+    const ProbabilityTable table = readProbabilityTable(document);
+    if (!document.problem.isEmpty()) return reportProblem(document);
 
-    TextBuffer out(expectedOutput(document));
+    OutputFile file;
+    const int status = openOutputFile(moduleFile, OutputEncoding::Utf16, file);
+    if (status != exitSuccess) return status;
+    TextBuffer out(std::move(file));
     put(out, vbaDeclarations);
     putBanner(out, document, models);
     put(out, vbaFunctionHead);
     putInitialisation(out, models, u"Function");
     put(out, vbaRowDeclarations);
-    putRecodings(out, document, models);
-    putScore(out, document, models);
-    putProbability(out, document);
+    putRecodings(out, models, recodings);
+    putScore(out, models, regression);
+    putProbability(out, table);
     put(out, vbaRangeHead);
     putInitialisation(out, models, u"Sub");
     put(out, vbaRangeRows);
-    putRangeChecks(out, document, models);
+    putRangeChecks(out, models, recodings);
     put(out, vbaRangeEnd);
-
-    if (!document.problem.isEmpty()) return reportProblem(document);
-    return writeScript(moduleFile, out.text());
+    return finishScript(out);
 }

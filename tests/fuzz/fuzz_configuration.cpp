@@ -13,7 +13,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     ModelDocument document = loadModel(modelOfCorpus("kinds"));
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
     TextBuffer script;
-    putSqlScript(script, document, configuration, dialect);
+    putSqlScript(script, readSqlScript(document, configuration, dialect));
     TextBuffer etl;
     putEtlDocument(etl,
                    {configuration.odbcLink, configuration.odbcLogin, configuration.odbcPassword},
