@@ -25,7 +25,7 @@ enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
 // A file that is open for writing. Without a stream there is none.
 struct OutputFile {
     struct Close {
-        void operator()(std::FILE *stream) const { std::fclose(stream); }
+        void operator()(std::FILE *opened) const { std::fclose(opened); }
     };
     std::unique_ptr<std::FILE, Close> stream;
     OutputEncoding encoding = OutputEncoding::Utf16;
