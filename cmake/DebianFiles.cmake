@@ -1,0 +1,17 @@
+# The files that a Debian package holds in a form of its own. CPack runs this on what it installed.
+if(NOT CPACK_GENERATOR STREQUAL "DEB")
+  return()
+endif()
+
+set(share ${CPACK_TEMPORARY_DIRECTORY}/usr/share)
+set(changelog ${share}/doc/${CPACK_PACKAGE_NAME}/changelog.Debian)
+string(TIMESTAMP day "%a, %d %b %Y %H:%M:%S +0000" UTC)
+file(WRITE ${changelog}
+  "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) stable; urgency=medium\n\n"
+  "  * CHANGELOG.md tells what is new.\n\n"
+  " -- ${CPACK_PACKAGE_CONTACT}  ${day}\n")
+
+file(GLOB pages ${share}/man/man1/*.1)
+foreach(file ${changelog} ${pages})
+  execute_process(COMMAND gzip -9n ${file} COMMAND_ERROR_IS_FATAL ANY)
+endforeach()

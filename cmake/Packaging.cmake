@@ -1,0 +1,54 @@
+# What is installed where, and the packages that CPack makes of it.
+include(GNUInstallDirs)
+
+# The documents keep the shape of the repository, so that the links between them hold. In the
+# Windows package the program stands among them.
+if(WIN32)
+  set(program_folder .)
+  set(document_folder .)
+else()
+  set(program_folder ${CMAKE_INSTALL_BINDIR})
+  set(document_folder ${CMAKE_INSTALL_DOCDIR})
+  install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN "*.1")
+endif()
+
+file(READ examples/credit/LICENSE data_licence)
+configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/copyright @ONLY)
+
+# Where Qt does not stand where the system looks for libraries, the program finds it all the same.
+set_target_properties(scorewright PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
+
+install(TARGETS scorewright DESTINATION ${program_folder})
+install(FILES README.md CHANGELOG.md ${PROJECT_BINARY_DIR}/copyright DESTINATION ${document_folder})
+install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
+install(DIRECTORY examples DESTINATION ${document_folder} PATTERN "__pycache__" EXCLUDE)
+
+string(TOLOWER ${CMAKE_SYSTEM_NAME} system)
+string(TOLOWER ${CMAKE_SYSTEM_PROCESSOR} processor)
+set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-${system}-${processor})
+set(CPACK_PACKAGE_VENDOR "Scorewright")
+set(CPACK_PACKAGE_CONTACT "Scorewright maintainers <maintainers@scorewright.invalid>" CACHE STRING
+  "Name and address of who makes the packages")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
+  "exporter of scoring models to SAS, SQL, Excel VBA, Python and HTML")
+set(CPACK_PACKAGE_DESCRIPTION
+"Scorewright reads a scoring model (recodings of columns, a regression over them
+and a table from score to probability) and writes code that computes the same
+score and probability: a SAS data step, SQL for six dialects, an Excel VBA
+module, a Python class for pandas, or an interactive HTML page.")
+set(CPACK_RESOURCE_FILE_README ${PROJECT_SOURCE_DIR}/README.md)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+if(WIN32)
+  set(CPACK_GENERATOR ZIP)
+else()
+  set(CPACK_GENERATOR DEB TGZ)
+endif()
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianFiles.cmake)
+include(CPack)
