@@ -10,6 +10,9 @@ file(WRITE ${changelog}
   "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) stable; urgency=medium\n\n"
   "  * CHANGELOG.md tells what is new.\n\n"
   " -- ${CPACK_PACKAGE_CONTACT}  ${day}\n")
+file(MAKE_DIRECTORY ${share}/lintian/overrides)
+file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides
+  ${share}/lintian/overrides/${CPACK_PACKAGE_NAME})
 
 file(GLOB pages ${share}/man/man1/*.1)
 foreach(file ${changelog} ${pages})

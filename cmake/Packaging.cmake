@@ -6,6 +6,11 @@ include(GNUInstallDirs)
 if(WIN32)
   set(program_folder .)
   set(document_folder .)
+  set(other_parts "
+scorewright.exe also holds Qt 6 Core (Copyright The Qt Company Ltd. and others;
+LGPL version 3 or GPL version 2), PCRE2 and zlib, all from the source of Debian's
+package qt6-base, and the run-time libraries of GCC and mingw-w64.
+")
 else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
   set(document_folder ${CMAKE_INSTALL_DOCDIR})
