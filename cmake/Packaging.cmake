@@ -6,6 +6,7 @@ include(GNUInstallDirs)
 if(WIN32)
   set(program_folder .)
   set(document_folder .)
+  set(copyright copyright.txt)
   set(other_parts "
 scorewright.exe also holds Qt 6 Core (Copyright The Qt Company Ltd. and others;
 LGPL version 3 or GPL version 2), PCRE2 and zlib, all from the source of Debian's
@@ -14,23 +15,25 @@ package qt6-base, and the run-time libraries of GCC and mingw-w64.
 else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
   set(document_folder ${CMAKE_INSTALL_DOCDIR})
+  set(copyright copyright)
   install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN "*.1")
 endif()
 
 file(READ examples/credit/LICENSE data_licence)
-configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/copyright @ONLY)
+configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/${copyright} @ONLY)
 
 # Where Qt does not stand where the system looks for libraries, the program finds it all the same.
 set_target_properties(scorewright PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
 
-install(TARGETS scorewright DESTINATION ${program_folder})
-install(FILES README.md CHANGELOG.md ${PROJECT_BINARY_DIR}/copyright DESTINATION ${document_folder})
+install(TARGETS scorewright RUNTIME DESTINATION ${program_folder})
+install(FILES README.md CHANGELOG.md ${PROJECT_BINARY_DIR}/${copyright}
+  DESTINATION ${document_folder})
 install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_folder} PATTERN "__pycache__" EXCLUDE)
 
-string(TOLOWER ${CMAKE_SYSTEM_NAME} system)
-string(TOLOWER ${CMAKE_SYSTEM_PROCESSOR} processor)
-set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-${system}-${processor})
+string(TOLOWER
+  ${PROJECT_NAME}-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}
+  CPACK_PACKAGE_FILE_NAME)
 set(CPACK_PACKAGE_VENDOR "Scorewright")
 set(CPACK_PACKAGE_CONTACT "Scorewright maintainers <maintainers@scorewright.invalid>" CACHE STRING
   "Name and address of who makes the packages")
