@@ -10,9 +10,9 @@ file(WRITE ${changelog}
   "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) stable; urgency=medium\n\n"
   "  * CHANGELOG.md tells what is new.\n\n"
   " -- ${CPACK_PACKAGE_CONTACT}  ${day}\n")
-file(MAKE_DIRECTORY ${share}/lintian/overrides)
-file(COPY_FILE ${CMAKE_CURRENT_LIST_DIR}/lintian-overrides
-  ${share}/lintian/overrides/${CPACK_PACKAGE_NAME})
+set(overrides ${share}/lintian/overrides/${CPACK_PACKAGE_NAME})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/lintian-overrides ${overrides} COPYONLY)
+file(CHMOD ${overrides} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
 
 file(GLOB pages ${share}/man/man1/*.1)
 foreach(file ${changelog} ${pages})
