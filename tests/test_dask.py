@@ -28,7 +28,7 @@ class DaskTest(ProgramTest):
         self.assertEqual(len(frame), 4454)
         whole = self.model.apply(frame)
         # Neither numbers from 0 nor numbers at all.
-        frame.index = whole.index = pandas.Index([f"A{number:05}" for number in range(70, 70 + len(frame))], name="file")
+        frame.index = whole.index = pandas.Index([f"A{row + 70:05}" for row in range(len(frame))], name="file")
         for count in [1, 3, 40]:
             with self.subTest(count):
                 parts = dask.dataframe.from_pandas(frame, npartitions=count)
