@@ -1,0 +1,220 @@
+"""The README and the manual, held against the program. A fenced block is checked by its language and the comment
+before it:
+
+```console                  what follows "$ " is run, and prints the lines below it
+<!-- from: credit.sas -->   the block's lines stand together in that file
+<!-- file: score.py -->     the block is written to that file
+<!-- not run: reason -->    nothing checks it
+```sh                       is not run, but what it names must be there
+
+Each page has a folder of its own with examples/ in it. Blocks are taken in order, excerpts after all others. "…" stands for any
+text of a line and, on a line of its own, for any lines."""
+
+import glob
+import os
+import re
+import shutil
+import subprocess
+import unittest
+from pathlib import Path
+
+from sql_program import SqlProgramTest, configuration
+from support import BANNER, EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
+
+ROOT = TESTS.parent
+MANUAL = ROOT / "docs"
+PAGES = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
+BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S)
+TOOLS = {"apt", "cmake", "cp"}  # what a block of sh may call besides scripts of the repository
+
+
+def pattern(text):
+    """The regular expression of a text whose ellipses stand for anything."""
+    return "".join("(?:.*\n)*?" if line == "…" else re.escape(line).replace("…", ".*") + "\n"
+                   for line in text.splitlines())
+
+
+def decoded(path):
+    data = path.read_bytes()
+    return data.decode("utf-16" if data.startswith(b"\xff\xfe") else "utf-8-sig")
+
+
+def rows(page, title):
+    """The cells of the table whose first column has that title."""
+    table = re.search(rf"^\| {title} \|.*\n\|[- |]+\n((?:\|.*\n)+)", (MANUAL / page).read_text(), re.M)[1]
+    return [[cell.strip() for cell in line[1:-1].split("|")] for line in table.splitlines()]
+
+
+def code(cell):
+    """What stands in a cell as code."""
+    return re.findall(r"`([^`]*)`", cell)
+
+
+class PagesTest(ProgramTest):
+    def setUp(self):
+        super().setUp()
+        programs = self.folder / "bin"
+        programs.mkdir()
+        (programs / "scorewright").symlink_to(Path(PROGRAM).resolve())
+        self.environment = {**os.environ, "PATH": f"{programs}:/usr/bin:/bin", "LC_ALL": "C.UTF-8"}
+
+    def check_console(self, folder, text):
+        for command, printed in re.findall(r"^\$ (.*\n)((?:(?!\$ ).*\n)*)", text, re.M):
+            run = subprocess.run(["bash", "-c", command], cwd=folder, env=self.environment, encoding="utf-8",
+                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60)
+            if not re.fullmatch(pattern(printed), run.stdout):
+                self.assertEqual(run.stdout, printed, command)
+            self.assertEqual(run.returncode, 0, command)
+
+    def check_named(self, text):
+        for line in text.splitlines():
+            tool = line.removeprefix("sudo ").split()[0]
+            self.assertTrue(tool in TOOLS or os.access(ROOT / tool, os.X_OK), line)
+            for preset in re.findall(r"--preset (\S+)", line):
+                self.assertIn(f'"name": "{preset}"', (ROOT / "CMakePresets.json").read_text())
+
+    def check_block(self, folder, mark, language, text):
+        kind, _, name = (mark or "").partition(": ")
+        if kind == "from":
+            self.assertIn(language, ["sas", "sql", "vba", "python", "html", "xml", "js"])
+            self.assertTrue(re.search(f"(?m)^{pattern(text)}", decoded(folder / name)), f"not in {name}:\n{text}")
+        elif kind == "file":
+            (folder / name).write_text(text, "utf-8")
+        elif kind == "not run":
+            self.assertTrue(name)
+        else:
+            self.assertIn((mark, language), [(None, "console"), (None, "sh")])
+            {"console": self.check_console, "sh": lambda _, lines: self.check_named(lines)}[language](folder, text)
+
+    def test_blocks(self):
+        for page in PAGES:
+            text = page.read_text()
+            folder = self.folder / page.stem
+            folder.mkdir()
+            shutil.copytree(EXAMPLES, folder / "examples")
+            blocks = list(BLOCK.finditer(text))
+            self.assertEqual(2 * len(blocks), len(re.findall("^ *```", text, re.M)), page)
+            for block in sorted(blocks, key=lambda block: (block["mark"] or "").startswith("from: ")):
+                with self.subTest(page=page.name, line=text.count("\n", 0, block.start()) + 1):
+                    self.check_block(folder, *block.groups())
+
+    def test_links_and_names(self):
+        for page in PAGES:
+            text = BLOCK.sub("", page.read_text())
+            for target in re.findall(r"\]\(([^)#]*)[^)]*\)|src=\"([^\"]*)\"", text):
+                name = "".join(target)
+                self.assertTrue(name.startswith("https://") or (page.parent / name).exists(), f"{page.name}: {name}")
+            for name in re.findall(r"`((?:scripts|examples|tests|benchmarks|docs)/[^` ]*)", text):
+                self.assertTrue(glob.glob(str(ROOT / name)), f"{page.name}: {name}")
+
+    def test_anchors(self):
+        for page in PAGES:
+            for name, anchor in re.findall(r"\]\(([^)#:]*)#([^)]*)\)", page.read_text()):
+                target = (page.parent / name if name else page).read_text()
+                headings = [re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
+                            for heading in re.findall(r"^#+ (.*)", target, re.M)]
+                self.assertIn(anchor, headings, page.name)
+
+    def test_man_page(self):
+        """scorewright.1 is made of scorewright.1.md; SCOREWRIGHT_GOLDEN=write makes it anew."""
+        made = subprocess.run(["lowdown", "-s", "-Tman", "--nroff-nolinks", "-M", "title=SCOREWRIGHT", "-M", "section=1",
+                               MANUAL / "scorewright.1.md"], capture_output=True, check=True, encoding="utf-8").stdout
+        # The first line asks for tbl; messages are neither hyphenated nor stretched.
+        made = made.replace('.\\" -*-', "'\\\" t -*-", 1).replace('" ""\n', '" ""\n.nh\n.ad l\n', 1)
+        page = MANUAL / "scorewright.1"
+        if os.environ.get("SCOREWRIGHT_GOLDEN") == "write":
+            page.write_text(made, "utf-8")
+        self.assertEqual(page.read_text("utf-8"), made)
+
+
+class TablesTest(SqlProgramTest):
+    def test_messages(self):
+        """The table holds what these calls print, and nothing else."""
+        models = [numeric(1, "a", [0], [1, 2, 3]), numeric(2, "b", [0], [1, 2, 3])]
+        one, two = document(models[:1], [(1, 1)], 0), document(models, [(1, 1), (2, 1)], 0)
+        shared = [categorical(k, "c", [], [0]) for k in range(5000)]
+        needed = "[QRV_SCRIPT][QRV_ANSWER 0]"
+        files = {
+            "one": one, "two": two, "empty": "", "entity": "<a>&b;</a>", "other": "<a/>", "list": "<Models><x/></Models>",
+            "short": document([numeric(1, "a", [0], [1, 2])], [(1, 1)], 0), "rank": one.replace("NormContinuous", "rank"),
+            "betas": one.replace("betas", "x"), "indexes": one.replace("indexes", "x"),
+            "unknown": document(models[:1], [(1, 1), (7, 1)], 0), "unused": document(models, [(1, 1)], 0),
+            "shared": document(shared, [(k, 1) for k in range(5000)], 0), "s.x": "<Model2SQL>",
+            **{f"s.{name}": configuration(**{name: None})
+               for name in ["inputFile", "outputFile", "inputTable", "predictionTable"]},
+            **{f"s.{name}": configuration(inputFile=name) for name in ["one", "unused"]},
+            "c.tags": "no tags at all", "c.none": needed,
+            "c.answer": needed + "[QRV_ALL_QUESTIONS][QRV_ANSWER]", "c.x": needed + "[QRV_ALL_QUESTIONS][QRV_QUESTION a/b]",
+            **{f"c.{numbers}": needed + "".join(f"[QRV_QUESTION {n}]" for n in numbers) for numbers in ["1", "112", "9"]},
+        }
+        for name, text in files.items():
+            self.write(name, text)
+        (self.folder / "empty").write_bytes(b"")
+        calls = """-a;-a one out;-p one out;-a missing out;-a empty out;-a entity out;-a other out;-a short out;-a rank out;
+            -a betas out;-a indexes out;-a unknown out;-a one no/folder;-a one /dev/full;-s s.inputFile;-s s.outputFile;
+            -s s.inputTable;-s s.predictionTable;-s s.one;-s s.unused;-s s.x;-h list;-h unused;-h shared;-h one c.tags out;
+            -h one c.none out;-h one c.answer out;-h two c.1 out;-h two c.112 out;-h two c.9 out;-h two c.x out"""
+        unseen = {}
+        for status, message, _ in rows("scorewright.1.md", "Status"):
+            text = re.escape("".join(code(message))).replace(r"\\n", "\n").replace("…", "(?s:.*)")
+            unseen[message] = status, re.compile(re.sub(r"<\w+>", ".+?", text))
+        told = {message: text.pattern for message, (_, text) in unseen.items()}
+        for call in [*calls.split(";"), b"-a \xff out"]:
+            status, printed = self.run_program(*call.split())
+            fits = [message for message in told if re.fullmatch(told[message], printed)]
+            self.assertTrue(fits, (call, printed))
+            unseen = {m: row for m, row in unseen.items() if m not in fits or row[0] != str(status)}
+        self.assertEqual(list(unseen), ["`The model does not fit in memory.\\n`"])
+        self.assertIn(code(*unseen)[0], (ROOT / "app" / "main_posix.cpp").read_text())
+
+    def test_xml_errors(self):
+        for text, _, example in rows("model-document.md", "Text"):
+            self.write("m", code(example)[0])
+            self.write("c.xml", code(example)[0].replace("QRV_Model", "Model2SQL"))
+            self.assertEqual(self.run_program("-s", "c.xml")[1].splitlines()[1], code(text)[0])
+            if text.startswith("`Error"):
+                self.assertIn(f": {code(text)[0]} at line 1, column ", self.run_program("-a", "m", "out")[1])
+
+    def test_settings(self):
+        """Each default is what the program takes when the setting is not there, and another value makes a difference."""
+        others = {"dbType": "oracle", "createTmpTable": "0", "useTmpTable": "0", "boolsAreNumbers": "0"}
+        table = rows("sql-configuration.md", "Attribute")
+        source = (ROOT / "exporters" / "sql" / "sql_configuration.cpp").read_text()
+        self.assertCountEqual([code(row[0])[0] for row in table], re.findall(r'(?:text|flag)\(u"(\w+)"', source))
+        (self.folder / "credit").symlink_to(EXAMPLES / "credit" / "credit.ModelXml")
+
+        def script(**settings):
+            given = {"inputFile": "credit", "dbType": "mysql", "kestruneScript": "1", **settings}
+            status, _ = self.run_configuration(configuration(**given))
+            return self.read("out") if status == 0 else status
+
+        for name, default, _ in table:
+            name = code(name)[0]
+            with self.subTest(name):
+                if default == "needed":
+                    self.assertIn(script(**{name: None}), [1, 2, 3, 5])
+                    continue
+                value = "" if default == "none" else code(default)[0]
+                self.assertEqual(script(**{name: None}), script(**{name: value}))
+                self.assertNotEqual(script(**{name: None}), script(**{name: others.get(name, "1")}))
+
+    def test_tags(self):
+        table = [code(row[0])[0] for row in rows("canvas.md", "Tag")]
+        source = (ROOT / "exporters" / "html" / "canvas_tags.cpp").read_text()
+        self.assertEqual(sorted(re.match(r"\S*\w", tag)[0] for tag in table), sorted(re.findall(r'"(\[QRV_\w+)"', source)))
+        self.write("one", document([numeric(1, "a", [0], [1, 2, 3])], [(1, 1)], 0))
+        self.write("canvas", "".join(tag for tag in table if "ALL" not in tag))
+        self.assertEqual(self.run_program("-h", "one", "canvas", "page"), (0, ""))
+        self.assertNotIn("[QRV", (self.folder / "page").read_text())
+
+    def test_elements(self):
+        """The manual names whatever the program reads of a model document or a list of them."""
+        pages = "".join((MANUAL / page).read_text() for page in ["model-document.md", "html.md"])
+        words = set(re.findall(r"\w+", " ".join(code(BLOCK.sub("", pages)))))
+        for path in [*ROOT.glob("model/*.cpp"), *ROOT.glob("exporters/*/*.cpp")]:
+            if path.name != "sql_configuration.cpp":
+                self.assertLessEqual(set(re.findall(r'(?:childNode|attribute)\(u"(\w+)"', path.read_text())), words)
+
+
+if __name__ == "__main__":
+    unittest.main()
