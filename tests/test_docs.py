@@ -5,27 +5,28 @@ before it:
 <!-- from: credit.sas -->   the block's lines stand together in that file
 <!-- file: score.py -->     the block is written to that file
 <!-- not run: reason -->    nothing checks it
-```sh                       is not run, but what it names must be there
+```sh                       is not run: scripts of the repository, which must be there, and a few tools
 
-Each page has a folder of its own with examples/ in it. Blocks are taken in order, excerpts after all others. "…" stands for any
-text of a line and, on a line of its own, for any lines."""
+Each page has a folder of its own with examples/ in it. Blocks are taken in order, excerpts after all others. "…" stands
+for any text of a line and, on a line of its own, for any lines."""
 
 import glob
 import os
 import re
+import shlex
 import shutil
 import subprocess
 import unittest
 from pathlib import Path
 
 from sql_program import SqlProgramTest, configuration
-from support import BANNER, EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
+from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
 
 ROOT = TESTS.parent
 MANUAL = ROOT / "docs"
 PAGES = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
 BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S)
-TOOLS = {"apt", "cmake", "cp"}  # what a block of sh may call besides scripts of the repository
+TOOLS = {"apt", "cmake", "cp"}
 
 
 def pattern(text):
@@ -59,6 +60,7 @@ class PagesTest(ProgramTest):
         self.environment = {**os.environ, "PATH": f"{programs}:/usr/bin:/bin", "LC_ALL": "C.UTF-8"}
 
     def check_console(self, folder, text):
+        self.assertTrue(text.startswith("$ "))
         for command, printed in re.findall(r"^\$ (.*\n)((?:(?!\$ ).*\n)*)", text, re.M):
             run = subprocess.run(["bash", "-c", command], cwd=folder, env=self.environment, encoding="utf-8",
                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60)
@@ -66,12 +68,10 @@ class PagesTest(ProgramTest):
                 self.assertEqual(run.stdout, printed, command)
             self.assertEqual(run.returncode, 0, command)
 
-    def check_named(self, text):
+    def check_tools(self, _, text):
         for line in text.splitlines():
             tool = line.removeprefix("sudo ").split()[0]
             self.assertTrue(tool in TOOLS or os.access(ROOT / tool, os.X_OK), line)
-            for preset in re.findall(r"--preset (\S+)", line):
-                self.assertIn(f'"name": "{preset}"', (ROOT / "CMakePresets.json").read_text())
 
     def check_block(self, folder, mark, language, text):
         kind, _, name = (mark or "").partition(": ")
@@ -84,7 +84,7 @@ class PagesTest(ProgramTest):
             self.assertTrue(name)
         else:
             self.assertIn((mark, language), [(None, "console"), (None, "sh")])
-            {"console": self.check_console, "sh": lambda _, lines: self.check_named(lines)}[language](folder, text)
+            {"console": self.check_console, "sh": self.check_tools}[language](folder, text)
 
     def test_blocks(self):
         for page in PAGES:
@@ -203,6 +203,16 @@ class TablesTest(SqlProgramTest):
         self.write("canvas", "".join(tag for tag in table if "ALL" not in tag))
         self.assertEqual(self.run_program("-h", "one", "canvas", "page"), (0, ""))
         self.assertNotIn("[QRV", (self.folder / "page").read_text())
+
+    def test_calls_for_a_page(self):
+        model = document([numeric(1, "a", [0], [1, 2, 3])], [(1, 1)], 0)
+        for call, layout, page in rows("html.md", "Call"):
+            self.write("m.ModelXml", model)
+            self.write("canvas.html", "[QRV_SCRIPT][QRV_ALL_QUESTIONS][QRV_ANSWER 0]")
+            self.assertEqual(self.run_program(*shlex.split(code(call)[0])[1:]), (0, ""))
+            page = self.folder / code(page)[0]
+            self.assertEqual("Generated Model" in page.read_text(), layout == "built in")
+            page.unlink()
 
     def test_elements(self):
         """The manual names whatever the program reads of a model document or a list of them."""
