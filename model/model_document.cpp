@@ -142,7 +142,7 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
 }
 
 const MissingCodes &DataDictionary::codesOf(QStringView field) const {
-    const auto found = fields.find(field.isNull() ? QStringView(u"") : field);
+    const auto found = fields.find(Name(field.isNull() ? QStringView(u"") : field));
     return lists[found == fields.end() ? 0 : found->second];
 }
 
@@ -166,7 +166,7 @@ DataDictionary readDataDictionary(ModelDocument &document) {
         for (int before = -1; before != next;) { // a field may have several attributes "name"
             before = next;
             const QStringView name = field.attribute(u"name", &next);
-            if (!name.isNull()) dictionary.fields.try_emplace(name, list);
+            if (!name.isNull()) dictionary.fields.try_emplace(DataDictionary::Name(name), list);
         }
     }
     return dictionary;

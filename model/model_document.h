@@ -117,14 +117,20 @@ struct MissingCodes {
 // The missing codes by the names of data fields, each list decoded once. Of several fields with one
 // name the first counts.
 struct DataDictionary {
-    struct Hash {
-        std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
+    // The hash is kept: of two names, few texts must be looked at then, which are far apart.
+    struct Name {
+        explicit Name(QStringView name) : text(name), hash(hashIgnoringCase(name)) {}
+        bool operator==(const Name &other) const {
+            return hash == other.hash && equalsIgnoringCase(text, other.text);
+        }
+        QStringView text;
+        std::size_t hash;
     };
-    struct Equal {
-        bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
+    struct Hash {
+        std::size_t operator()(const Name &name) const { return name.hash; }
     };
     std::vector<MissingCodes> lists; // the first is that of a field without a list
-    std::unordered_map<QStringView, std::size_t, Hash, Equal> fields;
+    std::unordered_map<Name, std::size_t, Hash> fields;
 
     const MissingCodes &codesOf(QStringView field) const;
 };
