@@ -6,8 +6,15 @@
 
 #include <bit>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <limits>
 #include <random>
+#include <string>
+
+#include <unistd.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -58,6 +65,37 @@ TEST(TextBuffer, TakesPiecesOfAllKinds) {
     for (int i = 0; i < 100000; ++i) put(out, u"0123456789");
     EXPECT_EQ(out.text().size(), 24 + 1000000);
     EXPECT_EQ(out.text().last(11), u"90123456789");
+}
+
+QByteArray written(OutputEncoding encoding, QStringView text, qsizetype pieceSize) {
+    const std::filesystem::path path =
+        std::filesystem::temp_directory_path() / ("model_test_" + std::to_string(getpid()));
+    OutputFile file;
+    file.stream.reset(std::fopen(path.string().c_str(), "wb"));
+    file.encoding = encoding;
+    TextBuffer out(std::move(file));
+    for (qsizetype at = 0; at < text.size(); at += pieceSize) {
+        put(out, text.sliced(at, std::min(pieceSize, text.size() - at)));
+    }
+    out.close();
+    std::ifstream stream(path, std::ios::binary);
+    const std::string bytes(std::istreambuf_iterator<char>(stream), {});
+    stream.close();
+    std::filesystem::remove(path);
+    return QByteArray::fromStdString(bytes);
+}
+
+// Pairs stand across the ends of blocks, and half a pair at the end of the text.
+TEST(TextBuffer, WritesBlocksAsIfTheyWereOneText) {
+    for (const qsizetype pieceSize : {1, 7, 20000, 200000}) {
+        for (const qsizetype shift : {0, 1}) {
+            const QString text =
+                QString(shift, u'x') + QString(u"\U0001D11E"_s).repeated(50000) + QChar(0xD834);
+            EXPECT_EQ(written(OutputEncoding::Utf8, text, pieceSize), text.toUtf8());
+            EXPECT_EQ(written(OutputEncoding::Utf16, text, pieceSize),
+                      QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * text.size()));
+        }
+    }
 }
 
 TEST(ProbabilitySegments, RoundSlopeAndInterceptSeparately) {
