@@ -5,10 +5,12 @@
 #include "exporters/sas/sas_exporter.h"
 #include "exporters/sql/sql_exporter.h"
 #include "exporters/vba/vba_exporter.h"
+#include "model/output_file.h"
 #include "xml/platform.h"
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -45,10 +47,7 @@ constexpr Option options[] = {
     {u"-p", 2, 3, [](const Operands &o) { return exportToPython(o[0], o[1], o[2]); }},
 };
 
-} // namespace
-
-int runCommandLine(const std::vector<QString> &arguments) {
-    printText(banner);
+int convert(const std::vector<QString> &arguments) {
     const std::size_t given = arguments.size() < 2 ? 0 : arguments.size() - 2;
     for (const Option &option : options) {
         if (arguments.size() < 2 || arguments[1] != option.name || given < option.needed) continue;
@@ -65,4 +64,16 @@ int runCommandLine(const std::vector<QString> &arguments) {
     }
     printText(usage);
     return exitUsage;
+}
+
+} // namespace
+
+int runCommandLine(const std::vector<QString> &arguments) {
+    printText(banner);
+    try {
+        return convert(arguments);
+    } catch (const std::bad_alloc &) {
+        printText(u"The model does not fit in memory.\n");
+        return exitUnusableModel;
+    }
 }

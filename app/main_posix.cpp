@@ -1,10 +1,6 @@
 #include "app/driver.h"
-#include "model/output_file.h"
 
 #include <QStringDecoder>
-
-#include <cstdio>
-#include <new>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -22,13 +18,7 @@ QString decodeArgument(const char *argument) {
 } // namespace
 
 int main(int argc, char **argv) {
-    try {
-        std::vector<QString> arguments;
-        arguments.reserve(static_cast<std::size_t>(argc));
-        for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
-        return runCommandLine(arguments);
-    } catch (const std::bad_alloc &) {
-        std::fputs("The model does not fit in memory.\n", stdout);
-        return exitUnusableModel;
-    }
+    std::vector<QString> arguments;
+    for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
+    return runCommandLine(arguments);
 }

@@ -11,11 +11,13 @@ int openOutputFile(const QString &fileName, OutputEncoding encoding, OutputFile 
         printText(u"Cannot open file '%1' for writing.\n"_s.arg(fileName));
         return exitCannotOpenOutput;
     }
-    // A buffer would hide that a full device does not take the mark.
-    std::setvbuf(file.stream.get(), nullptr, _IONBF, 0);
     const QByteArrayView mark = encoding == OutputEncoding::Utf16 ? "\xFF\xFE" : "\xEF\xBB\xBF";
     const auto size = static_cast<std::size_t>(mark.size());
-    if (std::fwrite(mark.data(), 1, size, file.stream.get()) == size) return exitSuccess;
+    std::FILE *const stream = file.stream.get();
+    // Flushed, because a buffer would hide that a full device does not take the mark.
+    if (std::fwrite(mark.data(), 1, size, stream) == size && std::fflush(stream) == 0) {
+        return exitSuccess;
+    }
     printText(u"Cannot write to file '%1'.\n"_s.arg(fileName));
     return exitCannotWriteOutput;
 }

@@ -62,7 +62,8 @@ void TextBuffer::writeBlock() {
 }
 
 // A block before a file stays in the processor's cache while it is filled and written. In memory,
-// large blocks are moved by remapping their pages, so growing costs no copy and touches nothing.
+// where the system moves large blocks by remapping their pages, growing costs no copy and touches
+// nothing.
 void TextBuffer::enlarge(qsizetype count) {
     constexpr qsizetype smallest = 1 << 15;
     if (file.stream) {

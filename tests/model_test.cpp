@@ -19,6 +19,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 std::string printed(const char *format, int digits, double value) {
+    if (std::isnan(value)) return std::signbit(value) ? "-nan" : "nan"; // libraries differ
     char text[64];
     std::snprintf(text, sizeof text, format, digits, value);
     return text;

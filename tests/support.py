@@ -12,10 +12,16 @@ from xml.sax.saxutils import quoteattr
 TESTS = Path(__file__).resolve().parent
 EXAMPLES = TESTS.parent / "examples"
 PROGRAM = os.environ.get("SCOREWRIGHT", str(TESTS.parent / "build-release" / "scorewright"))
+# A program for Windows has a script of its name beside it that runs it here.
+FOR_WINDOWS = Path(PROGRAM + ".exe").exists()
 BANNER = "Qorv Model Exportation v1.07\n=============================\n"
 
 sys.path.insert(0, str(EXAMPLES))
 from model_document import doubles, integers  # noqa: E402
+
+
+def not_on_windows(reason):
+    return unittest.skipIf(FOR_WINDOWS, reason)
 
 
 class ProgramTest(unittest.TestCase):

@@ -7,7 +7,7 @@ import unittest
 from base64 import b64encode
 from pathlib import Path
 
-from support import DOCUMENTS, PROGRAM, ProgramTest, categorical, document, doubles, integers, numeric
+from support import DOCUMENTS, PROGRAM, ProgramTest, categorical, document, doubles, integers, not_on_windows, numeric
 
 EXPORTS = {"-a": ["m", "out"], "-e": ["m", "out"], "-p": ["m", "out", "Name"], "-h": ["m", "", "out"], "-s": ["config"]}
 CONFIGURATION = ('<Model2SQL inputFile="m" outputFile="out" inputTable="i" predictionTable="p" dbType="mysql"'
@@ -68,6 +68,7 @@ class FaultsTest(ProgramTest):
             for original in [doubles([1, 2, 3]), doubles([1, 2, 3, 4, 5]), integers([1]), doubles([1, 0])]:
                 self.export(text.replace(original, array), ["-a", "-h"], statuses=(0, 1, 3, 8))
 
+    @not_on_windows("wine itself needs more memory than any limit here allows")
     def test_memory_that_runs_out(self):
         if b"__asan_init" in Path(PROGRAM).read_bytes():
             self.skipTest("the address sanitizer reserves more memory than any limit here allows")

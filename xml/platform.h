@@ -4,23 +4,31 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <cstdint>
 #include <cstdio>
 
 // Opens a file for reading, or creates or empties it for writing; null when it cannot be opened.
-// Folders and pipes cannot be opened for reading.
+// Folders and pipes cannot be opened for reading. Nothing is translated, line ends neither.
 enum class FileUse { Read, Write };
 std::FILE *openFile(const QString &fileName, FileUse use);
 
-// Whether the bytes of a file without another known mark are UTF-16LE text.
+// The size in bytes of a file that was opened for reading; 0 for a device.
+std::int64_t fileSize(std::FILE *file);
+
+// Whether the bytes of a file are UTF-16LE text, with its mark or without. What has neither a mark
+// nor mostly Western characters, or holds zero characters or half a unit, is a guess that each
+// system makes in its own way.
 bool isUtf16Text(QByteArrayView bytes);
 
-// Text in the system's 8-bit code page, a unit for a byte: `text` has room for bytes.size() units.
-void decodeAnsi(QByteArrayView bytes, char16_t *text);
+// Text in the system's 8-bit code page, at most a unit for a byte: `text` has room for bytes.size()
+// units. Returns the end of what was written, or null when the bytes cannot be converted.
+char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text);
 
 // Asks for large memory pages under a block that is going to be filled once: a page that is touched
 // for the first time costs more than filling it. Does nothing for small blocks or where there are
 // no large pages.
 void preferLargePages(void *block, std::size_t bytes);
 
-// Writes to standard output. On this system's console texts are UTF-8.
+// Writes to standard output. A file or a pipe gets UTF-8 on every system, and line feeds as they
+// stand; a console shows every character.
 void printText(QStringView text);

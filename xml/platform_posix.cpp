@@ -26,6 +26,11 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
     return fdopen(file, isInput ? "rb" : "wb");
 }
 
+std::int64_t fileSize(std::FILE *file) {
+    struct stat status {};
+    return fstat(fileno(file), &status) == 0 ? status.st_size : 0;
+}
+
 // Most units of UTF-16 text in Western languages have a zero high byte, which 8-bit text has not.
 bool isUtf16Text(QByteArrayView bytes) {
     if (bytes.startsWith("\xFF\xFE")) return true;
@@ -38,7 +43,7 @@ bool isUtf16Text(QByteArrayView bytes) {
 
 // Windows-1252, the code page of the machines that model documents in 8-bit text come from. Its
 // five unused bytes stand for the control characters of the same value.
-void decodeAnsi(QByteArrayView bytes, char16_t *text) {
+char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
     static constexpr char16_t from80to9F[] = {
         0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
         0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -47,6 +52,7 @@ void decodeAnsi(QByteArrayView bytes, char16_t *text) {
         const auto value = static_cast<unsigned char>(byte);
         *text++ = value >= 0x80 && value <= 0x9F ? from80to9F[value - 0x80] : value;
     }
+    return text;
 }
 
 void preferLargePages(void *block, std::size_t bytes) {

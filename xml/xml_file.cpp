@@ -30,14 +30,12 @@ FileBytes readFile(const QString &fileName) {
     FileBytes file;
     std::FILE *const input = openFile(fileName, FileUse::Read);
     if (!input) return {{}, 0, XmlError::FileNotFound};
-    std::fseek(input, 0, SEEK_END);
-    file.size = std::ftell(input);
-    if (file.size <= 0) {
+    file.size = fileSize(input);
+    if (file.size == 0) {
         file.error = XmlError::NoXmlData;
     } else if (file.buffer = allocateText(file.size / 2); !file.buffer) {
         file.error = XmlError::WideCharConversionError;
     } else {
-        std::rewind(input);
         auto *const bytes = reinterpret_cast<char *>(file.buffer.get());
         const std::size_t read = std::fread(bytes, 1, static_cast<std::size_t>(file.size), input);
         file.size = static_cast<qsizetype>(read);
@@ -47,7 +45,7 @@ FileBytes readFile(const QString &fileName) {
     return file;
 }
 
-// The text of 8-bit bytes up to the first zero byte; null when memory is short.
+// The text of 8-bit bytes up to the first zero byte; null when memory is short or they are no text.
 std::unique_ptr<char16_t[]> decodeNarrow(QByteArrayView bytes) {
     const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
     if (isUtf8) bytes = bytes.sliced(3);
@@ -61,7 +59,9 @@ std::unique_ptr<char16_t[]> decodeNarrow(QByteArrayView bytes) {
     if (text && isUtf8) {
         *utf8.appendToBuffer(reinterpret_cast<QChar *>(text.get()), bytes) = u'\0';
     } else if (text) {
-        decodeAnsi(bytes, text.get());
+        char16_t *const end = decodeAnsi(bytes, text.get());
+        if (!end) return {};
+        *end = u'\0';
     }
     return text;
 }

@@ -61,10 +61,7 @@ QByteArray readFile(const QString &fileName) {
     QByteArray bytes;
     std::FILE *const file = openFile(fileName, FileUse::Read);
     if (!file) return bytes;
-    // A device may go on for ever, but it has no size.
-    std::fseek(file, 0, SEEK_END);
-    bytes.resize(std::max(std::ftell(file), 0L));
-    std::rewind(file);
+    bytes.resize(fileSize(file)); // a device may go on for ever, but it has no size
     const auto size = static_cast<std::size_t>(bytes.size());
     bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
     std::fclose(file);

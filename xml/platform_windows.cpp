@@ -1,0 +1,74 @@
+#include "xml/platform.h"
+
+#include <algorithm>
+#include <climits>
+
+#include <io.h>
+#include <windows.h>
+
+namespace {
+
+void showOnConsole(HANDLE console, QStringView text) {
+    constexpr qsizetype most = 8192; // units; a call with very many may show nothing
+    while (!text.isEmpty()) {
+        qsizetype size = std::min(most, text.size());
+        const bool cutsPair = size < text.size() && text[size - 1].isHighSurrogate();
+        if (cutsPair) --size;
+        DWORD shown = 0;
+        WriteConsoleW(console, text.utf16(), static_cast<DWORD>(size), &shown, nullptr);
+        text = text.sliced(size);
+    }
+}
+
+} // namespace
+
+// Nothing here waits: a pipe that nobody serves cannot be opened. One that is served can, and
+// would be read for as long as its other end likes.
+std::FILE *openFile(const QString &fileName, FileUse use) {
+    const bool isInput = use == FileUse::Read;
+    std::FILE *const file = _wfopen(fileName.toStdWString().c_str(), isInput ? L"rb" : L"wb");
+    if (!file || !isInput) return file;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)));
+    if (GetFileType(handle) != FILE_TYPE_PIPE) return file;
+    std::fclose(file);
+    return nullptr;
+}
+
+std::int64_t fileSize(std::FILE *file) {
+    return std::max<std::int64_t>(_filelengthi64(_fileno(file)), 0);
+}
+
+// The test that users' files have always gone by, with its known errors: it takes some short texts
+// of 8 bits for UTF-16, and looks at the beginning of long ones only.
+bool isUtf16Text(QByteArrayView bytes) {
+    const auto size = std::min<qsizetype>(bytes.size(), INT_MAX - 1);
+    return IsTextUnicode(bytes.data(), static_cast<int>(size), nullptr);
+}
+
+char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
+    if (bytes.isEmpty()) return text;
+    if (bytes.size() > INT_MAX) return nullptr;
+    const auto size = static_cast<int>(bytes.size());
+    // Where UTF-8 has been made the system's code page, characters cannot be asked for composed.
+    const DWORD flags = GetACP() == CP_UTF8 ? 0 : MB_PRECOMPOSED;
+    auto *const wide = reinterpret_cast<wchar_t *>(text);
+    const int units = MultiByteToWideChar(CP_ACP, flags, bytes.data(), size, wide, size);
+    return units > 0 ? text + units : nullptr;
+}
+
+// Large pages are for accounts with a right of their own.
+void preferLargePages(void *, std::size_t) {}
+
+// Past the runtime library, which would turn line feeds into two characters and show a console
+// only what its 8-bit code page has.
+void printText(QStringView text) {
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    if (GetConsoleMode(output, &mode)) {
+        showOnConsole(output, text);
+        return;
+    }
+    const QByteArray bytes = text.toUtf8();
+    DWORD written = 0;
+    WriteFile(output, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
