@@ -162,7 +162,7 @@ class TablesTest(SqlProgramTest):
             self.assertTrue(fits, (call, printed))
             unseen = {m: row for m, row in unseen.items() if m not in fits or row[0] != str(status)}
         self.assertEqual(list(unseen), ["`The model does not fit in memory.\\n`"])
-        self.assertIn(code(*unseen)[0], (ROOT / "app" / "main_posix.cpp").read_text())
+        self.assertIn(code(*unseen)[0], (ROOT / "app" / "driver.cpp").read_text())
 
     def test_xml_errors(self):
         for text, _, example in rows("model-document.md", "Text"):
