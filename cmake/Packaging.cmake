@@ -26,8 +26,8 @@ configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/${copyright} @ONLY)
 set_target_properties(scorewright PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
 
 install(TARGETS scorewright RUNTIME DESTINATION ${program_folder})
-install(FILES README.md CHANGELOG.md ${PROJECT_BINARY_DIR}/${copyright}
-  DESTINATION ${document_folder})
+install(FILES README.md CHANGELOG.md ARCHITECTURE.md CONTRIBUTING.md
+  ${PROJECT_BINARY_DIR}/${copyright} DESTINATION ${document_folder})
 install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_folder} PATTERN "__pycache__" EXCLUDE)
 

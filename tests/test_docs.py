@@ -118,6 +118,7 @@ class PagesTest(ProgramTest):
                                MANUAL / "scorewright.1.md"], capture_output=True, check=True, encoding="utf-8").stdout
         # The first line asks for tbl; messages are neither hyphenated nor stretched.
         made = made.replace('.\\" -*-', "'\\\" t -*-", 1).replace('" ""\n', '" ""\n.nh\n.ad l\n', 1)
+        made = made.replace("lb lb lb\nl l l.", "lb lb lb\nl lw(3.7i) lw(1.6i).")  # wide enough for the longest word
         page = MANUAL / "scorewright.1"
         if os.environ.get("SCOREWRIGHT_GOLDEN") == "write":
             page.write_text(made, "utf-8")
