@@ -25,6 +25,9 @@ from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document
 ROOT = TESTS.parent
 MANUAL = ROOT / "docs"
 PAGES = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
+UNRUN_PAGES = [*(ROOT / name for name in ["ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md"]),
+               *EXAMPLES.glob("*/README.md")]
+FOLDERS = "app|benchmarks|cmake|docs|examples|exporters|model|scripts|tests|xml"
 BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S)
 TOOLS = {"apt", "cmake", "cp"}
 
@@ -62,7 +65,7 @@ class PagesTest(ProgramTest):
     def check_console(self, folder, text):
         self.assertTrue(text.startswith("$ "))
         for command, printed in re.findall(r"^\$ (.*\n)((?:(?!\$ ).*\n)*)", text, re.M):
-            run = subprocess.run(["bash", "-c", command], cwd=folder, env=self.environment, encoding="utf-8",
+            run = subprocess.run(["bash", "-o", "pipefail", "-c", command], cwd=folder, env=self.environment, encoding="utf-8",
                                  stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60)
             if not re.fullmatch(pattern(printed), run.stdout):
                 self.assertEqual(run.stdout, printed, command)
@@ -99,18 +102,20 @@ class PagesTest(ProgramTest):
                     self.check_block(folder, *block.groups())
 
     def test_links_and_names(self):
-        for page in PAGES:
+        files = re.search(r"install\(FILES ([^$]*)", (ROOT / "cmake" / "Packaging.cmake").read_text())[1].split()
+        for page in PAGES + UNRUN_PAGES:
             text = BLOCK.sub("", page.read_text())
             for target in re.findall(r'\]\(([^)]*)\)|src="([^"]*)"', text):
                 name, _, anchor = "".join(target).partition("#")
                 linked = page.parent / name if name else page
                 with self.subTest(page=page.name, target=target):
                     self.assertTrue(linked.exists())
+                    self.assertIn(linked.resolve().relative_to(ROOT).parts[0], [*files, "docs", "examples"])
                     titles = re.findall("^#+ (.*)", linked.read_text(), re.M) if anchor else [""]
                     self.assertIn(anchor, [re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in titles])
-            for name in re.findall(r"`((?:scripts|examples|tests|benchmarks|docs)/[^` ]*)", text):
+            for name in re.findall(rf"`((?:{FOLDERS})/[^`\s<]*|[\w*]+\.(?:cpp|h))(?=[`\s])", text):
                 with self.subTest(page=page.name, name=name):
-                    self.assertTrue(glob.glob(str(ROOT / name)))
+                    self.assertTrue(glob.glob(f"{ROOT}/{name}") or glob.glob(f"{ROOT}/*/**/{name}", recursive=True))
 
     def test_man_page(self):
         """scorewright.1 is made of scorewright.1.md; SCOREWRIGHT_GOLDEN=write makes it anew."""
@@ -152,18 +157,25 @@ class TablesTest(SqlProgramTest):
             -a betas out;-a indexes out;-a unknown out;-a one no/folder;-a one /dev/full;-s s.inputFile;-s s.outputFile;
             -s s.inputTable;-s s.predictionTable;-s s.one;-s s.unused;-s s.x;-h list;-h unused;-h shared;-h one c.tags out;
             -h one c.none out;-h one c.answer out;-h two c.1 out;-h two c.112 out;-h two c.9 out;-h two c.x out"""
-        unseen = {}
-        for status, message, _ in rows("scorewright.1.md", "Status"):
+        table = rows("scorewright.1.md", "Status")
+        told = {}
+        for status, message, _ in table:
             text = re.escape("".join(code(message))).replace(r"\\n", "\n").replace("…", "(?s:.*)")
-            unseen[message] = status, re.compile(re.sub(r"<\w+>", ".+?", text))
-        told = {message: text.pattern for message, (_, text) in unseen.items()}
+            told[int(status), message] = re.sub(r"<\w+>", ".+?", text)
+        unseen = set(told)
         for call in [*calls.split(";"), b"-a \xff out"]:
             status, printed = self.run_program(*call.split())
-            fits = [message for message in told if re.fullmatch(told[message], printed)]
-            self.assertTrue(fits, (call, printed))
-            unseen = {m: row for m, row in unseen.items() if m not in fits or row[0] != str(status)}
-        self.assertEqual(list(unseen), ["`The model does not fit in memory.\\n`"])
-        self.assertIn(code(*unseen)[0], (ROOT / "app" / "driver.cpp").read_text())
+            fits = {row for row in told if row[0] == status and re.fullmatch(told[row], printed)}
+            self.assertTrue(fits, (call, status, printed))
+            unseen -= fits
+        self.assertEqual(unseen, {(8, "`The model does not fit in memory.\\n`")})
+        self.assertIn("The model does not fit in memory.\\n", (ROOT / "app" / "driver.cpp").read_text())
+
+        untold = ["missing - out", "empty - out", "entity - out", "other - out", "one - no/folder", "one - /dev/full"]
+        self.assertEqual([self.run_program("-h", *call.split()) for call in untold], [(0, "")] * len(untold))
+        self.assertEqual(["not told for HTML" in when for _, _, when in table].count(True), len(untold))
+        canvas = self.write("c", needed + "[QRV_ALL_QUESTIONS][QRV_QUESTION]")
+        self.assertRegex(str(self.run_program("-h", "one", canvas, "out")), "^.2, .WARNING.*asked only 0 out of 1 ")
 
     def test_xml_errors(self):
         for text, _, example in rows("model-document.md", "Text"):
