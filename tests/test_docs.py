@@ -15,9 +15,12 @@ import os
 import re
 import shlex
 import shutil
+import sqlite3
 import subprocess
 import unittest
 from pathlib import Path
+
+import pandas
 
 from sql_program import SqlProgramTest, configuration
 from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
@@ -65,8 +68,8 @@ class PagesTest(ProgramTest):
     def check_console(self, folder, text):
         self.assertTrue(text.startswith("$ "))
         for command, printed in re.findall(r"^\$ (.*\n)((?:(?!\$ ).*\n)*)", text, re.M):
-            run = subprocess.run(["bash", "-o", "pipefail", "-c", command], cwd=folder, env=self.environment, encoding="utf-8",
-                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60)
+            run = subprocess.run(["bash", "-o", "pipefail", "-c", command], cwd=folder, env=self.environment,
+                                 encoding="utf-8", stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=60)
             if not re.fullmatch(pattern(printed), run.stdout):
                 self.assertEqual(run.stdout, printed, command)
             self.assertEqual(run.returncode, 0, command)
@@ -176,6 +179,40 @@ class TablesTest(SqlProgramTest):
         self.assertEqual(["not told for HTML" in when for _, _, when in table].count(True), len(untold))
         canvas = self.write("c", needed + "[QRV_ALL_QUESTIONS][QRV_QUESTION]")
         self.assertRegex(str(self.run_program("-h", "one", canvas, "out")), "^.2, .WARNING.*asked only 0 out of 1 ")
+
+    def test_differences(self):
+        """What the manual says of SQL and Python is what their code computes of a cell."""
+        def model(*models, terms=((1, 1),), **more):
+            return document([*models, categorical(9, "c", ["x"], [0, 0])], [*terms, (9, 1)], 0, **more)
+
+        def flat(score):
+            return model(numeric(1, "a", [0], [9, score, score]), table=[(2, 0.9), (1, 0.5), (0, 0.1)])
+
+        one, more = numeric(1, "a", [0], [9, 2, 3]), numeric(1, "a", [0], [90, 20, 30])
+        table = rows("manual.md", r"\| SAS")
+        for start, text, cell, meanings in [
+            ("probability between", flat(0.5), 1, {"0": 0, "straight line": 0.3}),
+            ("probability of", flat(0), 1, {"0": 0}), ("probability below", flat(-1), 1, {"that of the point": 0.1}),
+            ("a value", model(one), 0, {"as missing": 9}), ("result", model(one), 1, {"score": 3}),
+            ("one of", model(categorical(1, "a", "vwxyz", [9, 1, 2, 3, 4, 5])), "x", {"scored": 3, "as unknown": 9}),
+            ("recoding", model(one, numeric(2, "a", [0], [5, 5, 5])), 1, {"not scored": 3}),
+            ("coefficient", model(one, terms=[(7, 4), (1, 1)]), 1, {"multiplies the next term": 12}),
+            ("several coefficients", model(one, terms=[(1, 1), (1, 2)]), 1, {"added": 9, "the last": 6}),
+            ("several recodings", model(one, more), 1, {"added": 33, "the last": 30}), ("document", "<a/>", 1, {}),
+        ]:
+            self.write("model.ModelXml", text)
+            results = ["refused", "refused"]
+            if self.run_configuration(configuration(dbType="sqlite", createPredictionTable="1"))[0] != 8:
+                base = sqlite3.connect(":memory:")
+                base.executescript(f"create table src(id, a, c); insert into src values(1, '{cell}', 'x')")
+                base.executescript(self.read("out"))
+                results[0] = base.execute("select round(Predictions, 9) from Preds").fetchone()[0]
+            if self.run_program("-p", "model.ModelXml", "out", "M")[0] != 8:
+                exec(self.read("out"), names := {})
+                frame = pandas.DataFrame({"a": [cell], "c": ["x"]})
+                results[1] = round(names["QORVModel_M"]().apply(frame).iloc[0, -1], 9)
+            [(_, _, in_sql, _, in_python, _)] = [row for row in table if row[0].startswith(start + " ")]
+            self.assertEqual(results, [meanings.get(word, word) for word in [in_sql, in_python]], start)
 
     def test_xml_errors(self):
         for text, _, example in rows("model-document.md", "Text"):
