@@ -42,7 +42,7 @@ class InstallTest(ProgramTest):
         for file in (TESTS.parent / "docs").iterdir():
             manual = self.folder / "share/man/man1" if file.suffix == ".1" else self.documents / "docs"
             self.assertEqual((manual / file.name).read_bytes(), file.read_bytes())
-        for name in ["README.md", "CHANGELOG.md", "examples/credit/LICENSE"]:
+        for name in ["README.md", "ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md", "examples/credit/LICENSE"]:
             self.assertEqual((self.documents / name).read_bytes(), (TESTS.parent / name).read_bytes())
         licence = (self.documents / "examples/credit/LICENSE").read_text()
         self.assertIn(licence, (self.documents / "copyright").read_text())
