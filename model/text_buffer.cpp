@@ -29,6 +29,7 @@ void writeUtf8(std::FILE *stream, QStringView text) {
 } // namespace
 
 void writeText(const OutputFile &file, QStringView text) {
+    if (text.isEmpty()) return; // it may have no memory either
     if (file.encoding == OutputEncoding::Utf8) {
         writeUtf8(file.stream.get(), text);
     } else {
