@@ -68,9 +68,10 @@ int convert(const std::vector<QString> &arguments) {
 
 } // namespace
 
-int runCommandLine(const std::vector<QString> &arguments) {
-    printText(banner);
+int runCommandLine(const std::function<std::vector<QString>()> &readArguments) {
     try {
+        const std::vector<QString> arguments = readArguments();
+        printText(banner);
         return convert(arguments);
     } catch (const std::bad_alloc &) {
         printText(u"The model does not fit in memory.\n");

@@ -18,8 +18,10 @@ QString decodeArgument(const char *argument) {
 } // namespace
 
 int main(int argc, char **argv) {
-    std::vector<QString> arguments;
-    arguments.reserve(static_cast<std::size_t>(argc));
-    for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
-    return runCommandLine(arguments);
+    return runCommandLine([&] {
+        std::vector<QString> arguments;
+        arguments.reserve(static_cast<std::size_t>(argc));
+        for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
+        return arguments;
+    });
 }

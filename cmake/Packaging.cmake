@@ -29,7 +29,8 @@ install(TARGETS scorewright RUNTIME DESTINATION ${program_folder})
 install(FILES README.md CHANGELOG.md ARCHITECTURE.md CONTRIBUTING.md
   ${PROJECT_BINARY_DIR}/${copyright} DESTINATION ${document_folder})
 install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
-install(DIRECTORY examples DESTINATION ${document_folder} PATTERN "__pycache__" EXCLUDE)
+install(DIRECTORY examples DESTINATION ${document_folder} USE_SOURCE_PERMISSIONS
+  PATTERN "__pycache__" EXCLUDE)
 
 string(TOLOWER
   ${PROJECT_NAME}-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}

@@ -292,19 +292,12 @@ ProbabilityTable readProbabilityTable(ModelDocument &document) {
     return table;
 }
 
-std::vector<ProbabilitySegment> probabilitySegments(const ProbabilityTable &table,
-                                                    LastSegment lastSegment) {
+ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i) {
     const std::vector<double> &x = table.x;
     const std::vector<double> &y = table.y;
-    const std::size_t end = x.size() - (lastSegment == LastSegment::Written ? 0 : 1);
-    std::vector<ProbabilitySegment> segments;
-    for (std::size_t i = 1; i < end; ++i) {
-        if (x[i] == x[i - 1]) continue;
-        const double slope = (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
-        const double product = x[i] * slope;
-        segments.push_back({x[i], slope, y[i] - product});
-    }
-    return segments;
+    const double slope = (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
+    const double product = x[i] * slope;
+    return {x[i], slope, y[i] - product};
 }
 
 bool hasLogisticProbability(const ModelDocument &document) {

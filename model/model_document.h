@@ -221,11 +221,18 @@ struct ProbabilitySegment {
     double slope;
     double intercept;
 };
-// The segments down to the last point of the table, or to the last but one; none between two points
-// with one score.
+// The segment from point i of the table, which has another score, up to the point before it.
+ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i);
+// Calls write(segment) for the segments down to the last point of the table, or to the last but
+// one; there is none between two points with one score.
 enum class LastSegment { Written, LeftOut };
-std::vector<ProbabilitySegment> probabilitySegments(const ProbabilityTable &table,
-                                                    LastSegment lastSegment);
+template <typename Write>
+void forEachSegment(const ProbabilityTable &table, LastSegment lastSegment, Write write) {
+    const std::size_t end = table.x.size() - (lastSegment == LastSegment::Written ? 0 : 1);
+    for (std::size_t i = 1; i < end; ++i) {
+        if (table.x[i] != table.x[i - 1]) write(probabilitySegment(table, i));
+    }
+}
 
 // Whether the score becomes a probability by the logistic function, where there is no table.
 bool hasLogisticProbability(const ModelDocument &document);

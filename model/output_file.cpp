@@ -4,7 +4,9 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-int openOutputFile(const QString &fileName, OutputEncoding encoding, OutputFile &file) {
+int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out) {
+    out.reserveBlock(); // before the file is emptied
+    OutputFile file;
     file.stream.reset(openFile(fileName, FileUse::Write));
     file.encoding = encoding;
     if (!file.stream) {
@@ -15,17 +17,16 @@ int openOutputFile(const QString &fileName, OutputEncoding encoding, OutputFile 
     const auto size = static_cast<std::size_t>(mark.size());
     std::FILE *const stream = file.stream.get();
     // Flushed, because a buffer would hide that a full device does not take the mark.
-    if (std::fwrite(mark.data(), 1, size, stream) == size && std::fflush(stream) == 0) {
-        return exitSuccess;
+    if (std::fwrite(mark.data(), 1, size, stream) != size || std::fflush(stream) != 0) {
+        printText(u"Cannot write to file '%1'.\n"_s.arg(fileName));
+        return exitCannotWriteOutput;
     }
-    printText(u"Cannot write to file '%1'.\n"_s.arg(fileName));
-    return exitCannotWriteOutput;
+    out.writeTo(std::move(file));
+    return exitSuccess;
 }
 
-int finishScript(TextBuffer &script) {
-    script.close();
+void reportSuccess() {
     printText(u"Conversion successful!\n");
-    return exitSuccess;
 }
 
 void writePage(const QString &fileName, QStringView text) {

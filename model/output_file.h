@@ -1,5 +1,5 @@
-// Opening and finishing the output file of an exporter, and the messages and exit statuses that all
-// exporters share.
+// Writing the output file of an exporter, and the messages and exit statuses that all exporters
+// share.
 #pragma once
 
 #include "model/text_buffer.h"
@@ -14,14 +14,33 @@ enum ExitStatus {
     exitUnusableModel = 8,
 };
 
-// Creates or empties the file and writes the mark of the encoding. Prints a message and returns
-// exitCannotOpenOutput or exitCannotWriteOutput when the file cannot be opened or takes no mark.
-// An exporter calls this when nothing can go wrong with the model any more: what was in the file is
-// lost.
-int openOutputFile(const QString &fileName, OutputEncoding encoding, OutputFile &file);
+// Creates or empties the file, writes the mark of the encoding and puts the buffer before the file.
+// Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput when the file cannot
+// be opened or takes no mark.
+int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out);
 
-// Closes a script and prints the message of success.
-int finishScript(TextBuffer &script);
+// Creates or replaces the file with what write(out) puts. Returns what openOutput does; silent on
+// success. An exporter calls this when it has read all of the model: nothing can go wrong then, and
+// what was in the file is lost.
+template <typename Write>
+int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
+    TextBuffer out;
+    const int status = openOutput(fileName, encoding, out);
+    if (status != exitSuccess) return status;
+    write(out);
+    out.close();
+    return exitSuccess;
+}
+
+void reportSuccess();
+
+// The same in UTF-16, and a message of success.
+template <typename Write>
+int writeScript(const QString &fileName, Write write) {
+    const int status = writeOutput(fileName, OutputEncoding::Utf16, write);
+    if (status == exitSuccess) reportSuccess();
+    return status;
+}
 
 // Creates or replaces the file and writes the text in UTF-8 without mark. Prints nothing: a file
 // that cannot be opened is left alone.

@@ -16,7 +16,7 @@ bool endsInHalfPair(QStringView text) {
 
 // Converts piece by piece: a second copy of the whole text would cost its memory once more.
 void writeUtf8(std::FILE *stream, QStringView text) {
-    constexpr qsizetype most = 1 << 16;
+    constexpr qsizetype most = 1 << 12;
     while (!text.isEmpty()) {
         QStringView piece = text.first(std::min(most, text.size()));
         if (piece.size() < text.size() && endsInHalfPair(piece)) piece.chop(1);
@@ -67,7 +67,7 @@ void TextBuffer::writeBlock() {
 // nothing.
 void TextBuffer::enlarge(qsizetype count) {
     constexpr qsizetype smallest = 1 << 15;
-    if (file.stream) {
+    if (file.stream && used > 0) {
         writeBlock();
         if (count <= capacity - used) return;
     }

@@ -5,8 +5,8 @@
 // appends its pieces from left to right. A piece is a UTF-16 literal or any other text, a double
 // (written as a model number), an integer, a NumberText, or a text with its quotes escaped.
 //
-// A buffer with a file hands it one full block after the other; without one, the text grows in
-// memory.
+// A buffer with a file hands it one full block after the other and takes no more memory than that
+// block; without a file, the text grows in memory.
 #pragma once
 
 #include "model/number_text.h"
@@ -19,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
 
@@ -40,12 +41,18 @@ public:
     // A buffer in memory that is expected to take about so many units. Room is promised for them,
     // but it is not touched before it is used.
     explicit TextBuffer(qsizetype expected);
-    // A buffer before a file.
-    explicit TextBuffer(OutputFile openFile) : file(std::move(openFile)) {}
+    TextBuffer(const TextBuffer &) = delete;
+    TextBuffer &operator=(const TextBuffer &) = delete;
 
-    // What was appended; before a file, as far as it is not yet written.
+    // What was appended and not yet written to a file.
     QStringView text() const { return {units.get(), used}; }
 
+    // Takes the memory of one block, unless there is more already.
+    void reserveBlock() {
+        if (capacity == 0) enlarge(1);
+    }
+    // From here on, and with what was appended before, the buffer stands before the file.
+    void writeTo(OutputFile opened) { file = std::move(opened); }
     // Writes what is left to the file and closes it.
     void close();
 

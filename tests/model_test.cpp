@@ -74,7 +74,8 @@ QByteArray written(OutputEncoding encoding, QStringView text, qsizetype pieceSiz
     OutputFile file;
     file.stream.reset(std::fopen(path.string().c_str(), "wb"));
     file.encoding = encoding;
-    TextBuffer out(std::move(file));
+    TextBuffer out;
+    out.writeTo(std::move(file));
     for (qsizetype at = 0; at < text.size(); at += pieceSize) {
         put(out, text.sliced(at, std::min(pieceSize, text.size() - at)));
     }
@@ -101,6 +102,11 @@ TEST(TextBuffer, WritesBlocksAsIfTheyWereOneText) {
 
 TEST(ProbabilitySegments, RoundSlopeAndInterceptSeparately) {
     ProbabilityTable table{true, {3, 2, 2, 0.1, -1}, {0.9, 0.9, 0.5, 1.0 / 3, 0.3}};
+    const auto probabilitySegments = [](const ProbabilityTable &of, LastSegment last) {
+        std::vector<ProbabilitySegment> segments;
+        forEachSegment(of, last, [&](const ProbabilitySegment &s) { segments.push_back(s); });
+        return segments;
+    };
     const auto segments = probabilitySegments(table, LastSegment::Written);
     ASSERT_EQ(segments.size(), 3U);
     EXPECT_TRUE(std::signbit(segments[0].slope));

@@ -72,15 +72,21 @@ class FaultsTest(ProgramTest):
     def test_memory_that_runs_out(self):
         if b"__asan_init" in Path(PROGRAM).read_bytes():
             self.skipTest("the address sanitizer reserves more memory than any limit here allows")
-        (self.folder / "m").write_text(document([numeric(1, "x" * 8_000_000, [1], [1, 2, 3])], [(1, 1)], 0), "utf-8-sig")
-        for option in ["-a", "-p"]:
-            statuses = []
-            for megabytes in range(60, 200, 4):
-                (self.folder / "out").write_text("as it was")
-                statuses.append(self.run_program(option, "m", "out", memory=megabytes << 20)[0])
-                if statuses[-1] != 0:
-                    self.assertEqual((self.folder / "out").read_text(), "as it was")
-            self.assertEqual(set(statuses), {0, 8}, statuses)
+        self.write("config", CONFIGURATION.replace('kestruneScript="1"', ""))
+        one = numeric(1, "a", [1], [1, 2, 3])
+        for text in [document([numeric(1, "x y" * 500_000, [1], [1, 2, 3])], [(1, 1)], 0),
+                     document([one], [(1, 1)], 0, table=[(-point, 0.5) for point in range(200_000)]),
+                     document([one], [(1, 1)], 0, target="y" * 1_500_000)]:
+            self.write("m", text)
+            for option in ["-a", "-e", "-p", "-s"]:
+                statuses = []
+                while 0 not in statuses:
+                    (self.folder / "out").write_text("as it was")
+                    memory = (60 + 2 * len(statuses)) << 20
+                    statuses.append(self.run_program(option, *EXPORTS[option], memory=memory)[0])
+                    if statuses[-1] != 0:
+                        self.assertEqual((self.folder / "out").read_text(), "as it was")
+                self.assertEqual(set(statuses), {0, 8}, statuses)
 
     def test_files_that_cannot_be_used(self):
         self.write("m", DOCUMENTS["logistic"])

@@ -16,14 +16,16 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
     const bool isInput = use == FileUse::Read;
     const int flags = isInput ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
     const int file = open(path.constData(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
+    if (file < 0) return nullptr;
     struct stat status {};
-    if (file < 0 || fstat(file, &status) != 0) return nullptr;
-    if (isInput && !S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode)) {
-        close(file);
-        return nullptr;
+    const bool isKnown = fstat(file, &status) == 0;
+    std::FILE *stream = nullptr;
+    if (isKnown && (!isInput || S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))) {
+        fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
+        stream = fdopen(file, isInput ? "rb" : "wb");
     }
-    fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
-    return fdopen(file, isInput ? "rb" : "wb");
+    if (!stream) close(file);
+    return stream;
 }
 
 std::int64_t fileSize(std::FILE *file) {

@@ -131,10 +131,10 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table) {
         u"\n");
     put(out, u"            elif s<", table.x[last], u":\n                dfOutProba[line]=",
         table.y[last], u"\n");
-    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::LeftOut)) {
+    forEachSegment(table, LastSegment::LeftOut, [&](const ProbabilitySegment &segment) {
         put(out, u"            elif s>", segment.threshold, u":\n                dfOutProba[line]=",
             segment.intercept, u" + s*", segment.slope, u"\n");
-    }
+    });
 }
 
 void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
@@ -155,26 +155,24 @@ int exportToPython(const QString &modelFile, const QString &moduleFile, const QS
     const Recodings recodings = readRecodings(document, models);
     const Regression regression = readRegression(document, models);
     const ProbabilityTable table = readProbabilityTable(document);
+    const QString prefix = targetPrefix(document, cleanedCharacters);
+    const QString name = className.isEmpty() ? classNameOf(modelFile) : className;
     const bool isLogistic = !table.exists && hasLogisticProbability(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
-    OutputFile file;
-    const int status = openOutputFile(moduleFile, OutputEncoding::Utf8, file);
-    if (status != exitSuccess) return status;
-    TextBuffer out(std::move(file));
-    putBanner(out, document, models);
-    put(out, pythonImports);
-    put(out, u"class QORVModel_", className.isEmpty() ? classNameOf(modelFile) : className, u":\n");
-    put(out, u"    def __init__(self):\n");
-    putDictionaries(out, models, recodings);
-    put(out, pythonApply);
-    putColumnLookups(out, models);
-    put(out, u"        for line in range(len(df.index)):\n");
-    putRecodings(out, models, recodings);
-    putScore(out, models, regression);
-    if (table.exists) putProbability(out, table);
-    if (isLogistic) put(out, pythonLogisticProbability);
-    putReturn(out, table.exists || isLogistic, targetPrefix(document, cleanedCharacters));
-    out.close();
-    return exitSuccess;
+    return writeOutput(moduleFile, OutputEncoding::Utf8, [&](TextBuffer &out) {
+        putBanner(out, document, models);
+        put(out, pythonImports);
+        put(out, u"class QORVModel_", name, u":\n");
+        put(out, u"    def __init__(self):\n");
+        putDictionaries(out, models, recodings);
+        put(out, pythonApply);
+        putColumnLookups(out, models);
+        put(out, u"        for line in range(len(df.index)):\n");
+        putRecodings(out, models, recodings);
+        putScore(out, models, regression);
+        if (table.exists) putProbability(out, table);
+        if (isLogistic) put(out, pythonLogisticProbability);
+        putReturn(out, table.exists || isLogistic, prefix);
+    });
 }

@@ -130,10 +130,10 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table, const QStrin
         table.y[0], u";\n");
     put(out, u"   else if (", prefix, u"score<", table.x[last], u") then ", prefix, u"proba=",
         table.y[last], u";\n");
-    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::Written)) {
+    forEachSegment(table, LastSegment::Written, [&](const ProbabilitySegment &segment) {
         put(out, u"   else if ", prefix, u"score>", segment.threshold, u" then ", prefix, u"proba=",
             segment.intercept, u"+ ", prefix, u"score*", segment.slope, u";\n");
-    }
+    });
 }
 
 void putClosing(TextBuffer &out, const std::vector<UnivModel> &models) {
@@ -160,18 +160,15 @@ int exportToSas(const QString &modelFile, const QString &scriptFile) {
     const ProbabilityTable table = readProbabilityTable(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
-    OutputFile file;
-    const int status = openOutputFile(scriptFile, OutputEncoding::Utf16, file);
-    if (status != exitSuccess) return status;
-    TextBuffer out(std::move(file));
-    putBanner(out, document, models);
-    putRecodings(out, models, recodings);
-    putScore(out, models, regression, prefix);
-    if (table.exists) {
-        putProbability(out, table, prefix);
-    } else if (hasLogisticProbability(document)) {
-        putLogisticProbability(out, prefix);
-    }
-    putClosing(out, models);
-    return finishScript(out);
+    return writeScript(scriptFile, [&](TextBuffer &out) {
+        putBanner(out, document, models);
+        putRecodings(out, models, recodings);
+        putScore(out, models, regression, prefix);
+        if (table.exists) {
+            putProbability(out, table, prefix);
+        } else if (hasLogisticProbability(document)) {
+            putLogisticProbability(out, prefix);
+        }
+        putClosing(out, models);
+    });
 }

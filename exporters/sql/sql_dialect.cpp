@@ -67,6 +67,6 @@ NumberText sqlNumber(const SqlDialect &dialect, double number) {
     return generalNumber(std::abs(number) < smallest ? 0 : number, dialect.digits);
 }
 
-QString wrapped(const SqlWrapper &wrapper, QStringView text) {
-    return wrapper.opening % text % wrapper.closing;
+void append(TextBuffer &out, const WrappedName &wrapped) {
+    put(out, wrapped.wrapper.opening, wrapped.name, wrapped.wrapper.closing);
 }

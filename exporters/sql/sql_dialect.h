@@ -1,7 +1,7 @@
 // What sets one database engine's SQL apart, and the texts that depend on it.
 #pragma once
 
-#include "model/number_text.h"
+#include "model/text_buffer.h"
 
 #include <QString>
 
@@ -41,4 +41,9 @@ QString sqlTableName(const SqlDialect &dialect, QStringView name);
 // The number with the dialect's digits; "0" for one that is nearer to 0 than 1e-12.
 NumberText sqlNumber(const SqlDialect &dialect, double number);
 
-QString wrapped(const SqlWrapper &wrapper, QStringView text);
+// A name with what is written around it: a piece of output.
+struct WrappedName {
+    SqlWrapper wrapper;
+    QStringView name;
+};
+void append(TextBuffer &out, const WrappedName &wrapped);

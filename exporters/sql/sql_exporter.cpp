@@ -19,21 +19,15 @@ int exportToSql(const QString &configurationFile) {
     const SqlScript script = readSqlScript(document, configuration, dialect);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
-    TextBuffer content;
-    if (configuration.kestruneScript) {
-        content = TextBuffer(expectedOutput(document));
-        putSqlScript(content, script);
+    const QString &output = configuration.outputFile;
+    if (!configuration.kestruneScript) {
+        return writeScript(output, [&](TextBuffer &out) { putSqlScript(out, script); });
     }
-    OutputFile file;
-    const int openStatus = openOutputFile(configuration.outputFile, OutputEncoding::Utf16, file);
-    if (openStatus != exitSuccess) return openStatus;
-    TextBuffer out(std::move(file));
-    if (configuration.kestruneScript) {
-        putEtlDocument(
-            out, {configuration.odbcLink, configuration.odbcLogin, configuration.odbcPassword},
-            dialect.hasReaderMode, content.text());
-    } else {
-        putSqlScript(out, script);
-    }
-    return finishScript(out);
+    TextBuffer content(expectedOutput(document));
+    putSqlScript(content, script);
+    const EtlConnection connection = {configuration.odbcLink, configuration.odbcLogin,
+                                      configuration.odbcPassword};
+    return writeScript(output, [&](TextBuffer &out) {
+        putEtlDocument(out, connection, dialect.hasReaderMode, content.text());
+    });
 }

@@ -32,6 +32,13 @@ std::vector<QString> debugColumns(const std::vector<UnivModel> &models,
     return columns;
 }
 
+std::vector<QString> quotedFields(const std::vector<UnivModel> &models, const SqlDialect &dialect) {
+    std::vector<QString> fields;
+    fields.reserve(models.size());
+    for (const UnivModel &model : models) fields.push_back(sqlIdentifier(dialect, model.field));
+    return fields;
+}
+
 SqlPlan choosePlan(const ProbabilityTable &probabilities, const SqlConfiguration &configuration) {
     if (!probabilities.exists) return SqlPlan::ScoreOnly;
     return configuration.useTmpTable ? SqlPlan::TemporaryTable : SqlPlan::Nested;
@@ -89,11 +96,10 @@ void putPredictionInsert(TextBuffer &out, const SqlScript &script) {
 
 // --- Score
 
-void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const UnivModel &model,
+void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const QString &field,
                     const NumericRecoding &recoding, const std::vector<double> &missingCodes,
                     double coefficient) {
-    const QString field = sqlIdentifier(dialect, model.field);
-    const QString column = wrapped(dialect.columnCast, field);
+    const WrappedName column = {dialect.columnCast, field};
     const auto number = [&](double value) { return sqlNumber(dialect, value); };
     const auto points = [&](double score) { return number(coefficient * score); };
     const double upperTail = recoding.y[recoding.x.size() + 1];
@@ -112,11 +118,10 @@ void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const UnivModel 
 }
 
 // A boolean column may be stored as 0 and 1, and then has no texts to compare with.
-void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const UnivModel &model,
+void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QString &field,
                         const CategoricalRecoding &recoding, bool isNumber, double coefficient) {
-    const QString field = sqlIdentifier(dialect, model.field);
-    const QString text = wrapped(dialect.textTrim, field);
-    const QString column = wrapped(dialect.columnCast, field);
+    const WrappedName text = {dialect.textTrim, field};
+    const WrappedName column = {dialect.columnCast, field};
     const auto points = [&](double score) { return sqlNumber(dialect, coefficient * score); };
 
     put(out, u"CASE WHEN ( ", field, u" IS NULL");
@@ -127,7 +132,7 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const UnivMo
         put(out, u"   WHEN ", column, u"=1 THEN ", points(recoding.y[2]), u"\n");
     } else {
         // The spellings of a boolean column are compared untrimmed.
-        const QString &compared = recoding.isBoolean ? field : text;
+        const WrappedName compared = recoding.isBoolean ? WrappedName{{}, field} : text;
         for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
             put(out, u"   WHEN ", compared, u"='", EscapedText{recoding.values[i - 1], u'\''},
                 u"' THEN ", points(recoding.score(i)), u"\n");
@@ -154,13 +159,14 @@ void putContributions(TextBuffer &out, const SqlScript &script) {
         script.recodings, script.models,
         [&](const UnivModel &model, const CategoricalRecoding &recoding) {
             putOpening();
-            putCategoricalCase(out, dialect, model, recoding, recoding.isBoolean && boolsAreNumbers,
+            putCategoricalCase(out, dialect, script.fields[model.position], recoding,
+                               recoding.isBoolean && boolsAreNumbers,
                                script.coefficients[model.position]);
             putClosing(model);
         },
         [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
             putOpening();
-            putNumericCase(out, dialect, model, recoding, missing.codes,
+            putNumericCase(out, dialect, script.fields[model.position], recoding, missing.codes,
                            script.coefficients[model.position]);
             putClosing(model);
         });
@@ -193,12 +199,12 @@ void putProbabilitySelect(TextBuffer &out, const SqlScript &script, const QStrin
     put(out, u" select ", script.key, u", (", dialect.scoreCast.opening, u"CASE \n");
     put(out, u"   WHEN ", prefix, u"score>", number(table.x[0]), u" THEN ", number(table.y[0]),
         u"\n   WHEN ", prefix, u"score<", number(table.x[last]), u" THEN ", number(table.y[last]));
-    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::LeftOut)) {
+    forEachSegment(table, LastSegment::LeftOut, [&](const ProbabilitySegment &segment) {
         put(out, u"\n   WHEN ", prefix, u"score>", number(segment.threshold), u" THEN ",
             number(segment.intercept));
         const NumberText slope = number(segment.slope);
         if (slope.view() != "0") put(out, u"+", prefix, u"score*", slope);
-    }
+    });
     put(out, u"\n   ELSE 0\n   END ", dialect.scoreCast.closing, u") AS ", script.prediction,
         u"\n  from ");
 }
@@ -227,6 +233,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);
+    std::vector<QString> fields = quotedFields(models, dialect);
     std::vector<QString> columns = debugColumns(models, configuration, dialect);
     const Regression regression = readRegression(
         document, models, configuration.debugRecoding ? ConstantTerm::LeftOut : ConstantTerm::Read);
@@ -244,8 +251,9 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
         .predictionTable = schema + sqlTableName(dialect, target),
         .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
         .temporaryTable = schema + sqlTableName(dialect, temporary),
-        .debugColumns = std::move(columns),
         .models = std::move(models),
+        .fields = std::move(fields),
+        .debugColumns = std::move(columns),
         .probabilities = std::move(probabilities),
         .constant = regression.constant,
         .coefficients = std::move(coefficients),

@@ -23,11 +23,12 @@ struct SqlScript {
     QString predictionTable;
     QString inputTable;
     QString temporaryTable;
-    std::vector<QString> debugColumns; // one of each model, or none
     std::vector<UnivModel> models;
-    ProbabilityTable probabilities;   // unless the plan is ScoreOnly
-    double constant;                  // 0 where it is not written
-    std::vector<double> coefficients; // of each model
+    std::vector<QString> fields;       // of each model
+    std::vector<QString> debugColumns; // of each model, or none
+    ProbabilityTable probabilities;    // unless the plan is ScoreOnly
+    double constant;                   // 0 where it is not written
+    std::vector<double> coefficients;  // of each model
     Recodings recodings;
 };
 

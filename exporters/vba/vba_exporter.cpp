@@ -162,10 +162,10 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table) {
     put(out, u"   Select Case score\n");
     put(out, u"   Case Is > ", table.x[0], u"\n    proba=", table.y[0], u"\n");
     put(out, u"   Case Is < ", table.x[last], u"\n    proba=", table.y[last], u"\n");
-    for (const ProbabilitySegment &segment : probabilitySegments(table, LastSegment::LeftOut)) {
+    forEachSegment(table, LastSegment::LeftOut, [&](const ProbabilitySegment &segment) {
         put(out, u"   Case Is > ", segment.threshold, u"\n    proba=", segment.intercept,
             u"+ score*", segment.slope, u"\n");
-    }
+    });
     put(out, u"End Select\n  QorvPrediction_1 = proba\n");
 }
 
@@ -193,22 +193,19 @@ int exportToVba(const QString &modelFile, const QString &moduleFile) {
     const ProbabilityTable table = readProbabilityTable(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
-    OutputFile file;
-    const int status = openOutputFile(moduleFile, OutputEncoding::Utf16, file);
-    if (status != exitSuccess) return status;
-    TextBuffer out(std::move(file));
-    put(out, vbaDeclarations);
-    putBanner(out, document, models);
-    put(out, vbaFunctionHead);
-    putInitialisation(out, models, u"Function");
-    put(out, vbaRowDeclarations);
-    putRecodings(out, models, recodings);
-    putScore(out, models, regression);
-    putProbability(out, table);
-    put(out, vbaRangeHead);
-    putInitialisation(out, models, u"Sub");
-    put(out, vbaRangeRows);
-    putRangeChecks(out, models, recodings);
-    put(out, vbaRangeEnd);
-    return finishScript(out);
+    return writeScript(moduleFile, [&](TextBuffer &out) {
+        put(out, vbaDeclarations);
+        putBanner(out, document, models);
+        put(out, vbaFunctionHead);
+        putInitialisation(out, models, u"Function");
+        put(out, vbaRowDeclarations);
+        putRecodings(out, models, recodings);
+        putScore(out, models, regression);
+        putProbability(out, table);
+        put(out, vbaRangeHead);
+        putInitialisation(out, models, u"Sub");
+        put(out, vbaRangeRows);
+        putRangeChecks(out, models, recodings);
+        put(out, vbaRangeEnd);
+    });
 }
