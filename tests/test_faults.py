@@ -74,9 +74,9 @@ class FaultsTest(ProgramTest):
             self.skipTest("the address sanitizer reserves more memory than any limit here allows")
         self.write("config", CONFIGURATION.replace('kestruneScript="1"', ""))
         one = numeric(1, "a", [1], [1, 2, 3])
-        for text in [document([numeric(1, "x y" * 500_000, [1], [1, 2, 3])], [(1, 1)], 0),
-                     document([one], [(1, 1)], 0, table=[(-point, 0.5) for point in range(200_000)]),
-                     document([one], [(1, 1)], 0, target="y" * 1_500_000)]:
+        for text in [document([numeric(1, "x y" * 1_500_000, [1], [1, 2, 3])], [(1, 1)], 0),
+                     document([one], [(1, 1)], 0, table=[(-point, 0.5) for point in range(400_000)]),
+                     document([one], [(1, 1)], 0, target="y" * 4_000_000)]:
             self.write("m", text)
             for option in ["-a", "-e", "-p", "-s"]:
                 statuses = []
