@@ -117,7 +117,7 @@ struct MissingCodes {
 // The missing codes by the names of data fields, each list decoded once. Of several fields with one
 // name the first counts.
 struct DataDictionary {
-    // The hash is kept: of two names, few texts must be looked at then, which are far apart.
+    // The hash is kept, so that names that differ are told apart without looking at their texts.
     struct Name {
         explicit Name(QStringView name) : text(name), hash(hashIgnoringCase(name)) {}
         bool operator==(const Name &other) const {

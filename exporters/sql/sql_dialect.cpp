@@ -1,6 +1,5 @@
 #include "exporters/sql/sql_dialect.h"
 
-#include <QStringBuilder>
 #include <QStringList>
 
 #include <algorithm>
