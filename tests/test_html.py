@@ -112,7 +112,10 @@ class HtmlTest(ProgramTest):
         forgotten = "You have asked only {} out of {} question!\nYou forgot questions: {}\n"
         cases = [
             (TWO, [2, 1], 0, "", ["b", "a"]),
-            (TWO, [1, 1, 2, 2], 0, repeated.format(1) + repeated.format(2), ["a", "b"]),
+            (TWO, [1, 1, 2], 0, repeated.format(1), ["a", "b"]),
+            # Once all were asked, another round begins.
+            (TWO, [1, 2, 2, 1], 0, "", ["a", "b", "b", "a"]),
+            (TWO, [1, 2, 2, 2], 2, repeated.format(2) + forgotten.format(1, 2, " 1\n"), None),
             (TWO, [1], 2, forgotten.format(1, 2, " 2\n"), None),
             (TWO, [3], 0, none.format(3), []),
             (TWO, [0, -7, 1, 2], 0, "", ["a", "b"]),
@@ -130,7 +133,8 @@ class HtmlTest(ProgramTest):
                 controls = page.split("<form>")[1]
                 self.assertEqual(re.findall(r"^(?:</div>\n)?(\w) \n<div", controls, re.M) or [], asked)
                 calls = re.findall(r'^myEventListener\("(\w+)"\);\n(?=--></script>|myEvent)', controls, re.M)
-                self.assertEqual(calls, [f"m0_V{'ab'.index(field) + 1}" for field in asked])
+                # The last script calls for all that was asked before it.
+                self.assertEqual(calls[-len(asked):], [f"m0_V{'ab'.index(field) + 1}" for field in asked])
 
     def test_lists_of_models(self):
         def model(*fields):
@@ -181,7 +185,7 @@ class HtmlTest(ProgramTest):
                                     unusable("ProbabilityMapping: array 'y' has 2 values, 3 needed")))
         # A model of another kind has no constant, a table of two points no maximum, and arrays may be empty.
         self.assertIn("\n\t\t+ m0_V1_score * 1\n\tvar", self.page(shortened("betas", 1).replace('"T"', '"X"')))
-        self.assertIn("var histogramMaxProba=0;", self.page(shortened("x", 1, 2)))
+        self.assertIn("var histogramMaxProba=0.25;", self.page(shortened("x", 1, 2)))  # the third probability
         self.assertIn("mapScore[0]  = [];\nmapProba[0]  = [];\n\nvar", self.page(shortened("x")))
         for x in ["<w>", "<x/><w>"]:
             self.assertIn("var m0_V1_boundAr = [];\n\n", self.page(ONE.replace("<x>", x, 1).replace("</x>", "</w>", 1)))

@@ -9,6 +9,7 @@
 #include "xml/platform.h"
 
 #include <algorithm>
+#include <optional>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -17,10 +18,10 @@ namespace {
 constexpr int exitNothingToAsk = 2;
 constexpr int exitNotScorable = 3;
 
-// Which questions a canvas has placed one by one. Opened by the first of them, complete when as
-// many were asked as there are variables; so columns that several variables share keep it open.
-struct AskedQuestions {
-    enum State { Unused, Open, Complete } state = Unused;
+// Which questions a canvas has placed one by one. A round begins with the first of them and ends
+// when as many were asked as there are variables, so columns that several variables share keep it
+// open. What a canvas asks after that begins another round.
+struct QuestionRound {
     std::vector<bool> asked; // by question; as many as there are variables
     std::size_t count = 0;
 };
@@ -98,27 +99,24 @@ void putAllQuestions(TextBuffer &out, HtmlPage &page) {
     writeListenerScript(out, page);
 }
 
-void putQuestion(TextBuffer &out, HtmlPage &page, AskedQuestions &questions) {
+void putQuestion(TextBuffer &out, HtmlPage &page, std::optional<QuestionRound> &round) {
     const int number = page.tags.questionNumber;
     if (number > std::ssize(page.variables)) {
         printText(u"Question %1 does not exist. Ignoring this call!"_s.arg(number));
         return;
     }
-    if (questions.state == AskedQuestions::Unused) {
-        questions.state = AskedQuestions::Open;
-        questions.asked.resize(page.variables.size());
-    }
+    if (!round) round = {std::vector<bool>(page.variables.size())};
     if (number < 1 || number > std::ssize(page.questions)) return;
     const auto index = static_cast<std::size_t>(number - 1);
-    if (questions.asked[index]) {
+    if (round->asked[index]) {
         printText(u"Question %1 has been asked multiple times. Ignoring this call!"_s.arg(number));
         return;
     }
-    questions.asked[index] = true;
+    round->asked[index] = true;
     writeQuestionControls(out, page, page.questions[index]);
-    if (++questions.count == page.variables.size()) {
+    if (++round->count == page.variables.size()) {
         writeListenerScript(out, page);
-        questions.state = AskedQuestions::Complete;
+        round.reset();
     }
 }
 
@@ -128,7 +126,8 @@ void putAnswer(TextBuffer &out, const HtmlPage &page) {
         u"_total_proba\" style=\"display:inline;\">0</div>\n");
 }
 
-void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind, AskedQuestions &questions) {
+void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind,
+                    std::optional<QuestionRound> &round) {
     switch (kind) {
     case TagKind::Script:
         writeHtmlScript(out, page);
@@ -137,7 +136,7 @@ void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind, AskedQuestion
         putAllQuestions(out, page);
         break;
     case TagKind::Question:
-        putQuestion(out, page, questions);
+        putQuestion(out, page, round);
         break;
     case TagKind::DynScale:
         put(out, u"<input id='scaleProba' type='checkbox' onclick='ComputeModel();' /> "
@@ -170,30 +169,30 @@ qsizetype expectedSize(const HtmlPage &page) {
     return size;
 }
 
-// The canvas with its tags replaced.
-AskedQuestions putPage(TextBuffer &out, HtmlPage &page) {
+// The canvas with its tags replaced. Returns the round that is still open at its end.
+std::optional<QuestionRound> putPage(TextBuffer &out, HtmlPage &page) {
     const QStringView canvas = page.tags.canvas;
-    AskedQuestions questions;
+    std::optional<QuestionRound> round;
     qsizetype copied = 0;
     for (TagKind kind = nextTag(page.tags, TagKind::None); kind != TagKind::None;
          kind = nextTag(page.tags, kind)) {
         const Tag &tag = page.tags[kind];
         if (tag.start > copied) put(out, canvas.sliced(copied, tag.start - copied));
-        putReplacement(out, page, kind, questions);
+        putReplacement(out, page, kind, round);
         copied = tag.end;
     }
     put(out, u"<script type=\"text/javascript\" ><!--\n"
              "computeIsReady=true;\nComputeModel();\n--></script>");
     put(out, canvas.sliced(copied));
-    return questions;
+    return round;
 }
 
-void reportForgottenQuestions(const AskedQuestions &questions) {
+void reportForgottenQuestions(const QuestionRound &round) {
     TextBuffer message;
-    put(message, u"You have asked only ", static_cast<qsizetype>(questions.count), u" out of ",
-        std::ssize(questions.asked), u" question!\nYou forgot questions: ");
-    for (std::size_t i = 0; i < questions.asked.size(); ++i) {
-        if (!questions.asked[i]) put(message, u" ", static_cast<qsizetype>(i + 1), u"\n");
+    put(message, u"You have asked only ", static_cast<qsizetype>(round.count), u" out of ",
+        std::ssize(round.asked), u" question!\nYou forgot questions: ");
+    for (std::size_t i = 0; i < round.asked.size(); ++i) {
+        if (!round.asked[i]) put(message, u" ", static_cast<qsizetype>(i + 1), u"\n");
     }
     put(message, u"\n");
     printText(message.text());
@@ -224,9 +223,8 @@ int exportToHtml(const QString &modelPath, const QString &canvasPath, const QStr
     if (!given.problem.isEmpty()) return reportProblem(given);
 
     TextBuffer out(expectedSize(page));
-    const AskedQuestions questions = putPage(out, page);
-    if (questions.state == AskedQuestions::Open) {
-        reportForgottenQuestions(questions);
+    if (const std::optional<QuestionRound> openRound = putPage(out, page)) {
+        reportForgottenQuestions(*openRound);
         return exitNothingToAsk;
     }
     const auto unusable = std::ranges::find_if(

@@ -109,8 +109,8 @@ void writeScoresAndBounds(TextBuffer &out, HtmlPage &page) {
     }
 }
 
-// Writes the tables from score to probability and raises `maxProbability` to the third probability
-// of each. False when a model ends the script.
+// Writes the table from score to probability and raises `maxProbability` to its third probability,
+// also where there are fewer scores. False when a model ends the script.
 bool writeProbabilityTable(TextBuffer &out, HtmlModel &model, double &maxProbability) {
     if (model.document.root.isEmpty()) return false;
     const XmlNode mapping = model.document.root.childNode(u"ProbabilityMapping");
@@ -120,7 +120,7 @@ bool writeProbabilityTable(TextBuffer &out, HtmlModel &model, double &maxProbabi
     std::vector<double> probabilities;
     readNumbers(model.document, mapping, u"x", 0, scores);
     readNumbers(model.document, mapping, u"y", scores.size(), probabilities);
-    if (scores.size() > 2) maxProbability = std::max(maxProbability, probabilities[2]);
+    if (probabilities.size() > 2) maxProbability = std::max(maxProbability, probabilities[2]);
 
     put(out, u"mapScore[", model.number, u"]  = [");
     writeNumbers(out, scores);
