@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -40,10 +41,7 @@ void requireValues(ModelDocument &document, std::vector<double> &values, std::si
 }
 
 void appendValues(const UnivModel &model, std::vector<QStringView> &values) {
-    const XmlNode modalities = model.node.childNode(u"Modalities");
-    int index = 0;
-    for (XmlNode mod = modalities.childNode(u"Mod", &index); !mod.isEmpty();
-         mod = modalities.childNode(u"Mod", &index)) {
+    for (const XmlNode &mod : model.node.childNode(u"Modalities").children(u"Mod")) {
         values.push_back(mod.attribute(u"val"));
     }
 }
@@ -52,6 +50,41 @@ void appendValues(const UnivModel &model, std::vector<QStringView> &values) {
 std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
     if (scores == BooleanScores::Both || values > 5) return 2;
     return std::min<std::size_t>(values, 1);
+}
+
+struct HashOfName {
+    std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
+};
+struct EqualNames {
+    bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
+};
+// Positions of lists of missing codes by the names of data fields. Of several fields with one name
+// the first counts.
+using MissingLists = std::unordered_map<QStringView, std::size_t, HashOfName, EqualNames>;
+
+// Decodes each list once, however many variables share it.
+MissingLists readMissingCodes(ModelDocument &document, std::vector<MissingCodes> &lists) {
+    const XmlNode dictionary = document.root.childNode(u"DataDictionary");
+    MissingLists ofField;
+    ofField.reserve(static_cast<std::size_t>(dictionary.childCount()));
+    lists.emplace_back();
+    for (const XmlNode &field : dictionary.children(u"DataField")) {
+        std::size_t list = 0;
+        if (const QStringView text = field.childNode(u"Missing").text(); !text.isNull()) {
+            list = lists.size();
+            MissingCodes &missing = lists.emplace_back();
+            missing.isListed = true;
+            decodeArray(document, text, missing.codes);
+            std::reverse(missing.codes.begin(), missing.codes.end());
+        }
+        int next = 0;
+        for (int before = -1; before != next;) { // a field may have several attributes "name"
+            before = next;
+            const QStringView name = field.attribute(u"name", &next);
+            if (!name.isNull()) ofField.try_emplace(name, list);
+        }
+    }
+    return ofField;
 }
 
 } // namespace
@@ -123,10 +156,9 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
     const XmlNode parent = document.root.childNode(u"UnivModels");
     std::vector<UnivModel> models;
     models.reserve(static_cast<std::size_t>(parent.childCount(u"Model")));
-    int index = 0;
-    for (XmlNode node = parent.childNode(u"Model", &index); !node.isEmpty();
-         node = parent.childNode(u"Model", &index)) {
+    for (const XmlNode &node : parent.children(u"Model")) {
         UnivModel model;
+        model.node = node;
         model.position = models.size();
         model.field = node.attribute(u"field");
         model.cleanField = cleanName(model.field, replaced);
@@ -135,48 +167,17 @@ std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView
         const QStringView name = node.attribute(u"name");
         model.number = name.size() > 1 ? xmlToInt(name.sliced(1), -1) : -1;
         model.isCategorical = node.attribute(u"type") == u"MapValues";
-        model.node = std::move(node);
         models.push_back(std::move(model));
     }
     return models;
-}
-
-const MissingCodes &DataDictionary::codesOf(QStringView field) const {
-    const auto found = fields.find(Name(field.isNull() ? QStringView(u"") : field));
-    return lists[found == fields.end() ? 0 : found->second];
-}
-
-DataDictionary readDataDictionary(ModelDocument &document) {
-    const XmlNode parent = document.root.childNode(u"DataDictionary");
-    DataDictionary dictionary;
-    dictionary.lists.emplace_back();
-    dictionary.fields.reserve(static_cast<std::size_t>(parent.childCount()));
-    int index = 0;
-    for (XmlNode field = parent.childNode(u"DataField", &index); !field.isEmpty();
-         field = parent.childNode(u"DataField", &index)) {
-        std::size_t list = 0;
-        if (const QStringView text = field.childNode(u"Missing").text(); !text.isNull()) {
-            list = dictionary.lists.size();
-            MissingCodes &missing = dictionary.lists.emplace_back();
-            missing.isListed = true;
-            decodeArray(document, text, missing.codes);
-            std::reverse(missing.codes.begin(), missing.codes.end());
-        }
-        int next = 0;
-        for (int before = -1; before != next;) { // a field may have several attributes "name"
-            before = next;
-            const QStringView name = field.attribute(u"name", &next);
-            if (!name.isNull()) dictionary.fields.try_emplace(DataDictionary::Name(name), list);
-        }
-    }
-    return dictionary;
 }
 
 NumericRecoding Recodings::numeric(const UnivModel &model) const {
     const Record &record = records[model.position];
     const std::span numbersOfModel = std::span(numbers).subspan(record.firstNumber);
     return {.x = numbersOfModel.first(record.bounds),
-            .y = numbersOfModel.subspan(record.bounds, record.scores)};
+            .y = numbersOfModel.subspan(record.bounds, record.scores),
+            .missing = missingCodes[record.missingList]};
 }
 
 CategoricalRecoding Recodings::categorical(const UnivModel &model) const {
@@ -189,7 +190,7 @@ CategoricalRecoding Recodings::categorical(const UnivModel &model) const {
 Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
                         BooleanScores booleanScores) {
     Recodings all;
-    all.dictionary = readDataDictionary(document);
+    const MissingLists missingLists = readMissingCodes(document, all.missingCodes);
     all.records.reserve(models.size());
     // Room for a document that is nothing but numbers, six bits a character.
     all.numbers.reserve(static_cast<std::size_t>(document.root.sourceLength()) * 6 / 64);
@@ -214,6 +215,9 @@ Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &m
         } else {
             record.bounds = append(model, u"x", 1);
             record.scores = append(model, u"y", record.bounds + 2);
+            const QStringView field = model.cleanField;
+            const auto found = missingLists.find(field.isNull() ? QStringView(u"") : field);
+            if (found != missingLists.end()) record.missingList = found->second;
         }
         all.records.push_back(record);
     }

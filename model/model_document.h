@@ -13,7 +13,6 @@
 #include <QString>
 
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 struct ModelDocument {
@@ -75,11 +74,19 @@ struct UnivModel {
 // All univariate models in document order, their fields cleaned of the characters of `replaced`.
 std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView replaced);
 
+// The numbers that stand for a missing value of a numeric column, the last first, which is how all
+// targets test them. A list that is there may hold none.
+struct MissingCodes {
+    bool isListed = false;
+    std::vector<double> codes;
+};
+
 // The recoding of a numeric column: y[0] for a missing value, y[1] below x[0], y[i + 1] up to x[i],
-// y.back() above x.back(). There are at least one bound and two scores more than bounds.
+// y[x.size() + 1] above x.back(). There is at least one bound; scores beyond these are not used.
 struct NumericRecoding {
     std::span<const double> x;
     std::span<const double> y;
+    const MissingCodes &missing;
 };
 
 // Calls write(bound, score) for the intervals between the first bound and the last, in order.
@@ -107,34 +114,6 @@ struct CategoricalRecoding {
         return y[!isBoolean ? position : position <= 5 ? 1 : 2];
     }
 };
-// The numbers that stand for a missing value of a numeric column, the last first, which is how all
-// targets test them. A list that is there may hold none.
-struct MissingCodes {
-    bool isListed = false;
-    std::vector<double> codes;
-};
-
-// The missing codes by the names of data fields, each list decoded once. Of several fields with one
-// name the first counts.
-struct DataDictionary {
-    // The hash is kept, so that names that differ are told apart without looking at their texts.
-    struct Name {
-        explicit Name(QStringView name) : text(name), hash(hashIgnoringCase(name)) {}
-        bool operator==(const Name &other) const {
-            return hash == other.hash && equalsIgnoringCase(text, other.text);
-        }
-        QStringView text;
-        std::size_t hash;
-    };
-    struct Hash {
-        std::size_t operator()(const Name &name) const { return name.hash; }
-    };
-    std::vector<MissingCodes> lists; // the first is that of a field without a list
-    std::unordered_map<Name, std::size_t, Hash> fields;
-
-    const MissingCodes &codesOf(QStringView field) const;
-};
-DataDictionary readDataDictionary(ModelDocument &document);
 
 // The recodings of all univariate models. Their numbers and values stand one after the other.
 struct Recodings {
@@ -145,11 +124,12 @@ struct Recodings {
         std::size_t firstValue = 0;
         std::size_t values = 0;
         bool isBoolean = false;
+        std::size_t missingList = 0;
     };
     std::vector<Record> records; // of each model
     std::vector<double> numbers;
     std::vector<QStringView> values;
-    DataDictionary dictionary;
+    std::vector<MissingCodes> missingCodes; // each list once; the first is that of a field without
 
     NumericRecoding numeric(const UnivModel &model) const;
     CategoricalRecoding categorical(const UnivModel &model) const;
@@ -158,23 +138,6 @@ struct Recodings {
 enum class BooleanScores { OfValues, Both };
 Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
                         BooleanScores booleanScores = BooleanScores::OfValues);
-
-// --- The walk
-
-// Calls categorical(model, recoding) or numeric(model, recoding, missingCodes) for each model, in
-// document order.
-template <typename Categorical, typename Numeric>
-void forEachRecoding(const Recodings &recodings, const std::vector<UnivModel> &models,
-                     Categorical categorical, Numeric numeric) {
-    for (const UnivModel &model : models) {
-        if (model.isCategorical) {
-            categorical(model, recodings.categorical(model));
-        } else {
-            numeric(model, recodings.numeric(model),
-                    recodings.dictionary.codesOf(model.cleanField));
-        }
-    }
-}
 
 // --- Score and probability
 

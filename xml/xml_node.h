@@ -17,6 +17,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <iterator>
 #include <memory>
 
 // The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
@@ -67,6 +68,7 @@ struct XmlClear {
 
 struct XmlDocument;
 struct XmlElement;
+class XmlChildren;
 
 // A handle to one element of a tree, or the empty node, which is what every failed lookup returns.
 // Every operation on the empty node gives the empty node, a null view, 0 or false.
@@ -94,9 +96,12 @@ public:
     bool isEmpty() const { return element == nullptr; }
 
     // The first child called `name` at or after position `*index` (0 when index is null); index is
-    // then set to the position after it, so that repeated calls step through all of them at a cost
-    // that is linear in the number of children. Without a match `*index` stays as it is.
+    // then set to the position after it. Without a match `*index` stays as it is.
     XmlNode childNode(QStringView name, int *index = nullptr) const;
+
+    // All children called `name`, in order, at a cost that is linear in the number of children:
+    //     for (const XmlNode &value : modalities.children(u"Mod"))
+    XmlChildren children(QStringView name) const;
 
     // The (i+1)-th child called `name`, the last one for i < 0. Costs a scan: not for loops.
     XmlNode childNode(QStringView name, int i) const;
@@ -139,6 +144,41 @@ private:
     XmlDocument *document = nullptr;
     XmlElement *element = nullptr;
 };
+
+// What XmlNode::children returns. It holds the parent.
+class XmlChildren {
+public:
+    class Iterator {
+    public:
+        Iterator(const XmlNode &owner, QStringView childName) : parent(&owner), name(childName) {
+            ++*this;
+        }
+        const XmlNode &operator*() const { return child; }
+        Iterator &operator++() {
+            child = parent->childNode(name, &index);
+            return *this;
+        }
+        bool operator!=(std::default_sentinel_t) const { return !child.isEmpty(); }
+
+    private:
+        const XmlNode *parent;
+        QStringView name;
+        int index = 0;
+        XmlNode child;
+    };
+
+    XmlChildren(XmlNode owner, QStringView childName) : parent(std::move(owner)), name(childName) {}
+    Iterator begin() const { return {parent, name}; }
+    std::default_sentinel_t end() const { return {}; }
+
+private:
+    XmlNode parent;
+    QStringView name;
+};
+
+inline XmlChildren XmlNode::children(QStringView name) const {
+    return {*this, name};
+}
 
 // Equality of two texts without regard to the case of ASCII letters. A null text equals null only.
 bool equalsIgnoringCase(QStringView a, QStringView b);

@@ -62,10 +62,8 @@ struct Category {
 };
 std::map<QStringView, Category> sortCategories(const XmlNode &modalities) {
     std::map<QStringView, Category> categories;
-    int index = 0;
     int position = 0;
-    for (XmlNode mod = modalities.childNode(u"Mod", &index); !mod.isEmpty();
-         mod = modalities.childNode(u"Mod", &index)) {
+    for (const XmlNode &mod : modalities.children(u"Mod")) {
         const QStringView value = mod.attribute(u"val");
         const QStringView label = mod.attribute(u"label");
         categories[value] = {position++, label.isEmpty() ? value : label};

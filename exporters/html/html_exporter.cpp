@@ -46,9 +46,7 @@ std::vector<HtmlModel> readModels(const QString &modelPath) {
         models.push_back(readModel(parsed, modelPath, 0));
         return models;
     }
-    int index = 0;
-    for (XmlNode entry = list.childNode(u"Model", &index); !entry.isEmpty();
-         entry = list.childNode(u"Model", &index)) {
+    for (const XmlNode &entry : list.children(u"Model")) {
         const QString fileName = entry.attribute(u"file").toString();
         models.push_back(readModel(XmlNode::parseFile(fileName), fileName, std::ssize(models)));
     }

@@ -76,11 +76,13 @@ void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
     put(out, u":\n");
 }
 
-void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
+void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
     const QString &name = model.recodingName;
     const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
+    put(out, u"            data = float(df.iloc[line,", model.cleanField, u"_Idx])\n");
+    putMissingTest(out, recoding.missing.codes);
     put(out, u"                ", name, u"=", y[0], u"\n");
     put(out, u"            elif data < ", recoding.x.front(), u":\n                ", name, u" = ",
         y[1], u"\n");
@@ -101,18 +103,14 @@ void putHeading(TextBuffer &out, const UnivModel &model) {
 
 void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
                   const Recodings &recodings) {
-    forEachRecoding(
-        recodings, models,
-        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
-            putHeading(out, model);
-            putCategorical(out, model, recoding);
-        },
-        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
-            putHeading(out, model);
-            put(out, u"            data = float(df.iloc[line,", model.cleanField, u"_Idx])\n");
-            putMissingTest(out, missing.codes);
-            putIntervals(out, model, recoding);
-        });
+    for (const UnivModel &model : models) {
+        putHeading(out, model);
+        if (model.isCategorical) {
+            putCategorical(out, model, recodings.categorical(model));
+        } else {
+            putNumeric(out, model, recodings.numeric(model));
+        }
+    }
 }
 
 void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {

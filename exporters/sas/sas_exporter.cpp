@@ -68,12 +68,13 @@ void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &m
     }
 }
 
-void putIntervals(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
+void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
     const QString &field = model.cleanField;
     const QString &name = model.recodingName;
     const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
+    putMissingTest(out, field, recoding.missing);
     put(out, u") then ", name, u"=", y[0], u";\n");
     put(out, u"   else if (", field, u"<", recoding.x.front(), u") then ", name, u"=", y[1],
         u";\n");
@@ -93,17 +94,14 @@ void putHeading(TextBuffer &out, const UnivModel &model) {
 
 void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
                   const Recodings &recodings) {
-    forEachRecoding(
-        recodings, models,
-        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
-            putHeading(out, model);
-            putCategorical(out, model, recoding);
-        },
-        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
-            putHeading(out, model);
-            putMissingTest(out, model.cleanField, missing);
-            putIntervals(out, model, recoding);
-        });
+    for (const UnivModel &model : models) {
+        putHeading(out, model);
+        if (model.isCategorical) {
+            putCategorical(out, model, recodings.categorical(model));
+        } else {
+            putNumeric(out, model, recodings.numeric(model));
+        }
+    }
 }
 
 void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression,

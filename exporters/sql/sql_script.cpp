@@ -97,15 +97,15 @@ void putPredictionInsert(TextBuffer &out, const SqlScript &script) {
 // --- Score
 
 void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const QString &field,
-                    const NumericRecoding &recoding, const std::vector<double> &missingCodes,
-                    double coefficient) {
+                    const NumericRecoding &recoding, double coefficient) {
     const WrappedName column = {dialect.columnCast, field};
     const auto number = [&](double value) { return sqlNumber(dialect, value); };
     const auto points = [&](double score) { return number(coefficient * score); };
     const double upperTail = recoding.y[recoding.x.size() + 1];
 
     put(out, u"CASE WHEN (", field, u" IS NULL");
-    for (const double code : missingCodes) put(out, u") OR (", column, u"=", number(code));
+    for (const double code : recoding.missing.codes)
+        put(out, u") OR (", column, u"=", number(code));
     put(out, u") THEN ", points(recoding.y[0]), u"\n");
     put(out, u"   WHEN ", column, u"<", number(recoding.x.front()), u" THEN ",
         points(recoding.y[1]), u"\n");
@@ -145,31 +145,23 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QStrin
 // column of its own.
 void putContributions(TextBuffer &out, const SqlScript &script) {
     const SqlDialect &dialect = script.dialect;
+    const Recodings &recodings = script.recodings;
     const bool isDebug = script.configuration.debugRecoding;
-    const bool boolsAreNumbers = script.configuration.boolsAreNumbers;
-    const auto putOpening = [&] {
+    for (const UnivModel &model : script.models) {
+        const QString &field = script.fields[model.position];
+        const double coefficient = script.coefficients[model.position];
         put(out, isDebug ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
-    };
-    const auto putClosing = [&](const UnivModel &model) {
+        if (model.isCategorical) {
+            const CategoricalRecoding recoding = recodings.categorical(model);
+            const bool isNumber = recoding.isBoolean && script.configuration.boolsAreNumbers;
+            putCategoricalCase(out, dialect, field, recoding, isNumber, coefficient);
+        } else {
+            putNumericCase(out, dialect, field, recodings.numeric(model), coefficient);
+        }
         put(out, dialect.scoreCast.closing, u")");
         if (isDebug) put(out, u" AS ", script.debugColumns[model.position]);
         put(out, u"\n");
-    };
-    forEachRecoding(
-        script.recodings, script.models,
-        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
-            putOpening();
-            putCategoricalCase(out, dialect, script.fields[model.position], recoding,
-                               recoding.isBoolean && boolsAreNumbers,
-                               script.coefficients[model.position]);
-            putClosing(model);
-        },
-        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
-            putOpening();
-            putNumericCase(out, dialect, script.fields[model.position], recoding, missing.codes,
-                           script.coefficients[model.position]);
-            putClosing(model);
-        });
+    }
 }
 
 void putScoreSelect(TextBuffer &out, const SqlScript &script) {

@@ -85,15 +85,14 @@ void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRe
 }
 
 // Without a Case Else: a cell that is empty or no number keeps the first score.
-void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding,
-                const std::vector<double> &codes) {
+void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
     const QString &name = model.recodingName;
     const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
     fill(out, vbaNumberOfCell,
          {{u"recoding", name}, {u"unknown", y[0]}, {u"position", positionOf(model)}});
-    for (const double code : codes) {
+    for (const double code : recoding.missing.codes) {
         put(out, u"    Case Is =", streamNumber(code), u"\n", name, u" = ", y[0], u"\n");
     }
     put(out, u"    Case Is <", recoding.x.front(), u"\n      ", name, u"=", y[1], u"\n");
@@ -113,16 +112,14 @@ void putHeading(TextBuffer &out, const UnivModel &model) {
 
 void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
                   const Recodings &recodings) {
-    forEachRecoding(
-        recodings, models,
-        [&](const UnivModel &model, const CategoricalRecoding &recoding) {
-            putHeading(out, model);
-            putCategorical(out, model, recoding);
-        },
-        [&](const UnivModel &model, const NumericRecoding &recoding, const MissingCodes &missing) {
-            putHeading(out, model);
-            putNumeric(out, model, recoding, missing.codes);
-        });
+    for (const UnivModel &model : models) {
+        putHeading(out, model);
+        if (model.isCategorical) {
+            putCategorical(out, model, recodings.categorical(model));
+        } else {
+            putNumeric(out, model, recodings.numeric(model));
+        }
+    }
 }
 
 // Puts every term on a line of its own, in as many statements as the language's limit of
