@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cassert>
 #include <new>
 
 static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
@@ -91,4 +92,17 @@ void append(TextBuffer &out, const EscapedText &escaped) {
         rest = rest.sliced(at + 1);
     }
     put(out, rest);
+}
+
+void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places) {
+    for (qsizetype open = text.indexOf(u'$'); open >= 0; open = text.indexOf(u'$')) {
+        const qsizetype close = text.indexOf(u'$', open + 1);
+        const QStringView name = text.sliced(open + 1, close - open - 1);
+        const auto *const place = std::ranges::find(places, name, &Place::name);
+        assert(place != places.end());
+        put(out, text.first(open));
+        std::visit([&](const auto &value) { put(out, value); }, place->value);
+        text = text.sliced(close + 1);
+    }
+    put(out, text);
 }

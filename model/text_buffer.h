@@ -1,4 +1,5 @@
-// The output of an exporter, and the one way of appending to it:
+// The output of an exporter, and the two ways of appending to it: put for lines, fill for the fixed
+// texts.
 //
 //     put(out, u"   else ", name, u"=", score, u";\n");
 //
@@ -18,8 +19,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <memory>
 #include <utility>
+#include <variant>
 
 enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
 
@@ -117,3 +120,15 @@ template <typename... Pieces>
 void put(TextBuffer &out, const Pieces &...pieces) {
     (append(out, pieces), ...);
 }
+
+// A place in a fixed text, and what goes there.
+struct Place {
+    QStringView name;
+    std::variant<QStringView, std::ptrdiff_t, double> value;
+};
+
+// Appends a fixed text with its places filled. A place is a name between two "$", and must be among
+// those given; what goes there is never searched for places:
+//
+//     fill(out, u"Dim $recoding$ As Double\n", {{u"recoding", name}});
+void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places);

@@ -39,9 +39,12 @@ QStringView captionOf(const UnivModel &univModel) {
 
 void writeNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,
                          const SliderRange &range) {
-    put(out, QStringView(numericControl)
-                 .arg(QString::number(range.min), QString::number(range.max),
-                      QString::number(range.defaultValue), formName, page.tags.labels.unknown));
+    fill(out, numericControl,
+         {{u"min", range.min},
+          {u"max", range.max},
+          {u"preset", range.defaultValue},
+          {u"form", formName},
+          {u"unknown", page.tags.labels.unknown}});
     put(page.listenerCalls, u"myEventListener(\"", formName, u"\");\n");
 }
 
@@ -49,9 +52,14 @@ void writeYesNoControl(TextBuffer &out, const Labels &labels, const QString &for
     const auto mark = [preset](int value) {
         return value == preset ? QStringView(u"CHECKED") : QStringView();
     };
-    put(out, QStringView(yesNoControl)
-                 .arg(formName, mark(0), labels.unknown, mark(2), labels.trueAnswer, mark(1),
-                      labels.falseAnswer));
+    fill(out, yesNoControl,
+         {{u"form", formName},
+          {u"unknownMark", mark(0)},
+          {u"unknown", labels.unknown},
+          {u"trueMark", mark(2)},
+          {u"true", labels.trueAnswer},
+          {u"falseMark", mark(1)},
+          {u"false", labels.falseAnswer}});
 }
 
 // The categories in the order of their values, each with its position in the document. Of several

@@ -1,34 +1,32 @@
-// The fixed stretches of the form controls; %n stands for what the line above the text names.
+// The fixed texts of the form controls; $name$ is a place that is filled.
 #pragma once
 
-// Slider bounds and preset value, form name, unknown label.
 inline constexpr char16_t numericControl[] = uR"html(
 <div style="position:relative; left:50px; height:30px;width:350px;">
   <div style="position:absolute; left:0px; height:100%;width:210px;">
-  <input type="range" min="%1" max="%2" value="%3" id="range_%4">
+  <input type="range" min="$min$" max="$max$" value="$preset$" id="range_$form$">
   </div>
   <div style="position:absolute; left:210px; height:100%;width:200px;">
-    Value: <input type="inputNumber" id="value_%4" value="%3" size="5" name="%4">
+    Value: <input type="inputNumber" id="value_$form$" value="$preset$" size="5" name="$form$">
   </div>
   <div style="position:absolute; left:330px;  height:100%;width:90px;">
-    %5<input type="checkbox" name="unkown_%4" onclick="ComputeModel();"/>
+    $unknown$<input type="checkbox" name="unkown_$form$" onclick="ComputeModel();"/>
   </div>
 </div>
 )html";
 
-// Form name, unknown mark and label, true mark and label, false mark and label.
 inline constexpr char16_t yesNoControl[] = uR"html(
 <div style="position:relative; left:50px; height:30px;width:300px;">
   <div style="position:absolute; left:0px; height:100%;width:100px;">
-    <input onclick="ComputeModel();" type="radio" name="%1" value="0" %2 >%3<br>
+    <input onclick="ComputeModel();" type="radio" name="$form$" value="0" $unknownMark$ >$unknown$<br>
   </div>
   <div style="position:absolute; left:100px; height:100%;width:100px;">
-<input onclick="ComputeModel();" type="radio" name="%1" value="2" %4 >%5<br>
+<input onclick="ComputeModel();" type="radio" name="$form$" value="2" $trueMark$ >$true$<br>
   </div>
   <div style="position:absolute; left:200px; height:100%;width:100px;">
-<input onclick="ComputeModel();" type="radio" name="%1" value="1" %6 >%7<br>
+<input onclick="ComputeModel();" type="radio" name="$form$" value="1" $falseMark$ >$false$<br>
   </div>
-<input type="hidden" name="%1" value="0">
+<input type="hidden" name="$form$" value="0">
   </div>
 )html";
 

@@ -64,19 +64,16 @@ void writeModelSum(TextBuffer &out, HtmlModel &model) {
         put(out, u"\n\t\t+ m", number, u"_", model.univModels[j].node.attribute(u"name"),
             u"_score * ", betas[model.regIndex[j]]);
     }
-    const QString numberText = QString::number(number);
-    if (isProbability) {
-        put(out, u"\n\t\t+ ", betas[constant], QStringView(probabilityEnd).arg(numberText));
-    } else if (isPrediction) {
-        put(out, u"\n\t\t+ ", betas[constant], QStringView(predictionEnd).arg(numberText));
+    if (isProbability || isPrediction) {
+        put(out, u"\n\t\t+ ");
+        fill(out, isProbability ? QStringView(probabilityEnd) : QStringView(predictionEnd),
+             {{u"constant", betas[constant]}, {u"model", number}});
     }
 }
 
 void writeHistogram(TextBuffer &out, const std::vector<HtmlModel> &models) {
-    put(out, histogramHead, std::ssize(models), histogramBackgroundEnd);
-    for (const HtmlModel &model : models) {
-        put(out, QStringView(histogramBar).arg(QString::number(model.number)));
-    }
+    fill(out, histogramHead, {{u"models", std::ssize(models)}});
+    for (const HtmlModel &model : models) fill(out, histogramBar, {{u"model", model.number}});
     put(out, histogramEnd);
 }
 

@@ -1,4 +1,5 @@
-// The fixed stretches of the scoring script, in the order in which they stand in the page.
+// The fixed texts of the scoring script, in the order in which they stand in the page; $name$ is a
+// place that is filled.
 #pragma once
 
 inline constexpr char16_t scriptHead[] = uR"js(<script type="text/javascript">
@@ -75,26 +76,26 @@ var maxHistogramC=-Infinity;
 var minHistogramC= Infinity;
 )js";
 
-// Shows a probability as a percentage; %1 is the model.
-inline constexpr char16_t probabilityEnd[] = uR"js(); // constant term
+// Shows a probability as a percentage.
+inline constexpr char16_t probabilityEnd[] = uR"js($constant$); // constant term
 
 	try{
-	document.getElementById("m%1_total_proba").innerHTML= (m%1_probaTot*100).toFixed(3);
+	document.getElementById("m$model$_total_proba").innerHTML= (m$model$_probaTot*100).toFixed(3);
 	}catch(err){}
-	if (maxHistogram<=m%1_probaTot)maxHistogram=m%1_probaTot;
+	if (maxHistogram<=m$model$_probaTot)maxHistogram=m$model$_probaTot;
 
 )js";
 
-// Shows a prediction as it is; %1 is the model.
-inline constexpr char16_t predictionEnd[] = uR"js(; // constant term
+// Shows a prediction as it is.
+inline constexpr char16_t predictionEnd[] = uR"js($constant$; // constant term
 
 	try{
-	document.getElementById("m%1_total_proba").innerHTML= (m%1_probaTot).toFixed(3);
+	document.getElementById("m$model$_total_proba").innerHTML= (m$model$_probaTot).toFixed(3);
 	}catch(err){}
-	if (maxHistogramC<=m%1_probaTot)maxHistogramC=m%1_probaTot;
+	if (maxHistogramC<=m$model$_probaTot)maxHistogramC=m$model$_probaTot;
 
 
-	if (minHistogramC>=m%1_probaTot)minHistogramC=m%1_probaTot;
+	if (minHistogramC>=m$model$_probaTot)minHistogramC=m$model$_probaTot;
 
 )js";
 
@@ -122,15 +123,11 @@ inline constexpr char16_t histogramHead[] = uR"js(
 	drawing.style.display="block";
 	drawing.style.marginTop=histogramHeight+"px";
 	drawing.innerHTML= "\
-		<div style='position:absolute;background-color:#FFFFFF; left:0px; width:"+(10+(2*histogramBorder+histogramWidth)*)js";
+		<div style='position:absolute;background-color:#FFFFFF; left:0px; width:"+(10+(2*histogramBorder+histogramWidth)*$models$)+"px; bottom:0px; height:"+histogramHeight+"px;'> </div>\)js";
 
-inline constexpr char16_t histogramBackgroundEnd[] =
-    uR"js()+"px; bottom:0px; height:"+histogramHeight+"px;'> </div>\)js";
-
-// One bar of the histogram; %1 is the model.
 inline constexpr char16_t histogramBar[] = uR"js(
-		<div class='histogramBar' style='bottom:0px;position:absolute;line-height:0px;font-size:0px;width:"+histogramWidth+"px; left:"+Math.round(5+(2*histogramBorder+histogramWidth)*%1)+"px;\
-			height:"+Math.round(histogramHeight*m%1_probaTot/maxHistogram)+"px;background-color:"+histogramColor[%1%histogramColor.length]+"'></div>\)js";
+		<div class='histogramBar' style='bottom:0px;position:absolute;line-height:0px;font-size:0px;width:"+histogramWidth+"px; left:"+Math.round(5+(2*histogramBorder+histogramWidth)*$model$)+"px;\
+			height:"+Math.round(histogramHeight*m$model$_probaTot/maxHistogram)+"px;background-color:"+histogramColor[$model$%histogramColor.length]+"'></div>\)js";
 
 inline constexpr char16_t histogramEnd[] = uR"js(
 		";

@@ -23,9 +23,10 @@ QString classNameOf(const QString &modelFile) {
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
                const std::vector<UnivModel> &models) {
-    put(out, u"'''\n", u"   QORVALIS v", document.root.childNode(u"Header").attribute(u"version"));
-    put(out, pythonBannerSource, document.fileName, u" \n");
-    put(out, u"    Total number of variables in model: ", std::ssize(models), pythonBannerColumns);
+    fill(out, pythonBanner,
+         {{u"version", document.root.childNode(u"Header").attribute(u"version")},
+          {u"file", document.fileName},
+          {u"count", std::ssize(models)}});
     for (const UnivModel &model : models) {
         put(out, u"  ", model.cleanField, u"  <->  ", model.recodingName, u"\n");
     }

@@ -1,13 +1,12 @@
-// The fixed stretches of the Python module.
+// The fixed texts of the Python module; $name$ is a place that is filled.
 #pragma once
 
-inline constexpr char16_t pythonBannerSource[] =
-    uR"( auto-generated model                             
+inline constexpr char16_t pythonBanner[] = uR"('''
+   QORVALIS v$version$ auto-generated model                             
    ==========================================================                             
                                                                                          
-    Source model file: )";
-
-inline constexpr char16_t pythonBannerColumns[] = uR"( 
+    Source model file: $file$ 
+    Total number of variables in model: $count$ 
                                                                                          
    Variable Name                        <->  Recoding Name                               
    ----------------------------------------------------------                            

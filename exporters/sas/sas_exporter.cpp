@@ -24,9 +24,10 @@ bool isSupported(const UnivModel &model) {
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
                const std::vector<UnivModel> &models) {
-    put(out, sasBannerTitle, document.root.childNode(u"Header").attribute(u"version"));
-    put(out, sasBannerSource, document.fileName);
-    put(out, sasBannerCount, std::ssize(models), sasBannerColumns);
+    fill(out, sasBanner,
+         {{u"version", document.root.childNode(u"Header").attribute(u"version")},
+          {u"file", document.fileName},
+          {u"count", std::ssize(models)}});
     for (const UnivModel &model : models) {
         put(out, u" *  ", model.cleanField, u"  <->  ", model.recodingName, u"            *\n");
     }

@@ -1,21 +1,14 @@
-// The fixed stretches of the SAS script.
+// The fixed texts of the SAS script; $name$ is a place that is filled.
 #pragma once
 
-inline constexpr char16_t sasBannerTitle[] =
+inline constexpr char16_t sasBanner[] =
     uR"(/******************************************************************************************
  *                                                                                        *
- *  QORVALIS v)";
-
-inline constexpr char16_t sasBannerSource[] =
-    uR"( auto-generated model                             *
+ *  QORVALIS v$version$ auto-generated model                             *
  *  ==========================================================                             *
  *                                                                                        *
- *   Source model file: )";
-
-inline constexpr char16_t sasBannerCount[] = uR"( *
- *   Total number of variables in model: )";
-
-inline constexpr char16_t sasBannerColumns[] = uR"( *
+ *   Source model file: $file$ *
+ *   Total number of variables in model: $count$ *
  *                                                                                        *
  *  Variable Name                        <->  Recoding Name                               *
  *  ----------------------------------------------------------                            *

@@ -1,11 +1,26 @@
 #include "exporters/sql/etl_document.h"
 
-#include "exporters/sql/etl_text.h"
 #include "xml/xml_node.h"
 
 #include <algorithm>
 
 namespace {
+
+constexpr char16_t etlHead[] = uR"(<?xml version="1.0" encoding="utf-16"?>
+<KESTRUNE>
+<GlobalParameters><ODBCConnections>
+<odbc name='DataBaseConnection' link='$link$' login='$login$' password='$password$'/>
+</ODBCConnections></GlobalParameters>
+<ACTIONS>
+<readODBC module='KestruneDefaultDBConnectors'$mode$ idx='0' allowNullOutput='1' odbcname='DataBaseConnection'>
+)";
+
+constexpr char16_t etlEnd[] = uR"(
+</readODBC>
+<RunToFinishLine idx='1' x='125'/>
+</ACTIONS>
+<CONNECTORS><Connection idxSrc='0' idxDest='1'/></CONNECTORS>
+</KESTRUNE>)";
 
 // Only what would be read as markup is escaped, so that the script stays readable.
 void putContent(TextBuffer &out, QStringView text) {
@@ -24,13 +39,14 @@ void putContent(TextBuffer &out, QStringView text) {
 
 void putEtlDocument(TextBuffer &out, const EtlConnection &connection, bool hasReaderMode,
                     QStringView script) {
-    XmlEscapeBuffer escaped;
-    put(out, etlLink, escaped.escape(connection.link));
-    put(out, u"' login='", escaped.escape(connection.login));
-    put(out, u"' password='", escaped.escape(connection.password));
-    put(out, etlReader);
-    if (hasReaderMode) put(out, u" mode='4'");
-    put(out, u" idx='0' allowNullOutput='1' odbcname='DataBaseConnection'>\n");
+    XmlEscapeBuffer link;
+    XmlEscapeBuffer login;
+    XmlEscapeBuffer password;
+    fill(out, etlHead,
+         {{u"link", link.escape(connection.link)},
+          {u"login", login.escape(connection.login)},
+          {u"password", password.escape(connection.password)},
+          {u"mode", hasReaderMode ? QStringView(u" mode='4'") : QStringView()}});
     putContent(out, script);
     put(out, etlEnd);
 }

@@ -1,6 +1,5 @@
 #include "exporters/sql/sql_configuration.h"
 
-#include "exporters/sql/sql_text.h"
 #include "model/output_file.h"
 #include "xml/platform.h"
 #include "xml/xml_node.h"
@@ -19,6 +18,16 @@ enum ConfigurationStatus {
     exitNoPredictionTable = 5,
     exitBadConfiguration = 10,
 };
+
+// Messages about the settings; they end without a line end.
+constexpr char16_t sqlNoInputFile[] =
+    u"Error: cannot convert model: no XML model to convert! ('inputFile' field is empty or mising)";
+constexpr char16_t sqlNoOutputFile[] =
+    u"Error: cannot convert model: the output filename is missing! ('outputFile' field is empty or mising)";
+constexpr char16_t sqlNoInputTable[] =
+    u"Error: cannot convert model: no input table/view is given! ('inputTable' field is empty or mising)";
+constexpr char16_t sqlNoPredictionTable[] =
+    u"Error: cannot convert model: no prediction Table Name is given! ('predictionTable' field is empty or mising)";
 
 SqlConfiguration readSettings(const XmlNode &root) {
     const auto text = [&](QStringView name, QStringView absent = {}) {

@@ -5,38 +5,14 @@
 #include "model/output_file.h"
 #include "model/text_buffer.h"
 
-#include <algorithm>
-#include <cassert>
-#include <initializer_list>
-#include <variant>
-
 namespace {
 
 constexpr QStringView cleanedCharacters = u"\"%'-() /.";
 constexpr int mostLinesOfStatement = 24;
 
-struct Place {
-    QStringView name;
-    std::variant<QStringView, std::ptrdiff_t, double> value;
-};
-
 // Positions count from 1 in the module's arrays.
 std::ptrdiff_t positionOf(const UnivModel &model) {
     return static_cast<std::ptrdiff_t>(model.position) + 1;
-}
-
-// Appends a fixed stretch with its places filled; each must be among those given.
-void fill(TextBuffer &out, QStringView stretch, std::initializer_list<Place> places) {
-    for (qsizetype open = stretch.indexOf(u'{'); open >= 0; open = stretch.indexOf(u'{')) {
-        const qsizetype close = stretch.indexOf(u'}', open);
-        const QStringView name = stretch.sliced(open + 1, close - open - 1);
-        const auto *const place = std::ranges::find(places, name, &Place::name);
-        assert(place != places.end());
-        put(out, stretch.first(open));
-        std::visit([&](const auto &value) { put(out, value); }, place->value);
-        stretch = stretch.sliced(close + 1);
-    }
-    put(out, stretch);
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,

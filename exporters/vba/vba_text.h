@@ -1,4 +1,4 @@
-// The fixed stretches of the VBA module. A name in braces is a place where something is inserted.
+// The fixed texts of the VBA module; $name$ is a place that is filled.
 #pragma once
 
 inline constexpr char16_t vbaDeclarations[] =
@@ -16,11 +16,11 @@ Private tdAllModels(100) As QorvDataType
 inline constexpr char16_t vbaBanner[] =
     uR"(' ******************************************************************************************
 ' *                                                                                        *
-' *  QORVALIS v{version} auto-generated model                             *
+' *  QORVALIS v$version$ auto-generated model                             *
 ' *  ==========================================================                             *
 ' *                                                                                        *
-' *   Source model file: {file} *
-' *   Total number of variables in model: {count}                                    *
+' *   Source model file: $file$ *
+' *   Total number of variables in model: $count$                                    *
 ' *                                                                                        *
 ' *  Variable Name                        <->  Recoding Name                               *
 ' *  ----------------------------------------------------------                            *
@@ -60,11 +60,11 @@ inline constexpr char16_t vbaInitialisation[] = uR"(  Dim td As QorvDataType
      If td.workSheetIdx = -1 Then
         MsgBox ("The sheet '" & sourceWorksheet & "' could not be found in document"), vbOKOnly + vbCritical, "QorvPrediction Error"
         td.isInitialized = False
-        Exit {exit}
+        Exit $exit$
      End If
 
-     ReDim td.indexes({count}) As Integer
-     Dim variableNames({count}) As String
+     ReDim td.indexes($count$) As Integer
+     Dim variableNames($count$) As String
 )";
 
 inline constexpr char16_t vbaTitleSearch[] = uR"(     n = UBound(variableNames, 1)
@@ -81,7 +81,7 @@ inline constexpr char16_t vbaTitleSearch[] = uR"(     n = UBound(variableNames, 
         If (j > idxEnd) Then
             MsgBox ("The variable '" & variableNames(i) & "' could not be found on title row"), vbOK + vbCritical, "QorvPrediction Error"
             ReDim td.indexes(0)
-            Exit {exit}
+            Exit $exit$
         End If
      Next i
   End If
@@ -96,18 +96,18 @@ inline constexpr char16_t vbaRowDeclarations[] = uR"(  Dim idxRowdata, idxStartD
 )";
 
 inline constexpr char16_t vbaRecodingHead[] = uR"(
-'   computing recoding '{recoding}'
-'   based on the {type} column of display name '{label}'
+'   computing recoding '$recoding$'
+'   based on the $type$ column of display name '$label$'
 
-  Dim {recoding} As Double
+  Dim $recoding$ As Double
 )";
 
-inline constexpr char16_t vbaCategoryOfCell[] = uR"(  {recoding} = {unknown}
-  Select case Trim(ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes({position})).Value)
+inline constexpr char16_t vbaCategoryOfCell[] = uR"(  $recoding$ = $unknown$
+  Select case Trim(ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes($position$)).Value)
 )";
 
-inline constexpr char16_t vbaNumberOfCell[] = uR"(  {recoding} = {unknown}
-  myCell = ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes({position})).Value
+inline constexpr char16_t vbaNumberOfCell[] = uR"(  $recoding$ = $unknown$
+  myCell = ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes($position$)).Value
   If (IsNumeric(myCell) And (Len(myCell) > 0)) Then
    Select case CDbl(myCell)
 )";
@@ -126,15 +126,15 @@ inline constexpr char16_t vbaRangeRows[] = uR"(   Application.EnableEvents = Fal
 )";
 
 // The green of an empty cell is beyond what a component holds; a worksheet takes it as 255.
-inline constexpr char16_t vbaRangeCheck[] = uR"('    {recoding}
-     Set c=ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRow, idxStartData + td.indexes({position}))
+inline constexpr char16_t vbaRangeCheck[] = uR"('    $recoding$
+     Set c=ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRow, idxStartData + td.indexes($position$))
      If (Trim(c.Value) = "") Then
          c.Interior.Color = RGB(158, 274, 255)
      Else
        Select case CDbl(c.Value)
-         Case Is <{lowest}
+         Case Is <$lowest$
            c.Interior.Color = RGB(255, 183, 139)
-         Case Is >{highest}
+         Case Is >$highest$
            c.Interior.Color = RGB(238, 158, 255)
          Case Else
            c.Interior.Color = RGB(255, 255, 255)
