@@ -5,8 +5,8 @@
 #include "exporters/sas/sas_exporter.h"
 #include "exporters/sql/sql_exporter.h"
 #include "exporters/vba/vba_exporter.h"
-#include "model/output_file.h"
-#include "xml/platform.h"
+#include "model/exit_status.h"
+#include "platform/platform.h"
 
 #include <algorithm>
 #include <array>

@@ -1,37 +1,32 @@
 #include "model/output_file.h"
 
-#include "xml/platform.h"
+#include <algorithm>
+#include <bit>
 
-using namespace Qt::Literals::StringLiterals;
+static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
 
-int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out) {
-    out.reserveBlock(); // before the file is emptied
-    OutputFile file;
-    file.stream.reset(openFile(fileName, FileUse::Write));
-    file.encoding = encoding;
-    if (!file.stream) {
-        printText(u"Cannot open file '%1' for writing.\n"_s.arg(fileName));
-        return exitCannotOpenOutput;
+namespace {
+
+// Converts piece by piece: a second copy of the whole text would cost its memory once more.
+void writeUtf8(std::FILE *stream, QStringView text) {
+    constexpr qsizetype most = 1 << 12;
+    while (!text.isEmpty()) {
+        QStringView piece = text.first(std::min(most, text.size()));
+        if (piece.size() < text.size() && endsInHalfPair(piece)) piece.chop(1);
+        const QByteArray bytes = piece.toUtf8();
+        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
+        text = text.sliced(piece.size());
     }
-    const QByteArrayView mark = encoding == OutputEncoding::Utf16 ? "\xFF\xFE" : "\xEF\xBB\xBF";
-    const auto size = static_cast<std::size_t>(mark.size());
-    std::FILE *const stream = file.stream.get();
-    // Flushed, because a buffer would hide that a full device does not take the mark.
-    if (std::fwrite(mark.data(), 1, size, stream) != size || std::fflush(stream) != 0) {
-        printText(u"Cannot write to file '%1'.\n"_s.arg(fileName));
-        return exitCannotWriteOutput;
-    }
-    out.writeTo(std::move(file));
-    return exitSuccess;
 }
 
-void reportSuccess() {
-    printText(u"Conversion successful!\n");
-}
+} // namespace
 
-void writePage(const QString &fileName, QStringView text) {
-    OutputFile file;
-    file.stream.reset(openFile(fileName, FileUse::Write));
-    file.encoding = OutputEncoding::Utf8;
-    if (file.stream) writeText(file, text);
+void writeText(const OutputFile &file, QStringView text) {
+    if (text.isEmpty()) return; // it may have no memory either
+    if (file.encoding == OutputEncoding::Utf8) {
+        writeUtf8(file.stream.get(), text);
+    } else {
+        std::fwrite(text.utf16(), sizeof(char16_t), static_cast<std::size_t>(text.size()),
+                    file.stream.get());
+    }
 }

@@ -1,47 +1,26 @@
-// Writing the output file of an exporter, and the messages and exit statuses that all exporters
-// share.
+// A file that an exporter writes its output to.
 #pragma once
 
-#include "model/text_buffer.h"
+#include <QStringView>
 
-#include <QString>
+#include <cstdio>
+#include <memory>
 
-// The exit statuses of more than one exporter.
-enum ExitStatus {
-    exitSuccess = 0,
-    exitCannotOpenOutput = 6,
-    exitCannotWriteOutput = 7,
-    exitUnusableModel = 8,
+enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
+
+// A file that is open for writing. Without a stream there is none.
+struct OutputFile {
+    struct Close {
+        void operator()(std::FILE *opened) const { std::fclose(opened); }
+    };
+    std::unique_ptr<std::FILE, Close> stream;
+    OutputEncoding encoding = OutputEncoding::Utf16;
 };
 
-// Creates or empties the file, writes the mark of the encoding and puts the buffer before the file.
-// Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput when the file cannot
-// be opened or takes no mark.
-int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out);
-
-// Creates or replaces the file with what write(out) puts. Returns what openOutput does; silent on
-// success. An exporter calls this when it has read all of the model: nothing can go wrong then, and
-// what was in the file is lost.
-template <typename Write>
-int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
-    TextBuffer out;
-    const int status = openOutput(fileName, encoding, out);
-    if (status != exitSuccess) return status;
-    write(out);
-    out.close();
-    return exitSuccess;
+// Whether the text ends in the first half of a pair, which is only converted with the second.
+inline bool endsInHalfPair(QStringView text) {
+    return !text.isEmpty() && text.back().isHighSurrogate();
 }
 
-void reportSuccess();
-
-// The same in UTF-16, and a message of success.
-template <typename Write>
-int writeScript(const QString &fileName, Write write) {
-    const int status = writeOutput(fileName, OutputEncoding::Utf16, write);
-    if (status == exitSuccess) reportSuccess();
-    return status;
-}
-
-// Creates or replaces the file and writes the text in UTF-8 without mark. Prints nothing: a file
-// that cannot be opened is left alone.
-void writePage(const QString &fileName, QStringView text);
+// Appends the text to the file. Whether the device takes the text is not tested.
+void writeText(const OutputFile &file, QStringView text);

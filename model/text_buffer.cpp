@@ -1,43 +1,10 @@
 #include "model/text_buffer.h"
 
-#include "xml/platform.h"
+#include "platform/platform.h"
 
 #include <algorithm>
-#include <bit>
 #include <cassert>
 #include <new>
-
-static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
-
-namespace {
-
-bool endsInHalfPair(QStringView text) {
-    return !text.isEmpty() && text.back().isHighSurrogate();
-}
-
-// Converts piece by piece: a second copy of the whole text would cost its memory once more.
-void writeUtf8(std::FILE *stream, QStringView text) {
-    constexpr qsizetype most = 1 << 12;
-    while (!text.isEmpty()) {
-        QStringView piece = text.first(std::min(most, text.size()));
-        if (piece.size() < text.size() && endsInHalfPair(piece)) piece.chop(1);
-        const QByteArray bytes = piece.toUtf8();
-        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stream);
-        text = text.sliced(piece.size());
-    }
-}
-
-} // namespace
-
-void writeText(const OutputFile &file, QStringView text) {
-    if (text.isEmpty()) return; // it may have no memory either
-    if (file.encoding == OutputEncoding::Utf8) {
-        writeUtf8(file.stream.get(), text);
-    } else {
-        std::fwrite(text.utf16(), sizeof(char16_t), static_cast<std::size_t>(text.size()),
-                    file.stream.get());
-    }
-}
 
 TextBuffer::TextBuffer(qsizetype expected) {
     // Memory that is never touched costs nothing; where there is none to promise, it can wait.

@@ -11,32 +11,18 @@
 #pragma once
 
 #include "model/number_text.h"
+#include "model/output_file.h"
 
 #include <QStringView>
 
 #include <algorithm>
 #include <concepts>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 #include <memory>
 #include <utility>
 #include <variant>
-
-enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
-
-// A file that is open for writing. Without a stream there is none.
-struct OutputFile {
-    struct Close {
-        void operator()(std::FILE *opened) const { std::fclose(opened); }
-    };
-    std::unique_ptr<std::FILE, Close> stream;
-    OutputEncoding encoding = OutputEncoding::Utf16;
-};
-
-// Whether the device takes the text is not tested.
-void writeText(const OutputFile &file, QStringView text);
 
 class TextBuffer {
 public:

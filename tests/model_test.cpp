@@ -1,4 +1,4 @@
-#include "model/model_document.h"
+#include "model/regression.h"
 #include "model/number_text.h"
 #include "model/text_buffer.h"
 

@@ -1,4 +1,4 @@
-#include "xml/platform.h"
+#include "platform/platform.h"
 #include "xml/xml_document.h"
 
 #include <QStringDecoder>

@@ -1,6 +1,6 @@
 // Tokens and elements. One loop with a stack of its own takes the place of recursion, so that no
 // document can exhaust the process's stack.
-#include "xml/platform.h"
+#include "platform/platform.h"
 #include "xml/xml_document.h"
 
 #include <algorithm>

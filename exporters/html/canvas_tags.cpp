@@ -1,6 +1,6 @@
 #include "exporters/html/canvas_tags.h"
 
-#include "xml/platform.h"
+#include "platform/platform.h"
 
 #include <algorithm>
 #include <limits>

@@ -5,8 +5,8 @@
 #include "exporters/html/html_page.h"
 #include "exporters/html/scoring_script.h"
 #include "exporters/html/variable_list.h"
-#include "model/output_file.h"
-#include "xml/platform.h"
+#include "model/write_output.h"
+#include "platform/platform.h"
 
 #include <algorithm>
 #include <optional>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exporters/html/canvas_tags.h"
-#include "model/model_document.h"
+#include "model/recodings.h"
 #include "model/text_buffer.h"
 
 // One of the models that the page scores. A document that cannot be read has no univariate models.

@@ -1,6 +1,6 @@
 #include "exporters/html/variable_list.h"
 
-#include "xml/platform.h"
+#include "platform/platform.h"
 
 #include <QHash>
 

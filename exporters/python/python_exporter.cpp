@@ -1,9 +1,9 @@
 #include "exporters/python/python_exporter.h"
 
 #include "exporters/python/python_text.h"
-#include "model/model_document.h"
-#include "model/output_file.h"
+#include "model/regression.h"
 #include "model/text_buffer.h"
+#include "model/write_output.h"
 
 #include <algorithm>
 

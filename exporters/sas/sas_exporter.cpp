@@ -1,10 +1,10 @@
 #include "exporters/sas/sas_exporter.h"
 
 #include "exporters/sas/sas_text.h"
-#include "model/model_document.h"
-#include "model/output_file.h"
+#include "model/regression.h"
 #include "model/text_buffer.h"
-#include "xml/platform.h"
+#include "model/write_output.h"
+#include "platform/platform.h"
 
 #include <algorithm>
 

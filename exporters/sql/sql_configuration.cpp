@@ -1,7 +1,7 @@
 #include "exporters/sql/sql_configuration.h"
 
-#include "model/output_file.h"
-#include "xml/platform.h"
+#include "model/exit_status.h"
+#include "platform/platform.h"
 #include "xml/xml_node.h"
 
 #include <QStringList>

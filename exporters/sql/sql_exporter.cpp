@@ -5,8 +5,8 @@
 #include "exporters/sql/sql_dialect.h"
 #include "exporters/sql/sql_script.h"
 #include "model/model_document.h"
-#include "model/output_file.h"
 #include "model/text_buffer.h"
+#include "model/write_output.h"
 
 int exportToSql(const QString &configurationFile) {
     SqlConfiguration configuration;

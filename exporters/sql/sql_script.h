@@ -3,7 +3,7 @@
 
 #include "exporters/sql/sql_configuration.h"
 #include "exporters/sql/sql_dialect.h"
-#include "model/model_document.h"
+#include "model/regression.h"
 #include "model/text_buffer.h"
 
 enum class SqlPlan {

@@ -1,9 +1,9 @@
 #include "exporters/vba/vba_exporter.h"
 
 #include "exporters/vba/vba_text.h"
-#include "model/model_document.h"
-#include "model/output_file.h"
+#include "model/regression.h"
 #include "model/text_buffer.h"
+#include "model/write_output.h"
 
 namespace {
 

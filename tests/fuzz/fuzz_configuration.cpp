@@ -3,7 +3,7 @@
 #include "exporters/sql/sql_configuration.h"
 #include "exporters/sql/sql_dialect.h"
 #include "exporters/sql/sql_script.h"
-#include "model/output_file.h"
+#include "model/exit_status.h"
 #include "tests/fuzz/fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

@@ -1,4 +1,4 @@
-#include "xml/platform.h"
+#include "platform/platform.h"
 
 #include <QStringEncoder>
 

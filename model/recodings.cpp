@@ -1,0 +1,130 @@
+#include "model/recodings.h"
+
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace {
+
+void appendValues(const UnivModel &model, std::vector<QStringView> &values) {
+    for (const XmlNode &mod : model.node.childNode(u"Modalities").children(u"Mod")) {
+        values.push_back(mod.attribute(u"val"));
+    }
+}
+
+// The score of a missing value is not counted.
+std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
+    if (scores == BooleanScores::Both || values > 5) return 2;
+    return std::min<std::size_t>(values, 1);
+}
+
+struct HashOfName {
+    std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
+};
+struct EqualNames {
+    bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
+};
+// Positions of lists of missing codes by the names of data fields. Of several fields with one name
+// the first counts.
+using MissingLists = std::unordered_map<QStringView, std::size_t, HashOfName, EqualNames>;
+
+// Decodes each list once, however many variables share it.
+MissingLists readMissingCodes(ModelDocument &document, std::vector<MissingCodes> &lists) {
+    const XmlNode dictionary = document.root.childNode(u"DataDictionary");
+    MissingLists ofField;
+    ofField.reserve(static_cast<std::size_t>(dictionary.childCount()));
+    lists.emplace_back();
+    for (const XmlNode &field : dictionary.children(u"DataField")) {
+        std::size_t list = 0;
+        if (const QStringView text = field.childNode(u"Missing").text(); !text.isNull()) {
+            list = lists.size();
+            MissingCodes &missing = lists.emplace_back();
+            missing.isListed = true;
+            readNumbers(document, field, u"Missing", 0, missing.codes);
+            std::reverse(missing.codes.begin(), missing.codes.end());
+        }
+        int next = 0;
+        for (int before = -1; before != next;) { // a field may have several attributes "name"
+            before = next;
+            const QStringView name = field.attribute(u"name", &next);
+            if (!name.isNull()) ofField.try_emplace(name, list);
+        }
+    }
+    return ofField;
+}
+
+} // namespace
+
+std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView replaced) {
+    constexpr qsizetype longestName = 31;
+    const XmlNode parent = document.root.childNode(u"UnivModels");
+    std::vector<UnivModel> models;
+    models.reserve(static_cast<std::size_t>(parent.childCount(u"Model")));
+    for (const XmlNode &node : parent.children(u"Model")) {
+        UnivModel model;
+        model.node = node;
+        model.position = models.size();
+        model.field = node.attribute(u"field");
+        model.cleanField = cleanName(model.field, replaced);
+        model.recodingName =
+            (u'R' + QString::number(models.size()) + u'_' + model.cleanField).left(longestName);
+        const QStringView name = node.attribute(u"name");
+        model.number = name.size() > 1 ? xmlToInt(name.sliced(1), -1) : -1;
+        model.isCategorical = node.attribute(u"type") == u"MapValues";
+        models.push_back(std::move(model));
+    }
+    return models;
+}
+
+NumericRecoding Recodings::numeric(const UnivModel &model) const {
+    const Record &record = records[model.position];
+    const std::span numbersOfModel = std::span(numbers).subspan(record.firstNumber);
+    return {.x = numbersOfModel.first(record.bounds),
+            .y = numbersOfModel.subspan(record.bounds, record.scores),
+            .missing = missingCodes[record.missingList]};
+}
+
+CategoricalRecoding Recodings::categorical(const UnivModel &model) const {
+    const Record &record = records[model.position];
+    return {.values = std::span(values).subspan(record.firstValue, record.values),
+            .y = std::span(numbers).subspan(record.firstNumber, record.scores),
+            .isBoolean = record.isBoolean};
+}
+
+Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
+                        BooleanScores booleanScores) {
+    Recodings all;
+    const MissingLists missingLists = readMissingCodes(document, all.missingCodes);
+    all.records.reserve(models.size());
+    // Room for a document that is nothing but numbers, six bits a character.
+    all.numbers.reserve(static_cast<std::size_t>(document.root.sourceLength()) * 6 / 64);
+    preferLargePages(all.numbers.data(), all.numbers.capacity() * sizeof(double));
+    std::vector<double> array;
+    const auto append = [&](const UnivModel &model, QStringView name, std::size_t needed) {
+        readNumbers(document, model.node, name, needed, array);
+        all.numbers.insert(all.numbers.end(), array.begin(), array.end());
+        return array.size();
+    };
+    for (const UnivModel &model : models) {
+        Recodings::Record record{.firstNumber = all.numbers.size(),
+                                 .firstValue = all.values.size()};
+        if (model.isCategorical) {
+            appendValues(model, all.values);
+            record.values = all.values.size() - record.firstValue;
+            record.isBoolean = model.node.attribute(u"tname") == u"bb64";
+            const std::size_t scores = record.isBoolean
+                                           ? booleanScoresNeeded(record.values, booleanScores)
+                                           : record.values;
+            record.scores = append(model, u"y", 1 + scores);
+        } else {
+            record.bounds = append(model, u"x", 1);
+            record.scores = append(model, u"y", record.bounds + 2);
+            const QStringView field = model.cleanField;
+            const auto found = missingLists.find(field.isNull() ? QStringView(u"") : field);
+            if (found != missingLists.end()) record.missingList = found->second;
+        }
+        all.records.push_back(record);
+    }
+    return all;
+}

@@ -1,0 +1,93 @@
+#include "model/regression.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
+                          ConstantTerm constantTerm) {
+    const XmlNode node = document.root.childNode(u"RegressionModel");
+    std::vector<int> indexes;
+    std::vector<double> betas;
+    readIntegers(document, node, u"indexes", indexes);
+    const XmlNode list = node.childNode(u"indexes");
+    if (list.isEmpty() || (indexes.empty() && !list.text().isNull())) {
+        // Without the numbers of its models the regression would be no more than its first beta.
+        noteProblem(document, u"RegressionModel: array 'indexes' is absent or holds no number"_s);
+    }
+    const bool hasConstant = constantTerm == ConstantTerm::Read;
+    readNumbers(document, node, u"betas", indexes.size() + (hasConstant ? 1 : 0), betas);
+
+    QHash<int, int> lastOfNumber;
+    lastOfNumber.reserve(std::ssize(models));
+    for (int k = 0; k < static_cast<int>(models.size()); ++k) {
+        lastOfNumber.insert(models[static_cast<std::size_t>(k)].number, k);
+    }
+    Regression regression;
+    regression.terms.reserve(indexes.size());
+    for (std::size_t j = 0; j < indexes.size(); ++j) {
+        regression.terms.push_back({betas[j], indexes[j], lastOfNumber.value(indexes[j], -1)});
+    }
+    if (hasConstant) regression.constant = betas[indexes.size()];
+    return regression;
+}
+
+QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term) {
+    if (term.model < 0) return {};
+    return models[static_cast<std::size_t>(term.model)].recodingName;
+}
+
+void requireModels(ModelDocument &document, const Regression &regression) {
+    const auto unmatched = std::find_if(regression.terms.begin(), regression.terms.end(),
+                                        [](const RegressionTerm &term) { return term.model < 0; });
+    if (unmatched != regression.terms.end()) {
+        noteProblem(document, u"RegressionModel: array 'indexes' holds %1, which is the number of "
+                              "no model"_s.arg(unmatched->index));
+    }
+}
+
+std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
+                                      const Regression &regression) {
+    QHash<int, double> ofNumber;
+    ofNumber.reserve(std::ssize(regression.terms));
+    for (const RegressionTerm &term : regression.terms) ofNumber[term.index] = term.coefficient;
+
+    std::vector<double> coefficients;
+    coefficients.reserve(models.size());
+    for (const UnivModel &model : models) {
+        if (document.problem.isEmpty() && !ofNumber.contains(model.number)) {
+            noteProblem(document,
+                        u"%1: its number is not in the array 'indexes' of RegressionModel"_s.arg(
+                            describe(model.node)));
+        }
+        coefficients.push_back(ofNumber.value(model.number));
+    }
+    return coefficients;
+}
+
+ProbabilityTable readProbabilityTable(ModelDocument &document) {
+    const XmlNode node = document.root.childNode(u"ProbabilityMapping");
+    ProbabilityTable table;
+    table.exists = !node.isEmpty();
+    if (table.exists) {
+        readNumbers(document, node, u"x", 1, table.x);
+        readNumbers(document, node, u"y", table.x.size(), table.y);
+    }
+    return table;
+}
+
+ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i) {
+    const std::vector<double> &x = table.x;
+    const std::vector<double> &y = table.y;
+    const double slope = (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
+    const double product = x[i] * slope;
+    return {x[i], slope, y[i] - product};
+}
+
+bool hasLogisticProbability(const ModelDocument &document) {
+    return document.root.childNode(u"RegressionModel")
+        .attribute(u"normalizationMethod")
+        .startsWith(u"so");
+}

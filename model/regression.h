@@ -1,0 +1,66 @@
+// From the recodings of a row to its score, and from there to its probability.
+#pragma once
+
+#include "model/recodings.h"
+
+#include <span>
+#include <vector>
+
+// The score is the constant plus, for each term, its coefficient times the recoding of its model.
+struct RegressionTerm {
+    double coefficient;
+    int index; // the number that the document gives for the model
+    int model; // position among the univariate models; -1 when none has that number
+};
+struct Regression {
+    std::vector<RegressionTerm> terms;
+    double constant = 0;
+};
+// Of several models with one number the last gets the term. A constant that is left out reads as 0
+// and need not exist.
+enum class ConstantTerm { Read, LeftOut };
+Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
+                          ConstantTerm constantTerm = ConstantTerm::Read);
+
+// The name of the recoding that a term multiplies; empty when there is no such model.
+QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term);
+
+// Notes a problem when a term has no model.
+void requireModels(ModelDocument &document, const Regression &regression);
+
+// The coefficient of each model: that of the last term with the model's number, which models of one
+// number share. Notes a problem when a model has no term; its coefficient is 0.
+std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
+                                      const Regression &regression);
+
+// Score points in decreasing order and the probabilities there. Where the document has a table, it
+// has at least one point.
+struct ProbabilityTable {
+    bool exists = false;
+    std::vector<double> x;
+    std::vector<double> y; // at least as many as x
+};
+ProbabilityTable readProbabilityTable(ModelDocument &document);
+
+// Scores above `threshold` (and not above that of the segment before) have the probability
+// intercept + score * slope.
+struct ProbabilitySegment {
+    double threshold;
+    double slope;
+    double intercept;
+};
+// The segment from point i of the table, which has another score, up to the point before it.
+ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i);
+// Calls write(segment) for the segments down to the last point of the table, or to the last but
+// one; there is none between two points with one score.
+enum class LastSegment { Written, LeftOut };
+template <typename Write>
+void forEachSegment(const ProbabilityTable &table, LastSegment lastSegment, Write write) {
+    const std::size_t end = table.x.size() - (lastSegment == LastSegment::Written ? 0 : 1);
+    for (std::size_t i = 1; i < end; ++i) {
+        if (table.x[i] != table.x[i - 1]) write(probabilitySegment(table, i));
+    }
+}
+
+// Whether the score becomes a probability by the logistic function, where there is no table.
+bool hasLogisticProbability(const ModelDocument &document);

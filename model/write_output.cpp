@@ -1,0 +1,37 @@
+#include "model/write_output.h"
+
+#include "platform/platform.h"
+
+using namespace Qt::Literals::StringLiterals;
+
+int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out) {
+    out.reserveBlock(); // before the file is emptied
+    OutputFile file;
+    file.stream.reset(openFile(fileName, FileUse::Write));
+    file.encoding = encoding;
+    if (!file.stream) {
+        printText(u"Cannot open file '%1' for writing.\n"_s.arg(fileName));
+        return exitCannotOpenOutput;
+    }
+    const QByteArrayView mark = encoding == OutputEncoding::Utf16 ? "\xFF\xFE" : "\xEF\xBB\xBF";
+    const auto size = static_cast<std::size_t>(mark.size());
+    std::FILE *const stream = file.stream.get();
+    // Flushed, because a buffer would hide that a full device does not take the mark.
+    if (std::fwrite(mark.data(), 1, size, stream) != size || std::fflush(stream) != 0) {
+        printText(u"Cannot write to file '%1'.\n"_s.arg(fileName));
+        return exitCannotWriteOutput;
+    }
+    out.writeTo(std::move(file));
+    return exitSuccess;
+}
+
+void reportSuccess() {
+    printText(u"Conversion successful!\n");
+}
+
+void writePage(const QString &fileName, QStringView text) {
+    OutputFile file;
+    file.stream.reset(openFile(fileName, FileUse::Write));
+    file.encoding = OutputEncoding::Utf8;
+    if (file.stream) writeText(file, text);
+}

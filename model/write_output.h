@@ -1,0 +1,39 @@
+// Writing the output of an exporter, with the messages that all exporters share.
+#pragma once
+
+#include "model/exit_status.h"
+#include "model/text_buffer.h"
+
+#include <QString>
+
+// Creates or empties the file, writes the mark of the encoding and puts the buffer before the file.
+// Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput when the file cannot
+// be opened or takes no mark.
+int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out);
+
+// Creates or replaces the file with what write(out) puts. Returns what openOutput does; silent on
+// success. An exporter calls this when it has read all of the model: nothing can go wrong then, and
+// what was in the file is lost.
+template <typename Write>
+int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
+    TextBuffer out;
+    const int status = openOutput(fileName, encoding, out);
+    if (status != exitSuccess) return status;
+    write(out);
+    out.close();
+    return exitSuccess;
+}
+
+void reportSuccess();
+
+// The same in UTF-16, and a message of success.
+template <typename Write>
+int writeScript(const QString &fileName, Write write) {
+    const int status = writeOutput(fileName, OutputEncoding::Utf16, write);
+    if (status == exitSuccess) reportSuccess();
+    return status;
+}
+
+// Creates or replaces the file and writes the text in UTF-8 without mark. Prints nothing: a file
+// that cannot be opened is left alone.
+void writePage(const QString &fileName, QStringView text);
