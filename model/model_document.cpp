@@ -68,8 +68,8 @@ QString describe(const XmlNode &node) {
     return u"model '%1' (field '%2')"_s.arg(node.attribute(u"name"), node.attribute(u"field"));
 }
 
-int reportProblem(const ModelDocument &document) {
-    QString message = u"Cannot convert model '%1': %2."_s.arg(document.fileName, document.problem);
+int reportProblem(const QString &fileName, const QString &problem) {
+    QString message = u"Cannot convert model '%1': %2."_s.arg(fileName, problem);
     // Names may hold line ends; the message is one line all the same.
     for (const char16_t lineEnd : {u'\n', u'\r'}) message.replace(lineEnd, u' ');
     printText(message + u'\n');

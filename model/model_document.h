@@ -38,8 +38,11 @@ void noteProblem(ModelDocument &document, const QString &problem);
 // How messages call the element that an array belongs to.
 QString describe(const XmlNode &node);
 
-// Prints the document's problem as one line and returns exitUnusableModel.
-int reportProblem(const ModelDocument &document);
+// Prints as one line why a model cannot be converted, and returns exitUnusableModel.
+int reportProblem(const QString &fileName, const QString &problem);
+inline int reportProblem(const ModelDocument &document) {
+    return reportProblem(document.fileName, document.problem);
+}
 
 // --- Arrays
 

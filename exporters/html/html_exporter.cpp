@@ -28,34 +28,6 @@ struct QuestionRound {
 
 // --- What goes in
 
-HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype number) {
-    HtmlModel model;
-    model.number = static_cast<int>(number);
-    model.document.fileName = fileName;
-    model.document.root = rootElement(parsed, u"QRV_Model");
-    model.univModels = readUnivModels(model.document, {});
-    return model;
-}
-
-// No model when the file is a list without entries.
-std::vector<HtmlModel> readModels(const QString &modelPath) {
-    const XmlNode parsed = XmlNode::parseFile(modelPath);
-    const XmlNode list = rootElement(parsed, u"Models");
-    std::vector<HtmlModel> models;
-    if (list.isEmpty()) {
-        models.push_back(readModel(parsed, modelPath, 0));
-        return models;
-    }
-    for (const XmlNode &entry : list.children(u"Model")) {
-        const QString fileName = entry.attribute(u"file").toString();
-        models.push_back(readModel(XmlNode::parseFile(fileName), fileName, std::ssize(models)));
-    }
-    if (models.empty()) {
-        printText(u"Couldn't find tag 'Model' in XML-Models file '%1'!"_s.arg(modelPath));
-    }
-    return models;
-}
-
 QByteArray readFile(const QString &fileName) {
     QByteArray bytes;
     std::FILE *const file = openFile(fileName, FileUse::Read);
@@ -210,15 +182,12 @@ int exportToHtml(const QString &modelPath, const QString &canvasPath, const QStr
     const QString canvas = readCanvas(canvasPath);
     page.tags = scanCanvas(canvas);
     if (!hasRequiredTags(page.tags)) return exitNotScorable;
-    if (!findRegressionPositions(page.models)) return exitNotScorable;
+    if (!readRegressions(page.models)) return exitNotScorable;
     page.variables = listVariables(page.models);
     page.questions = listQuestions(page.variables);
 
-    // The lines are those of all models, so that the problem is that of the path given.
-    ModelDocument given;
-    given.fileName = modelPath;
-    given.problem = scoreLinesProblem(page.variables);
-    if (!given.problem.isEmpty()) return reportProblem(given);
+    const QString problem = scoreLinesProblem(page.variables);
+    if (!problem.isEmpty()) return reportProblem(modelPath, problem);
 
     TextBuffer out(expectedSize(page));
     if (const std::optional<QuestionRound> openRound = putPage(out, page)) {

@@ -2,17 +2,8 @@
 #pragma once
 
 #include "exporters/html/canvas_tags.h"
-#include "model/recodings.h"
+#include "exporters/html/html_models.h"
 #include "model/text_buffer.h"
-
-// One of the models that the page scores. A document that cannot be read has no univariate models.
-struct HtmlModel {
-    int number; // from 0
-    ModelDocument document;
-    std::vector<UnivModel> univModels;
-    std::vector<std::size_t> regIndex; // the coefficient of each univariate model; empty without a
-                                       // regression
-};
 
 // One univariate model of one of the models. Records of one column stand next to each other and
 // share the form control of the one that was found first.

@@ -38,22 +38,12 @@ void writeScoreLines(TextBuffer &out, HtmlPage &page) {
 
 // A model whose kind is neither a probability nor a prediction gets terms without a sum: existing
 // pages show an error then.
-void writeModelSum(TextBuffer &out, HtmlModel &model) {
-    const XmlNode &root = model.document.root;
-    const XmlNode metaData = root.childNode(u"MetaData");
-    const XmlNode regression = root.childNode(u"RegressionModel");
-    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() || model.regIndex.empty()) {
-        return;
-    }
-    const QStringView targetKind = metaData.attribute(u"tkind");
-    const bool isProbability = equalsIgnoringCase(targetKind, u"T");
-    const bool isPrediction = equalsIgnoringCase(targetKind, u"C");
+void writeModelSum(TextBuffer &out, const HtmlModel &model) {
+    if (model.betas.empty()) return;
+    const bool isProbability = model.targetKind == TargetKind::Probability;
+    const bool isPrediction = model.targetKind == TargetKind::Prediction;
     const int number = model.number;
     const std::size_t count = model.univModels.size();
-    const std::size_t constant = isProbability || isPrediction ? count : 0;
-    std::vector<double> betas;
-    readNumbers(model.document, regression, u"betas",
-                std::max(std::ranges::max(model.regIndex), constant) + 1, betas);
 
     if (isProbability) {
         put(out, u"\n\tvar m", number, u"_probaTot = mapScoreToProba(", number, u",0");
@@ -62,12 +52,12 @@ void writeModelSum(TextBuffer &out, HtmlModel &model) {
     }
     for (std::size_t j = 0; j < count; ++j) {
         put(out, u"\n\t\t+ m", number, u"_", model.univModels[j].node.attribute(u"name"),
-            u"_score * ", betas[model.regIndex[j]]);
+            u"_score * ", model.betas[model.regIndex[j]]);
     }
     if (isProbability || isPrediction) {
         put(out, u"\n\t\t+ ");
         fill(out, isProbability ? QStringView(probabilityEnd) : QStringView(predictionEnd),
-             {{u"constant", betas[constant]}, {u"model", number}});
+             {{u"constant", model.betas[count]}, {u"model", number}});
     }
 }
 
@@ -106,25 +96,14 @@ void writeScoresAndBounds(TextBuffer &out, HtmlPage &page) {
     }
 }
 
-// Writes the table from score to probability and raises `maxProbability` to its third probability,
-// also where there are fewer scores. False when a model ends the script.
-bool writeProbabilityTable(TextBuffer &out, HtmlModel &model, double &maxProbability) {
-    if (model.document.root.isEmpty()) return false;
-    const XmlNode mapping = model.document.root.childNode(u"ProbabilityMapping");
-    if (mapping.isEmpty()) return true;
-    if (mapping.childNode(u"x").isEmpty() || mapping.childNode(u"y").isEmpty()) return false;
-    std::vector<double> scores;
-    std::vector<double> probabilities;
-    readNumbers(model.document, mapping, u"x", 0, scores);
-    readNumbers(model.document, mapping, u"y", scores.size(), probabilities);
-    if (probabilities.size() > 2) maxProbability = std::max(maxProbability, probabilities[2]);
-
+void writeProbabilityTable(TextBuffer &out, const HtmlModel &model) {
+    if (!model.table.exists) return;
+    const std::vector<double> &scores = model.table.x;
     put(out, u"mapScore[", model.number, u"]  = [");
     writeNumbers(out, scores);
     put(out, u"];\nmapProba[", model.number, u"]  = [");
-    writeNumbers(out, std::span(probabilities).first(scores.size()));
+    writeNumbers(out, std::span(model.table.y).first(scores.size()));
     put(out, u"];\n\n");
-    return true;
 }
 
 } // namespace
@@ -150,13 +129,16 @@ void writeHtmlScript(TextBuffer &out, HtmlPage &page) {
     put(out, scriptHead);
     writeScoreLines(out, page);
     put(out, sumsHead);
-    for (HtmlModel &model : page.models) writeModelSum(out, model);
+    for (const HtmlModel &model : page.models) writeModelSum(out, model);
     writeHistogram(out, page.models);
     writeScoresAndBounds(out, page);
     put(out, mappingHead);
     double maxProbability = 0;
-    for (HtmlModel &model : page.models) {
-        if (!writeProbabilityTable(out, model, maxProbability)) return;
+    for (const HtmlModel &model : page.models) {
+        if (model.endsScript) return;
+        writeProbabilityTable(out, model);
+        // The third probability of each table sets the scale, however few scores there are.
+        if (model.table.y.size() > 2) maxProbability = std::max(maxProbability, model.table.y[2]);
     }
     put(out, u"var histogramMaxProba=", streamNumber(maxProbability), u";\n");
     put(out, u"\n// -->\n</SCRIPT>\n");

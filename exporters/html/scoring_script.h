@@ -11,8 +11,7 @@ enum class ControlKind { NumberField, List, Integer, RadioButtons };
 QString scoreLinesProblem(const std::vector<VariableRecord> &variables);
 
 // Writes the whole script block. A model without a document, or with a probability mapping that
-// lacks one of its arrays, ends the block where its table would stand, unclosed. Arrays that are
-// too short are noted as the problem of their document.
+// lacks one of its arrays, ends the block where its table would stand, unclosed.
 void writeHtmlScript(TextBuffer &out, HtmlPage &page);
 
 // Writes the score line of the record at `index` and of all that follow it in its column, all of

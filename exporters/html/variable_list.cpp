@@ -35,40 +35,7 @@ void addVariable(Columns &list, const HtmlModel &model, std::size_t univIndex) {
     column.push_back({univModel.field, formName, name, model.number, univIndex});
 }
 
-// The position of each number among the coefficients; the first one where it stands repeatedly.
-QHash<int, std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
-    std::vector<int> numbers;
-    readIntegers(document, regression, u"indexes", numbers);
-    QHash<int, std::size_t> positions;
-    positions.reserve(std::ssize(numbers));
-    for (std::size_t k = numbers.size(); k-- > 0;) positions.insert(numbers[k], k);
-    return positions;
-}
-
-bool findCoefficients(HtmlModel &model) {
-    const XmlNode regression = model.document.root.childNode(u"RegressionModel");
-    if (regression.isEmpty() || model.univModels.empty()) return true;
-    const auto positions = coefficientPositions(model.document, regression);
-    model.regIndex.reserve(model.univModels.size());
-    for (const UnivModel &univModel : model.univModels) {
-        const auto found = positions.constFind(univModel.number);
-        if (found == positions.cend()) {
-            // The number is the position of the univariate model, though the text calls it that of
-            // the model: scripts that watch for this message know it so.
-            printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
-                univModel.node.attribute(u"name"), QString::number(model.regIndex.size())));
-            return false;
-        }
-        model.regIndex.push_back(*found);
-    }
-    return true;
-}
-
 } // namespace
-
-bool findRegressionPositions(std::vector<HtmlModel> &models) {
-    return std::ranges::all_of(models, findCoefficients);
-}
 
 std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models) {
     Columns list;

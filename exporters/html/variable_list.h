@@ -3,10 +3,6 @@
 
 #include "exporters/html/html_page.h"
 
-// Finds the coefficient of each univariate model. False, after a message, when the regression of a
-// model leaves one of them out.
-bool findRegressionPositions(std::vector<HtmlModel> &models);
-
 // One record for each univariate model, the first of each model before the second of each, and so
 // on; a record of a column that is already listed is put before the others of that column.
 std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models);

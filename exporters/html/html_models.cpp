@@ -1,0 +1,112 @@
+#include "exporters/html/html_models.h"
+
+#include "platform/platform.h"
+
+#include <QHash>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype number) {
+    HtmlModel model;
+    model.number = static_cast<int>(number);
+    model.document.fileName = fileName;
+    model.document.root = rootElement(parsed, u"QRV_Model");
+    model.univModels = readUnivModels(model.document, {});
+    return model;
+}
+
+// The position of each number among the coefficients; the first one where it stands repeatedly.
+QHash<int, std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
+    std::vector<int> numbers;
+    readIntegers(document, regression, u"indexes", numbers);
+    QHash<int, std::size_t> positions;
+    positions.reserve(std::ssize(numbers));
+    for (std::size_t k = numbers.size(); k-- > 0;) positions.insert(numbers[k], k);
+    return positions;
+}
+
+bool findCoefficients(HtmlModel &model) {
+    const XmlNode regression = model.document.root.childNode(u"RegressionModel");
+    if (regression.isEmpty() || model.univModels.empty()) return true;
+    const auto positions = coefficientPositions(model.document, regression);
+    model.regIndex.reserve(model.univModels.size());
+    for (const UnivModel &univModel : model.univModels) {
+        const auto found = positions.constFind(univModel.number);
+        if (found == positions.cend()) {
+            // The number is the position of the univariate model, though the text calls it that of
+            // the model: scripts that watch for this message know it so.
+            printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
+                univModel.node.attribute(u"name"), QString::number(model.regIndex.size())));
+            return false;
+        }
+        model.regIndex.push_back(*found);
+    }
+    return true;
+}
+
+TargetKind readTargetKind(const XmlNode &metaData) {
+    const QStringView kind = metaData.attribute(u"tkind");
+    return equalsIgnoringCase(kind, u"T")   ? TargetKind::Probability
+           : equalsIgnoringCase(kind, u"C") ? TargetKind::Prediction
+                                            : TargetKind::Other;
+}
+
+// The constant stands behind the coefficients of all univariate models, also where several of them
+// share one; a model that is neither a probability nor a prediction needs none.
+void readBetas(HtmlModel &model) {
+    const XmlNode &root = model.document.root;
+    const XmlNode metaData = root.childNode(u"MetaData");
+    const XmlNode regression = root.childNode(u"RegressionModel");
+    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() || model.regIndex.empty()) {
+        return;
+    }
+    model.targetKind = readTargetKind(metaData);
+    const bool hasConstant = model.targetKind != TargetKind::Other;
+    const std::size_t constant = hasConstant ? model.univModels.size() : 0;
+    readNumbers(model.document, regression, u"betas",
+                std::max(std::ranges::max(model.regIndex), constant) + 1, model.betas);
+}
+
+void readTable(HtmlModel &model) {
+    const XmlNode mapping = model.document.root.childNode(u"ProbabilityMapping");
+    const bool isCut = mapping.childNode(u"x").isEmpty() || mapping.childNode(u"y").isEmpty();
+    model.table.exists = !mapping.isEmpty() && !isCut;
+    model.endsScript = model.document.root.isEmpty() || (!mapping.isEmpty() && isCut);
+    if (!model.table.exists) return;
+    readNumbers(model.document, mapping, u"x", 0, model.table.x);
+    readNumbers(model.document, mapping, u"y", model.table.x.size(), model.table.y);
+}
+
+} // namespace
+
+std::vector<HtmlModel> readModels(const QString &modelPath) {
+    const XmlNode parsed = XmlNode::parseFile(modelPath);
+    const XmlNode list = rootElement(parsed, u"Models");
+    std::vector<HtmlModel> models;
+    if (list.isEmpty()) {
+        models.push_back(readModel(parsed, modelPath, 0));
+        return models;
+    }
+    for (const XmlNode &entry : list.children(u"Model")) {
+        const QString fileName = entry.attribute(u"file").toString();
+        models.push_back(readModel(XmlNode::parseFile(fileName), fileName, std::ssize(models)));
+    }
+    if (models.empty()) {
+        printText(u"Couldn't find tag 'Model' in XML-Models file '%1'!"_s.arg(modelPath));
+    }
+    return models;
+}
+
+bool readRegressions(std::vector<HtmlModel> &models) {
+    if (!std::ranges::all_of(models, findCoefficients)) return false;
+    std::ranges::for_each(models, readBetas);
+    for (HtmlModel &model : models) {
+        readTable(model);
+        if (model.endsScript) break;
+    }
+    return true;
+}
