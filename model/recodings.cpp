@@ -7,8 +7,8 @@
 
 namespace {
 
-void appendValues(const UnivModel &model, std::vector<QStringView> &values) {
-    for (const XmlNode &mod : model.node.childNode(u"Modalities").children(u"Mod")) {
+void listValues(const Variable &variable, std::vector<QStringView> &values) {
+    for (const XmlNode &mod : variable.node.childNode(u"Modalities").children(u"Mod")) {
         values.push_back(mod.attribute(u"val"));
     }
 }
@@ -56,71 +56,72 @@ MissingLists readMissingCodes(ModelDocument &document, std::vector<MissingCodes>
 
 } // namespace
 
-std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView replaced) {
+std::vector<Variable> readVariables(const ModelDocument &document, QStringView replaced) {
     constexpr qsizetype longestName = 31;
     const XmlNode parent = document.root.childNode(u"UnivModels");
-    std::vector<UnivModel> models;
-    models.reserve(static_cast<std::size_t>(parent.childCount(u"Model")));
+    std::vector<Variable> variables;
+    variables.reserve(static_cast<std::size_t>(parent.childCount(u"Model")));
     for (const XmlNode &node : parent.children(u"Model")) {
-        UnivModel model;
-        model.node = node;
-        model.position = models.size();
-        model.field = node.attribute(u"field");
-        model.cleanField = cleanName(model.field, replaced);
-        model.recodingName =
-            (u'R' + QString::number(models.size()) + u'_' + model.cleanField).left(longestName);
+        Variable variable;
+        variable.node = node;
+        variable.position = variables.size();
+        variable.field = node.attribute(u"field");
+        variable.cleanField = cleanName(variable.field, replaced);
+        variable.recodingName =
+            (u'R' + QString::number(variables.size()) + u'_' + variable.cleanField)
+                .left(longestName);
         const QStringView name = node.attribute(u"name");
-        model.number = name.size() > 1 ? xmlToInt(name.sliced(1), -1) : -1;
-        model.isCategorical = node.attribute(u"type") == u"MapValues";
-        models.push_back(std::move(model));
+        variable.number = name.size() > 1 ? xmlToInt(name.sliced(1), -1) : -1;
+        variable.isCategorical = node.attribute(u"type") == u"MapValues";
+        variables.push_back(std::move(variable));
     }
-    return models;
+    return variables;
 }
 
-NumericRecoding Recodings::numeric(const UnivModel &model) const {
-    const Record &record = records[model.position];
-    const std::span numbersOfModel = std::span(numbers).subspan(record.firstNumber);
-    return {.x = numbersOfModel.first(record.bounds),
-            .y = numbersOfModel.subspan(record.bounds, record.scores),
+NumericRecoding Recodings::numeric(const Variable &variable) const {
+    const Record &record = records[variable.position];
+    const std::span numbersOfVariable = std::span(numbers).subspan(record.firstNumber);
+    return {.x = numbersOfVariable.first(record.bounds),
+            .y = numbersOfVariable.subspan(record.bounds, record.scores),
             .missing = missingCodes[record.missingList]};
 }
 
-CategoricalRecoding Recodings::categorical(const UnivModel &model) const {
-    const Record &record = records[model.position];
+CategoricalRecoding Recodings::categorical(const Variable &variable) const {
+    const Record &record = records[variable.position];
     return {.values = std::span(values).subspan(record.firstValue, record.values),
             .y = std::span(numbers).subspan(record.firstNumber, record.scores),
             .isBoolean = record.isBoolean};
 }
 
-Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
+Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &variables,
                         BooleanScores booleanScores) {
     Recodings all;
     const MissingLists missingLists = readMissingCodes(document, all.missingCodes);
-    all.records.reserve(models.size());
+    all.records.reserve(variables.size());
     // Room for a document that is nothing but numbers, six bits a character.
     all.numbers.reserve(static_cast<std::size_t>(document.root.sourceLength()) * 6 / 64);
     preferLargePages(all.numbers.data(), all.numbers.capacity() * sizeof(double));
     std::vector<double> array;
-    const auto append = [&](const UnivModel &model, QStringView name, std::size_t needed) {
-        readNumbers(document, model.node, name, needed, array);
+    const auto read = [&](const Variable &variable, QStringView name, std::size_t needed) {
+        readNumbers(document, variable.node, name, needed, array);
         all.numbers.insert(all.numbers.end(), array.begin(), array.end());
         return array.size();
     };
-    for (const UnivModel &model : models) {
+    for (const Variable &variable : variables) {
         Recodings::Record record{.firstNumber = all.numbers.size(),
                                  .firstValue = all.values.size()};
-        if (model.isCategorical) {
-            appendValues(model, all.values);
+        if (variable.isCategorical) {
+            listValues(variable, all.values);
             record.values = all.values.size() - record.firstValue;
-            record.isBoolean = model.node.attribute(u"tname") == u"bb64";
+            record.isBoolean = variable.node.attribute(u"tname") == u"bb64";
             const std::size_t scores = record.isBoolean
                                            ? booleanScoresNeeded(record.values, booleanScores)
                                            : record.values;
-            record.scores = append(model, u"y", 1 + scores);
+            record.scores = read(variable, u"y", 1 + scores);
         } else {
-            record.bounds = append(model, u"x", 1);
-            record.scores = append(model, u"y", record.bounds + 2);
-            const QStringView field = model.cleanField;
+            record.bounds = read(variable, u"x", 1);
+            record.scores = read(variable, u"y", record.bounds + 2);
+            const QStringView field = variable.cleanField;
             const auto found = missingLists.find(field.isNull() ? QStringView(u"") : field);
             if (found != missingLists.end()) record.missingList = found->second;
         }

@@ -8,19 +8,20 @@
 #include <span>
 #include <vector>
 
-// One univariate recoding. Views and nodes are valid as long as the document.
-struct UnivModel {
+// One input column of the model and the recoding that turns it into a number. Views and nodes are
+// valid as long as the document.
+struct Variable {
     XmlNode node;
     QStringView field;        // the input column; empty when absent
     QString cleanField;       // the field, cleaned for the target language
     std::size_t position = 0; // in document order, from 0
     QString recodingName;     // "R", its position from 0, "_" and the clean field; at most 31 units
-    int number = -1;          // of the "name" attribute without its first character; -1 without any
+    int number = -1;          // by which the regression calls it: 17 in the name "V17"; -1 without
     bool isCategorical = false; // a list of values, else intervals
 };
 
-// All univariate models in document order, their fields cleaned of the characters of `replaced`.
-std::vector<UnivModel> readUnivModels(const ModelDocument &document, QStringView replaced);
+// All variables in document order, their fields cleaned of the characters of `replaced`.
+std::vector<Variable> readVariables(const ModelDocument &document, QStringView replaced);
 
 // The numbers that stand for a missing value of a numeric column, the last first, which is how all
 // targets test them. A list that is there may hold none.
@@ -50,20 +51,20 @@ void forEachInnerInterval(const NumericRecoding &recoding, Write write) {
 }
 
 // The recoding of a list of values: y[0] for any other value, and a score for each value. The
-// values of a boolean column are spellings of false at positions 1 to 5 and of true from 6 on; they
-// share y[1] and y[2].
+// first five values of a boolean column are spellings of false and share y[1], all others are
+// spellings of true and share y[2].
 struct CategoricalRecoding {
     std::span<const QStringView> values; // in document order; empty where absent
     std::span<const double> y;
     bool isBoolean;
 
-    // The score of the value at `position`, which counts from 1.
+    // The score of the value at `position`, from 0.
     double score(std::size_t position) const {
-        return y[!isBoolean ? position : position <= 5 ? 1 : 2];
+        return y[!isBoolean ? position + 1 : position < 5 ? 1 : 2];
     }
 };
 
-// The recodings of all univariate models. Their numbers and values stand one after the other.
+// The recodings of all variables. Their numbers and values stand one after the other.
 struct Recodings {
     struct Record {
         std::size_t firstNumber = 0; // the bounds, and after them the scores
@@ -74,15 +75,15 @@ struct Recodings {
         bool isBoolean = false;
         std::size_t missingList = 0;
     };
-    std::vector<Record> records; // of each model
+    std::vector<Record> records; // of each variable
     std::vector<double> numbers;
     std::vector<QStringView> values;
     std::vector<MissingCodes> missingCodes; // each list once; the first is that of a field without
 
-    NumericRecoding numeric(const UnivModel &model) const;
-    CategoricalRecoding categorical(const UnivModel &model) const;
+    NumericRecoding numeric(const Variable &variable) const;
+    CategoricalRecoding categorical(const Variable &variable) const;
 };
 // Whether a boolean column needs only the scores that its values take, or both even without values.
 enum class BooleanScores { OfValues, Both };
-Recodings readRecodings(ModelDocument &document, const std::vector<UnivModel> &models,
+Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &variables,
                         BooleanScores booleanScores = BooleanScores::OfValues);

@@ -6,7 +6,7 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
+Regression readRegression(ModelDocument &document, std::span<const Variable> variables,
                           ConstantTerm constantTerm) {
     const XmlNode node = document.root.childNode(u"RegressionModel");
     std::vector<int> indexes;
@@ -21,9 +21,9 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
     readNumbers(document, node, u"betas", indexes.size() + (hasConstant ? 1 : 0), betas);
 
     QHash<int, int> lastOfNumber;
-    lastOfNumber.reserve(std::ssize(models));
-    for (int k = 0; k < static_cast<int>(models.size()); ++k) {
-        lastOfNumber.insert(models[static_cast<std::size_t>(k)].number, k);
+    lastOfNumber.reserve(std::ssize(variables));
+    for (int k = 0; k < static_cast<int>(variables.size()); ++k) {
+        lastOfNumber.insert(variables[static_cast<std::size_t>(k)].number, k);
     }
     Regression regression;
     regression.terms.reserve(indexes.size());
@@ -34,35 +34,37 @@ Regression readRegression(ModelDocument &document, std::span<const UnivModel> mo
     return regression;
 }
 
-QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term) {
-    if (term.model < 0) return {};
-    return models[static_cast<std::size_t>(term.model)].recodingName;
+QStringView recodingName(std::span<const Variable> variables, const RegressionTerm &term) {
+    if (term.position < 0) return {};
+    return variables[static_cast<std::size_t>(term.position)].recodingName;
 }
 
-void requireModels(ModelDocument &document, const Regression &regression) {
-    const auto unmatched = std::find_if(regression.terms.begin(), regression.terms.end(),
-                                        [](const RegressionTerm &term) { return term.model < 0; });
+void requireVariables(ModelDocument &document, const Regression &regression) {
+    const auto unmatched =
+        std::find_if(regression.terms.begin(), regression.terms.end(),
+                     [](const RegressionTerm &term) { return term.position < 0; });
     if (unmatched != regression.terms.end()) {
         noteProblem(document, u"RegressionModel: array 'indexes' holds %1, which is the number of "
-                              "no model"_s.arg(unmatched->index));
+                              "no model"_s.arg(unmatched->number));
     }
 }
 
-std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
-                                      const Regression &regression) {
+std::vector<double> variableCoefficients(ModelDocument &document,
+                                         std::span<const Variable> variables,
+                                         const Regression &regression) {
     QHash<int, double> ofNumber;
     ofNumber.reserve(std::ssize(regression.terms));
-    for (const RegressionTerm &term : regression.terms) ofNumber[term.index] = term.coefficient;
+    for (const RegressionTerm &term : regression.terms) ofNumber[term.number] = term.coefficient;
 
     std::vector<double> coefficients;
-    coefficients.reserve(models.size());
-    for (const UnivModel &model : models) {
-        if (document.problem.isEmpty() && !ofNumber.contains(model.number)) {
+    coefficients.reserve(variables.size());
+    for (const Variable &variable : variables) {
+        if (document.problem.isEmpty() && !ofNumber.contains(variable.number)) {
             noteProblem(document,
                         u"%1: its number is not in the array 'indexes' of RegressionModel"_s.arg(
-                            describe(model.node)));
+                            describe(variable.node)));
         }
-        coefficients.push_back(ofNumber.value(model.number));
+        coefficients.push_back(ofNumber.value(variable.number));
     }
     return coefficients;
 }

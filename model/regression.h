@@ -6,32 +6,33 @@
 #include <span>
 #include <vector>
 
-// The score is the constant plus, for each term, its coefficient times the recoding of its model.
+// The score is the constant plus, for each term, its coefficient times the recoding of its
+// variable.
 struct RegressionTerm {
     double coefficient;
-    int index; // the number that the document gives for the model
-    int model; // position among the univariate models; -1 when none has that number
+    int number;   // of the variable
+    int position; // of the last variable with that number; -1 when there is none
 };
 struct Regression {
     std::vector<RegressionTerm> terms;
     double constant = 0;
 };
-// Of several models with one number the last gets the term. A constant that is left out reads as 0
-// and need not exist.
+// A constant that is left out reads as 0 and need not exist.
 enum class ConstantTerm { Read, LeftOut };
-Regression readRegression(ModelDocument &document, std::span<const UnivModel> models,
+Regression readRegression(ModelDocument &document, std::span<const Variable> variables,
                           ConstantTerm constantTerm = ConstantTerm::Read);
 
-// The name of the recoding that a term multiplies; empty when there is no such model.
-QStringView recodingName(std::span<const UnivModel> models, const RegressionTerm &term);
+// The name of the recoding that a term multiplies; empty when there is no such variable.
+QStringView recodingName(std::span<const Variable> variables, const RegressionTerm &term);
 
-// Notes a problem when a term has no model.
-void requireModels(ModelDocument &document, const Regression &regression);
+// Notes a problem when a term has no variable.
+void requireVariables(ModelDocument &document, const Regression &regression);
 
-// The coefficient of each model: that of the last term with the model's number, which models of one
-// number share. Notes a problem when a model has no term; its coefficient is 0.
-std::vector<double> modelCoefficients(ModelDocument &document, std::span<const UnivModel> models,
-                                      const Regression &regression);
+// The coefficient of each variable: that of the last term with its number, which variables of one
+// number share. Notes a problem when a variable has no term; its coefficient is 0.
+std::vector<double> variableCoefficients(ModelDocument &document,
+                                         std::span<const Variable> variables,
+                                         const Regression &regression);
 
 // Score points in decreasing order and the probabilities there. Where the document has a table, it
 // has at least one point.

@@ -48,11 +48,11 @@ void TextBuffer::close() {
     used = 0;
 }
 
-void append(TextBuffer &out, const NumberText &number) {
+void put(TextBuffer &out, const NumberText &number) {
     std::copy_n(number.characters, number.size, out.extend(number.size));
 }
 
-void append(TextBuffer &out, const EscapedText &escaped) {
+void put(TextBuffer &out, const EscapedText &escaped) {
     QStringView rest = escaped.text;
     for (qsizetype at = rest.indexOf(escaped.quote); at >= 0; at = rest.indexOf(escaped.quote)) {
         put(out, rest.first(at), u"\\", rest.sliced(at, 1));

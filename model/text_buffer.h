@@ -80,10 +80,10 @@ inline EscapedText escapeQuotes(QStringView text) {
 }
 
 template <std::size_t size>
-void append(TextBuffer &out, const char16_t (&literal)[size]) {
+void put(TextBuffer &out, const char16_t (&literal)[size]) {
     std::memcpy(out.extend(size - 1), literal, (size - 1) * sizeof(char16_t));
 }
-inline void append(TextBuffer &out, QStringView text) {
+inline void put(TextBuffer &out, QStringView text) {
     // Piece by piece, so that even the longest name needs no more than the block before a file.
     constexpr qsizetype most = 1 << 14;
     for (; !text.isEmpty(); text = text.sliced(std::min(most, text.size()))) {
@@ -92,19 +92,21 @@ inline void append(TextBuffer &out, QStringView text) {
                     static_cast<std::size_t>(size) * sizeof(char16_t));
     }
 }
-void append(TextBuffer &out, const NumberText &number);
-void append(TextBuffer &out, const EscapedText &escaped);
-inline void append(TextBuffer &out, double number) {
-    append(out, modelNumber(number));
+void put(TextBuffer &out, const NumberText &number);
+void put(TextBuffer &out, const EscapedText &escaped);
+inline void put(TextBuffer &out, double number) {
+    put(out, modelNumber(number));
 }
 template <std::signed_integral Integer>
-void append(TextBuffer &out, Integer number) {
-    append(out, integerText(number));
+void put(TextBuffer &out, Integer number) {
+    put(out, integerText(number));
 }
 
-template <typename... Pieces>
-void put(TextBuffer &out, const Pieces &...pieces) {
-    (append(out, pieces), ...);
+template <typename First, typename Second, typename... Rest>
+void put(TextBuffer &out, const First &first, const Second &second, const Rest &...rest) {
+    put(out, first);
+    put(out, second);
+    (put(out, rest), ...);
 }
 
 // A place in a fixed text, and what goes there.

@@ -9,8 +9,8 @@
 
 namespace {
 
-// Categories are listed once there are this many of them, else each has a radio button.
-constexpr int listFrom = 5;
+// Categories are shown as a list once there are this many of them, else each has a radio button.
+constexpr int listShownFrom = 5;
 
 int toInt(double value) {
     constexpr double lowest = std::numeric_limits<int>::min();
@@ -22,23 +22,23 @@ double rounded(double value) {
     return std::floor(value + 0.5);
 }
 
-std::size_t mostFrequent(ModelDocument &document, const UnivModel &univModel) {
+std::size_t mostFrequent(ModelDocument &document, const Variable &variable) {
     std::vector<int> counts;
-    readIntegers(document, univModel.node, u"nocc", counts);
+    readIntegers(document, variable.node, u"nocc", counts);
     const auto largest = std::ranges::max_element(counts);
     if (largest == counts.end() || *largest <= 0) return 0;
     return static_cast<std::size_t>(largest - counts.begin());
 }
 
 // The label, or where it is empty the column, or where that is empty too the variable's name.
-QStringView captionOf(const UnivModel &univModel) {
-    const QStringView label = univModel.node.attribute(u"displayName");
+QStringView captionOf(const Variable &variable) {
+    const QStringView label = variable.node.attribute(u"displayName");
     if (!label.isEmpty()) return label;
-    return univModel.field.isEmpty() ? univModel.node.attribute(u"name") : univModel.field;
+    return variable.field.isEmpty() ? variable.node.attribute(u"name") : variable.field;
 }
 
-void writeNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,
-                         const SliderRange &range) {
+void putNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,
+                       const SliderRange &range) {
     fill(out, numericControl,
          {{u"min", range.min},
           {u"max", range.max},
@@ -48,7 +48,7 @@ void writeNumericControl(TextBuffer &out, HtmlPage &page, const QString &formNam
     put(page.listenerCalls, u"myEventListener(\"", formName, u"\");\n");
 }
 
-void writeYesNoControl(TextBuffer &out, const Labels &labels, const QString &formName, int preset) {
+void putYesNoControl(TextBuffer &out, const Labels &labels, const QString &formName, int preset) {
     const auto mark = [preset](int value) {
         return value == preset ? QStringView(u"CHECKED") : QStringView();
     };
@@ -79,8 +79,8 @@ std::map<QStringView, Category> sortCategories(const XmlNode &modalities) {
     return categories;
 }
 
-void writeList(TextBuffer &out, const std::map<QStringView, Category> &categories,
-               QStringView unknown, const QString &formName, int preset) {
+void putList(TextBuffer &out, const std::map<QStringView, Category> &categories,
+             QStringView unknown, const QString &formName, int preset) {
     const auto mark = [preset](int value) {
         return value == preset ? QStringView(u" selected=\"selected\"") : QStringView();
     };
@@ -93,38 +93,38 @@ void writeList(TextBuffer &out, const std::map<QStringView, Category> &categorie
     put(out, u"</SELECT><br>\n");
 }
 
-void writeRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &categories,
-                       QStringView unknown, const QString &formName, int preset) {
-    const auto writeButton = [&](int value, QStringView caption) {
+void putRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &categories,
+                     QStringView unknown, const QString &formName, int preset) {
+    const auto putButton = [&](int value, QStringView caption) {
         put(out, u"<input onclick=\"ComputeModel();\" type=\"radio\" name=\"", formName,
             u"\" value=\"", value, u"\" ");
         if (value == preset) put(out, u"CHECKED");
         put(out, u" >", caption, u"<br>\n");
     };
     put(out, u"<br/>\n");
-    writeButton(0, unknown);
+    putButton(0, unknown);
     for (const auto &[value, category] : categories) {
-        writeButton(category.position + 1, category.caption);
+        putButton(category.position + 1, category.caption);
     }
 }
 
 } // namespace
 
-SliderRange computeSliderRange(ModelDocument &document, const UnivModel &univModel) {
+SliderRange computeSliderRange(ModelDocument &document, const Variable &variable) {
     std::vector<double> bounds;
-    readNumbers(document, univModel.node, u"x", 0, bounds);
+    readNumbers(document, variable.node, u"x", 0, bounds);
     SliderRange range;
     if (!bounds.empty()) {
         range.min = toInt(std::floor(bounds.front()));
         range.max = toInt(std::ceil(bounds.back()));
     }
     const bool isOrdinal =
-        univModel.node.childNode(u"x").isEmpty() || univModel.node.attribute(u"ordinal") == u"1";
+        variable.node.childNode(u"x").isEmpty() || variable.node.attribute(u"ordinal") == u"1";
     if (!isOrdinal) {
         range.defaultValue = toInt(rounded((double(range.min) + double(range.max)) * 0.5));
         return range;
     }
-    const std::size_t bucket = mostFrequent(document, univModel);
+    const std::size_t bucket = mostFrequent(document, variable);
     range.defaultValue = bounds.empty()
                              ? static_cast<int>(bucket)
                              : toInt(rounded(bounds[std::min(bucket, bounds.size() - 1)]));
@@ -132,26 +132,26 @@ SliderRange computeSliderRange(ModelDocument &document, const UnivModel &univMod
 }
 
 void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIndex) {
-    const VariableRecord &record = page.variables[recordIndex];
-    const UnivModel &univModel = page.univModel(record);
-    const SliderRange range = computeSliderRange(page.model(record).document, univModel);
+    const VariableRecord &record = page.records[recordIndex];
+    const Variable &variable = page.variable(record);
+    const SliderRange range = computeSliderRange(page.model(record).document, variable);
     const QString &formName = record.formName;
     const Labels &labels = page.tags.labels;
 
-    put(out, captionOf(univModel), u" ");
-    if (!univModel.isCategorical) {
-        writeNumericControl(out, page, formName, range);
+    put(out, captionOf(variable), u" ");
+    if (!variable.isCategorical) {
+        putNumericControl(out, page, formName, range);
         return;
     }
-    const XmlNode modalities = univModel.node.childNode(u"Modalities");
+    const XmlNode modalities = variable.node.childNode(u"Modalities");
     if (modalities.isEmpty()) return;
-    if (univModel.node.attribute(u"tname") == u"bb64") {
-        writeYesNoControl(out, labels, formName, range.defaultValue);
-    } else if (modalities.childCount(u"Mod") >= listFrom) {
-        writeList(out, sortCategories(modalities), labels.unknown, formName, range.defaultValue);
+    if (variable.node.attribute(u"tname") == u"bb64") {
+        putYesNoControl(out, labels, formName, range.defaultValue);
+    } else if (modalities.childCount(u"Mod") >= listShownFrom) {
+        putList(out, sortCategories(modalities), labels.unknown, formName, range.defaultValue);
     } else {
-        writeRadioButtons(out, sortCategories(modalities), labels.unknown, formName,
-                          range.defaultValue);
+        putRadioButtons(out, sortCategories(modalities), labels.unknown, formName,
+                        range.defaultValue);
     }
 }
 

@@ -71,11 +71,11 @@ void putAllQuestions(TextBuffer &out, HtmlPage &page) {
 
 void putQuestion(TextBuffer &out, HtmlPage &page, std::optional<QuestionRound> &round) {
     const int number = page.tags.questionNumber;
-    if (number > std::ssize(page.variables)) {
+    if (number > std::ssize(page.records)) {
         printText(u"Question %1 does not exist. Ignoring this call!"_s.arg(number));
         return;
     }
-    if (!round) round = {std::vector<bool>(page.variables.size())};
+    if (!round) round = {std::vector<bool>(page.records.size())};
     if (number < 1 || number > std::ssize(page.questions)) return;
     const auto index = static_cast<std::size_t>(number - 1);
     if (round->asked[index]) {
@@ -84,7 +84,7 @@ void putQuestion(TextBuffer &out, HtmlPage &page, std::optional<QuestionRound> &
     }
     round->asked[index] = true;
     writeQuestionControls(out, page, page.questions[index]);
-    if (++round->count == page.variables.size()) {
+    if (++round->count == page.records.size()) {
         writeListenerScript(out, page);
         round.reset();
     }
@@ -183,10 +183,10 @@ int exportToHtml(const QString &modelPath, const QString &canvasPath, const QStr
     page.tags = scanCanvas(canvas);
     if (!hasRequiredTags(page.tags)) return exitNotScorable;
     if (!readRegressions(page.models)) return exitNotScorable;
-    page.variables = listVariables(page.models);
-    page.questions = listQuestions(page.variables);
+    page.records = listRecords(page.models);
+    page.questions = listQuestions(page.records);
 
-    const QString problem = scoreLinesProblem(page.variables);
+    const QString problem = scoreLinesProblem(page.records);
     if (!problem.isEmpty()) return reportProblem(modelPath, problem);
 
     TextBuffer out(expectedSize(page));

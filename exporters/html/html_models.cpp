@@ -10,12 +10,12 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype number) {
+HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype position) {
     HtmlModel model;
-    model.number = static_cast<int>(number);
+    model.position = static_cast<int>(position);
     model.document.fileName = fileName;
     model.document.root = rootElement(parsed, u"QRV_Model");
-    model.univModels = readUnivModels(model.document, {});
+    model.variables = readVariables(model.document, {});
     return model;
 }
 
@@ -31,16 +31,16 @@ QHash<int, std::size_t> coefficientPositions(ModelDocument &document, const XmlN
 
 bool findCoefficients(HtmlModel &model) {
     const XmlNode regression = model.document.root.childNode(u"RegressionModel");
-    if (regression.isEmpty() || model.univModels.empty()) return true;
+    if (regression.isEmpty() || model.variables.empty()) return true;
     const auto positions = coefficientPositions(model.document, regression);
-    model.regIndex.reserve(model.univModels.size());
-    for (const UnivModel &univModel : model.univModels) {
-        const auto found = positions.constFind(univModel.number);
+    model.regIndex.reserve(model.variables.size());
+    for (const Variable &variable : model.variables) {
+        const auto found = positions.constFind(variable.number);
         if (found == positions.cend()) {
-            // The number is the position of the univariate model, though the text calls it that of
-            // the model: scripts that watch for this message know it so.
+            // The text calls it the model's, but it is the position of the variable: scripts that
+            // watch for this message know it so.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
-                univModel.node.attribute(u"name"), QString::number(model.regIndex.size())));
+                variable.node.attribute(u"name"), QString::number(model.regIndex.size())));
             return false;
         }
         model.regIndex.push_back(*found);
@@ -55,7 +55,7 @@ TargetKind readTargetKind(const XmlNode &metaData) {
                                             : TargetKind::Other;
 }
 
-// The constant stands behind the coefficients of all univariate models, also where several of them
+// The constant stands behind the coefficients of all variables, also where several of them
 // share one; a model that is neither a probability nor a prediction needs none.
 void readBetas(HtmlModel &model) {
     const XmlNode &root = model.document.root;
@@ -66,7 +66,7 @@ void readBetas(HtmlModel &model) {
     }
     model.targetKind = readTargetKind(metaData);
     const bool hasConstant = model.targetKind != TargetKind::Other;
-    const std::size_t constant = hasConstant ? model.univModels.size() : 0;
+    const std::size_t constant = hasConstant ? model.variables.size() : 0;
     readNumbers(model.document, regression, u"betas",
                 std::max(std::ranges::max(model.regIndex), constant) + 1, model.betas);
 }

@@ -6,13 +6,12 @@
 // The attribute "tkind", in any case: "T", "C" or another.
 enum class TargetKind { Probability, Prediction, Other };
 
-// One of the models that the page scores. A document that cannot be read has no univariate models.
+// One of the models that the page scores. A document that cannot be read has no variables.
 struct HtmlModel {
-    int number; // from 0
+    int position; // in the list, from 0
     ModelDocument document;
-    std::vector<UnivModel> univModels;
-    std::vector<std::size_t> regIndex; // the coefficient of each univariate model; empty without a
-                                       // regression
+    std::vector<Variable> variables;
+    std::vector<std::size_t> regIndex; // of each variable among betas; empty without a regression
     TargetKind targetKind = TargetKind::Other;
     std::vector<double> betas; // the coefficients; empty for a model that gets no sum
     ProbabilityTable table;    // y has at least as many values as x, which may have none
@@ -24,7 +23,7 @@ struct HtmlModel {
 std::vector<HtmlModel> readModels(const QString &modelPath);
 
 // Reads the regression and the probability table of each model. False, after a message, when the
-// regression of a model leaves out one of its univariate models. Arrays that are too short are
+// regression of a model leaves out one of its variables. Arrays that are too short are
 // noted as the problem of their document; of the tables those up to the one that ends the script
 // are read.
 bool readRegressions(std::vector<HtmlModel> &models);

@@ -5,7 +5,7 @@
 #include "exporters/html/html_models.h"
 #include "model/text_buffer.h"
 
-// One univariate model of one of the models. Records of one column stand next to each other and
+// One variable of one of the models. Records of one column stand next to each other and
 // share the form control of the one that was found first.
 struct VariableRecord {
     QStringView field; // the input column
@@ -17,7 +17,7 @@ struct VariableRecord {
 
 struct HtmlPage {
     std::vector<HtmlModel> models;
-    std::vector<VariableRecord> variables;
+    std::vector<VariableRecord> records;
     std::vector<std::size_t> questions; // the first record of each column
     CanvasTags tags;
     TextBuffer listenerCalls; // grows with each numeric control
@@ -25,7 +25,7 @@ struct HtmlPage {
     HtmlModel &model(const VariableRecord &record) {
         return models[static_cast<std::size_t>(record.modelIndex)];
     }
-    const UnivModel &univModel(const VariableRecord &record) {
-        return model(record).univModels[record.univIndex];
+    const Variable &variable(const VariableRecord &record) {
+        return model(record).variables[record.univIndex];
     }
 };

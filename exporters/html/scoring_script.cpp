@@ -12,7 +12,7 @@ namespace {
 
 // Categories are read from a list once there are this many of them. The page shows a list already
 // for one less; existing pages do so too, and read five categories as unknown.
-constexpr int listFrom = 6;
+constexpr int listReadFrom = 6;
 
 // What the score lines may come to: their number, and the characters of the names in them. Lists of
 // hundreds of models stay below; one step further no browser takes the page.
@@ -20,54 +20,54 @@ constexpr qsizetype mostScoreLines = qsizetype(1) << 23;
 constexpr double mostNameCharacters = 1 << 29;
 
 // None for a list of values without the list.
-std::optional<ControlKind> controlKind(const UnivModel &univModel) {
-    if (!univModel.isCategorical) return ControlKind::NumberField;
-    const XmlNode modalities = univModel.node.childNode(u"Modalities");
+std::optional<ControlKind> controlKind(const Variable &variable) {
+    if (!variable.isCategorical) return ControlKind::NumberField;
+    const XmlNode modalities = variable.node.childNode(u"Modalities");
     if (modalities.isEmpty()) return {};
-    return modalities.childCount(u"Mod") >= listFrom ? ControlKind::List
-                                                     : ControlKind::RadioButtons;
+    return modalities.childCount(u"Mod") >= listReadFrom ? ControlKind::List
+                                                         : ControlKind::RadioButtons;
 }
 
-void writeScoreLines(TextBuffer &out, HtmlPage &page) {
-    for (std::size_t i = 0; i < page.variables.size(); ++i) {
-        const VariableRecord &record = page.variables[i];
-        const std::optional<ControlKind> kind = controlKind(page.univModel(record));
+void putScoreLines(TextBuffer &out, HtmlPage &page) {
+    for (std::size_t i = 0; i < page.records.size(); ++i) {
+        const VariableRecord &record = page.records[i];
+        const std::optional<ControlKind> kind = controlKind(page.variable(record));
         if (kind) writeVariableScoreLines(out, page, i, *kind);
     }
 }
 
 // A model whose kind is neither a probability nor a prediction gets terms without a sum: existing
 // pages show an error then.
-void writeModelSum(TextBuffer &out, const HtmlModel &model) {
+void putModelSum(TextBuffer &out, const HtmlModel &model) {
     if (model.betas.empty()) return;
     const bool isProbability = model.targetKind == TargetKind::Probability;
     const bool isPrediction = model.targetKind == TargetKind::Prediction;
-    const int number = model.number;
-    const std::size_t count = model.univModels.size();
+    const int position = model.position;
+    const std::size_t count = model.variables.size();
 
     if (isProbability) {
-        put(out, u"\n\tvar m", number, u"_probaTot = mapScoreToProba(", number, u",0");
+        put(out, u"\n\tvar m", position, u"_probaTot = mapScoreToProba(", position, u",0");
     } else if (isPrediction) {
-        put(out, u"\n\tvar m", number, u"_probaTot = 0");
+        put(out, u"\n\tvar m", position, u"_probaTot = 0");
     }
     for (std::size_t j = 0; j < count; ++j) {
-        put(out, u"\n\t\t+ m", number, u"_", model.univModels[j].node.attribute(u"name"),
+        put(out, u"\n\t\t+ m", position, u"_", model.variables[j].node.attribute(u"name"),
             u"_score * ", model.betas[model.regIndex[j]]);
     }
     if (isProbability || isPrediction) {
         put(out, u"\n\t\t+ ");
         fill(out, isProbability ? QStringView(probabilityEnd) : QStringView(predictionEnd),
-             {{u"constant", model.betas[count]}, {u"model", number}});
+             {{u"constant", model.betas[count]}, {u"model", position}});
     }
 }
 
-void writeHistogram(TextBuffer &out, const std::vector<HtmlModel> &models) {
+void putHistogram(TextBuffer &out, const std::vector<HtmlModel> &models) {
     fill(out, histogramHead, {{u"models", std::ssize(models)}});
-    for (const HtmlModel &model : models) fill(out, histogramBar, {{u"model", model.number}});
+    for (const HtmlModel &model : models) fill(out, histogramBar, {{u"model", model.position}});
     put(out, histogramEnd);
 }
 
-void writeNumbers(TextBuffer &out, std::span<const double> values) {
+void putNumbers(TextBuffer &out, std::span<const double> values) {
     constexpr std::size_t numbersPerLine = 5;
     for (std::size_t k = 0; k < values.size(); ++k) {
         if (k > 0) put(out, u",");
@@ -76,46 +76,46 @@ void writeNumbers(TextBuffer &out, std::span<const double> values) {
     }
 }
 
-void writeScoresAndBounds(TextBuffer &out, HtmlPage &page) {
-    for (std::size_t i = 0; i < page.variables.size(); ++i) {
-        const VariableRecord &record = page.variables[i];
-        const UnivModel &univModel = page.univModel(record);
+void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
+    for (std::size_t i = 0; i < page.records.size(); ++i) {
+        const VariableRecord &record = page.records[i];
+        const Variable &variable = page.variable(record);
         ModelDocument &document = page.model(record).document;
-        if (i == 0 || record.field != page.variables[i - 1].field) {
-            const QStringView label = univModel.node.attribute(u"displayName");
+        if (i == 0 || record.field != page.records[i - 1].field) {
+            const QStringView label = variable.node.attribute(u"displayName");
             put(out, u"//------------- Column '", record.field, u"' ");
             if (!label.isEmpty()) put(out, u"( ", label, u" ) ");
             put(out, u"------------------\n");
         }
         put(out, u"var ", record.jsName, u"_score = 0;\nvar ", record.jsName, u"_scoreAr = ");
-        writeNumberArray(out, document, univModel.node, u"y");
-        if (!univModel.isCategorical) {
+        writeNumberArray(out, document, variable.node, u"y");
+        if (!variable.isCategorical) {
             put(out, u"var ", record.jsName, u"_boundAr = ");
-            writeNumberArray(out, document, univModel.node, u"x");
+            writeNumberArray(out, document, variable.node, u"x");
         }
     }
 }
 
-void writeProbabilityTable(TextBuffer &out, const HtmlModel &model) {
+void putProbabilityTable(TextBuffer &out, const HtmlModel &model) {
     if (!model.table.exists) return;
     const std::vector<double> &scores = model.table.x;
-    put(out, u"mapScore[", model.number, u"]  = [");
-    writeNumbers(out, scores);
-    put(out, u"];\nmapProba[", model.number, u"]  = [");
-    writeNumbers(out, std::span(model.table.y).first(scores.size()));
+    put(out, u"mapScore[", model.position, u"]  = [");
+    putNumbers(out, scores);
+    put(out, u"];\nmapProba[", model.position, u"]  = [");
+    putNumbers(out, std::span(model.table.y).first(scores.size()));
     put(out, u"];\n\n");
 }
 
 } // namespace
 
-QString scoreLinesProblem(const std::vector<VariableRecord> &variables) {
+QString scoreLinesProblem(const std::vector<VariableRecord> &records) {
     qsizetype lines = 0;
     double characters = 0; // of names, which may be too many for an integer
     qsizetype repeats = 0;
-    for (std::size_t i = 0; i < variables.size(); ++i) {
-        const VariableRecord &record = variables[i];
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        const VariableRecord &record = records[i];
         // The first record of a column has one line, the second one line more, and so on.
-        repeats = i > 0 && record.field == variables[i - 1].field ? repeats + 1 : 1;
+        repeats = i > 0 && record.field == records[i - 1].field ? repeats + 1 : 1;
         lines += repeats;
         characters +=
             double(repeats) * double(3 * record.jsName.size() + 2 * record.formName.size());
@@ -127,16 +127,16 @@ QString scoreLinesProblem(const std::vector<VariableRecord> &variables) {
 
 void writeHtmlScript(TextBuffer &out, HtmlPage &page) {
     put(out, scriptHead);
-    writeScoreLines(out, page);
+    putScoreLines(out, page);
     put(out, sumsHead);
-    for (const HtmlModel &model : page.models) writeModelSum(out, model);
-    writeHistogram(out, page.models);
-    writeScoresAndBounds(out, page);
+    for (const HtmlModel &model : page.models) putModelSum(out, model);
+    putHistogram(out, page.models);
+    putScoresAndBounds(out, page);
     put(out, mappingHead);
     double maxProbability = 0;
     for (const HtmlModel &model : page.models) {
         if (model.endsScript) return;
-        writeProbabilityTable(out, model);
+        putProbabilityTable(out, model);
         // The third probability of each table sets the scale, however few scores there are.
         if (model.table.y.size() > 2) maxProbability = std::max(maxProbability, model.table.y[2]);
     }
@@ -146,11 +146,11 @@ void writeHtmlScript(TextBuffer &out, HtmlPage &page) {
 
 void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t index,
                              ControlKind kind) {
-    const std::vector<VariableRecord> &variables = page.variables;
-    const QStringView field = variables[index].field;
-    for (std::size_t i = index; i < variables.size() && variables[i].field == field; ++i) {
-        const QString &name = variables[i].jsName;
-        const QString &formName = variables[i].formName;
+    const std::vector<VariableRecord> &records = page.records;
+    const QStringView field = records[index].field;
+    for (std::size_t i = index; i < records.size() && records[i].field == field; ++i) {
+        const QString &name = records[i].jsName;
+        const QString &formName = records[i].formName;
         put(out, u"      ", name, u"_score = ");
         switch (kind) {
         case ControlKind::NumberField:
@@ -177,6 +177,6 @@ void writeNumberArray(TextBuffer &out, ModelDocument &document, const XmlNode &n
     std::vector<double> values;
     readNumbers(document, node, childName, 0, values);
     put(out, u"[");
-    writeNumbers(out, values);
+    putNumbers(out, values);
     put(out, u"];\n\n");
 }

@@ -8,7 +8,7 @@ enum class ControlKind { NumberField, List, Integer, RadioButtons };
 
 // Why no script can be written for these variables, which is that they share columns too often: a
 // column of k variables has k (k + 1) / 2 score lines. Empty when it can.
-QString scoreLinesProblem(const std::vector<VariableRecord> &variables);
+QString scoreLinesProblem(const std::vector<VariableRecord> &records);
 
 // Writes the whole script block. A model without a document, or with a probability mapping that
 // lacks one of its arrays, ends the block where its table would stand, unclosed.

@@ -24,41 +24,41 @@ struct Columns {
     std::unordered_map<QStringView, std::size_t, HashOfField> positions; // by field
 };
 
-void addVariable(Columns &list, const HtmlModel &model, std::size_t univIndex) {
-    const UnivModel &univModel = model.univModels[univIndex];
-    const auto [found, isNew] = list.positions.try_emplace(univModel.field, list.columns.size());
+void addRecord(Columns &list, const HtmlModel &model, std::size_t univIndex) {
+    const Variable &variable = model.variables[univIndex];
+    const auto [found, isNew] = list.positions.try_emplace(variable.field, list.columns.size());
     if (isNew) list.columns.emplace_back();
     Column &column = list.columns[found->second];
     const QString name =
-        u"m%1_%2"_s.arg(QString::number(model.number), univModel.node.attribute(u"name"));
+        u"m%1_%2"_s.arg(QString::number(model.position), variable.node.attribute(u"name"));
     const QString formName = isNew ? name : column.front().formName;
-    column.push_back({univModel.field, formName, name, model.number, univIndex});
+    column.push_back({variable.field, formName, name, model.position, univIndex});
 }
 
 } // namespace
 
-std::vector<VariableRecord> listVariables(const std::vector<HtmlModel> &models) {
+std::vector<VariableRecord> listRecords(const std::vector<HtmlModel> &models) {
     Columns list;
     std::vector<const HtmlModel *> unfinished;
     unfinished.reserve(models.size());
     for (const HtmlModel &model : models) unfinished.push_back(&model);
     for (std::size_t univIndex = 0; !unfinished.empty(); ++univIndex) {
         std::erase_if(unfinished, [univIndex](const HtmlModel *model) {
-            return model->univModels.size() <= univIndex;
+            return model->variables.size() <= univIndex;
         });
-        for (const HtmlModel *model : unfinished) addVariable(list, *model, univIndex);
+        for (const HtmlModel *model : unfinished) addRecord(list, *model, univIndex);
     }
-    std::vector<VariableRecord> variables;
+    std::vector<VariableRecord> records;
     for (Column &column : list.columns) {
-        std::move(column.rbegin(), column.rend(), std::back_inserter(variables));
+        std::move(column.rbegin(), column.rend(), std::back_inserter(records));
     }
-    return variables;
+    return records;
 }
 
-std::vector<std::size_t> listQuestions(const std::vector<VariableRecord> &variables) {
+std::vector<std::size_t> listQuestions(const std::vector<VariableRecord> &records) {
     std::vector<std::size_t> questions;
-    for (std::size_t i = 0; i < variables.size(); ++i) {
-        if (i == 0 || variables[i].field != variables[i - 1].field) questions.push_back(i);
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        if (i == 0 || records[i].field != records[i - 1].field) questions.push_back(i);
     }
     return questions;
 }

@@ -22,44 +22,46 @@ QString classNameOf(const QString &modelFile) {
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
-               const std::vector<UnivModel> &models) {
+               const std::vector<Variable> &variables) {
     fill(out, pythonBanner,
          {{u"version", document.root.childNode(u"Header").attribute(u"version")},
           {u"file", document.fileName},
-          {u"count", std::ssize(models)}});
-    for (const UnivModel &model : models) {
-        put(out, u"  ", model.cleanField, u"  <->  ", model.recodingName, u"\n");
+          {u"count", std::ssize(variables)}});
+    for (const Variable &variable : variables) {
+        put(out, u"  ", variable.cleanField, u"  <->  ", variable.recodingName, u"\n");
     }
     put(out, u"'''\n");
 }
 
-void putDictionaries(TextBuffer &out, const std::vector<UnivModel> &models,
+void putDictionaries(TextBuffer &out, const std::vector<Variable> &variables,
                      const Recodings &recodings) {
-    for (const UnivModel &model : models) {
-        if (!model.isCategorical) continue;
-        const CategoricalRecoding recoding = recodings.categorical(model);
+    for (const Variable &variable : variables) {
+        if (!variable.isCategorical) continue;
+        const CategoricalRecoding recoding = recodings.categorical(variable);
         // A boolean column's entries end in a comma, another's are separated by one.
         const QStringView separator = recoding.isBoolean ? u"" : u",";
         const QStringView end = recoding.isBoolean ? u"," : u"";
-        put(out, u"        self.dict_", model.recodingName, u" = {\"\":", recoding.y[0], end);
-        for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
-            put(out, separator, u"\"", escapeQuotes(recoding.values[i - 1]), u"\":",
-                recoding.score(i), end);
+        put(out, u"        self.dict_", variable.recodingName, u" = {\"\":", recoding.y[0], end);
+        for (std::size_t i = 0; i < recoding.values.size(); ++i) {
+            put(out, separator, u"\"", escapeQuotes(recoding.values[i]), u"\":", recoding.score(i),
+                end);
         }
         put(out, u"}\n");
     }
 }
 
-void putColumnLookups(TextBuffer &out, const std::vector<UnivModel> &models) {
-    for (const UnivModel &model : models) {
-        put(out, u"        ", model.cleanField, u"_Idx=colNames.index('''", model.field, u"''')\n");
+void putColumnLookups(TextBuffer &out, const std::vector<Variable> &variables) {
+    for (const Variable &variable : variables) {
+        put(out, u"        ", variable.cleanField, u"_Idx=colNames.index('''", variable.field,
+            u"''')\n");
     }
 }
 
-void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRecoding &recoding) {
-    const QString &name = model.recodingName;
+void putCategorical(TextBuffer &out, const Variable &variable,
+                    const CategoricalRecoding &recoding) {
+    const QString &name = variable.recodingName;
     put(out, u"            try:\n                ", name, u" = self.dict_", name, u"[df.iloc[line,",
-        model.cleanField, u"_Idx].strip()]\n");
+        variable.cleanField, u"_Idx].strip()]\n");
     put(out, u"            except KeyError:\n                ", name, u" = ", recoding.y[0],
         u"\n\n");
 }
@@ -77,12 +79,12 @@ void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
     put(out, u":\n");
 }
 
-void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
-    const QString &name = model.recodingName;
+void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
+    const QString &name = variable.recodingName;
     const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
-    put(out, u"            data = float(df.iloc[line,", model.cleanField, u"_Idx])\n");
+    put(out, u"            data = float(df.iloc[line,", variable.cleanField, u"_Idx])\n");
     putMissingTest(out, recoding.missing.codes);
     put(out, u"                ", name, u"=", y[0], u"\n");
     put(out, u"            elif data < ", recoding.x.front(), u":\n                ", name, u" = ",
@@ -96,29 +98,30 @@ void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &
     put(out, u"            else:\n                ", name, u" = ", y[0], u"\n\n");
 }
 
-void putHeading(TextBuffer &out, const UnivModel &model) {
-    put(out, u"            # computing recoding '", model.recodingName,
-        u"'\n            #based on the ", model.node.attribute(u"type"),
-        u" column of display name '", model.node.attribute(u"displayName"), u"'\n");
+void putHeading(TextBuffer &out, const Variable &variable) {
+    put(out, u"            # computing recoding '", variable.recodingName,
+        u"'\n            #based on the ", variable.node.attribute(u"type"),
+        u" column of display name '", variable.node.attribute(u"displayName"), u"'\n");
 }
 
-void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
+void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
                   const Recodings &recodings) {
-    for (const UnivModel &model : models) {
-        putHeading(out, model);
-        if (model.isCategorical) {
-            putCategorical(out, model, recodings.categorical(model));
+    for (const Variable &variable : variables) {
+        putHeading(out, variable);
+        if (variable.isCategorical) {
+            putCategorical(out, variable, recodings.categorical(variable));
         } else {
-            putNumeric(out, model, recodings.numeric(model));
+            putNumeric(out, variable, recodings.numeric(variable));
         }
     }
 }
 
-void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {
+void putScore(TextBuffer &out, const std::vector<Variable> &variables,
+              const Regression &regression) {
     put(out, u"\n\n            #computing the regression Model\n");
     put(out, u"            s=dfOutScore[line]=", regression.constant);
     for (const RegressionTerm &term : regression.terms) {
-        put(out, u" + ", term.coefficient, u" * ", recodingName(models, term));
+        put(out, u" + ", term.coefficient, u" * ", recodingName(variables, term));
     }
     put(out, u"\n");
 }
@@ -150,9 +153,9 @@ void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
-    const Recodings recodings = readRecodings(document, models);
-    const Regression regression = readRegression(document, models);
+    const std::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const Recodings recodings = readRecodings(document, variables);
+    const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
     const QString prefix = targetPrefix(document, cleanedCharacters);
     const QString name = className.isEmpty() ? classNameOf(modelFile) : className;
@@ -160,16 +163,16 @@ int exportToPython(const QString &modelFile, const QString &moduleFile, const QS
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     return writeOutput(moduleFile, OutputEncoding::Utf8, [&](TextBuffer &out) {
-        putBanner(out, document, models);
+        putBanner(out, document, variables);
         put(out, pythonImports);
         put(out, u"class QORVModel_", name, u":\n");
         put(out, u"    def __init__(self):\n");
-        putDictionaries(out, models, recodings);
+        putDictionaries(out, variables, recodings);
         put(out, pythonApply);
-        putColumnLookups(out, models);
+        putColumnLookups(out, variables);
         put(out, u"        for line in range(len(df.index)):\n");
-        putRecodings(out, models, recodings);
-        putScore(out, models, regression);
+        putRecodings(out, variables, recodings);
+        putScore(out, variables, regression);
         if (table.exists) putProbability(out, table);
         if (isLogistic) put(out, pythonLogisticProbability);
         putReturn(out, table.exists || isLogistic, prefix);

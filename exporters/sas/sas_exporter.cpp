@@ -13,23 +13,24 @@ namespace {
 constexpr int exitUnsupportedRecoding = 1;
 constexpr QStringView cleanedCharacters = u" .";
 
-QStringView typeOf(const UnivModel &model) {
-    return model.node.attribute(u"type");
+QStringView typeOf(const Variable &variable) {
+    return variable.node.attribute(u"type");
 }
 
-bool isSupported(const UnivModel &model) {
-    return model.isCategorical || typeOf(model) == u"NormContinuous" ||
-           typeOf(model) == u"Discretize";
+bool isSupported(const Variable &variable) {
+    return variable.isCategorical || typeOf(variable) == u"NormContinuous" ||
+           typeOf(variable) == u"Discretize";
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
-               const std::vector<UnivModel> &models) {
+               const std::vector<Variable> &variables) {
     fill(out, sasBanner,
          {{u"version", document.root.childNode(u"Header").attribute(u"version")},
           {u"file", document.fileName},
-          {u"count", std::ssize(models)}});
-    for (const UnivModel &model : models) {
-        put(out, u" *  ", model.cleanField, u"  <->  ", model.recodingName, u"            *\n");
+          {u"count", std::ssize(variables)}});
+    for (const Variable &variable : variables) {
+        put(out, u" *  ", variable.cleanField, u"  <->  ", variable.recodingName,
+            u"            *\n");
     }
     put(out, sasBannerEnd);
 }
@@ -42,16 +43,17 @@ bool needsQuotes(const CategoricalRecoding &recoding) {
            });
 }
 
-void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRecoding &recoding) {
-    const QString &field = model.cleanField;
-    const QString &name = model.recodingName;
+void putCategorical(TextBuffer &out, const Variable &variable,
+                    const CategoricalRecoding &recoding) {
+    const QString &field = variable.cleanField;
+    const QString &name = variable.recodingName;
     const QStringView quote = needsQuotes(recoding) ? u"\"" : u"";
 
     put(out, u"   if trim(left(", field, u"))=\"\" then ", name, u"=", recoding.y[0], u";\n");
-    for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
+    for (std::size_t i = 0; i < recoding.values.size(); ++i) {
         const double score = recoding.score(i);
-        put(out, u"   else if trim(left(", field, u"))=", quote,
-            escapeQuotes(recoding.values[i - 1]), quote, u" then ", name, u"=",
+        put(out, u"   else if trim(left(", field, u"))=", quote, escapeQuotes(recoding.values[i]),
+            quote, u" then ", name, u"=",
             recoding.isBoolean ? streamNumber(score) : modelNumber(score), u";\n");
     }
     put(out, u"   else ", name, u"=", recoding.y[0], u";\n");
@@ -69,9 +71,9 @@ void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &m
     }
 }
 
-void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
-    const QString &field = model.cleanField;
-    const QString &name = model.recodingName;
+void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
+    const QString &field = variable.cleanField;
+    const QString &name = variable.recodingName;
     const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
@@ -87,31 +89,31 @@ void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &
     put(out, u"   else ", name, u"=", y[0], u"; /* default */\n\n");
 }
 
-void putHeading(TextBuffer &out, const UnivModel &model) {
-    put(out, u"\n   /* computing recoding '", model.recodingName, u"'\n      based on the ",
-        typeOf(model), u" column of display name '", model.node.attribute(u"displayName"),
+void putHeading(TextBuffer &out, const Variable &variable) {
+    put(out, u"\n   /* computing recoding '", variable.recodingName, u"'\n      based on the ",
+        typeOf(variable), u" column of display name '", variable.node.attribute(u"displayName"),
         u"' */\n\n");
 }
 
-void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
+void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
                   const Recodings &recodings) {
-    for (const UnivModel &model : models) {
-        putHeading(out, model);
-        if (model.isCategorical) {
-            putCategorical(out, model, recodings.categorical(model));
+    for (const Variable &variable : variables) {
+        putHeading(out, variable);
+        if (variable.isCategorical) {
+            putCategorical(out, variable, recodings.categorical(variable));
         } else {
-            putNumeric(out, model, recodings.numeric(model));
+            putNumeric(out, variable, recodings.numeric(variable));
         }
     }
 }
 
-void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression,
+void putScore(TextBuffer &out, const std::vector<Variable> &variables, const Regression &regression,
               const QString &prefix) {
     put(out, u"\n\n   /* computing the regression Model */\n   ", prefix, u"score= ",
         regression.constant, u"\n");
     for (std::size_t j = 0; j < regression.terms.size(); ++j) {
         const RegressionTerm &term = regression.terms[j];
-        put(out, u"        + ", term.coefficient, u"* ", recodingName(models, term));
+        put(out, u"        + ", term.coefficient, u"* ", recodingName(variables, term));
         put(out, j + 1 == regression.terms.size() ? QStringView(u";\n\n") : QStringView(u"\n"));
     }
     put(out, u"\n");
@@ -135,9 +137,9 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table, const QStrin
     });
 }
 
-void putClosing(TextBuffer &out, const std::vector<UnivModel> &models) {
+void putClosing(TextBuffer &out, const std::vector<Variable> &variables) {
     put(out, sasDropRemark);
-    for (const UnivModel &model : models) put(out, u"   drop ", model.recodingName, u";\n");
+    for (const Variable &variable : variables) put(out, u"   drop ", variable.recodingName, u";\n");
     put(out, u"\n/* run; */\n");
 }
 
@@ -146,28 +148,28 @@ void putClosing(TextBuffer &out, const std::vector<UnivModel> &models) {
 int exportToSas(const QString &modelFile, const QString &scriptFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
-    if (!std::ranges::all_of(models, isSupported)) {
+    const std::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    if (!std::ranges::all_of(variables, isSupported)) {
         printText(u"Unsupported recoding (from RANK)!\n"
                   "Please update Qorv to the latest version.\n");
         return exitUnsupportedRecoding;
     }
     const QString prefix = targetPrefix(document, cleanedCharacters);
-    const Recodings recodings = readRecodings(document, models);
-    const Regression regression = readRegression(document, models);
-    requireModels(document, regression);
+    const Recodings recodings = readRecodings(document, variables);
+    const Regression regression = readRegression(document, variables);
+    requireVariables(document, regression);
     const ProbabilityTable table = readProbabilityTable(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     return writeScript(scriptFile, [&](TextBuffer &out) {
-        putBanner(out, document, models);
-        putRecodings(out, models, recodings);
-        putScore(out, models, regression, prefix);
+        putBanner(out, document, variables);
+        putRecodings(out, variables, recodings);
+        putScore(out, variables, regression, prefix);
         if (table.exists) {
             putProbability(out, table, prefix);
         } else if (hasLogisticProbability(document)) {
             putLogisticProbability(out, prefix);
         }
-        putClosing(out, models);
+        putClosing(out, variables);
     });
 }

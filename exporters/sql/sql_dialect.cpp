@@ -66,6 +66,6 @@ NumberText sqlNumber(const SqlDialect &dialect, double number) {
     return generalNumber(std::abs(number) < smallest ? 0 : number, dialect.digits);
 }
 
-void append(TextBuffer &out, const WrappedName &wrapped) {
+void put(TextBuffer &out, const WrappedName &wrapped) {
     put(out, wrapped.wrapper.opening, wrapped.name, wrapped.wrapper.closing);
 }

@@ -46,4 +46,4 @@ struct WrappedName {
     SqlWrapper wrapper;
     QStringView name;
 };
-void append(TextBuffer &out, const WrappedName &wrapped);
+void put(TextBuffer &out, const WrappedName &wrapped);

@@ -20,22 +20,24 @@ QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &di
     return schema.isEmpty() ? QString() : sqlIdentifier(dialect, schema) + u'.';
 }
 
-std::vector<QString> debugColumns(const std::vector<UnivModel> &models,
+std::vector<QString> debugColumns(const std::vector<Variable> &variables,
                                   const SqlConfiguration &configuration,
                                   const SqlDialect &dialect) {
     std::vector<QString> columns;
     if (!configuration.debugRecoding) return columns;
-    columns.reserve(models.size());
-    for (const UnivModel &model : models) {
-        columns.push_back(sqlIdentifier(dialect, QString(u"R_" % model.field)));
+    columns.reserve(variables.size());
+    for (const Variable &variable : variables) {
+        columns.push_back(sqlIdentifier(dialect, QString(u"R_" % variable.field)));
     }
     return columns;
 }
 
-std::vector<QString> quotedFields(const std::vector<UnivModel> &models, const SqlDialect &dialect) {
+std::vector<QString> quotedFields(const std::vector<Variable> &variables,
+                                  const SqlDialect &dialect) {
     std::vector<QString> fields;
-    fields.reserve(models.size());
-    for (const UnivModel &model : models) fields.push_back(sqlIdentifier(dialect, model.field));
+    fields.reserve(variables.size());
+    for (const Variable &variable : variables)
+        fields.push_back(sqlIdentifier(dialect, variable.field));
     return fields;
 }
 
@@ -133,8 +135,8 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QStrin
     } else {
         // The spellings of a boolean column are compared untrimmed.
         const WrappedName compared = recoding.isBoolean ? WrappedName{{}, field} : text;
-        for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
-            put(out, u"   WHEN ", compared, u"='", EscapedText{recoding.values[i - 1], u'\''},
+        for (std::size_t i = 0; i < recoding.values.size(); ++i) {
+            put(out, u"   WHEN ", compared, u"='", EscapedText{recoding.values[i], u'\''},
                 u"' THEN ", points(recoding.score(i)), u"\n");
         }
     }
@@ -147,19 +149,19 @@ void putContributions(TextBuffer &out, const SqlScript &script) {
     const SqlDialect &dialect = script.dialect;
     const Recodings &recodings = script.recodings;
     const bool isDebug = script.configuration.debugRecoding;
-    for (const UnivModel &model : script.models) {
-        const QString &field = script.fields[model.position];
-        const double coefficient = script.coefficients[model.position];
+    for (const Variable &variable : script.variables) {
+        const QString &field = script.fields[variable.position];
+        const double coefficient = script.coefficients[variable.position];
         put(out, isDebug ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
-        if (model.isCategorical) {
-            const CategoricalRecoding recoding = recodings.categorical(model);
+        if (variable.isCategorical) {
+            const CategoricalRecoding recoding = recodings.categorical(variable);
             const bool isNumber = recoding.isBoolean && script.configuration.boolsAreNumbers;
             putCategoricalCase(out, dialect, field, recoding, isNumber, coefficient);
         } else {
-            putNumericCase(out, dialect, field, recodings.numeric(model), coefficient);
+            putNumericCase(out, dialect, field, recodings.numeric(variable), coefficient);
         }
         put(out, dialect.scoreCast.closing, u")");
-        if (isDebug) put(out, u" AS ", script.debugColumns[model.position]);
+        if (isDebug) put(out, u" AS ", script.debugColumns[variable.position]);
         put(out, u"\n");
     }
 }
@@ -221,17 +223,18 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
     const QString schema = schemaPrefix(configuration, dialect);
     const QString &target = configuration.predictionTable;
     const QString temporary = u"Qorv_TMP_"_s + target;
-    std::vector<UnivModel> models = readUnivModels(document, {});
+    std::vector<Variable> variables = readVariables(document, {});
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);
-    std::vector<QString> fields = quotedFields(models, dialect);
-    std::vector<QString> columns = debugColumns(models, configuration, dialect);
-    const Regression regression = readRegression(
-        document, models, configuration.debugRecoding ? ConstantTerm::LeftOut : ConstantTerm::Read);
-    requireModels(document, regression);
-    std::vector<double> coefficients = modelCoefficients(document, models, regression);
-    Recodings recodings = readRecodings(document, models,
+    std::vector<QString> fields = quotedFields(variables, dialect);
+    std::vector<QString> columns = debugColumns(variables, configuration, dialect);
+    const Regression regression =
+        readRegression(document, variables,
+                       configuration.debugRecoding ? ConstantTerm::LeftOut : ConstantTerm::Read);
+    requireVariables(document, regression);
+    std::vector<double> coefficients = variableCoefficients(document, variables, regression);
+    Recodings recodings = readRecodings(document, variables,
                                         configuration.boolsAreNumbers ? BooleanScores::Both
                                                                       : BooleanScores::OfValues);
     return {
@@ -243,7 +246,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
         .predictionTable = schema + sqlTableName(dialect, target),
         .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
         .temporaryTable = schema + sqlTableName(dialect, temporary),
-        .models = std::move(models),
+        .variables = std::move(variables),
         .fields = std::move(fields),
         .debugColumns = std::move(columns),
         .probabilities = std::move(probabilities),

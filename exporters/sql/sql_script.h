@@ -23,12 +23,12 @@ struct SqlScript {
     QString predictionTable;
     QString inputTable;
     QString temporaryTable;
-    std::vector<UnivModel> models;
-    std::vector<QString> fields;       // of each model
-    std::vector<QString> debugColumns; // of each model, or none
+    std::vector<Variable> variables;
+    std::vector<QString> fields;       // of each variable
+    std::vector<QString> debugColumns; // of each variable, or none
     ProbabilityTable probabilities;    // unless the plan is ScoreOnly
     double constant;                   // 0 where it is not written
-    std::vector<double> coefficients;  // of each model
+    std::vector<double> coefficients;  // of each variable
     Recodings recodings;
 };
 

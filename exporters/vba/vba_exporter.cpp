@@ -10,28 +10,30 @@ namespace {
 constexpr QStringView cleanedCharacters = u"\"%'-() /.";
 constexpr int mostLinesOfStatement = 24;
 
-// Positions count from 1 in the module's arrays.
-std::ptrdiff_t positionOf(const UnivModel &model) {
-    return static_cast<std::ptrdiff_t>(model.position) + 1;
+// The place of the variable's column in the module's arrays, which count from 1.
+std::ptrdiff_t columnOf(const Variable &variable) {
+    return static_cast<std::ptrdiff_t>(variable.position) + 1;
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
-               const std::vector<UnivModel> &models) {
+               const std::vector<Variable> &variables) {
     fill(out, vbaBanner,
          {{u"version", document.root.childNode(u"Header").attribute(u"version")},
           {u"file", document.fileName},
-          {u"count", std::ssize(models)}});
-    for (const UnivModel &model : models) {
-        put(out, u"' *  ", model.cleanField, u"  <->  ", model.recodingName, u"            *\n");
+          {u"count", std::ssize(variables)}});
+    for (const Variable &variable : variables) {
+        put(out, u"' *  ", variable.cleanField, u"  <->  ", variable.recodingName,
+            u"            *\n");
     }
     put(out, vbaBannerEnd);
 }
 
 // `routine` is what the block leaves when a sheet or a title is not found: "Function" or "Sub".
-void putInitialisation(TextBuffer &out, const std::vector<UnivModel> &models, QStringView routine) {
-    fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(models)}});
-    for (const UnivModel &model : models) {
-        put(out, u"     variableNames(", positionOf(model), u")=\"", escapeQuotes(model.field),
+void putInitialisation(TextBuffer &out, const std::vector<Variable> &variables,
+                       QStringView routine) {
+    fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(variables)}});
+    for (const Variable &variable : variables) {
+        put(out, u"     variableNames(", columnOf(variable), u")=\"", escapeQuotes(variable.field),
             u"\"\n");
     }
     fill(out, vbaTitleSearch, {{u"exit", routine}});
@@ -44,12 +46,13 @@ QStringView shownInCell(QStringView value) {
     return value;
 }
 
-void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRecoding &recoding) {
-    const QString &name = model.recodingName;
+void putCategorical(TextBuffer &out, const Variable &variable,
+                    const CategoricalRecoding &recoding) {
+    const QString &name = variable.recodingName;
     fill(out, vbaCategoryOfCell,
-         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"position", positionOf(model)}});
-    for (std::size_t i = 1; i <= recoding.values.size(); ++i) {
-        const QStringView value = recoding.values[i - 1];
+         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"column", columnOf(variable)}});
+    for (std::size_t i = 0; i < recoding.values.size(); ++i) {
+        const QStringView value = recoding.values[i];
         if (recoding.isBoolean) {
             put(out, u"    Case Is =\"", escapeQuotes(value));
         } else {
@@ -61,13 +64,13 @@ void putCategorical(TextBuffer &out, const UnivModel &model, const CategoricalRe
 }
 
 // Without a Case Else: a cell that is empty or no number keeps the first score.
-void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &recoding) {
-    const QString &name = model.recodingName;
+void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
+    const QString &name = variable.recodingName;
     const std::span<const double> y = recoding.y;
     const double upperTail = y[recoding.x.size() + 1];
 
     fill(out, vbaNumberOfCell,
-         {{u"recoding", name}, {u"unknown", y[0]}, {u"position", positionOf(model)}});
+         {{u"recoding", name}, {u"unknown", y[0]}, {u"column", columnOf(variable)}});
     for (const double code : recoding.missing.codes) {
         put(out, u"    Case Is =", streamNumber(code), u"\n", name, u" = ", y[0], u"\n");
     }
@@ -79,28 +82,29 @@ void putNumeric(TextBuffer &out, const UnivModel &model, const NumericRecoding &
     put(out, u"   End Select\n  End If\n");
 }
 
-void putHeading(TextBuffer &out, const UnivModel &model) {
+void putHeading(TextBuffer &out, const Variable &variable) {
     fill(out, vbaRecodingHead,
-         {{u"recoding", model.recodingName},
-          {u"type", model.node.attribute(u"type")},
-          {u"label", model.node.attribute(u"displayName")}});
+         {{u"recoding", variable.recodingName},
+          {u"type", variable.node.attribute(u"type")},
+          {u"label", variable.node.attribute(u"displayName")}});
 }
 
-void putRecodings(TextBuffer &out, const std::vector<UnivModel> &models,
+void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
                   const Recodings &recodings) {
-    for (const UnivModel &model : models) {
-        putHeading(out, model);
-        if (model.isCategorical) {
-            putCategorical(out, model, recodings.categorical(model));
+    for (const Variable &variable : variables) {
+        putHeading(out, variable);
+        if (variable.isCategorical) {
+            putCategorical(out, variable, recodings.categorical(variable));
         } else {
-            putNumeric(out, model, recodings.numeric(model));
+            putNumeric(out, variable, recodings.numeric(variable));
         }
     }
 }
 
 // Puts every term on a line of its own, in as many statements as the language's limit of
 // continued lines asks for.
-void putTerms(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {
+void putTerms(TextBuffer &out, const std::vector<Variable> &variables,
+              const Regression &regression) {
     put(out, u"\n\n'   computing the regression Model\n  score = ", regression.constant);
     int lines = 2;
     for (const RegressionTerm &term : regression.terms) {
@@ -111,18 +115,19 @@ void putTerms(TextBuffer &out, const std::vector<UnivModel> &models, const Regre
             put(out, u"\n score  = score _\n");
             lines = 1;
         }
-        put(out, u"        + ", term.coefficient, u"* ", recodingName(models, term));
+        put(out, u"        + ", term.coefficient, u"* ", recodingName(variables, term));
     }
     put(out, u"\n\n");
 }
 
-void putScore(TextBuffer &out, const std::vector<UnivModel> &models, const Regression &regression) {
+void putScore(TextBuffer &out, const std::vector<Variable> &variables,
+              const Regression &regression) {
     put(out, u"\n\n'  for debug:\n'  Dim vdebug(", std::ssize(regression.terms), u") As Double\n");
-    std::ptrdiff_t position = 0;
+    std::ptrdiff_t line = 0;
     for (const RegressionTerm &term : regression.terms) {
-        put(out, u"'  vdebug(", ++position, u") = ", recodingName(models, term), u"\n");
+        put(out, u"'  vdebug(", ++line, u") = ", recodingName(variables, term), u"\n");
     }
-    putTerms(out, models, regression);
+    putTerms(out, variables, regression);
 }
 
 void putProbability(TextBuffer &out, const ProbabilityTable &table) {
@@ -142,14 +147,14 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table) {
     put(out, u"End Select\n  QorvPrediction_1 = proba\n");
 }
 
-void putRangeChecks(TextBuffer &out, const std::vector<UnivModel> &models,
+void putRangeChecks(TextBuffer &out, const std::vector<Variable> &variables,
                     const Recodings &recodings) {
-    for (const UnivModel &model : models) {
-        if (model.isCategorical) continue;
-        const std::span<const double> bounds = recodings.numeric(model).x;
+    for (const Variable &variable : variables) {
+        if (variable.isCategorical) continue;
+        const std::span<const double> bounds = recodings.numeric(variable).x;
         fill(out, vbaRangeCheck,
-             {{u"recoding", model.recodingName},
-              {u"position", positionOf(model)},
+             {{u"recoding", variable.recodingName},
+              {u"column", columnOf(variable)},
               {u"lowest", bounds.front()},
               {u"highest", bounds.back()}});
     }
@@ -160,25 +165,25 @@ void putRangeChecks(TextBuffer &out, const std::vector<UnivModel> &models,
 int exportToVba(const QString &modelFile, const QString &moduleFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::vector<UnivModel> models = readUnivModels(document, cleanedCharacters);
-    const Recodings recodings = readRecodings(document, models);
-    const Regression regression = readRegression(document, models);
+    const std::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const Recodings recodings = readRecodings(document, variables);
+    const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     return writeScript(moduleFile, [&](TextBuffer &out) {
         put(out, vbaDeclarations);
-        putBanner(out, document, models);
+        putBanner(out, document, variables);
         put(out, vbaFunctionHead);
-        putInitialisation(out, models, u"Function");
+        putInitialisation(out, variables, u"Function");
         put(out, vbaRowDeclarations);
-        putRecodings(out, models, recodings);
-        putScore(out, models, regression);
+        putRecodings(out, variables, recodings);
+        putScore(out, variables, regression);
         putProbability(out, table);
         put(out, vbaRangeHead);
-        putInitialisation(out, models, u"Sub");
+        putInitialisation(out, variables, u"Sub");
         put(out, vbaRangeRows);
-        putRangeChecks(out, models, recodings);
+        putRangeChecks(out, variables, recodings);
         put(out, vbaRangeEnd);
     });
 }
