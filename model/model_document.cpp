@@ -1,3 +1,6 @@
+// The tree stays the model: what is read are views into it and decoded arrays. Arrays are decoded
+// into one buffer and copied from there, since a text in the middle of a document is aligned to
+// nothing.
 #include "model/model_document.h"
 
 #include "model/exit_status.h"

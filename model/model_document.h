@@ -1,6 +1,5 @@
-// The model document as the exporters read it: one walk over the univariate models, the arrays of
-// each, the regression and the probability table. The tree stays the model; what is read here are
-// views into it and decoded arrays.
+// A loaded model document, its arrays, and the names in it. recodings.h and regression.h read the
+// rest.
 //
 // Reading does not stop at an array that is too short: the first shortage is noted in the document,
 // the missing values read as 0, and the exporter goes on and asks once, when it has read all that

@@ -1,3 +1,5 @@
+// std::to_chars with a precision writes what printf's %g writes, to the last digit, and knows no
+// locale.
 #include "model/number_text.h"
 
 #include <charconv>

@@ -1,3 +1,5 @@
+// UTF-16 goes out as it stands in memory. UTF-8 is converted piece by piece, since a second copy of
+// the whole text would cost its memory once more.
 #include "model/output_file.h"
 
 #include <algorithm>
@@ -7,7 +9,6 @@ static_assert(std::endian::native == std::endian::little, "UTF-16 texts are writ
 
 namespace {
 
-// Converts piece by piece: a second copy of the whole text would cost its memory once more.
 void writeUtf8(std::FILE *stream, QStringView text) {
     constexpr qsizetype most = 1 << 12;
     while (!text.isEmpty()) {

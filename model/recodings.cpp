@@ -1,3 +1,5 @@
+// All bounds and scores go into one list and all values into another, in document order; a record
+// for each variable says where its own begin. So no variable takes memory of its own.
 #include "model/recodings.h"
 
 #include "platform/platform.h"

@@ -23,8 +23,8 @@ struct Variable {
 // All variables in document order, their fields cleaned of the characters of `replaced`.
 std::vector<Variable> readVariables(const ModelDocument &document, QStringView replaced);
 
-// The numbers that stand for a missing value of a numeric column, the last first, which is how all
-// targets test them. A list that is there may hold none.
+// The numbers that stand for a missing value of a numeric column, in the order in which all targets
+// test them: the last of the document first. Targets tell an empty list from none.
 struct MissingCodes {
     bool isListed = false;
     std::vector<double> codes;

@@ -1,3 +1,5 @@
+// The regression calls a variable by its number, which need not be its position and may stand for
+// several. Tables from number to variable, or to coefficient, keep the search linear.
 #include "model/regression.h"
 
 #include <QHash>

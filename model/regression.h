@@ -28,8 +28,8 @@ QStringView recodingName(std::span<const Variable> variables, const RegressionTe
 // Notes a problem when a term has no variable.
 void requireVariables(ModelDocument &document, const Regression &regression);
 
-// The coefficient of each variable: that of the last term with its number, which variables of one
-// number share. Notes a problem when a variable has no term; its coefficient is 0.
+// The coefficient of each variable: that of the last term with the variable's number. Notes a
+// problem when a variable has no term; its coefficient is then 0.
 std::vector<double> variableCoefficients(ModelDocument &document,
                                          std::span<const Variable> variables,
                                          const Regression &regression);

@@ -1,3 +1,5 @@
+// A buffer before a file is one block, which stays in the processor's cache while it is filled and
+// written. A buffer in memory grows by doubling.
 #include "model/text_buffer.h"
 
 #include "platform/platform.h"
@@ -7,7 +9,8 @@
 #include <new>
 
 TextBuffer::TextBuffer(qsizetype expected) {
-    // Memory that is never touched costs nothing; where there is none to promise, it can wait.
+    // Memory that is never touched costs nothing. When the system promises none, the buffer grows
+    // from nothing.
     static_cast<void>(resize(expected));
 }
 
@@ -22,7 +25,7 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// Half a pair waits for its other half, which is converted together with it.
+// The first half of a surrogate pair stays behind, to be converted together with the second.
 void TextBuffer::writeBlock() {
     const qsizetype kept = endsInHalfPair(text()) ? 1 : 0;
     writeText(file, text().chopped(kept));
@@ -30,9 +33,6 @@ void TextBuffer::writeBlock() {
     used = kept;
 }
 
-// A block before a file stays in the processor's cache while it is filled and written. In memory,
-// where the system moves large blocks by remapping their pages, growing costs no copy and touches
-// nothing.
 void TextBuffer::enlarge(qsizetype count) {
     constexpr qsizetype smallest = 1 << 15;
     if (file.stream && used > 0) {

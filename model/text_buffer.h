@@ -27,8 +27,7 @@
 class TextBuffer {
 public:
     TextBuffer() = default;
-    // A buffer in memory that is expected to take about so many units. Room is promised for them,
-    // but it is not touched before it is used.
+    // A buffer in memory that is expected to take about so many units.
     explicit TextBuffer(qsizetype expected);
     TextBuffer(const TextBuffer &) = delete;
     TextBuffer &operator=(const TextBuffer &) = delete;
@@ -36,11 +35,11 @@ public:
     // What was appended and not yet written to a file.
     QStringView text() const { return {units.get(), used}; }
 
-    // Takes the memory of one block, unless there is more already.
+    // Takes the memory of one block, unless the buffer has some already.
     void reserveBlock() {
         if (capacity == 0) enlarge(1);
     }
-    // From here on, and with what was appended before, the buffer stands before the file.
+    // From here on, all that is and was put into the buffer goes into the file.
     void writeTo(OutputFile opened) { file = std::move(opened); }
     // Writes what is left to the file and closes it.
     void close();

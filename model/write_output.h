@@ -6,14 +6,14 @@
 
 #include <QString>
 
-// Creates or empties the file, writes the mark of the encoding and puts the buffer before the file.
-// Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput when the file cannot
-// be opened or takes no mark.
+// Creates or empties the file, writes the byte-order mark of the encoding and hands the file to the
+// buffer. Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput when the file
+// cannot be opened or does not take the mark.
 int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out);
 
-// Creates or replaces the file with what write(out) puts. Returns what openOutput does; silent on
-// success. An exporter calls this when it has read all of the model: nothing can go wrong then, and
-// what was in the file is lost.
+// Creates or replaces the file with what write(out) puts. Returns what openOutput does, and prints
+// nothing on success. An exporter calls this once it has read all of the model, since what was in
+// the file is lost.
 template <typename Write>
 int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
     TextBuffer out;
@@ -26,7 +26,7 @@ int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
 
 void reportSuccess();
 
-// The same in UTF-16, and a message of success.
+// The same in UTF-16, with a message of success.
 template <typename Write>
 int writeScript(const QString &fileName, Write write) {
     const int status = writeOutput(fileName, OutputEncoding::Utf16, write);
@@ -34,6 +34,6 @@ int writeScript(const QString &fileName, Write write) {
     return status;
 }
 
-// Creates or replaces the file and writes the text in UTF-8 without mark. Prints nothing: a file
-// that cannot be opened is left alone.
+// Creates or replaces the file and writes the text in UTF-8 without byte-order mark. Prints
+// nothing: a file that cannot be opened is left alone.
 void writePage(const QString &fileName, QStringView text);

@@ -15,9 +15,8 @@ std::FILE *openFile(const QString &fileName, FileUse use);
 // The size in bytes of a file that was opened for reading; 0 for a device.
 std::int64_t fileSize(std::FILE *file);
 
-// Whether the bytes of a file are UTF-16LE text, with its mark or without. What has neither a mark
-// nor mostly Western characters, or holds zero characters or half a unit, is a guess that each
-// system makes in its own way.
+// Whether the bytes of a file are UTF-16LE text, with its byte-order mark or without. Without one
+// it is a guess, which each system makes in its own way; text in Western languages is told by all.
 bool isUtf16Text(QByteArrayView bytes);
 
 // Text in the system's 8-bit code page, at most a unit for a byte: `text` has room for bytes.size()

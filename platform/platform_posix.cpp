@@ -1,3 +1,5 @@
+// Linux. File names and console texts are UTF-8, and documents in 8-bit text come from Western
+// machines.
 #include "platform/platform.h"
 
 #include <QStringEncoder>

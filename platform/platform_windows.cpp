@@ -1,3 +1,5 @@
+// Windows. The system answers for itself: what is UTF-16, what the code page is, what a console
+// shows.
 #include "platform/platform.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Groups of four digits with nothing between them, which is nearly all of most texts, are decoded
+// in one pass. What is left from the first irregularity on is measured before it is decoded, so
+// that a text with an illegal character gives nothing.
 #include "xml/base64.h"
 
 #include <algorithm>
@@ -62,8 +65,7 @@ unsigned char byte(int value) {
     return static_cast<unsigned char>(value);
 }
 
-// Decodes groups of four digits without anything between them, which is nearly all of most texts,
-// and moves on over them. Writes at most three bytes for each four characters.
+// Decodes groups of four digits up to the first that is none, and moves on over them.
 void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out) {
     for (; end - at >= 4; at += 4, out += 3) {
         if ((at[0] | at[1] | at[2] | at[3]) > 0xFF) return;
@@ -131,7 +133,6 @@ const unsigned char *base64Decode(Base64Decoder &decoder, QStringView text, qsiz
     const char16_t *at = text.utf16();
     decodeGroups(at, at + text.size(), out);
 
-    // What is left is measured first, so that a text with an illegal character gives nothing.
     XmlError code = XmlError::NoError;
     text = text.sliced(at - text.utf16());
     text.truncate(std::find(text.begin(), text.end(), u'\0') - text.begin());

@@ -1,3 +1,5 @@
+// A file is read whole. UTF-16 text is parsed where it was read; any other is decoded into a buffer
+// of its own first, and the bytes are released.
 #include "platform/platform.h"
 #include "xml/xml_document.h"
 

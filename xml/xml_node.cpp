@@ -1,3 +1,5 @@
+// A handle counts in its document, not in its element: the tree is released as a whole with the
+// last handle to any of it. Lookups walk the arrays of one element.
 #include "xml/xml_node.h"
 
 #include "xml/xml_document.h"

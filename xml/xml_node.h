@@ -87,9 +87,10 @@ public:
     static XmlNode parseText(QStringView text, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
-    // The same for a whole file: UTF-16LE text (with or without mark), UTF-8 with mark, or text in
-    // the system's 8-bit code page. FileNotFound for anything that is not a readable regular file,
-    // NoXmlData for one of 0 bytes, WideCharConversionError when the text does not fit in memory.
+    // The same for a whole file: UTF-16LE text with or without byte-order mark, UTF-8 with one, or
+    // text in the system's 8-bit code page. FileNotFound for anything that is not a readable
+    // regular file, NoXmlData for one of 0 bytes, WideCharConversionError when the text does not
+    // fit in memory.
     static XmlNode parseFile(const QString &fileName, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 

@@ -1,5 +1,11 @@
-// Tokens and elements. One loop with a stack of its own takes the place of recursion, so that no
-// document can exhaust the process's stack.
+// readContent goes from one "<" to the next. What stands between two of them is text; what follows
+// says whether an element begins (readElement) or ends (readEndTag), or a section is kept as it
+// stands (readClear). The elements whose end has not been met are a stack of the parser's own, in
+// place of recursion, so that no document can exhaust the process's stack.
+//
+// The open elements share one list of children, one of texts and one of kept sections, each from a
+// position of its own on. An element that closes takes its entries, which are the last, out of the
+// lists and into arrays in the document's blocks.
 #include "platform/platform.h"
 #include "xml/xml_document.h"
 
@@ -43,8 +49,8 @@ struct Token {
 
 enum class PieceKind { None, Child, Text, Clear, Comment };
 
-// An element whose end has not been met. Its children, texts and clear sections are the parser's
-// from the given positions on.
+// An element whose end has not been met. Its children, texts and kept sections are the last of the
+// parser's lists, from these positions on.
 struct OpenElement {
     XmlElement *element;
     std::size_t firstChild;
@@ -59,10 +65,10 @@ struct Parser {
     const char16_t *source;
     qsizetype length;
     qsizetype at = 0;
-    qsizetype runStart = 0; // of the text that no token has ended yet
+    qsizetype runStart = 0; // where the text begins that ends at the next "<"
     XmlError error = XmlError::NoError;
     qsizetype warningAt = 0;
-    const char16_t *pendingEndTag = nullptr; // an end tag that its element did not match
+    const char16_t *pendingEndTag = nullptr; // the name in an end tag that closes an outer element
 
     std::vector<OpenElement> open{};
     std::vector<XmlElement *> children{};
@@ -70,7 +76,7 @@ struct Parser {
     std::vector<XmlClear> clears{};
     std::vector<XmlAttribute> attributes{};
 
-    // Room behind the last text, when it was joined from several.
+    // Where the last text stands when it was joined from several, and the room there.
     char16_t *joined = nullptr;
     qsizetype joinedCapacity = 0;
 };
@@ -252,7 +258,7 @@ void addPiece(Parser &p, PieceKind kind) {
     element.last = kind;
 }
 
-// Appends to the last text. Doubling the room keeps a text of many joined pieces linear.
+// Appends to the last text, in a room that doubles, so that joining many pieces stays linear.
 void joinText(Parser &p, QStringView more) {
     QStringView &text = p.texts.back();
     const qsizetype size = text.size() + more.size();
@@ -265,8 +271,8 @@ void joinText(Parser &p, QStringView more) {
     text = QStringView(p.joined, size);
 }
 
-// Ends the pending text at `end` and gives it to the innermost element. A comment between two texts
-// goes, and the texts become one.
+// Gives the text before `end` to the innermost element. Where only a comment stands between it and
+// the text before, the comment is dropped and the two texts become one.
 bool flushText(Parser &p, qsizetype end) {
     qsizetype start = p.runStart;
     while (start < end && isSpace(p.source[start])) ++start;
@@ -390,8 +396,8 @@ bool matchesEndTag(QStringView name, const char16_t *candidate) {
     return isSpace(next) || next == u'/' || next == u'<' || next == u'>' || next == u'=';
 }
 
-// Reads an end tag, whose "</" has been met, and closes the innermost element with it. An end tag
-// of another name stays pending for the elements around it.
+// Reads an end tag behind its "</" and closes the innermost element. When it names another element
+// it goes on to close the elements around it.
 bool readEndTag(Parser &p) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text || nextToken(p).kind != TokenKind::TagClose) {
@@ -405,7 +411,7 @@ bool readEndTag(Parser &p) {
     return true;
 }
 
-// Lets a pending end tag close elements up to and with the one that it names.
+// Closes elements up to and with the one that the pending end tag names.
 bool closePendingElements(Parser &p) {
     while (p.pendingEndTag && !p.open.empty()) {
         const QStringView name = p.open.back().element->name;

@@ -1,3 +1,6 @@
+// Each kind of tag is searched by itself and remembers its next occurrence. What stands first among
+// these is the next tag of the canvas; passing it costs one search of its kind, so that a canvas is
+// read once for each kind.
 #include "exporters/html/canvas_tags.h"
 
 #include "platform/platform.h"

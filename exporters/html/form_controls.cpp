@@ -1,3 +1,9 @@
+// The control of a question depends on what the column holds:
+//
+// Age    a slider and a number field that follow each other   putNumericControl
+// Paid   unknown, True and False as radio buttons             putYesNoControl
+// Job    a list, of five categories or more                   putList
+// Home   radio buttons, of fewer                              putRadioButtons
 #include "exporters/html/form_controls.h"
 
 #include "exporters/html/form_controls_text.h"

@@ -1,3 +1,12 @@
+// A page is its canvas with each tag replaced; without a canvas of the user's own it is the default
+// one. What stands for the tags, and what puts it:
+//
+// [QRV_SCRIPT/]           <script type="text/javascript">            writeHtmlScript
+// [QRV_ALL_QUESTIONS/]    Question 1) Age                            putAllQuestions
+// [QRV_QUESTION 1]        Age <div style="position:relative; …       putQuestion
+// [QRV_ANSWER 0 /]        <div id="m0_total_proba" …                 putAnswer
+// [QRV_DYN_SCALE/], [QRV_GRAPHICS/], [QRV_SUBMIT/]                   putReplacement
+// </html>                 computeIsReady=true; before it             putPage
 #include "exporters/html/html_exporter.h"
 
 #include "exporters/html/default_canvas_text.h"

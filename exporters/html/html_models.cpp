@@ -1,3 +1,6 @@
+// A page may score several models. What can go wrong with one of them is found here, in the order
+// in which messages are to appear: first what the regressions leave out, then, noted in each
+// document, arrays that are too short.
 #include "exporters/html/html_models.h"
 
 #include "platform/platform.h"

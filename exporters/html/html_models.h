@@ -13,7 +13,7 @@ struct HtmlModel {
     std::vector<Variable> variables;
     std::vector<std::size_t> regIndex; // of each variable among betas; empty without a regression
     TargetKind targetKind = TargetKind::Other;
-    std::vector<double> betas; // the coefficients; empty for a model that gets no sum
+    std::vector<double> betas; // coefficients and constant; empty for a model that gets no sum
     ProbabilityTable table;    // y has at least as many values as x, which may have none
     bool endsScript = false;   // where its table would stand
 };

@@ -1,3 +1,14 @@
+// The script, with the function that puts each stretch of it:
+//
+// function enterDoubleField(formVal,formUnknown,scoreAr,boundAr)     writeHtmlScript
+//       m0_V1_score = enterDoubleField(document.QRVform.m0_V1, …     writeVariableScoreLines
+//     var m0_probaTot = mapScoreToProba(0,0                          putModelSum
+//         + m0_V1_score * 2
+//     drawing.innerHTML= "\                                          putHistogram
+// //------------- Column 'Age' ( Age in years ) ------------------   putScoresAndBounds
+// var m0_V1_scoreAr = [0.1,-0.2,0.5];                                writeNumberArray
+// mapScore[0]  = [3,2,1];                                            putProbabilityTable
+// var histogramMaxProba=0.9;                                         writeHtmlScript
 #include "exporters/html/scoring_script.h"
 
 #include "exporters/html/scoring_script_text.h"

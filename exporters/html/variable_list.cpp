@@ -1,3 +1,6 @@
+// Columns are kept by their names while the models are visited in rounds, one variable of each
+// model a round. A record is appended to its column's list and the lists are read backwards at the
+// end, which puts each new record before the older ones of its column.
 #include "exporters/html/variable_list.h"
 
 #include "platform/platform.h"

@@ -1,3 +1,16 @@
+// A module, with the function that puts each stretch of it:
+//
+//    QORVALIS v4.2.1 auto-generated model                            putBanner
+//         self.dict_R1_job = {"":0.25,"clerk":2}                     putDictionaries
+//         Age_Idx=colNames.index('''Age''')                          putColumnLookups
+//             # computing recoding 'R0_Age'                          putHeading
+//             data = float(df.iloc[line,Age_Idx])                    putNumeric
+//             if (isnan(data)or (data==-1):                          putMissingTest
+//             elif data < 18:                                        putNumeric
+//                 R1_job = self.dict_R1_job[…                        putCategorical
+//             s=dfOutScore[line]=0.5 + 2 * R0_Age                    putScore
+//             if s>3:                                                putProbability
+//         return pd.DataFrame(data={'Bad_score':dfOutScore, …       putReturn
 #include "exporters/python/python_exporter.h"
 
 #include "exporters/python/python_text.h"

@@ -1,3 +1,16 @@
+// A script, with the function that puts each stretch of it:
+//
+//  *  QORVALIS v4.2.1 auto-generated model        *    putBanner
+//    /* computing recoding 'R0_Age'                     putHeading
+//    if (Age=.                                          putMissingTest
+//    ) then R0_Age=0.1;                                 putNumeric
+//    else if (Age<18) then R0_Age=-0.2;
+//    if trim(left(job))="" then R1_job=0.25;            putCategorical
+//    Bad_score= 0.5                                     putScore
+//         + 2* R0_Age
+//    if      (Bad_score>3) then Bad_proba=0.9;          putProbability
+//    else if Bad_score>1 then Bad_proba=0.1+ Bad_score*0.2;
+//    drop R0_Age;                                       putClosing
 #include "exporters/sas/sas_exporter.h"
 
 #include "exporters/sas/sas_text.h"

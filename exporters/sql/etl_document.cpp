@@ -1,3 +1,4 @@
+// The script is the text of one element between a fixed head and a fixed end.
 #include "exporters/sql/etl_document.h"
 
 #include "xml/xml_node.h"

@@ -1,3 +1,5 @@
+// Settings are attributes of the root element, and the comment is its text. All are read before the
+// first is checked.
 #include "exporters/sql/sql_configuration.h"
 
 #include "model/exit_status.h"

@@ -1,3 +1,4 @@
+// All that sets dialects apart stands in one table. A script asks for a property, never for a name.
 #include "exporters/sql/sql_dialect.h"
 
 #include <QStringList>

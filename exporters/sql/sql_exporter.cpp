@@ -1,3 +1,5 @@
+// The configuration names the model and the output. The script goes straight into its file; an ETL
+// document takes it as text, so that it is made in memory first.
 #include "exporters/sql/sql_exporter.h"
 
 #include "exporters/sql/etl_document.h"

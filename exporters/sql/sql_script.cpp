@@ -1,3 +1,16 @@
+// A script with a temporary table, with the function that puts each stretch of it:
+//
+// -- drop table predictions;                                  putPredictionTable
+// create table Qorv_TMP_predictions(id VARCHAR(20), …         putTemporaryTable
+// insert into Qorv_TMP_predictions(id,score)                  putTemporaryInsert
+//  SELECT id,(0.5                                             putScoreSelect
+//  +(CASE WHEN (Age IS NULL) THEN 0.2                         putNumericCase
+//    WHEN Age<18 THEN -0.4
+//  +(CASE WHEN ( job IS NULL OR RTRIM(LTRIM(job))='') THEN …  putCategoricalCase
+// insert into predictions(id,proba)                           putPredictionInsert
+//  select id, (CASE                                           putProbabilitySelect
+//    WHEN Qorv_TMP_predictions.score>3 THEN 0.9
+// DROP TABLE Qorv_TMP_predictions;                            putTemporaryMapping
 #include "exporters/sql/sql_script.h"
 
 #include <QStringBuilder>

@@ -1,3 +1,16 @@
+// A module, with the function that puts each stretch of it. All that is long and fixed stands in
+// vba_text.h.
+//
+// ' *  QORVALIS v4.2.1 auto-generated model         *        putBanner
+//      variableNames(1)="Age"                                 putInitialisation
+// '   computing recoding 'R0_Age'                             putHeading
+//    Select case CDbl(myCell)                                 putNumeric
+//     Case Is <18
+//   Select case Trim(ActiveWorkbook.Worksheets(…              putCategorical
+// '  vdebug(1) = R0_Age                                       putScore
+//         + 2* R0_Age                                         putTerms
+//    Case Is > 3                                              putProbability
+//          Case Is <18                                        putRangeChecks
 #include "exporters/vba/vba_exporter.h"
 
 #include "exporters/vba/vba_text.h"
