@@ -2,11 +2,15 @@
 // locale.
 #include "model/number_text.h"
 
+#include "model/decimal_digits.h"
+
 #include <charconv>
 #include <iterator>
 
 NumberText generalNumber(double value, int digits) {
     NumberText text;
+    text.size = exactDigits(value, digits, text.characters);
+    if (text.size > 0) return text;
     const auto result = std::to_chars(std::begin(text.characters), std::end(text.characters), value,
                                       std::chars_format::general, digits);
     text.size = static_cast<int>(result.ptr - text.characters);

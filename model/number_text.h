@@ -6,7 +6,7 @@
 
 // The text of one number; ASCII.
 struct NumberText {
-    char characters[32] = {};
+    char characters[40] = {};
     int size = 0;
 
     std::string_view view() const { return {characters, static_cast<std::size_t>(size)}; }
