@@ -316,6 +316,24 @@ void closeElement(Parser &p) {
     p.open.pop_back();
 }
 
+// Reads an attribute of the usual form, name="value" with neither entities nor markup, in one step;
+// of another form, nothing. The tokens alone would give the same, and a SAS script would cost 5 %
+// more instructions.
+bool readUsualAttribute(Parser &p) {
+    const char16_t *at = p.source + p.at;
+    while (isSpace(*at)) ++at;
+    const char16_t *const name = at;
+    while ((*at >= u'a' && *at <= u'z') || (*at >= u'A' && *at <= u'Z')) ++at;
+    if (at == name || at[0] != u'=' || at[1] != u'"') return false;
+    const char16_t *const value = at + 2;
+    const char16_t *end = value;
+    while (*end != u'"' && *end != u'&' && *end != u'<' && *end != 0) ++end;
+    if (*end != u'"') return false;
+    p.attributes.push_back({QStringView(name, at), QStringView(value, end)});
+    p.at = end + 1 - p.source;
+    return true;
+}
+
 enum class StartTag { Open, Empty, Unfinished, Failed };
 
 // The attributes of the innermost element, up to the end of its start tag.
@@ -324,6 +342,8 @@ StartTag readAttributes(Parser &p) {
     // The attribute whose value has not been met; null when there is none, since no name is empty.
     QStringView name;
     while (true) {
+        while (name.isNull() && readUsualAttribute(p)) {
+        }
         Token token = nextToken(p);
         if (token.kind == TokenKind::End) return StartTag::Unfinished;
         if (token.kind == TokenKind::Text) {
