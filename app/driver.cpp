@@ -28,17 +28,15 @@ to Python: scorewright -p <.ModelXml file> <Python code file> [<Python Class>]
 to Html  : scorewright -h <.ModelXml file> [[<HTML canvas file>] <HTML output file>]
 )";
 
-constexpr std::size_t mostOperands = 3;
-using Operands = std::array<QString, mostOperands>;
+using Operands = std::array<QString, 3>;
 
 struct Option {
     QStringView name;
-    std::size_t needed; // operands without which the option is not taken
-    std::size_t taken;  // operands in all; further ones are ignored
+    std::size_t leastOperands; // with fewer, the usage text is printed
+    std::size_t mostOperands;  // further ones are ignored
     int (*convert)(const Operands &operands);
 };
 
-// In the order in which they are tried.
 constexpr Option options[] = {
     {u"-a", 2, 2, [](const Operands &o) { return exportToSas(o[0], o[1]); }},
     {u"-e", 2, 2, [](const Operands &o) { return exportToVba(o[0], o[1]); }},
@@ -47,13 +45,14 @@ constexpr Option options[] = {
     {u"-p", 2, 3, [](const Operands &o) { return exportToPython(o[0], o[1], o[2]); }},
 };
 
-int convert(const std::vector<QString> &arguments) {
+int runOption(const std::vector<QString> &arguments) {
     const std::size_t given = arguments.size() < 2 ? 0 : arguments.size() - 2;
     for (const Option &option : options) {
-        if (arguments.size() < 2 || arguments[1] != option.name || given < option.needed) continue;
+        if (arguments.size() < 2 || arguments[1] != option.name || given < option.leastOperands)
+            continue;
         Operands operands;
-        operands.fill(u""_s);
-        for (std::size_t i = 0; i < std::min(given, option.taken); ++i) {
+        operands.fill(u""_s); // a null text would stand for an argument that is none
+        for (std::size_t i = 0; i < std::min(given, option.mostOperands); ++i) {
             operands[i] = arguments[2 + i];
             if (operands[i].isNull()) {
                 printText(u"Argument %1 is not valid UTF-8.\n"_s.arg(2 + i));
@@ -72,7 +71,7 @@ int runCommandLine(const std::function<std::vector<QString>()> &readArguments) {
     try {
         const std::vector<QString> arguments = readArguments();
         printText(banner);
-        return convert(arguments);
+        return runOption(arguments);
     } catch (const std::bad_alloc &) {
         printText(u"The model does not fit in memory.\n");
         return exitUnusableModel;

@@ -50,14 +50,14 @@ Word eightDigits(Word number) {
 
 // The text of a number of 16 digits and a point behind the first `exponent + 1` of them, without
 // the zeros at its end.
-int putDigits(Word number, int exponent, char *text) {
+int storeDigits(Word number, int exponent, char *text) {
     const Word first = eightDigits(number / 100000000);
     const Word last = eightDigits(number % 100000000);
     const int count = last != 0 ? 16 - std::countl_zero(last) / 8 : 8 - std::countl_zero(first) / 8;
     constexpr Word zeros = 0x3030303030303030;
     const Wide digits = Wide(last | zeros) << 64 | (first | zeros);
-    // Below 1 the digits stand behind "0." and zeros. One way for both kinds: which it is cannot be
-    // foretold.
+    // Below 1 the digits stand behind "0." and zeros. Both kinds take the same steps, since a
+    // branch would often be mispredicted.
     const int whole = std::max(exponent + 1, 0);
     const int start = exponent < 0 ? 1 - exponent : 0;
     const int point = exponent < 0 ? 1 : whole;
@@ -95,7 +95,7 @@ int exactDigits(double value, int digits, char *text) {
     if (number == powersOfTen[mostDigits]) return 0; // rounded up to one digit more
     *text = '-';
     const int sign = bits >> 63 ? 1 : 0;
-    return sign + putDigits(number, exponent, text + sign);
+    return sign + storeDigits(number, exponent, text + sign);
 }
 
 #else

@@ -8,9 +8,9 @@
 // to even.
 #pragma once
 
-// Writes what printf("%.*g", digits, value) writes in the C locale to `text`, which has room for 24
-// characters, and returns how many these are. 0 where the text cannot be had in this way, which is
-// not an error: for numbers below 1e-4 and from 10^(digits - 1) on, for zero and what is no number,
-// for more than 16 digits and for less than 2, and always where the compiler has no integer of 128
-// bits.
+// Writes what printf("%.*g", digits, value) writes in the C locale to `text`, and returns the
+// number of characters, which is at most 24. They are written in blocks, so `text` has room for 40.
+// 0 where the text cannot be had in this way, which is not an error: for numbers below 1e-4 and
+// from 10^(digits - 1) on, for zero and what is no number, for more than 16 digits and for less
+// than 2, and always where the compiler has no integer of 128 bits.
 int exactDigits(double value, int digits, char *text);

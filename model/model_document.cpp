@@ -24,10 +24,9 @@ void decodeArray(ModelDocument &document, QStringView text, std::vector<T> &valu
     if (bytes && !values.empty()) std::memcpy(values.data(), bytes, values.size() * sizeof(T));
 }
 
-// Notes an array that is shorter than `needed` and fills it up.
-void requireValues(ModelDocument &document, std::vector<double> &values, std::size_t needed,
-                   const QString &owner, QStringView array) {
-    if (values.size() >= needed) return;
+// Notes that an array is shorter than `needed`, and fills it up.
+void fillUp(ModelDocument &document, std::vector<double> &values, std::size_t needed,
+            const QString &owner, QStringView array) {
     const QString problem = u"%1: array '%2' has %3 values, %4 needed"_s;
     noteProblem(document,
                 problem.arg(owner, array, QString::number(values.size()), QString::number(needed)));
@@ -62,6 +61,10 @@ qsizetype expectedOutput(const ModelDocument &document) {
     return 4 * document.root.sourceLength();
 }
 
+QStringView modelVersion(const ModelDocument &document) {
+    return document.root.childNode(u"Header").attribute(u"version");
+}
+
 void noteProblem(ModelDocument &document, const QString &problem) {
     if (document.problem.isEmpty()) document.problem = problem;
 }
@@ -82,7 +85,7 @@ int reportProblem(const QString &fileName, const QString &problem) {
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                  std::size_t needed, std::vector<double> &values) {
     decodeArray(document, owner.childNode(array).text(), values);
-    if (values.size() < needed) requireValues(document, values, needed, describe(owner), array);
+    if (values.size() < needed) fillUp(document, values, needed, describe(owner), array);
 }
 
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,

@@ -43,6 +43,9 @@ inline int reportProblem(const ModelDocument &document) {
     return reportProblem(document.fileName, document.problem);
 }
 
+// The version of the workbench that wrote the document.
+QStringView modelVersion(const ModelDocument &document);
+
 // --- Arrays
 
 // Reads the child `array` of `owner`, which holds 64-bit numbers; an absent one is empty. One of
@@ -50,7 +53,7 @@ inline int reportProblem(const ModelDocument &document) {
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                  std::size_t needed, std::vector<double> &values);
 
-// The same for 32-bit integers, of which any number will do.
+// The same for 32-bit integers, of which an array of any length will do.
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
                   std::vector<int> &values);
 

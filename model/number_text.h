@@ -22,6 +22,6 @@ NumberText modelNumber(double value);
 // Counts and positions.
 NumberText integerText(std::int64_t value);
 
-// Numbers that the generated code takes from a plain text stream: 6 significant digits and an
+// Numbers as a plain text stream writes them: 6 significant digits and an
 // exponent of at least three digits, as in 1e+006.
 NumberText streamNumber(double value);

@@ -47,11 +47,12 @@ MissingLists readMissingCodes(ModelDocument &document, std::vector<MissingCodes>
             std::reverse(missing.codes.begin(), missing.codes.end());
         }
         int next = 0;
-        for (int before = -1; before != next;) { // a field may have several attributes "name"
+        int before = 0;
+        do { // a field may have several attributes "name"
             before = next;
             const QStringView name = field.attribute(u"name", &next);
             if (!name.isNull()) ofField.try_emplace(name, list);
-        }
+        } while (next != before);
     }
     return ofField;
 }
@@ -75,6 +76,7 @@ std::vector<Variable> readVariables(const ModelDocument &document, QStringView r
         const QStringView name = node.attribute(u"name");
         variable.number = name.size() > 1 ? xmlToInt(name.sliced(1), -1) : -1;
         variable.isCategorical = node.attribute(u"type") == u"MapValues";
+        variable.isBoolean = variable.isCategorical && node.attribute(u"tname") == u"bb64";
         variables.push_back(std::move(variable));
     }
     return variables;
@@ -83,16 +85,16 @@ std::vector<Variable> readVariables(const ModelDocument &document, QStringView r
 NumericRecoding Recodings::numeric(const Variable &variable) const {
     const Record &record = records[variable.position];
     const std::span numbersOfVariable = std::span(numbers).subspan(record.firstNumber);
-    return {.x = numbersOfVariable.first(record.bounds),
-            .y = numbersOfVariable.subspan(record.bounds, record.scores),
+    return {.x = numbersOfVariable.first(record.boundCount),
+            .y = numbersOfVariable.subspan(record.boundCount, record.scoreCount),
             .missing = missingCodes[record.missingList]};
 }
 
 CategoricalRecoding Recodings::categorical(const Variable &variable) const {
     const Record &record = records[variable.position];
-    return {.values = std::span(values).subspan(record.firstValue, record.values),
-            .y = std::span(numbers).subspan(record.firstNumber, record.scores),
-            .isBoolean = record.isBoolean};
+    return {.values = std::span(values).subspan(record.firstValue, record.valueCount),
+            .y = std::span(numbers).subspan(record.firstNumber, record.scoreCount),
+            .isBoolean = variable.isBoolean};
 }
 
 Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &variables,
@@ -114,15 +116,14 @@ Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &va
                                  .firstValue = all.values.size()};
         if (variable.isCategorical) {
             listValues(variable, all.values);
-            record.values = all.values.size() - record.firstValue;
-            record.isBoolean = variable.node.attribute(u"tname") == u"bb64";
-            const std::size_t scores = record.isBoolean
-                                           ? booleanScoresNeeded(record.values, booleanScores)
-                                           : record.values;
-            record.scores = read(variable, u"y", 1 + scores);
+            record.valueCount = all.values.size() - record.firstValue;
+            const std::size_t scores = variable.isBoolean
+                                           ? booleanScoresNeeded(record.valueCount, booleanScores)
+                                           : record.valueCount;
+            record.scoreCount = read(variable, u"y", 1 + scores);
         } else {
-            record.bounds = read(variable, u"x", 1);
-            record.scores = read(variable, u"y", record.bounds + 2);
+            record.boundCount = read(variable, u"x", 1);
+            record.scoreCount = read(variable, u"y", record.boundCount + 2);
             const QStringView field = variable.cleanField;
             const auto found = missingLists.find(field.isNull() ? QStringView(u"") : field);
             if (found != missingLists.end()) record.missingList = found->second;

@@ -8,16 +8,18 @@
 #include <span>
 #include <vector>
 
-// One input column of the model and the recoding that turns it into a number. Views and nodes are
-// valid as long as the document.
+// One recoding of the model and the input column that it reads. Views and nodes are valid as long
+// as the document.
 struct Variable {
     XmlNode node;
     QStringView field;        // the input column; empty when absent
     QString cleanField;       // the field, cleaned for the target language
     std::size_t position = 0; // in document order, from 0
     QString recodingName;     // "R", its position from 0, "_" and the clean field; at most 31 units
-    int number = -1;          // by which the regression calls it: 17 in the name "V17"; -1 without
+    int number = -1; // by which the regression calls it: what xmlToInt reads behind the first
+                     // character of its name, 17 in "V17"; -1 for a shorter name
     bool isCategorical = false; // a list of values, else intervals
+    bool isBoolean = false;     // a list of spellings of false and true
 };
 
 // All variables in document order, their fields cleaned of the characters of `replaced`.
@@ -36,6 +38,10 @@ struct NumericRecoding {
     std::span<const double> x;
     std::span<const double> y;
     const MissingCodes &missing;
+
+    double scoreMissing() const { return y[0]; }
+    double scoreBelow() const { return y[1]; }
+    double scoreAbove() const { return y[x.size() + 1]; }
 };
 
 // Calls write(bound, score) for the intervals between the first bound and the last, in order.
@@ -68,12 +74,11 @@ struct CategoricalRecoding {
 struct Recodings {
     struct Record {
         std::size_t firstNumber = 0; // the bounds, and after them the scores
-        std::size_t bounds = 0;
-        std::size_t scores = 0;
+        std::size_t boundCount = 0;
+        std::size_t scoreCount = 0;
         std::size_t firstValue = 0;
-        std::size_t values = 0;
-        bool isBoolean = false;
-        std::size_t missingList = 0;
+        std::size_t valueCount = 0;
+        std::size_t missingList = 0; // position in missingCodes
     };
     std::vector<Record> records; // of each variable
     std::vector<double> numbers;

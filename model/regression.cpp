@@ -16,7 +16,8 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
     readIntegers(document, node, u"indexes", indexes);
     const XmlNode list = node.childNode(u"indexes");
     if (list.isEmpty() || (indexes.empty() && !list.text().isNull())) {
-        // Without the numbers of its models the regression would be no more than its first beta.
+        // An empty element is a regression without terms. An absent one, or a text that holds no
+        // number, would silently leave nothing but a constant.
         noteProblem(document, u"RegressionModel: array 'indexes' is absent or holds no number"_s);
     }
     const bool hasConstant = constantTerm == ConstantTerm::Read;

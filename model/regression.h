@@ -50,7 +50,7 @@ struct ProbabilitySegment {
     double slope;
     double intercept;
 };
-// The segment from point i of the table, which has another score, up to the point before it.
+// The segment between points i and i - 1 of the table, whose scores differ.
 ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i);
 // Calls write(segment) for the segments down to the last point of the table, or to the last but
 // one; there is none between two points with one score.

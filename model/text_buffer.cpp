@@ -9,8 +9,7 @@
 #include <new>
 
 TextBuffer::TextBuffer(qsizetype expected) {
-    // Memory that is never touched costs nothing. When the system promises none, the buffer grows
-    // from nothing.
+    // Memory costs nothing until it is touched. If the system refuses it, the buffer grows later.
     static_cast<void>(resize(expected));
 }
 

@@ -26,7 +26,7 @@ int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
 
 void reportSuccess();
 
-// The same in UTF-16, with a message of success.
+// writeOutput in UTF-16, followed by a message of success.
 template <typename Write>
 int writeScript(const QString &fileName, Write write) {
     const int status = writeOutput(fileName, OutputEncoding::Utf16, write);

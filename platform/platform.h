@@ -7,16 +7,18 @@
 #include <cstdint>
 #include <cstdio>
 
-// Opens a file for reading, or creates or empties it for writing; null when it cannot be opened.
-// Folders and pipes cannot be opened for reading. Nothing is translated, line ends neither.
 enum class FileUse { Read, Write };
+// Opens a file for reading, or creates or empties it for writing; null when it cannot be opened.
+// Only regular files and character devices can be opened for reading. Nothing is translated, line
+// ends neither.
 std::FILE *openFile(const QString &fileName, FileUse use);
 
 // The size in bytes of a file that was opened for reading; 0 for a device.
 std::int64_t fileSize(std::FILE *file);
 
 // Whether the bytes of a file are UTF-16LE text, with its byte-order mark or without. Without one
-// it is a guess, which each system makes in its own way; text in Western languages is told by all.
+// it is a guess, which each system makes in its own way; every system recognises text in Western
+// languages.
 bool isUtf16Text(QByteArrayView bytes);
 
 // Text in the system's 8-bit code page, at most a unit for a byte: `text` has room for bytes.size()

@@ -103,7 +103,7 @@ void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out)
 }
 
 // Fills the `size` bytes at `out` from text without illegal characters; the result is the error or
-// warning met. No more than `size` bytes are written.
+// warning met. One byte more may be written as zero; the buffer has room for it.
 XmlError decode(QStringView text, unsigned char *out, qsizetype size) {
     const char16_t *at = text.utf16();
     const char16_t *const end = at + text.size();

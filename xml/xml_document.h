@@ -14,7 +14,7 @@ struct XmlAttribute {
 // One element. The arrays have exactly the counted entries once the element is finished; they and
 // all decoded texts stand in the document's blocks, all other texts are views into its source.
 struct XmlElement {
-    QStringView name; // null for the unnamed top record only
+    QStringView name; // null for the unnamed top element only
     XmlElement *parent = nullptr;
     XmlElement **children = nullptr;
     QStringView *texts = nullptr;

@@ -72,18 +72,20 @@ std::unique_ptr<char16_t[]> decodeNarrow(QByteArrayView bytes) {
 
 XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseResult *results) {
     FileBytes file = readFile(fileName);
-    qsizetype mark = 0; // units before the text
+    qsizetype skippedUnits = 0;
     if (file.error == XmlError::NoError) {
         if (!isUtf16Text(file.bytes())) {
             file.buffer = decodeNarrow(file.bytes());
             if (!file.buffer) file.error = XmlError::WideCharConversionError;
         } else if (file.bytes().startsWith("\xEF\xFF") || file.bytes().startsWith("\xFF\xFE")) {
-            mark = 1;
+            skippedUnits =
+                1; // EF FF is dropped like a byte-order mark: existing documents rely on it
         }
     }
     if (file.error != XmlError::NoError) {
         if (results) *results = {file.error};
         return {};
     }
-    return parseXml(std::make_unique<XmlDocument>(std::move(file.buffer), mark), tag, results);
+    return parseXml(std::make_unique<XmlDocument>(std::move(file.buffer), skippedUnits), tag,
+                    results);
 }

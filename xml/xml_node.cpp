@@ -84,7 +84,7 @@ std::size_t hashIgnoringCase(QStringView text) {
     return hashUnits(text, foldAscii);
 }
 
-XmlNode::XmlNode(XmlDocument *owner, XmlElement *record) : document(owner), element(record) {
+XmlNode::XmlNode(XmlDocument *owner, XmlElement *node) : document(owner), element(node) {
     ++document->handles;
 }
 
@@ -132,9 +132,9 @@ XmlNode XmlNode::childNodeWithAttribute(QStringView name, QStringView attributeN
                                         QStringView attributeValue, int *index) const {
     int next = startAt(index);
     for (XmlNode child = childNode(name, &next); !child.isEmpty(); child = childNode(name, &next)) {
-        const XmlElement &record = *child.element;
+        const XmlElement &found = *child.element;
         const bool matches =
-            std::any_of(record.attributes, record.attributes + record.attributeCount,
+            std::any_of(found.attributes, found.attributes + found.attributeCount,
                         [&](const XmlAttribute &attribute) {
                             return equalsIgnoringCase(attribute.name, attributeName) &&
                                    (attributeValue.isNull() ||

@@ -1,5 +1,5 @@
 // A small, tolerant XML reader: UTF-16 text becomes a tree of elements that is walked through
-// handles.
+// handles. Its interface and its error codes are fixed; the program does not use all of them.
 //
 // The reader does not validate. It accepts unquoted attribute values, attributes without values and
 // documents that end early; most irregularities are warnings, and the tree is still returned. It
@@ -82,15 +82,15 @@ public:
 
     // Parses `text` up to its first zero unit. With a `tag`, the result is the element of that
     // name: the root or the first child of that name; FirstTagNotFound where there is none. Without
-    // one, it is the only top-level element, or the unnamed record of all that stands at the top.
+    // one, it is the only top-level element, or the unnamed element of all that stands at the top.
     // A null text is NoElementsFound. Fatal errors give the empty node.
     static XmlNode parseText(QStringView text, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
     // The same for a whole file: UTF-16LE text with or without byte-order mark, UTF-8 with one, or
-    // text in the system's 8-bit code page. FileNotFound for anything that is not a readable
-    // regular file, NoXmlData for one of 0 bytes, WideCharConversionError when the text does not
-    // fit in memory.
+    // text in the system's 8-bit code page. FileNotFound for anything that cannot be
+    // opened, folders and pipes among it, NoXmlData for 0 bytes and for devices,
+    // WideCharConversionError when the text does not fit in memory.
     static XmlNode parseFile(const QString &fileName, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
@@ -138,7 +138,7 @@ public:
     qsizetype sourceLength() const;
 
 private:
-    XmlNode(XmlDocument *owner, XmlElement *record);
+    XmlNode(XmlDocument *owner, XmlElement *node);
     friend XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag,
                             XmlParseResult *results);
 

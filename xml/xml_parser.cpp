@@ -68,7 +68,6 @@ struct Parser {
     qsizetype runStart = 0; // where the text begins that ends at the next "<"
     XmlError error = XmlError::NoError;
     qsizetype warningAt = 0;
-    const char16_t *pendingEndTag = nullptr; // the name in an end tag that closes an outer element
 
     std::vector<OpenElement> open{};
     std::vector<XmlElement *> children{};
@@ -416,27 +415,21 @@ bool matchesEndTag(QStringView name, const char16_t *candidate) {
     return isSpace(next) || next == u'/' || next == u'<' || next == u'>' || next == u'=';
 }
 
-// Reads an end tag behind its "</" and closes the innermost element. When it names another element
-// it goes on to close the elements around it.
+// Reads an end tag behind its "</" and closes the innermost element. When it names another element,
+// the elements around it are closed too, up to and with the one that it names.
 bool readEndTag(Parser &p) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text || nextToken(p).kind != TokenKind::TagClose) {
         return fail(p, XmlError::MissingEndTagName);
     }
-    if (!matchesEndTag(p.open.back().element->name, name.text.utf16())) {
-        warnUnmatchedEndTag(p);
-        p.pendingEndTag = name.text.utf16();
-    }
+    const char16_t *const wanted = name.text.utf16();
+    bool isClosed = matchesEndTag(p.open.back().element->name, wanted);
+    if (!isClosed) warnUnmatchedEndTag(p);
     closeElement(p);
-    return true;
-}
-
-// Closes elements up to and with the one that the pending end tag names.
-bool closePendingElements(Parser &p) {
-    while (p.pendingEndTag && !p.open.empty()) {
-        const QStringView name = p.open.back().element->name;
-        if (name.isNull()) return fail(p, XmlError::UnmatchedEndTag);
-        if (matchesEndTag(name, p.pendingEndTag)) p.pendingEndTag = nullptr;
+    while (!isClosed && !p.open.empty()) {
+        const QStringView outer = p.open.back().element->name;
+        if (outer.isNull()) return fail(p, XmlError::UnmatchedEndTag);
+        isClosed = matchesEndTag(outer, wanted);
         closeElement(p);
     }
     p.runStart = p.at;
@@ -458,7 +451,7 @@ bool readElement(Parser &p, bool isDeclaration) {
         return true;
     case StartTag::Empty:
         closeElement(p);
-        return closePendingElements(p);
+        return true;
     case StartTag::Unfinished:
         warnIfUnclosed(p);
         return false;
@@ -468,7 +461,7 @@ bool readElement(Parser &p, bool isDeclaration) {
     return false;
 }
 
-// Reads from one "<" to the next until the text ends, an error is met or the top record is closed.
+// Reads from one "<" to the next until the text ends, an error is met or the top element is closed.
 // What stands between is text, whatever it holds: even a quote does not run over a "<".
 void readContent(Parser &p) {
     bool goesOn = true;
@@ -488,7 +481,7 @@ void readContent(Parser &p) {
             goesOn = readClear(p, token.clearTag);
             break;
         case TokenKind::EndTagStart:
-            goesOn = readEndTag(p) && closePendingElements(p);
+            goesOn = readEndTag(p);
             break;
         default:
             goesOn = readElement(p, token.kind == TokenKind::Declaration);
@@ -502,7 +495,7 @@ void locate(const XmlDocument &document, qsizetype position, XmlParseResult &res
     result.column = static_cast<int>(position - before.lastIndexOf(u'\n'));
 }
 
-bool isWarning(XmlError error) {
+bool keepsTree(XmlError error) {
     return error == XmlError::NoError || error == XmlError::UnmatchedEndTagWarning ||
            error == XmlError::NoXmlTagFound;
 }
@@ -528,14 +521,15 @@ XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseRe
     readContent(p);
     while (!p.open.empty()) closeElement(p);
 
+    // A text without any element gets this warning, whatever else is wrong with it.
     if (top->childCount == 0) p.error = XmlError::NoXmlTagFound;
     XmlParseResult result{p.error};
     if (p.error != XmlError::NoError) {
-        const bool isLate = p.error == XmlError::UnmatchedEndTagWarning;
-        locate(p.document, isLate ? p.warningAt : p.at, result);
+        const bool isUnmatchedEndTag = p.error == XmlError::UnmatchedEndTagWarning;
+        locate(p.document, isUnmatchedEndTag ? p.warningAt : p.at, result);
     }
 
-    if (!isWarning(p.error)) {
+    if (!keepsTree(p.error)) {
         node = {};
     } else {
         if (top->childCount == 1 && top->textCount == 0 && top->clearCount == 0) {

@@ -148,7 +148,7 @@ CanvasTags scanCanvas(QStringView canvas) {
 }
 
 TagKind nextTag(CanvasTags &tags, TagKind previous) {
-    if (previous != TagKind::None && tags[previous].end >= 0) scanTag(tags, previous);
+    if (previous != TagKind::None) scanTag(tags, previous);
     TagKind next = TagKind::None;
     for (std::size_t kind = 0; kind < tagKinds; ++kind) {
         const qsizetype start = tags.tags[kind].start;

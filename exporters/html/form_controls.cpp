@@ -55,16 +55,16 @@ void putNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,
 }
 
 void putYesNoControl(TextBuffer &out, const Labels &labels, const QString &formName, int preset) {
-    const auto mark = [preset](int value) {
+    const auto checkedIf = [preset](int value) {
         return value == preset ? QStringView(u"CHECKED") : QStringView();
     };
     fill(out, yesNoControl,
          {{u"form", formName},
-          {u"unknownMark", mark(0)},
+          {u"unknownMark", checkedIf(0)},
           {u"unknown", labels.unknown},
-          {u"trueMark", mark(2)},
+          {u"trueMark", checkedIf(2)},
           {u"true", labels.trueAnswer},
-          {u"falseMark", mark(1)},
+          {u"falseMark", checkedIf(1)},
           {u"false", labels.falseAnswer}});
 }
 
@@ -87,14 +87,15 @@ std::map<QStringView, Category> sortCategories(const XmlNode &modalities) {
 
 void putList(TextBuffer &out, const std::map<QStringView, Category> &categories,
              QStringView unknown, const QString &formName, int preset) {
-    const auto mark = [preset](int value) {
+    const auto selectedIf = [preset](int value) {
         return value == preset ? QStringView(u" selected=\"selected\"") : QStringView();
     };
     put(out, u"\n<SELECT onChange=\"ComputeModel();\" name=\"", formName,
-        u"\" >\n<OPTION VALUE=\"0\"", mark(0), u">----- ", unknown, u" -----\n");
+        u"\" >\n<OPTION VALUE=\"0\"", selectedIf(0), u">----- ", unknown, u" -----\n");
     for (const auto &[value, category] : categories) {
         const int number = category.position + 1;
-        put(out, u"<OPTION VALUE=\"", number, u"\"", mark(number), u">", category.caption, u"\n");
+        put(out, u"<OPTION VALUE=\"", number, u"\"", selectedIf(number), u">", category.caption,
+            u"\n");
     }
     put(out, u"</SELECT><br>\n");
 }
@@ -151,7 +152,7 @@ void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIn
     }
     const XmlNode modalities = variable.node.childNode(u"Modalities");
     if (modalities.isEmpty()) return;
-    if (variable.node.attribute(u"tname") == u"bb64") {
+    if (variable.isBoolean) {
         putYesNoControl(out, labels, formName, range.defaultValue);
     } else if (modalities.childCount(u"Mod") >= listShownFrom) {
         putList(out, sortCategories(modalities), labels.unknown, formName, range.defaultValue);

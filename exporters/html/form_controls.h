@@ -13,7 +13,7 @@ struct SliderRange {
 
 // The range is that of the bounds in "x", outwards to whole numbers within 32 bits; 0 to 0 without
 // bounds. The preset is its middle. Where the values are ordinal or have no "x", it is the bound
-// (without bounds, the position) of the bucket with the largest count in "nocc".
+// at the position of the largest count in "nocc" or, without bounds, that position.
 SliderRange computeSliderRange(ModelDocument &document, const Variable &variable);
 
 // Writes the label and the controls of the question that begins with that record.

@@ -6,7 +6,7 @@
 // [QRV_QUESTION 1]        Age <div style="position:relative; …       putQuestion
 // [QRV_ANSWER 0 /]        <div id="m0_total_proba" …                 putAnswer
 // [QRV_DYN_SCALE/], [QRV_GRAPHICS/], [QRV_SUBMIT/]                   putReplacement
-// </html>                 computeIsReady=true; before it             putPage
+// behind the last tag     computeIsReady=true;                       putPage
 #include "exporters/html/html_exporter.h"
 
 #include "exporters/html/default_canvas_text.h"
@@ -37,7 +37,7 @@ struct QuestionRound {
 
 // --- What goes in
 
-QByteArray readFile(const QString &fileName) {
+QByteArray readCanvasBytes(const QString &fileName) {
     QByteArray bytes;
     std::FILE *const file = openFile(fileName, FileUse::Read);
     if (!file) return bytes;
@@ -50,7 +50,7 @@ QByteArray readFile(const QString &fileName) {
 
 QString readCanvas(const QString &canvasPath) {
     constexpr qsizetype shortest = 10;
-    const QString canvas = QString::fromUtf8(readFile(canvasPath));
+    const QString canvas = QString::fromUtf8(readCanvasBytes(canvasPath));
     return canvas.size() < shortest ? QStringView(defaultCanvas).toString() : canvas;
 }
 

@@ -4,15 +4,15 @@
 #include <QString>
 
 // Writes a page that asks for the value of each input column and scores the model while they are
-// entered, as UTF-8 without mark. The model path names a model document or a list of them (root
-// "Models", with the file names in its "Model" elements); a document that cannot be read adds
-// nothing to the page. The page is laid out by the canvas file, or by a built-in canvas where that
-// file does not exist or is next to empty. Without an output path, the page stands beside the model
-// under the same name.
+// entered, as UTF-8 without byte-order mark. The model path names a model document or a list of
+// them (root "Models", with the file names in its "Model" elements); a document that cannot be read
+// adds nothing to the page. The page is laid out by the canvas file, or by a built-in canvas where
+// that file does not exist or is next to empty. Without an output path, the page stands beside the
+// model under the same name.
 //
 // A column that k variables share has k (k + 1) / 2 lines in the page's script, so that the lines
-// of some hundred models soon are millions. A page has at most 1 << 23 of them, and at most 1 << 29
-// characters of names in them.
+// of some hundred models soon are millions. One script block has at most 1 << 23 of them, and at
+// most 1 << 29 characters of names in them.
 //
 // Returns 0, silently, also when the output cannot be opened; 2 for a list without models or a
 // canvas that asks only some of the questions; 3 for a canvas that lacks a tag, or a variable

@@ -3,10 +3,6 @@
 // end, which puts each new record before the older ones of its column.
 #include "exporters/html/variable_list.h"
 
-#include "platform/platform.h"
-
-#include <QHash>
-
 #include <algorithm>
 #include <iterator>
 #include <unordered_map>

@@ -37,7 +37,7 @@ QString classNameOf(const QString &modelFile) {
 void putBanner(TextBuffer &out, const ModelDocument &document,
                const std::vector<Variable> &variables) {
     fill(out, pythonBanner,
-         {{u"version", document.root.childNode(u"Header").attribute(u"version")},
+         {{u"version", modelVersion(document)},
           {u"file", document.fileName},
           {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
@@ -94,21 +94,20 @@ void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
 
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
     const QString &name = variable.recodingName;
-    const std::span<const double> y = recoding.y;
-    const double upperTail = y[recoding.x.size() + 1];
 
     put(out, u"            data = float(df.iloc[line,", variable.cleanField, u"_Idx])\n");
     putMissingTest(out, recoding.missing.codes);
-    put(out, u"                ", name, u"=", y[0], u"\n");
+    put(out, u"                ", name, u"=", recoding.scoreMissing(), u"\n");
     put(out, u"            elif data < ", recoding.x.front(), u":\n                ", name, u" = ",
-        y[1], u"\n");
+        recoding.scoreBelow(), u"\n");
     put(out, u"            elif data > ", recoding.x.back(), u":\n                ", name, u" = ",
-        upperTail, u"\n");
+        recoding.scoreAbove(), u"\n");
     forEachInnerInterval(recoding, [&](double bound, double score) {
         put(out, u"            elif data <= ", bound, u":\n                ", name, u" = ", score,
             u"\n");
     });
-    put(out, u"            else:\n                ", name, u" = ", y[0], u"\n\n");
+    put(out, u"            else:\n                ", name, u" = ", recoding.scoreMissing(),
+        u"\n\n");
 }
 
 void putHeading(TextBuffer &out, const Variable &variable) {

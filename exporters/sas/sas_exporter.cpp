@@ -38,7 +38,7 @@ bool isSupported(const Variable &variable) {
 void putBanner(TextBuffer &out, const ModelDocument &document,
                const std::vector<Variable> &variables) {
     fill(out, sasBanner,
-         {{u"version", document.root.childNode(u"Header").attribute(u"version")},
+         {{u"version", modelVersion(document)},
           {u"file", document.fileName},
           {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
@@ -73,7 +73,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
 }
 
 // Opens the test for a missing value. With a list of codes the opening "if" is not written, and the
-// last code is left out: existing scripts look like this.
+// document's last code, which stands first here, is left out: existing scripts look like this.
 void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &missing) {
     if (!missing.isListed) {
         put(out, u"   if (", field, u"=.");
@@ -87,19 +87,17 @@ void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &m
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
     const QString &field = variable.cleanField;
     const QString &name = variable.recodingName;
-    const std::span<const double> y = recoding.y;
-    const double upperTail = y[recoding.x.size() + 1];
 
     putMissingTest(out, field, recoding.missing);
-    put(out, u") then ", name, u"=", y[0], u";\n");
-    put(out, u"   else if (", field, u"<", recoding.x.front(), u") then ", name, u"=", y[1],
-        u";\n");
-    put(out, u"   else if (", field, u">", recoding.x.back(), u") then ", name, u"=", upperTail,
-        u";\n");
+    put(out, u") then ", name, u"=", recoding.scoreMissing(), u";\n");
+    put(out, u"   else if (", field, u"<", recoding.x.front(), u") then ", name, u"=",
+        recoding.scoreBelow(), u";\n");
+    put(out, u"   else if (", field, u">", recoding.x.back(), u") then ", name, u"=",
+        recoding.scoreAbove(), u";\n");
     forEachInnerInterval(recoding, [&](double bound, double score) {
         put(out, u"   else if (", field, u"<=", bound, u") then ", name, u"=", score, u";\n");
     });
-    put(out, u"   else ", name, u"=", y[0], u"; /* default */\n\n");
+    put(out, u"   else ", name, u"=", recoding.scoreMissing(), u"; /* default */\n\n");
 }
 
 void putHeading(TextBuffer &out, const Variable &variable) {

@@ -26,5 +26,5 @@ struct SqlConfiguration {
 
 // Reads the file and checks that it names what nothing can stand in for. Returns 0, or, after a
 // message: 1, 2, 3 or 5 without an input file, output file, input table or prediction table, and 10
-// for a file that the parser has anything to say about.
+// for a file that gives a parse error or warning.
 int readSqlConfiguration(const QString &fileName, SqlConfiguration &configuration);

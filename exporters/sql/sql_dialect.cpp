@@ -16,7 +16,7 @@ constexpr SqlWrapper score = {u"CAST((", u") AS FLOAT)"};
 constexpr SqlWrapper column = {u"CAST(", u" AS FLOAT)"};
 constexpr SqlWrapper trim = {u"RTRIM(LTRIM(", u"))"};
 
-constexpr SqlQuoting marks = SqlQuoting::QuotationMarks;
+constexpr SqlQuoting quotes = SqlQuoting::QuotationMarks;
 constexpr SqlQuoting upper = SqlQuoting::UpperCase;
 constexpr SqlQuoting brackets = SqlQuoting::Brackets;
 
@@ -28,13 +28,13 @@ constexpr bool no = false;
 constexpr SqlDialect dialects[] = {
     // name              score  column  text   quoting  name    digits  proba-  distri-  makes  collects    reader
     //                   cast   cast    trim            length          bility  butes    index  statistics  mode
-    {u"default",         none,  none,   trim,  marks,    64,    16,     no,     no,      no,    no,         yes},
+    {u"default",         none,  none,   trim,  quotes,   64,    16,     no,     no,      no,    no,         yes},
     {u"sqlserver",       none,  column, trim,  brackets, 64,    16,     yes,    no,      yes,   no,         no},
     {u"oracle",          none,  none,   trim,  upper,    64,    16,     yes,    no,      no,    no,         yes},
-    {u"mysql",           none,  none,   trim,  marks,    64,    16,     yes,    no,      yes,   no,         yes},
-    {u"teradata",        none,  none,   none,  marks,    30,    15,     yes,    no,      no,    yes,        yes},
-    {u"teradata_aster",  none,  none,   none,  marks,    30,    16,     yes,    yes,     no,    no,         yes},
-    {u"",                score, column, trim,  marks,    64,    16,     yes,    no,      no,    no,         no},
+    {u"mysql",           none,  none,   trim,  quotes,   64,    16,     yes,    no,      yes,   no,         yes},
+    {u"teradata",        none,  none,   none,  quotes,   30,    15,     yes,    no,      no,    yes,        yes},
+    {u"teradata_aster",  none,  none,   none,  quotes,   30,    16,     yes,    yes,     no,    no,         yes},
+    {u"",                score, column, trim,  quotes,   64,    16,     yes,    no,      no,    no,         no},
 };
 // clang-format on
 

@@ -13,8 +13,6 @@
 // DROP TABLE Qorv_TMP_predictions;                            putTemporaryMapping
 #include "exporters/sql/sql_script.h"
 
-#include <QStringBuilder>
-
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -40,7 +38,7 @@ std::vector<QString> debugColumns(const std::vector<Variable> &variables,
     if (!configuration.debugRecoding) return columns;
     columns.reserve(variables.size());
     for (const Variable &variable : variables) {
-        columns.push_back(sqlIdentifier(dialect, QString(u"R_" % variable.field)));
+        columns.push_back(sqlIdentifier(dialect, u"R_%1"_s.arg(variable.field)));
     }
     return columns;
 }
@@ -82,8 +80,8 @@ void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     }
 }
 
-// Without a table of its own to create, a script only shows how the table was made, so the first
-// line of that statement becomes a comment.
+// A script that does not create the temporary table shows how it was made: the first line of the
+// statement is written as a comment.
 void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     const QString &table = script.temporaryTable;
     const bool creates = script.configuration.createTmpTable;
@@ -116,20 +114,19 @@ void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const QString &f
     const WrappedName column = {dialect.columnCast, field};
     const auto number = [&](double value) { return sqlNumber(dialect, value); };
     const auto points = [&](double score) { return number(coefficient * score); };
-    const double upperTail = recoding.y[recoding.x.size() + 1];
 
     put(out, u"CASE WHEN (", field, u" IS NULL");
     for (const double code : recoding.missing.codes)
         put(out, u") OR (", column, u"=", number(code));
-    put(out, u") THEN ", points(recoding.y[0]), u"\n");
+    put(out, u") THEN ", points(recoding.scoreMissing()), u"\n");
     put(out, u"   WHEN ", column, u"<", number(recoding.x.front()), u" THEN ",
-        points(recoding.y[1]), u"\n");
-    put(out, u"   WHEN ", column, u">", number(recoding.x.back()), u" THEN ", points(upperTail),
-        u"\n");
+        points(recoding.scoreBelow()), u"\n");
+    put(out, u"   WHEN ", column, u">", number(recoding.x.back()), u" THEN ",
+        points(recoding.scoreAbove()), u"\n");
     forEachInnerInterval(recoding, [&](double bound, double score) {
         put(out, u"   WHEN ", column, u"<=", number(bound), u" THEN ", points(score), u"\n");
     });
-    put(out, u"   ELSE ", points(recoding.y[0]), u"\n   END ");
+    put(out, u"   ELSE ", points(recoding.scoreMissing()), u"\n   END ");
 }
 
 // A boolean column may be stored as 0 and 1, and then has no texts to compare with.

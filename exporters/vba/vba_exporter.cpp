@@ -23,15 +23,15 @@ namespace {
 constexpr QStringView cleanedCharacters = u"\"%'-() /.";
 constexpr int mostLinesOfStatement = 24;
 
-// The place of the variable's column in the module's arrays, which count from 1.
-std::ptrdiff_t columnOf(const Variable &variable) {
+// Where the module's arrays, which count from 1, keep the variable's column.
+std::ptrdiff_t slotOf(const Variable &variable) {
     return static_cast<std::ptrdiff_t>(variable.position) + 1;
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
                const std::vector<Variable> &variables) {
     fill(out, vbaBanner,
-         {{u"version", document.root.childNode(u"Header").attribute(u"version")},
+         {{u"version", modelVersion(document)},
           {u"file", document.fileName},
           {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
@@ -46,7 +46,7 @@ void putInitialisation(TextBuffer &out, const std::vector<Variable> &variables,
                        QStringView routine) {
     fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
-        put(out, u"     variableNames(", columnOf(variable), u")=\"", escapeQuotes(variable.field),
+        put(out, u"     variableNames(", slotOf(variable), u")=\"", escapeQuotes(variable.field),
             u"\"\n");
     }
     fill(out, vbaTitleSearch, {{u"exit", routine}});
@@ -63,7 +63,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
                     const CategoricalRecoding &recoding) {
     const QString &name = variable.recodingName;
     fill(out, vbaCategoryOfCell,
-         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"column", columnOf(variable)}});
+         {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"slot", slotOf(variable)}});
     for (std::size_t i = 0; i < recoding.values.size(); ++i) {
         const QStringView value = recoding.values[i];
         if (recoding.isBoolean) {
@@ -76,19 +76,21 @@ void putCategorical(TextBuffer &out, const Variable &variable,
     put(out, u"   End Select\n");
 }
 
-// Without a Case Else: a cell that is empty or no number keeps the first score.
+// The score of a missing value comes first. A cell that is empty, no number or equal to the only
+// bound keeps it.
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
     const QString &name = variable.recodingName;
-    const std::span<const double> y = recoding.y;
-    const double upperTail = y[recoding.x.size() + 1];
 
     fill(out, vbaNumberOfCell,
-         {{u"recoding", name}, {u"unknown", y[0]}, {u"column", columnOf(variable)}});
+         {{u"recoding", name}, {u"unknown", recoding.scoreMissing()}, {u"slot", slotOf(variable)}});
     for (const double code : recoding.missing.codes) {
-        put(out, u"    Case Is =", streamNumber(code), u"\n", name, u" = ", y[0], u"\n");
+        put(out, u"    Case Is =", streamNumber(code), u"\n", name, u" = ", recoding.scoreMissing(),
+            u"\n");
     }
-    put(out, u"    Case Is <", recoding.x.front(), u"\n      ", name, u"=", y[1], u"\n");
-    put(out, u"    Case Is >", recoding.x.back(), u"\n      ", name, u"=", upperTail, u"\n");
+    put(out, u"    Case Is <", recoding.x.front(), u"\n      ", name, u"=", recoding.scoreBelow(),
+        u"\n");
+    put(out, u"    Case Is >", recoding.x.back(), u"\n      ", name, u"=", recoding.scoreAbove(),
+        u"\n");
     forEachInnerInterval(recoding, [&](double bound, double score) {
         put(out, u"    Case Is <=", bound, u"\n      ", name, u"=", score, u"\n");
     });
@@ -167,7 +169,7 @@ void putRangeChecks(TextBuffer &out, const std::vector<Variable> &variables,
         const std::span<const double> bounds = recodings.numeric(variable).x;
         fill(out, vbaRangeCheck,
              {{u"recoding", variable.recodingName},
-              {u"column", columnOf(variable)},
+              {u"slot", slotOf(variable)},
               {u"lowest", bounds.front()},
               {u"highest", bounds.back()}});
     }

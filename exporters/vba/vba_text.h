@@ -103,11 +103,11 @@ inline constexpr char16_t vbaRecodingHead[] = uR"(
 )";
 
 inline constexpr char16_t vbaCategoryOfCell[] = uR"(  $recoding$ = $unknown$
-  Select case Trim(ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes($column$)).Value)
+  Select case Trim(ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes($slot$)).Value)
 )";
 
 inline constexpr char16_t vbaNumberOfCell[] = uR"(  $recoding$ = $unknown$
-  myCell = ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes($column$)).Value
+  myCell = ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRowdata, idxStartData + td.indexes($slot$)).Value
   If (IsNumeric(myCell) And (Len(myCell) > 0)) Then
    Select case CDbl(myCell)
 )";
@@ -127,7 +127,7 @@ inline constexpr char16_t vbaRangeRows[] = uR"(   Application.EnableEvents = Fal
 
 // The green of an empty cell is beyond what a component holds; a worksheet takes it as 255.
 inline constexpr char16_t vbaRangeCheck[] = uR"('    $recoding$
-     Set c=ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRow, idxStartData + td.indexes($column$))
+     Set c=ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRow, idxStartData + td.indexes($slot$))
      If (Trim(c.Value) = "") Then
          c.Interior.Color = RGB(158, 274, 255)
      Else
