@@ -1,0 +1,156 @@
+"""The scorecard: recodings of columns, a regression over them, a table from score to probability."""
+
+from collections import namedtuple
+
+import numpy as np
+import pandas as pd
+
+from . import document, pipelines
+from .bounds import document_bounds
+from .tables import ended
+from .values import cell_text, require
+
+SPELLINGS = ("false", "False", "FALSE", "0", "no"), ("true", "True", "TRUE", "1", "yes")
+
+
+Recoding = namedtuple("Recoding", "number column type scores bounds values boolean label")
+Recoding.__doc__ = """A column's recoding as a document holds it. Of numbers ("NormContinuous" or "Discretize", both
+treated alike) n bounds and n + 2 scores: missing, below the first bound, from there up to and including the second,
+and so on, above the last. Of a list ("MapValues") n values, in pairs with labels, and n + 1 scores, the first of empty
+and unlisted cells. Of a boolean three scores, unknown, false, true; its first five values spell false."""
+
+
+def check(recoding):
+    column, values = f"column {recoding.column!r}", [value for value, _ in recoding.values]
+    is_list, scores, bounds = recoding.type == "MapValues", recoding.scores, recoding.bounds
+    wanted = 3 if recoding.boolean else len(values) + 1 if is_list else len(bounds) + 2
+    require(len(scores) == wanted, f"{column} has {len(scores)} scores, and should have {wanted}")
+    require(np.isfinite([*scores, *bounds]).all(), f"{column}: a score or bound is not finite")
+    require(is_list or bounds and np.all(np.diff(bounds) > 0),
+            f"{column}: there must be bounds, and they must increase as generated code shows them: {bounds}")
+    require(all(v and v == v.strip() for v in values), f"{column}: a value is empty or has blanks around it: {values}")
+    require(recoding.boolean or len(set(values)) == len(values), f"{column}: a value is listed twice: {values}")
+
+
+def recode(recoding, cells, missing):
+    """The scores of a series' cells; missing: the codes that count as missing in a column of numbers."""
+    if recoding.type == "MapValues":
+        listed = {v: 1 + (i >= 5 if recoding.boolean else i) for i, (v, _) in enumerate(recoding.values)}
+        codes, cells = pd.factorize(cells)
+        return np.take(recoding.scores, np.array([listed.get(cell_text(cell), 0) for cell in cells] + [0])[codes])
+    values = pd.to_numeric(cells, errors="coerce").astype("Float64").to_numpy(float, na_value=np.nan)
+    strange = cells[np.isnan(values) & cells.notna() & cells.ne("")]
+    require(strange.empty, f"column {recoding.column!r} holds what is no number: {strange.unique()[:3]}")
+    positions = np.searchsorted(recoding.bounds, values) + 1
+    positions[values == recoding.bounds[0]] = 2 if len(recoding.bounds) > 1 else 0
+    positions[np.isnan(values) | np.isin(values, missing)] = 0
+    return np.take(recoding.scores, positions)
+
+
+class Scorecard:
+    """A scoring model; its score is the constant plus the sum of each recoding times its coefficient.
+
+    target: the name of the target column. kind: "T" for a probability, "C" for a continuous target. table: falling
+    scores and their probabilities (0 to 1), two sequences of one length. missing: a dictionary from columns of numbers
+    to the codes that count as missing there. digits: those in which bounds must be told apart, 16, or 15 for Teradata.
+    These, the list recodings and the dictionary coefficients (recodings' numbers and floats, in the order of the sum)
+    may be changed until the card is used. All methods raise ValueError for what is wrong."""
+
+    def __init__(self, target="", kind="T", *, constant=0.0, table=None, missing=None, digits=16):
+        self.target, self.kind, self.constant, self.table = target, kind, constant, table
+        self.missing, self.digits = dict(missing or {}), digits
+        self.recodings, self.coefficients, self._names = [], {}, {}
+
+    def add(self, column, type, scores, bounds=(), values=(), boolean=False, *, coefficient=1, label=None, number=None):
+        """Adds a recoding as a document holds it, by default with the last one's number plus 1; returns its number."""
+        number = number if number is not None else self.recodings[-1].number + 1 if self.recodings else 1
+        require(number not in self.coefficients, f"column {column!r}: the number {number} is given twice")
+        recoding = Recoding(number, column, type, [*map(float, scores)], [*bounds], [*values], boolean, label or column)
+        check(recoding)
+        owner = self._names.setdefault(document.names(column)[-1].casefold(), column)
+        require(owner == column, f"columns {owner!r} and {column!r} have one name in generated code")
+        self.recodings.append(recoding)
+        self.coefficients[number] = float(coefficient)
+        return number
+
+    def add_numeric(self, column, bounds, scores, *, closed, missing=0.0, type="Discretize", **options):
+        """Adds a recoding of numbers and returns its number.
+
+        bounds: n rising floats, in the column's unit. scores: n + 1 floats, of the intervals from below the first bound
+        to above the last. missing: the score of missing cells. closed: the side on which an interval holds its bound,
+        "left" or "right"; bounds are then moved as document_bounds tells. With "document" they stay as they are.
+        options, here and below: coefficient (1), label (the column) and number, the next one where it is not given."""
+        require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
+        require(len(scores) == len(bounds) + 1 > 1 and np.isfinite(bounds).all(),
+                f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
+        bounds, scores = document_bounds([float(bound) for bound in bounds], list(scores), closed, self.digits)
+        return self.add(column, type, [missing, *scores], bounds, **options)
+
+    def add_categorical(self, column, scores, *, other=0.0, labels=None, **options):
+        """Adds a recoding of a list and returns its number.
+
+        scores: a dictionary from each value to its score; a whole number is taken as its digits. other: the score of
+        empty and unlisted cells. labels: a dictionary from values to captions, for those that have one of their own."""
+        values = [(cell_text(value), (labels or {}).get(value, cell_text(value))) for value in scores]
+        return self.add(column, "MapValues", [other, *scores.values()], (), values, **options)
+
+    def add_boolean(self, column, false, true, *, missing=0.0, spellings=SPELLINGS, labels=None, **options):
+        """Adds a recoding of a boolean and returns its number. false, true, missing: the scores. spellings: one to five
+        texts that mean false, and one to nine that mean true. labels: as in a list."""
+        no, yes = map(list, spellings)
+        require(0 < len(no) < 6 and 0 < len(yes) < 10 and not {*no} & {*yes}, f"column {column!r}: {spellings=}")
+        values = [(value, (labels or {}).get(value, value)) for value in no + no[-1:] * (5 - len(no)) + yes]
+        return self.add(column, "MapValues", [missing, false, true], (), values, True, **options)
+
+    def range(self):
+        """The lowest and the highest score that a row can have."""
+        ends = [np.multiply(self.coefficients[r.number], r.scores) for r in self.recodings]
+        return self.constant + sum(map(min, ends)), self.constant + sum(map(max, ends))
+
+    def checked_table(self):
+        """The table as it is written, with an end below the lowest score; raises what write does."""
+        require(sorted(self.coefficients) == sorted(r.number for r in self.recodings),
+                f"recodings and coefficients do not go together: {self.coefficients}")
+        require(np.isfinite([*self.coefficients.values(), *self.range()]).all(), "a coefficient or score is not finite")
+        columns = {r.column for r in self.recodings if r.type != "MapValues"}
+        for column, codes in self.missing.items():
+            require(column in columns, f"column {column!r} has missing codes, but no recoding of numbers")
+            require(all(float(f"{code:.6g}") == code for code in codes) and np.isfinite(codes).all(),
+                    f"column {column!r}: generated code shows 6 digits of a missing code, which do not tell {codes}")
+        if self.table is None:
+            return None
+        scores, probabilities = ([float(value) for value in values] for values in self.table)
+        require(0 < len(scores) == len(probabilities) and np.isfinite(scores).all() and np.all(np.diff(scores) < 0) and
+                all(0 <= p <= 1 for p in probabilities),
+                f"a table has falling scores and as many probabilities from 0 to 1: {self.table}")
+        return ended(scores, probabilities, self.range()[0])
+
+    def score(self, frame):
+        """A frame's scores: a frame with the columns score and probability (NaN without table) and the same index."""
+        table, recodings = self.checked_table(), {recoding.number: recoding for recoding in self.recodings}
+        score = np.full(len(frame), float(self.constant))
+        for number, coefficient in self.coefficients.items():
+            column = recodings[number].column
+            require(column in frame, f"column {column!r} is missing")
+            score += coefficient * recode(recodings[number], frame[column], self.missing.get(column, []))
+        probability = np.interp(score, table[0][::-1], table[1][::-1]) if table else np.nan
+        return pd.DataFrame({"score": score, "probability": probability}, index=frame.index)
+
+    def write(self, path):
+        """Writes the document, with three things that change no score where they lack: points that end the table below
+        all scores, each name under which a target looks for missing codes, and in a list of five values a sixth, which
+        scores like unlisted ones."""
+        document.write(path, self, self.checked_table())
+
+    @classmethod
+    def read(cls, path):
+        """The scorecard of a document, without its key and the counts that preset controls of a page."""
+        return document.read(path, cls())
+
+    @classmethod
+    def from_sklearn(cls, pipeline, *, target, largest_error=0.001, unlisted_as_missing=False, digits=16):
+        """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot, also
+        after a SimpleImputer) and OneHotEncoder, then a LogisticRegression of two classes. Its score is that of
+        decision_function, its probability that of the second class to largest_error. Cells for which the pipeline has
+        no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing what empty ones add."""
+        return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing)
