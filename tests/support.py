@@ -16,8 +16,8 @@ PROGRAM = os.environ.get("SCOREWRIGHT", str(TESTS.parent / "build-release" / "sc
 FOR_WINDOWS = Path(PROGRAM + ".exe").exists()
 BANNER = "Qorv Model Exportation v1.07\n=============================\n"
 
-sys.path.insert(0, str(EXAMPLES))
-from model_document import doubles, integers  # noqa: E402
+sys.path.insert(0, str(TESTS.parent / "python"))
+from scorewright import doubles, integers  # noqa: E402
 
 
 def not_on_windows(reason):
