@@ -32,6 +32,21 @@ install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_folder} USE_SOURCE_PERMISSIONS
   PATTERN "__pycache__" EXCLUDE)
 
+# Debian's Python looks into one folder of /usr for all its versions, and into one of each version
+# in /usr/local. Anywhere else PYTHONPATH leads it there. The prefix is known when it is installed.
+if(NOT WIN32)
+  install(CODE [[
+    set(python_folder lib/python3/dist-packages)
+    if(CMAKE_INSTALL_PREFIX STREQUAL "/usr/local" AND EXISTS /usr/bin/python3)
+      execute_process(COMMAND /usr/bin/python3 -c "import sys; print('%d.%d' % sys.version_info[:2])"
+        OUTPUT_VARIABLE python_version OUTPUT_STRIP_TRAILING_WHITESPACE)
+      set(python_folder lib/python${python_version}/dist-packages)
+    endif()
+  ]])
+  install(DIRECTORY python/scorewright DESTINATION "\${python_folder}"
+    PATTERN "__pycache__" EXCLUDE)
+endif()
+
 string(TOLOWER
   ${PROJECT_NAME}-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}
   CPACK_PACKAGE_FILE_NAME)
@@ -59,5 +74,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Only what writes documents and scores with Python needs them.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3-numpy, python3-pandas, python3-sklearn")
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianFiles.cmake)
 include(CPack)
