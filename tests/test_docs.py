@@ -30,7 +30,7 @@ MANUAL = ROOT / "docs"
 PAGES = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
 UNRUN_PAGES = [*(ROOT / name for name in ["ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md"]),
                *EXAMPLES.glob("*/README.md")]
-FOLDERS = "app|benchmarks|cmake|docs|examples|exporters|model|scripts|tests|xml"
+FOLDERS = "app|benchmarks|cmake|docs|examples|exporters|model|python|scripts|tests|xml"
 BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S)
 TOOLS = {"apt", "cmake", "cp"}
 
@@ -63,7 +63,8 @@ class PagesTest(ProgramTest):
         programs = self.folder / "bin"
         programs.mkdir()
         (programs / "scorewright").symlink_to(Path(PROGRAM).resolve())
-        self.environment = {**os.environ, "PATH": f"{programs}:/usr/bin:/bin", "LC_ALL": "C.UTF-8"}
+        self.environment = {**os.environ, "PATH": f"{programs}:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
+                            "PYTHONPATH": str(ROOT / "python")}
 
     def check_console(self, folder, text):
         self.assertTrue(text.startswith("$ "))

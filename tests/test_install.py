@@ -4,7 +4,7 @@ import subprocess
 import unittest
 from pathlib import Path
 
-from support import PROGRAM, TESTS, ProgramTest
+from support import EXAMPLES, PROGRAM, TESTS, ProgramTest
 
 CONVERSIONS = [[option, f"examples/{model}/{model}.ModelXml", f"demo-output/{model}.{ending}"]
                for model in ["credit", "claims"] for option, ending in [("-a", "sas"), ("-e", "bas"), ("-p", "py")]]
@@ -44,6 +44,14 @@ class InstallTest(ProgramTest):
             self.assertEqual((manual / file.name).read_bytes(), file.read_bytes())
         for name in ["README.md", "ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md", "examples/credit/LICENSE"]:
             self.assertEqual((self.documents / name).read_bytes(), (TESTS.parent / name).read_bytes())
+        # The installed scripts write the same documents anew, with the package that is installed beside them.
+        environment = {"PYTHONPATH": self.folder / "lib/python3/dist-packages"}
+        for name, script in [("credit", "fit_credit.py"), ("claims", "make_claims.py")]:
+            document = self.documents / f"examples/{name}/{name}.ModelXml"
+            document.unlink()
+            subprocess.run(["/usr/bin/python3", "-B", document.with_name(script)], env=environment, check=True,
+                           stdout=subprocess.DEVNULL)
+            self.assertEqual(document.read_bytes(), (EXAMPLES / name / document.name).read_bytes())
         licence = (self.documents / "examples/credit/LICENSE").read_text()
         self.assertIn(licence, (self.documents / "copyright").read_text())
 

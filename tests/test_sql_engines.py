@@ -103,11 +103,7 @@ class EnginesTest(SqlProgramTest):
         self.assertEqual(far, {})
 
     def test_all_applicants_in_every_dialect_and_plan(self):
-        segments = {name: self.model.segment(score) for name, score in self.scores.items()}
-        self.assertEqual(set(segments.values()), {"above", "inner", "last", "below"})
-        # The scripts have no branch for scores between the last two points of the table, so these get 0.
-        probabilities = {name: 0 if segments[name] == "last" else self.model.probability(score)
-                         for name, score in self.scores.items()}
+        probabilities = {name: self.model.probability(score) for name, score in self.scores.items()}
         self.assertEqual(len(probabilities), 4454)
         stale = "create table Qorv_TMP_Preds(id VARCHAR(20), score FLOAT(53));\ninsert into Qorv_TMP_Preds values('-', 0);\n"
         for dialect, query in self.engines:

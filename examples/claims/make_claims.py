@@ -6,34 +6,36 @@ mean "unknown", empty cells, values on a cut point, categories the model has nev
 
 import csv
 import sys
+from functools import partial
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-sys.path.insert(0, str(HERE.parent))
-import model_document  # noqa: E402
-from model_document import Variable  # noqa: E402
+sys.path.append(str(HERE.parents[1] / "python"))  # in the source; what is installed is found without
+from scorewright import Scorecard  # noqa: E402
 
 POLICIES = 200
 
 # Numbers that say "not known" in the columns they come from.
 MISSING = {"vehicle age": [-1, 99], "annual.km": [-999.5, 1e10, 1.5e-07]}
 
-VARIABLES = [
-    Variable(1, "driver age", "Age of the driver (years)", "NormContinuous",
-             [35.5, 410.25, 262.5, 118.75, 118.75, 60, 145.125], cuts=[21, 25, 35, 50, 68]),
-    Variable(2, "vehicle age", "Age of the vehicle (years)", "Discretize",
-             [20, 95.5, 41.25, 0, -38.75], cuts=[2, 6, 12]),
-    Variable(3, "annual.km", "Distance driven in a year (km)", "NormContinuous",
-             [55.5, -120.5, -42.25, 38.75, 38.75, 38.75, 310], cuts=[5000, 12000, 20000, 30000, 45000.5]),
-    Variable(4, "region", "Region", "MapValues", [12.5, 180, 95.25, -20.5, -66], value_kind="str",
-             modalities=[("11", "Capital"), ("24", "Coast"), ("53", "Hills"), ("75", "Plains")]),
-    Variable(5, "use", "Use of the vehicle", "MapValues", [70, 0, 155.5, 340.75], value_kind="str",
-             modalities=[("private", "Private"), ("farmer's", "Farm"), ("driver's school", "Driving school")]),
-    Variable(6, "bonus", "Bonus level", "Discretize", [48.5, 90.25, -75.125], cuts=[50]),
-    Variable(7, "annual.km", "Drives for a living", "Discretize", [0, 0, 1, 1.5], cuts=[30000, 60000]),
-]
-TERMS = [(3, 1.05), (1, 0.92), (7, 64.5), (5, 1.1), (2, 0.875), (6, -0.4), (4, 1)]
-CONSTANT = 742.5
+def tariff():
+    card = Scorecard("claim cost", "C", constant=742.5, missing=MISSING)
+    numeric = partial(card.add_numeric, closed="document")
+    numeric("driver age", [21, 25, 35, 50, 68], [410.25, 262.5, 118.75, 118.75, 60, 145.125], missing=35.5,
+            label="Age of the driver (years)", type="NormContinuous")
+    numeric("vehicle age", [2, 6, 12], [95.5, 41.25, 0, -38.75], missing=20, label="Age of the vehicle (years)")
+    numeric("annual.km", [5000, 12000, 20000, 30000, 45000.5], [-120.5, -42.25, 38.75, 38.75, 38.75, 310], missing=55.5,
+            label="Distance driven in a year (km)", type="NormContinuous")
+    card.add_categorical("region", {"11": 180, "24": 95.25, "53": -20.5, "75": -66}, other=12.5, label="Region",
+                         labels={"11": "Capital", "24": "Coast", "53": "Hills", "75": "Plains"})
+    card.add_categorical("use", {"private": 0, "farmer's": 155.5, "driver's school": 340.75}, other=70,
+                         label="Use of the vehicle",
+                         labels={"private": "Private", "farmer's": "Farm", "driver's school": "Driving school"})
+    numeric("bonus", [50], [90.25, -75.125], missing=48.5, label="Bonus level")
+    numeric("annual.km", [30000, 60000], [0, 1, 1.5], label="Drives for a living")
+    card.coefficients = {3: 1.05, 1: 0.92, 7: 64.5, 5: 1.1, 2: 0.875, 6: -0.4, 4: 1}
+    return card
+
 
 # The lengths share no factor, so that the columns meet in ever new combinations.
 CELLS = {
@@ -48,7 +50,7 @@ CELLS = {
 
 
 def main():
-    model_document.write(HERE / "claims.ModelXml", "C", "claim cost", VARIABLES, TERMS, CONSTANT, missing=MISSING)
+    tariff().write(HERE / "claims.ModelXml")
     with open(HERE / "claims.csv", "w", newline="") as file:
         writer = csv.writer(file, lineterminator="\n")
         writer.writerow(["policy", *CELLS])

@@ -10,8 +10,8 @@ from pathlib import Path
 import numpy as np
 
 HERE = Path(__file__).resolve().parent
-sys.path.insert(0, str(HERE.parent))
-import model_document  # noqa: E402
+sys.path.append(str(HERE.parents[1] / "python"))  # in the source; what is installed is found without
+from scorewright import Scorecard  # noqa: E402
 
 # The bad rate of a bin is drawn towards the overall one as if so many average applicants were in it.
 PRIOR_APPLICANTS = 10
@@ -33,15 +33,15 @@ NUMERIC = [
 ]
 
 CATEGORICAL = [
-    ("Home", "Home", "str", {"rent": "Tenant", "owner": "Owner", "parents": "Lives with parents", "priv": "Private",
-                             "other": "Other", "ignore": "Not stated"}),
-    ("Marital", "Marital status", "str", {"married": "Married", "single": "Single", "separated": "Separated",
-                                          "widow": "Widowed", "divorced": "Divorced"}),
-    ("Records", "Negative records on file", "bb64", {"no": "No", "NO": "No", "false": "No", "FALSE": "No", "0": "No",
-                                                     "yes": "Yes", "YES": "Yes", "true": "Yes", "TRUE": "Yes",
-                                                     "1": "Yes"}),
-    ("Job", "Kind of job", "str", {"fixed": "Fixed", "freelance": "Freelance", "partime": "Part-time",
-                                   "others": "Other"}),
+    ("Home", "Home", "list", {"rent": "Tenant", "owner": "Owner", "parents": "Lives with parents", "priv": "Private",
+                              "other": "Other", "ignore": "Not stated"}),
+    ("Marital", "Marital status", "list", {"married": "Married", "single": "Single", "separated": "Separated",
+                                           "widow": "Widowed", "divorced": "Divorced"}),
+    ("Records", "Negative records on file", "boolean", {
+        "no": "No", "NO": "No", "false": "No", "FALSE": "No", "0": "No",
+        "yes": "Yes", "YES": "Yes", "true": "Yes", "TRUE": "Yes", "1": "Yes"}),
+    ("Job", "Kind of job", "list", {"fixed": "Fixed", "freelance": "Freelance", "partime": "Part-time",
+                                    "others": "Other"}),
 ]
 
 
@@ -127,42 +127,46 @@ def main():
     columns = list(applicants[0])
     bad = np.array([a["Status"] == "bad" for a in applicants], dtype=float)
 
-    recoded = []  # (variable, recoding of each applicant)
-    for field, label, kind, trend, cuts in NUMERIC:
-        bins = numeric_bins(np.array([number_or_nan(a[field]) for a in applicants]), cuts)
-        scores = weights_of_evidence(bins, len(cuts) + 2, bad, trend)
-        recoded.append((model_document.Variable(0, field, label, kind, scores, cuts=cuts), scores[bins]))
-    for field, label, value_kind, labels in CATEGORICAL:
-        values = list(labels)
-        positions = {value: i for i, value in enumerate(values, start=1)}
-        if value_kind == "bb64":
-            positions = {value: 1 if i <= 5 else 2 for value, i in positions.items()}
-        bins = np.array([positions.get(a[field], 0) for a in applicants])
-        scores = weights_of_evidence(bins, max(positions.values()) + 1, bad)
-        recoded.append((model_document.Variable(0, field, label, "MapValues", scores, value_kind=value_kind,
-                                                modalities=list(labels.items())), scores[bins]))
+    # Recodings stand in the order of their columns; a second one of a column is numbered after all columns.
+    card, recoded, extra = Scorecard("Status.bad"), [], len(columns)
+    for field, label, kind, *rest in sorted(NUMERIC + CATEGORICAL, key=lambda recoding: columns.index(recoding[0])):
+        number = columns.index(field)
+        if number in card.coefficients:
+            number, extra = extra, extra + 1
+        if kind in ("NormContinuous", "Discretize"):
+            trend, cuts = rest
+            bins = numeric_bins(np.array([number_or_nan(a[field]) for a in applicants]), cuts)
+            missing, *scores = all_scores = weights_of_evidence(bins, len(cuts) + 2, bad, trend)
+            card.add_numeric(field, cuts, scores, missing=missing, closed="document", label=label, number=number,
+                             type=kind)
+        else:
+            positions = {value: i for i, value in enumerate(rest[0], start=1)}
+            if kind == "boolean":
+                positions = {value: 1 if i <= 5 else 2 for value, i in positions.items()}
+            bins = np.array([positions.get(a[field], 0) for a in applicants])
+            other, *scores = all_scores = weights_of_evidence(bins, max(positions.values()) + 1, bad)
+            if kind == "boolean":
+                spellings = [[value for value, i in positions.items() if i == truth] for truth in (1, 2)]
+                card.add_boolean(field, *scores, missing=other, spellings=spellings, label=label, labels=rest[0],
+                                 number=number)
+            else:
+                card.add_categorical(field, dict(zip(rest[0], scores)), other=other, label=label, labels=rest[0],
+                                     number=number)
+        recoded.append(all_scores[bins])
 
-    # Variables stand in the order of their columns; a second recoding of a column is numbered after all columns.
-    recoded.sort(key=lambda pair: columns.index(pair[0].field))
-    variables = [variable for variable, _ in recoded]
-    extra, seen = len(columns), set()
-    for v in variables:
-        v.number = extra if v.field in seen else columns.index(v.field)
-        extra += v.field in seen
-        seen.add(v.field)
-
-    recodings = np.column_stack([values for _, values in recoded])
+    recodings = np.column_stack(recoded)
     beta = logistic_regression(recodings, bad)
     score = recodings @ beta[:-1] + beta[-1]
-    table = probability_table(score, bad)
 
     # The most telling variables come first in the sum.
     order = np.argsort(-np.abs(beta[:-1]) * recodings.std(axis=0), kind="stable")
-    terms = [(variables[i].number, beta[i]) for i in order]
-    model_document.write(HERE / "credit.ModelXml", "T", "Status.bad", variables, terms, beta[-1], table)
+    card.coefficients = {card.recodings[i].number: beta[i] for i in order}
+    card.constant = beta[-1]
+    card.table = probability_table(score, bad)
+    card.write(HERE / "credit.ModelXml")
 
     for i in order:
-        print(f"{variables[i].label:40} V{variables[i].number:<3} {beta[i]:9.6f}")
+        print(f"{card.recodings[i].label:40} V{card.recodings[i].number:<3} {beta[i]:9.6f}")
     print(f"{len(bad)} applicants, {int(bad.sum())} bad; area under the ROC curve {area_under_curve(score, bad):.4f}")
 
 
