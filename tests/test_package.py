@@ -122,6 +122,32 @@ class PackageTest(SqlProgramTest):
         np.testing.assert_allclose(found, result.probability, atol=1e-12)
         self.assertEqual(result.score.tolist(), [2, 3, -1, -2, 2])
 
+    def test_repairs(self):
+        """What repair.py makes of the tariff's code scores as the model says, also when it is repaired again."""
+        shutil.copy(EXAMPLES / "claims/claims.ModelXml", self.folder / "model.ModelXml")
+        self.run_program("-a", "model.ModelXml", "m.sas")
+        self.run_program("-p", "model.ModelXml", "m.py", "M")
+        self.run_configuration(configuration(dbType="mysql", keyName="policy", outputFile="m.sql", inputTable="annual"))
+        repaired = []
+        for _ in range(2):
+            scripts = ["m.sas", "m.py", "m.sql"]
+            subprocess.run(["/usr/bin/python3", "-B", EXAMPLES / "repair.py", "model.ModelXml", *scripts],
+                           cwd=self.folder, check=True)
+            repaired.append([self.read(script) for script in scripts])
+        self.assertEqual(*repaired)
+        sas, module, sql = repaired[0]
+        self.assertIn("   if (missing(vehicle_age) or vehicle_age=-1 or vehicle_age=99) then R1_vehicle_age=20;\n", sas)
+        self.assertNotRegex(sas, r"(?m)^(\|\||\))")
+        policies = pd.read_csv(EXAMPLES / "claims/claims.csv", dtype={"region": str}).fillna({"region": "", "use": ""})
+        expected = Scorecard.read(self.folder / "model.ModelXml").score(policies).score
+        exec(module, scope := {})
+        np.testing.assert_allclose(scope["QORVModel_M"]().apply(policies).claim_cost_prediction, expected, atol=1e-9)
+        with contextlib.closing(sqlite3.connect(":memory:")) as base:
+            policies.rename(columns={"annual.km": "km"}).to_sql("annual", base)  # the name stands there without quotes
+            base.executescript("create table Preds(policy, Predictions);" + sql)
+            found = [p for (p,) in base.execute("select Predictions from Preds order by policy")]
+        np.testing.assert_allclose(found, expected, atol=1e-9)
+
     def test_refusals(self):
         def numeric(card, bounds=(1, 2), scores=(1, 2, 3), column="x y", **options):
             card.add_numeric(column, bounds, scores, closed="left", **options)
