@@ -10,7 +10,7 @@ CONVERSIONS = [[option, f"examples/{model}/{model}.ModelXml", f"demo-output/{mod
                for model in ["credit", "claims"] for option, ending in [("-a", "sas"), ("-e", "bas"), ("-p", "py")]]
 CONVERSIONS += [["-s", f"examples/credit/credit.{name}.xml"] for name in ["mysql", "sqlserver", "default", "etl"]]
 CONVERSIONS += [["-h", "examples/credit/credit.ModelXml", "examples/credit/canvas.html", "demo-output/credit.html"],
-                ["-h", "examples/claims/claims.ModelXml", "", "demo-output/claims.html"]]
+                ["-h", "examples/claims/claims.ModelXml", "examples/claims/canvas.html", "demo-output/claims.html"]]
 
 
 class InstallTest(ProgramTest):

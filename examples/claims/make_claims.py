@@ -24,15 +24,16 @@ def tariff():
     numeric("driver age", [21, 25, 35, 50, 68], [410.25, 262.5, 118.75, 118.75, 60, 145.125], missing=35.5,
             label="Age of the driver (years)", type="NormContinuous")
     numeric("vehicle age", [2, 6, 12], [95.5, 41.25, 0, -38.75], missing=20, label="Age of the vehicle (years)")
-    numeric("annual.km", [5000, 12000, 20000, 30000, 45000.5], [-120.5, -42.25, 38.75, 38.75, 38.75, 310], missing=55.5,
-            label="Distance driven in a year (km)", type="NormContinuous")
-    card.add_categorical("region", {"11": 180, "24": 95.25, "53": -20.5, "75": -66}, other=12.5, label="Region",
-                         labels={"11": "Capital", "24": "Coast", "53": "Hills", "75": "Plains"})
+    # Of two recodings of a column, a page shows the range and the label of the second.
+    numeric("annual.km", [30000, 60000], [0, 1, 1.5], number=7, label="Drives for a living")
+    card.add_categorical("region", {"11": 180, "24": 95.25, "53": -20.5, "75": -66}, other=12.5, number=4,
+                         label="Region", labels={"11": "Capital", "24": "Coast", "53": "Hills", "75": "Plains"})
     card.add_categorical("use", {"private": 0, "farmer's": 155.5, "driver's school": 340.75}, other=70,
                          label="Use of the vehicle",
                          labels={"private": "Private", "farmer's": "Farm", "driver's school": "Driving school"})
     numeric("bonus", [50], [90.25, -75.125], missing=48.5, label="Bonus level")
-    numeric("annual.km", [30000, 60000], [0, 1, 1.5], label="Drives for a living")
+    numeric("annual.km", [5000, 12000, 20000, 30000, 45000.5], [-120.5, -42.25, 38.75, 38.75, 38.75, 310], missing=55.5,
+            number=3, label="Distance driven in a year (km)", type="NormContinuous")
     card.coefficients = {3: 1.05, 1: 0.92, 7: 64.5, 5: 1.1, 2: 0.875, 6: -0.4, 4: 1}
     return card
 

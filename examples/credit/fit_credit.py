@@ -36,7 +36,7 @@ CATEGORICAL = [
     ("Home", "Home", "list", {"rent": "Tenant", "owner": "Owner", "parents": "Lives with parents", "priv": "Private",
                               "other": "Other", "ignore": "Not stated"}),
     ("Marital", "Marital status", "list", {"married": "Married", "single": "Single", "separated": "Separated",
-                                           "widow": "Widowed", "divorced": "Divorced"}),
+                                           "widow": "Widowed", "divorced": "Divorced", "other": "Other"}),
     ("Records", "Negative records on file", "boolean", {
         "no": "No", "NO": "No", "false": "No", "FALSE": "No", "0": "No",
         "yes": "Yes", "YES": "Yes", "true": "Yes", "TRUE": "Yes", "1": "Yes"}),
