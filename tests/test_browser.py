@@ -7,8 +7,8 @@ import subprocess
 import unittest
 from pathlib import Path
 
-import scorer
 from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
+import score as scorer
 
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 CLAIMS = EXAMPLES / "claims" / "claims.ModelXml"

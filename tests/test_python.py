@@ -6,8 +6,8 @@ import unittest
 
 import pandas
 
-import scorer
 from support import DOCUMENTS, EXAMPLES, ProgramTest, categorical, document, not_on_windows, numeric
+import score as scorer
 
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 APPLICANTS = EXAMPLES / "credit" / "applicants.csv"

@@ -12,10 +12,10 @@ import subprocess
 import unittest
 from itertools import product
 
-import scorer
 from servers import MariaDb, Postgres, Refused
 from sql_program import SqlProgramTest
 from support import DOCUMENTS, EXAMPLES, TESTS, categorical, document, numeric
+import score as scorer
 
 NESTED = {"useTmpTable": "0"}
 EMPTIED = {"createTmpTable": "0"}

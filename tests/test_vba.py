@@ -5,9 +5,9 @@ The spreadsheet is LibreOffice Calc, which wants three things of the module rewr
 import csv
 import unittest
 
-import scorer
 from spreadsheet import Office, Workbook
 from support import DOCUMENTS, EXAMPLES, ProgramTest, categorical, document, doubles, numeric, terms_document
+import score as scorer
 
 CREDIT = EXAMPLES / "credit"
 CLAIMS = EXAMPLES / "claims"

@@ -1,15 +1,25 @@
-"""What a model document says a row's score is, read from it with the standard library alone.
+#!/usr/bin/python3
+"""score.py MODEL ROWS.csv: prints the number, score and probability of each row, as the model document says they are;
+an empty cell and NA are missing. A model that only gives a score has no probability.
 
 The generated programs are held against this, so it shares nothing with the code that generates them."""
 
 import base64
+import csv
 import math
 import struct
+import sys
 from xml.etree import ElementTree
 
 
 def load(path):
     return Model(ElementTree.parse(path).getroot())
+
+
+def read_rows(path):
+    """The rows of a file as texts, '' where a cell is missing."""
+    with open(path, newline="") as file:
+        return [{field: "" if cell == "NA" else cell for field, cell in row.items()} for row in csv.DictReader(file)]
 
 
 def children(node, name):
@@ -108,3 +118,18 @@ class Model:
         if score < points[-1]:
             return "below"
         return "last" if score <= points[-2] else "inner"
+
+
+def main():
+    if len(sys.argv) != 3:
+        sys.exit(__doc__.partition(":")[0])
+    model = load(sys.argv[1])
+    print("row,score,probability")
+    for number, row in enumerate(read_rows(sys.argv[2]), start=1):
+        score = model.score(row)
+        probability = model.probability(score)
+        print(number, score, "" if probability is None else probability, sep=",")
+
+
+if __name__ == "__main__":
+    main()
