@@ -1,5 +1,6 @@
 """Runs generated VBA modules in a headless LibreOffice Calc (Debian: libreoffice-calc, python3-uno)."""
 
+import contextlib
 import os
 import re
 import shutil
@@ -7,61 +8,39 @@ import signal
 import subprocess
 import tempfile
 import time
-import uuid
+from collections import namedtuple
+from pathlib import Path
 
 import uno
 from com.sun.star.beans import PropertyValue
-
-# Called from here, with addresses, since ranges cannot be passed, and once for many cells, since each call from here
-# takes a millisecond. An error at run time would stop a call without a word if it were not caught; a module that does
-# not compile still does, and there is no answer at all.
-CALLS = """Option VBASupport 1
-Function CallScores(sheet As String, titles As String, rows)
-  Dim scores(UBound(rows))
-  On Error Goto Failed
-  Set cells = ActiveWorkbook.Worksheets("Data")
-  For r = 0 To UBound(rows)
-    scores(r) = QorvPrediction_1(sheet, cells.Range(titles), cells.Range(rows(r)))
-  Next r
-  CallScores = scores
-  Exit Function
-Failed:
-  CallScores = Array("Error " & Err.Number)
-End Function
-Function CallCheck(sheet As String, titles As String, table As String)
-  On Error Goto Failed
-  Set cells = ActiveWorkbook.Worksheets("Data")
-  QorvCheckRange_1 sheet, cells.Range(titles), cells.Range(table)
-  CallCheck = "done"
-  Exit Function
-Failed:
-  CallCheck = "Error " & Err.Number
-End Function
-Function CallMessages()
-  CallMessages = TakeMessages()
-End Function
-Function CallColours(left, top, width, height)
-  Dim colours(width * height - 1)
-  Set sheet = ThisComponent.Sheets.getByName("Data")
-  For r = 0 To height - 1
-    For c = 0 To width - 1
-      colours(r * width + c) = sheet.getCellByPosition(left + c, top + r).CellBackColor
-    Next c
-  Next r
-  CallColours = colours
-End Function
-"""
 
 # Without a screen a message box returns at once and its text is lost, so that a function of its name keeps the texts.
 MESSAGES = """
 Function MsgBox(text, Optional buttons, Optional title)
   messagesShown = messagesShown & title & ": " & text & Chr(10)
 End Function
-Function TakeMessages()
-  TakeMessages = messagesShown
-  messagesShown = ""
+"""
+# Everything in one call, since each from here takes a millisecond, and with addresses, since ranges cannot be passed.
+CALL = """Option VBASupport 1
+Function CallModule(sheet As String, titles As String, rows, table As String, width)
+  Set cells = ActiveWorkbook.Worksheets("Data")
+  Dim scores(UBound(rows)), colours(width * (UBound(rows) + 1) - 1)
+  For r = 0 To UBound(rows)
+    scores(r) = QorvPrediction_1(sheet, cells.Range(titles), cells.Range(rows(r)))
+  Next r
+  On Error Resume Next
+  QorvCheckRange_1 sheet, cells.Range(titles), cells.Range(table)
+  failure = Err.Number
+  For i = 0 To UBound(colours)
+    row = Int(i / width)
+    colours(i) = ThisComponent.Sheets.getByName("Data").getCellByPosition(2 + i - row * width, 2 + row).CellBackColor
+  Next i
+  CallModule = Array(scores, failure, colours, messagesShown)
 End Function
 """
+# The scores of all rows, the error that stopped the range macro or 0, for each row the colour of each cell or None, and
+# the lines of the messages shown.
+Result = namedtuple("Result", "scores failure colours messages")
 
 
 def adapt(module):
@@ -74,120 +53,73 @@ def adapt(module):
     module, redims = re.subn(r"ReDim td\.indexes\((\d+)\)( As Integer)?",
                              r"ReDim plainIndexes(\1) As Integer : td.indexes = plainIndexes", module)
     module, copies = re.subn(r"(?m)^  td = tdAllModels\(1\)\n", "", module)
-    if (redims, copies) != (4, 2):
-        raise AssertionError(f"{redims} ReDim and {copies} assignments found, 4 and 2 expected")
+    assert (redims, copies) == (4, 2), f"{redims} ReDim and {copies} assignments found"
     return "Option VBASupport 1\nPublic messagesShown As String\n" + module + MESSAGES
 
 
-class Office:
-    """A LibreOffice of its own: profile in a temporary folder, reached by a named pipe, stopped at the end."""
+def start(test):
+    """The desktop of a LibreOffice with a profile of its own, which ends with the tests."""
+    profile = tempfile.mkdtemp(prefix="spreadsheet")
+    pipe = Path(profile).name
+    process = subprocess.Popen(["soffice", "--headless", "--norestore", "--nodefault",
+                                f"--accept=pipe,name={pipe};urp;", f"-env:UserInstallation=file://{profile}"],
+                               start_new_session=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
-    def __init__(self):
-        if not shutil.which("soffice"):
-            raise FileNotFoundError("soffice not found: scripts/install test installs it")
-        self.profile = tempfile.mkdtemp(prefix="spreadsheet")
-        pipe = "spreadsheet" + uuid.uuid4().hex
-        self.process = subprocess.Popen(
-            ["soffice", "--headless", "--invisible", "--norestore", "--nologo", "--nodefault", "--nofirststartwizard",
-             f"-env:UserInstallation=file://{self.profile}", f"--accept=pipe,name={pipe};urp;"],
-            stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
+    def stop():
+        with contextlib.suppress(Exception):  # the connection may break while the office ends; killing is the answer
+            desktop.terminate()
+            process.wait(30)
+        with contextlib.suppress(ProcessLookupError):
+            os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
+        shutil.rmtree(profile, ignore_errors=True)
+
+    test.addClassCleanup(stop)
+    local = uno.getComponentContext().ServiceManager
+    resolver = local.createInstance("com.sun.star.bridge.UnoUrlResolver")
+    while True:  # until there is an answer, or the time of the whole test is over
         try:
-            self.desktop = self.connect(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext")
-        except BaseException:
-            self.kill()
-            raise
-
-    def connect(self, address):
-        local = uno.getComponentContext()
-        resolver = local.ServiceManager.createInstanceWithContext("com.sun.star.bridge.UnoUrlResolver", local)
-        deadline = time.monotonic() + 90
-        while True:
-            try:
-                context = resolver.resolve(address)
-                return context.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", context)
-            except uno.getClass("com.sun.star.connection.NoConnectException"):
-                if time.monotonic() > deadline:
-                    raise TimeoutError("LibreOffice does not answer") from None
-                time.sleep(0.05)
-
-    def stop(self):
-        try:
-            self.desktop.terminate()
-            self.process.wait(30)
-        except Exception:  # the connection may break while the office ends; killing it is the answer to all
-            pass
-        self.kill()
-
-    def kill(self):
-        try:
-            os.killpg(self.process.pid, signal.SIGKILL)
-        except ProcessLookupError:
-            pass
-        self.process.wait()
-        shutil.rmtree(self.profile, ignore_errors=True)
+            context = resolver.resolve(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext")
+            desktop = context.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", context)
+            return desktop
+        except uno.getClass("com.sun.star.connection.NoConnectException"):
+            time.sleep(0.05)
 
 
-class Workbook:
-    """A document with the table on its second sheet, "Data", its titles in C2, D2, ..., and the module."""
+def run(desktop, module, titles, rows, sheet="Data", last_title=None):
+    """Scores and checks a table on the second sheet, "Data", with its titles in C2, D2, ...
 
-    ROW, COLUMN = 1, 2
+    rows: a number, text, truth value or None (an empty cell) for each title; last_title: where the title row is said to
+    end."""
+    properties = [PropertyValue(Name="Hidden", Value=True), PropertyValue(Name="MacroExecutionMode", Value=4)]
+    document = desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0, tuple(properties))
+    document.Sheets.insertNewByName("Data", 1)
+    cells = document.Sheets.getByName("Data").getCellRangeByPosition(2, 1, 1 + len(titles), 1 + len(rows))
+    cells.setDataArray([tuple("" if v is None else v if isinstance(v, str) else float(v) for v in row)
+                        for row in [titles, *rows]])
+    for r, row in enumerate(rows, start=1):
+        for c, value in enumerate(row):
+            if isinstance(value, bool):
+                cells.getCellByPosition(c, r).Formula = f"={value}()".upper()
+    libraries = document.BasicLibraries
+    libraries.VBACompatibilityMode = True
+    if not libraries.hasByName("Standard"):
+        libraries.createLibrary("Standard")
+    for name, text in [("Generated", adapt(module)), ("Call", CALL)]:
+        libraries.getByName("Standard").insertByName(name, text)
 
-    def __init__(self, office, module, titles, rows):
-        """rows: a number, text, truth value or None (an empty cell) for each title."""
-        hidden = [PropertyValue(Name="Hidden", Value=True), PropertyValue(Name="MacroExecutionMode", Value=4)]
-        self.document = office.desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0, tuple(hidden))
-        self.document.Sheets.insertNewByName("Data", 1)
-        self.sheet = self.document.Sheets.getByName("Data")
-        self.titles, self.count = titles, len(rows)
-        for r, row in enumerate([titles, *rows]):
-            cells = self.cells(r, r)
-            cells.setDataArray((tuple("" if v is None else v if isinstance(v, str) else float(v) for v in row),))
-            for c, value in enumerate(row):
-                if isinstance(value, bool):
-                    cells.getCellByPosition(c, 0).Formula = f"={value}()".upper()
-        libraries = self.document.BasicLibraries
-        libraries.VBACompatibilityMode = True
-        if not libraries.hasByName("Standard"):
-            libraries.createLibrary("Standard")
-        library = libraries.getByName("Standard")
-        library.insertByName("Generated", adapt(module))
-        library.insertByName("Calls", CALLS)
+    def address(first, last, end=None):
+        part = cells.getCellRangeByPosition(0, first, (end or len(titles)) - 1, last)
+        return part.AbsoluteName.rpartition(".")[2].replace("$", "")
 
-    def close(self):
-        self.document.close(True)
-
-    def call(self, function, *arguments):
-        script = f"vnd.sun.star.script:Standard.Calls.{function}?language=Basic&location=document"
-        return self.document.getScriptProvider().getScript(script).invoke(arguments, (), ())[0]
-
-    def cells(self, first, last, columns=None):
-        """The rows of the table from first to last; row 0 holds the titles."""
-        right = self.COLUMN + (columns or len(self.titles)) - 1
-        return self.sheet.getCellRangeByPosition(self.COLUMN, self.ROW + first, right, self.ROW + last)
-
-    def address(self, *rows):
-        return self.cells(*rows).AbsoluteName.rpartition(".")[2].replace("$", "")
-
-    def scores(self, sheet="Data", titles=None):
-        """The predictions of all rows, or a text for the error that stopped them; 0 or None after a message.
-
-        titles: how many columns the title row is said to have."""
-        rows = tuple(self.address(row, row) for row in range(1, self.count + 1))
-        answer = self.call("CallScores", sheet, self.address(0, 0, titles), rows)
-        if answer is None:
-            raise SyntaxError("the module does not compile")
-        return list(answer)
-
-    def check(self, sheet="Data"):
-        """Runs the range macro; "done", or the number of the error that stopped it."""
-        return self.call("CallCheck", sheet, self.address(0, 0), self.address(1, self.count))
-
-    def colours(self):
-        """For each row the colour of each title's cell; None where it has none."""
-        width = len(self.titles)
-        answer = self.call("CallColours", self.COLUMN, self.ROW + 1, width, self.count)
-        colours = [None if value == -1 else f"{int(value):06X}" for value in answer]
-        return [colours[i:i + width] for i in range(0, len(colours), width)]
-
-    def messages(self):
-        return (self.call("CallMessages") or "").splitlines()
+    script = "vnd.sun.star.script:Standard.Call.CallModule?language=Basic&location=document"
+    answer = document.getScriptProvider().getScript(script).invoke(
+        (sheet, address(0, 0, last_title), tuple(address(r, r) for r in range(1, len(rows) + 1)), address(1, len(rows)),
+         len(titles)), (), ())[0]
+    document.close(True)
+    if answer is None:
+        raise SyntaxError("the module does not compile, or its function stops")
+    scores, failure, colours, messages = answer
+    colours = [None if value == -1 else f"{int(value):06X}" for value in colours]
+    return Result(scores, failure, [colours[i:i + len(titles)] for i in range(0, len(colours), len(titles))],
+                  messages.splitlines())
