@@ -60,11 +60,12 @@ def code(cell):
 class PagesTest(ProgramTest):
     def setUp(self):
         super().setUp()
-        programs = self.folder / "bin"
-        programs.mkdir()
-        (programs / "scorewright").symlink_to(Path(PROGRAM).resolve())
-        self.environment = {**os.environ, "PATH": f"{programs}:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
-                            "PYTHONPATH": str(ROOT / "python")}
+        # The installed tree is what the manual is read with.
+        subprocess.run(["cmake", "--install", Path(PROGRAM).parent, "--prefix", self.folder], check=True,
+                       stdout=subprocess.DEVNULL)
+        self.installed = self.folder / "share" / "doc" / "scorewright"
+        self.environment = {**os.environ, "PATH": f"{self.folder}/bin:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
+                            "PYTHONPATH": str(self.folder / "lib/python3/dist-packages")}
 
     def check_console(self, folder, text):
         self.assertTrue(text.startswith("$ "))
@@ -98,12 +99,20 @@ class PagesTest(ProgramTest):
             text = page.read_text()
             folder = self.folder / page.stem
             folder.mkdir()
-            shutil.copytree(EXAMPLES, folder / "examples")
+            shutil.copytree(self.installed / "examples", folder / "examples")
             blocks = list(BLOCK.finditer(text))
             self.assertEqual(2 * len(blocks), len(re.findall("^ *```", text, re.M)), page)
             for block in sorted(blocks, key=lambda block: (block["mark"] or "").startswith("from: ")):
                 with self.subTest(page=page.name, line=text.count("\n", 0, block.start()) + 1):
                     self.check_block(folder, *block.groups())
+
+    def test_examples(self):
+        """The installed scripts write the same documents anew, with the package that is installed beside them."""
+        for script in ["credit/fit_credit.py", "claims/make_claims.py"]:
+            path = self.installed / "examples" / script
+            subprocess.run(["/usr/bin/python3", "-B", path], env=self.environment, check=True, stdout=subprocess.DEVNULL)
+            document = path.with_name(path.parent.name + ".ModelXml")
+            self.assertEqual(document.read_bytes(), (EXAMPLES / path.parent.name / document.name).read_bytes())
 
     def test_links_and_names(self):
         files = re.search(r"install\(FILES ([^$]*)", (ROOT / "cmake" / "Packaging.cmake").read_text())[1].split()
@@ -128,6 +137,7 @@ class PagesTest(ProgramTest):
         # The first line asks for tbl; messages are neither hyphenated nor stretched.
         made = made.replace('.\\" -*-', "'\\\" t -*-", 1).replace('" ""\n', '" ""\n.nh\n.ad l\n', 1)
         made = made.replace("lb lb lb\nl l l.", "lb lb lb\nl lw(3.7i) lw(1.6i).")  # wide enough for the longest word
+        self.assertTrue((self.folder / "share" / "man" / "man1" / "scorewright.1").exists())
         page = MANUAL / "scorewright.1"
         if os.environ.get("SCOREWRIGHT_GOLDEN") == "write":
             page.write_text(made, "utf-8")

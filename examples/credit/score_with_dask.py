@@ -27,7 +27,8 @@ def main():
     result = score(applicants, load(sys.argv[1]))
     scored = applicants[["Status", "Age", "Amount"]].join(result).compute(scheduler="processes")
     print(scored.round(3).to_string(max_rows=8))
-    print(f"\n{len(scored)} applicants, scored in {result.npartitions} partitions")
+    mean = round(scored.Status_bad_score.mean(), 6)
+    print(f"\n{len(scored)} applicants, scored in {result.npartitions} partitions, mean score {mean}")
 
 
 if __name__ == "__main__":
