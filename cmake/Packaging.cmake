@@ -17,6 +17,10 @@ else()
   set(document_folder ${CMAKE_INSTALL_DOCDIR})
   set(copyright copyright)
   install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN "*.1")
+  foreach(program scorewright scorewright-check)
+    install(FILES cmake/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+      RENAME ${program})
+  endforeach()
 endif()
 
 file(READ examples/credit/LICENSE data_licence)

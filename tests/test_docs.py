@@ -114,6 +114,21 @@ class PagesTest(ProgramTest):
             document = path.with_name(path.parent.name + ".ModelXml")
             self.assertEqual(document.read_bytes(), (EXAMPLES / path.parent.name / document.name).read_bytes())
 
+    def test_completion(self):
+        """Each program's file completes what was typed of its call."""
+        for name in ["m.ModelXml", "canvas.html", "rows.csv", "sql.xml"]:
+            self.write(name, "")
+        for call, offered in [("scorewright -", "-a -s -e -p -h"), ("scorewright -a m", "m.ModelXml"),
+                              ("scorewright -h m.ModelXml c", "canvas.html"), ("scorewright -s s", "share sql.xml"),
+                              ("scorewright-check m", "m.ModelXml"), ("scorewright-check m --rows r", "rows.csv"),
+                              ("scorewright-check m --target sas,s", "sas,sas sas,sql"),
+                              ("scorewright-check m --score", "--scores --score")]:
+            program, (before, word) = call.split()[0], call.split()[-2:]
+            script = (f"source share/bash-completion/completions/{program}; COMP_WORDS=({call}); COMP_CWORD={call.count(' ')};"
+                      f"f=$(complete -p {program}); f=${{f#*-F }}; ${{f% *}} {program} {word} {before}; echo ${{COMPREPLY[*]}}")
+            run = subprocess.run(["bash", "-c", script], cwd=self.folder, capture_output=True, encoding="utf-8")
+            self.assertEqual((run.stdout, run.stderr), (offered + "\n", ""), call)
+
     def test_links_and_names(self):
         files = re.search(r"install\(FILES ([^$]*)", (ROOT / "cmake" / "Packaging.cmake").read_text())[1].split()
         for page in PAGES + UNRUN_PAGES:

@@ -1,0 +1,55 @@
+# Completion of scorewright and scorewright-check in bash. It is installed under both names, since bash looks for a
+# file called like the command.
+
+# Folders, and files of these endings.
+_scorewright_files() {
+  local word=$1 ending
+  shift
+  mapfile -t COMPREPLY < <(compgen -d -- "$word"; for ending; do compgen -f -X "!*.$ending" -- "$word"; done)
+  compopt -o filenames 2>/dev/null
+}
+
+_scorewright_words() {
+  mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2")
+}
+
+_scorewright() {
+  local word=$2 option=${COMP_WORDS[1]}
+  COMPREPLY=()
+  case $COMP_CWORD:$option in
+    1:*) _scorewright_words '-a -s -e -p -h' "$word" ;;
+    2:-[aep]) _scorewright_files "$word" ModelXml ;;
+    2:-h) _scorewright_files "$word" ModelXml xml ;;
+    2:-s) _scorewright_files "$word" xml ;;
+    3:-a) _scorewright_files "$word" sas ;;
+    3:-e) _scorewright_files "$word" bas ;;
+    3:-p) _scorewright_files "$word" py ;;
+    [34]:-h) _scorewright_files "$word" html ;;
+  esac
+}
+
+_scorewright_check() {
+  local word=$2 before=$3 begun=
+  COMPREPLY=()
+  case $before in
+    --target)
+      # A list with commas between: what stands before the last comma stays.
+      [[ $word == *,* ]] && begun=${word%,*},
+      mapfile -t COMPREPLY < <(compgen -P "$begun" -W 'sas sql vba python html' -- "${word##*,}")
+      compopt -o nospace 2>/dev/null ;;
+    --sql) _scorewright_files "$word" xml ;;
+    --canvas | --report) _scorewright_files "$word" html ;;
+    --rows | --scores | --compare) _scorewright_files "$word" csv ;;
+    --key | --score | --probability | --tolerance | --delimiter | --missing) ;;
+    *)
+      if [[ $word == -* ]]; then
+        _scorewright_words '--show --target --sql --canvas --rows --key --scores --compare --score --probability
+          --tolerance --json --report --delimiter --missing --help --version' "$word"
+      else
+        _scorewright_files "$word" ModelXml
+      fi ;;
+  esac
+}
+
+complete -F _scorewright scorewright
+complete -F _scorewright_check scorewright-check
