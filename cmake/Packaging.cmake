@@ -8,10 +8,22 @@ if(WIN32)
   set(document_folder .)
   set(copyright copyright.txt)
   set(other_parts "
-scorewright.exe also holds Qt 6 Core (Copyright The Qt Company Ltd. and others;
-LGPL version 3 or GPL version 2), PCRE2 and zlib, all from the source of Debian's
-package qt6-base, and the run-time libraries of GCC and mingw-w64.
+scorewright.exe also holds, unchanged, Qt 6 Core (Copyright The Qt Company Ltd.
+and others; LGPL version 3 or GPL version 2) with the libraries that come in its
+source, PCRE2, zlib and double-conversion among them, and the run-time libraries
+of GCC and mingw-w64. Their copyright notices and licences are in the folder
+licences. Their source is in Debian 12's source packages qt6-base (${Qt6_VERSION}),
+gcc-mingw-w64 and mingw-w64: https://sources.debian.org, or apt-get source.
+scripts/windows in the source of scorewright fetches and builds Qt Core into the
+folder build-windows-qt, and links the program with what it finds there.
 ")
+  # What the packages of the compiler and of Qt say, and the texts that they refer to.
+  foreach(part libqt6core6 gcc-mingw-w64-base mingw-w64-x86-64-dev)
+    install(FILES /usr/share/doc/${part}/copyright DESTINATION licences RENAME ${part}.txt)
+  endforeach()
+  foreach(text GPL-2 GPL-3 LGPL-2 LGPL-2.1 LGPL-3)
+    install(FILES /usr/share/common-licenses/${text} DESTINATION licences RENAME ${text}.txt)
+  endforeach()
 else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
   set(document_folder ${CMAKE_INSTALL_DOCDIR})
