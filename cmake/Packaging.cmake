@@ -17,22 +17,11 @@ gcc-mingw-w64 and mingw-w64: https://sources.debian.org, or apt-get source.
 scripts/windows in the source of scorewright fetches and builds Qt Core into the
 folder build-windows-qt, and links the program with what it finds there.
 ")
-  # What the packages of the compiler and of Qt say, and the texts that they refer to.
-  foreach(part libqt6core6 gcc-mingw-w64-base mingw-w64-x86-64-dev)
-    install(FILES /usr/share/doc/${part}/copyright DESTINATION licences RENAME ${part}.txt)
-  endforeach()
-  foreach(text GPL-2 GPL-3 LGPL-2 LGPL-2.1 LGPL-3)
-    install(FILES /usr/share/common-licenses/${text} DESTINATION licences RENAME ${text}.txt)
-  endforeach()
 else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
   set(document_folder ${CMAKE_INSTALL_DOCDIR})
   set(copyright copyright)
   install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN "*.1")
-  foreach(program scorewright scorewright-check)
-    install(FILES cmake/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
-      RENAME ${program})
-  endforeach()
 endif()
 
 file(READ examples/credit/LICENSE data_licence)
@@ -47,6 +36,20 @@ install(FILES README.md CHANGELOG.md ARCHITECTURE.md CONTRIBUTING.md
 install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_folder} USE_SOURCE_PERMISSIONS
   PATTERN "__pycache__" EXCLUDE)
+if(WIN32)
+  # What the packages of the compiler and of Qt say, and the texts that they refer to.
+  foreach(part libqt6core6 gcc-mingw-w64-base mingw-w64-x86-64-dev)
+    install(FILES /usr/share/doc/${part}/copyright DESTINATION licences RENAME ${part}.txt)
+  endforeach()
+  foreach(text GPL-2 GPL-3 LGPL-2 LGPL-2.1 LGPL-3)
+    install(FILES /usr/share/common-licenses/${text} DESTINATION licences RENAME ${text}.txt)
+  endforeach()
+else()
+  foreach(program scorewright scorewright-check)
+    install(FILES cmake/completion.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+      RENAME ${program})
+  endforeach()
+endif()
 
 # Debian's Python looks into one folder of /usr for all its versions, and into one of each version
 # in /usr/local. Anywhere else PYTHONPATH leads it there. The prefix is known when it is installed.
@@ -73,8 +76,8 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
   "exporter of scoring models to SAS, SQL, Excel VBA, Python and HTML")
 set(CPACK_PACKAGE_DESCRIPTION
 "Scorewright reads a scoring model (recodings of columns, a regression over them
-and a table from score to probability) and writes code that computes the same
-score and probability: a SAS data step, SQL for six dialects, an Excel VBA
+and a table from score to probability) and writes code that computes its score
+and probability: a SAS data step, SQL for six dialects, an Excel VBA
 module, a Python class for pandas, or an interactive HTML page.")
 set(CPACK_RESOURCE_FILE_README ${PROJECT_SOURCE_DIR}/README.md)
 set(CPACK_STRIP_FILES ON)
