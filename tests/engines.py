@@ -16,11 +16,9 @@ class Example:
         self.rows = score.read_rows(next(self.path.parent.glob("*.csv")))
 
     def predictions(self, rows=None):
-        """What the code must say of all rows. It has no branch for scores between the last two points of the table,
-        so these get 0: existing code does that too."""
-        scores = map(self.model.score, rows or self.rows)
-        return [0 if self.model.table and self.model.segment(s) == "last" else
-                self.model.probability(s) if self.model.table else s for s in scores]
+        """What the code must say of these rows, or of all. No score of them is at the last two points of the table or
+        between these, where the targets differ."""
+        return [self.model.prediction(row) for row in rows or self.rows]
 
 
 CREDIT, CLAIMS = Example("credit"), Example("claims")

@@ -16,7 +16,7 @@ PROGRAM = os.environ.get("SCOREWRIGHT", str(TESTS.parent / "build-release" / "sc
 FOR_WINDOWS = Path(PROGRAM + ".exe").exists()
 BANNER = "Qorv Model Exportation v1.07\n=============================\n"
 
-sys.path.insert(0, str(TESTS.parent / "python"))
+sys.path[:0] = [str(TESTS.parent / "python"), str(EXAMPLES)]
 from scorewright import doubles, integers  # noqa: E402
 
 

@@ -96,9 +96,8 @@ class BrowserTest(ProgramTest):
 
     def test_example_rows(self):
         self.open(CREDIT.path, OWN_CANVAS)
-        # A list of exactly five categories is read as unknown, whatever is chosen.
-        self.check([CREDIT.model], CREDIT.rows, [{**row, "Marital": ""} for row in CREDIT.rows], 240)
-        self.open(CLAIMS.path)
+        self.check([CREDIT.model], CREDIT.rows, CREDIT.rows, 240)
+        self.open(CLAIMS.path, CLAIMS.path.with_name("canvas.html"))
         model = score.load(CLAIMS.path)
         for variable in model.variables:
             variable.missing = []  # the page does not know the codes
@@ -113,13 +112,15 @@ class BrowserTest(ProgramTest):
             numeric(2, "Income", [50, 125.5, 300], [0.5, 1, 0, -0.75, -1.5]),
             categorical(3, "Home", homes, [0.1, 0.5, -0.5, 0.2, 0.3, 0.4, 0]),
             numeric(4, "Extra", [-1, 1], [0.3, -1, 0, 1.25]),
-        ], [(2, 1), (3, 0.5), (4, 2), (5, 1)], 0.125, table=TABLE))
+            categorical(6, "Place", "abcde", [0.5, 1, 2, 3, 4, 5]),
+        ], [(2, 1), (3, 0.5), (4, 2), (5, 1), (6, 1)], 0.125, table=TABLE))
         self.write("list.Xml", f'<Models><Model file="{CREDIT.path}"/><Model file="b.ModelXml"/></Models>')
         models = [CREDIT.model, score.load(self.folder / "b.ModelXml")]
-        rows = [{**row, "Extra": ["", "-3.5", "-1", "0.25", "7"][i % 5]} for i, row in enumerate(CREDIT.rows[::20])]
+        rows = [{**row, "Extra": ["", "-3.5", "-1", "0.25", "7"][i % 5], "Place": "abcde"[i % 5]} for i, row in enumerate(CREDIT.rows[::20])]
         self.open("list.Xml", self.write("canvas", CANVAS, "utf-8"))
         for dynamic in [False, True]:
-            shown = self.check(models, rows, [{**row, "Marital": ""} for row in rows], 80, dynamic)
+            # A list of exactly five categories is read as unknown, whatever is chosen.
+            shown = self.check(models, rows, [{**row, "Place": ""} for row in rows], 80, dynamic)
             self.assertEqual({third for *_, third in shown}, {"0"})  # of two places with one name the first is filled
             self.find("#scaleProba").click()
         bars = self.driver.find_elements(By.CLASS_NAME, "histogramBar")

@@ -110,8 +110,9 @@ class PagesTest(ProgramTest):
         """The installed scripts write the same documents anew, with the package that is installed beside them."""
         for script in ["credit/fit_credit.py", "claims/make_claims.py"]:
             path = self.installed / "examples" / script
-            subprocess.run(["/usr/bin/python3", "-B", path], env=self.environment, check=True, stdout=subprocess.DEVNULL)
             document = path.with_name(path.parent.name + ".ModelXml")
+            document.unlink()
+            subprocess.run(["/usr/bin/python3", "-B", path], env=self.environment, check=True, stdout=subprocess.DEVNULL)
             self.assertEqual(document.read_bytes(), (EXAMPLES / path.parent.name / document.name).read_bytes())
 
     def test_completion(self):

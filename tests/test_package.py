@@ -15,10 +15,10 @@ from sklearn.linear_model import LogisticRegression
 from sklearn.pipeline import make_pipeline
 from sklearn.preprocessing import KBinsDiscretizer, OneHotEncoder
 
-import scorer
 from sql_program import SqlProgramTest, configuration
 from support import EXAMPLES, TESTS
-from scorewright import Scorecard, logistic_table  # support has told where it is
+import score  # support has told where it is, and the next
+from scorewright import Scorecard, logistic_table
 
 APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=False, na_values={"Income": "NA"})
 
@@ -98,7 +98,7 @@ class PackageTest(SqlProgramTest):
         """Documents that are read score as the independent scorer does, also when they have been written again."""
         for path in EXAMPLES.glob("*/*.ModelXml"):
             text = pd.read_csv(next(path.parent.glob("*.csv")), dtype=str).fillna("")[:400]
-            model, card = scorer.load(path), Scorecard.read(path)
+            model, card = score.load(path), Scorecard.read(path)
             expected = [model.score(row) for row in text.to_dict("records")]
             card.write(self.folder / "again.ModelXml")
             for one in [card, Scorecard.read(self.folder / "again.ModelXml")]:
