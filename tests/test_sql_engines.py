@@ -28,7 +28,7 @@ def client(*command, opening=""):
     def query(sql):
         run = subprocess.run(command, input=opening + sql, capture_output=True, encoding="utf-8", timeout=300)
         if run.returncode:
-            raise Refused(run.stderr)
+            raise Refused(run.stderr[-2000:])
         return [line.split("\t") for line in run.stdout.splitlines()]
     return query
 
@@ -142,7 +142,7 @@ class EnginesTest(SqlProgramTest):
         blocks = dict(re.findall(r"<!-- file: (\S+) -->\n```\w+\n(.*?)```", page, re.S))
         for dialect in ["mysql", "unknown"]:
             query = self.engines[dialect]
-            load(query, dialect, CREDIT.rows, {v.field for v in CREDIT.model.variables if v.categorical})
+            load(query, dialect, CREDIT.rows, {"Status"} | {v.field for v in CREDIT.model.variables if v.categorical})
             settings = dict(re.findall(r'(\w+)="(.*?)"', blocks["nightly.xml"]), inputFile="model.ModelXml",
                             outputFile="out", inputTable="src", dbType=dialect)
             run = blocks["begin.sql"] + self.sql(CREDIT.text, **settings) + "%s\ncommit;\n"
