@@ -24,11 +24,17 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// The first half of a surrogate pair stays behind, to be converted together with the second.
+// Blocks of UTF-16 end where pages of the file do: blocks that end within a page take 1.5 times the
+// system's time for writing. In UTF-8, the first half of a surrogate pair stays behind, to be
+// converted together with the second.
 void TextBuffer::writeBlock() {
-    const qsizetype kept = endsInHalfPair(text()) ? 1 : 0;
-    writeText(file, text().chopped(kept));
-    if (kept > 0) units[0] = units[static_cast<std::size_t>(used - 1)];
+    constexpr qsizetype page = 4096 / sizeof(char16_t);
+    const bool isUtf16 = file.encoding == OutputEncoding::Utf16;
+    const qsizetype kept = isUtf16 ? (position + used) % page : endsInHalfPair(text()) ? 1 : 0;
+    const qsizetype size = used - kept;
+    writeText(file, text().first(size));
+    std::copy_n(units.get() + size, kept, units.get());
+    position += size;
     used = kept;
 }
 

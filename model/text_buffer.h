@@ -64,6 +64,7 @@ private:
     void writeBlock();
 
     OutputFile file;
+    qsizetype position = 1; // of the first unit in a file of UTF-16, behind its mark
     std::unique_ptr<char16_t[], Free> units;
     qsizetype used = 0;
     qsizetype capacity = 0;

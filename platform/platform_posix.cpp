@@ -25,6 +25,8 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
     if (isKnown && (!isInput || S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))) {
         fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
         stream = fdopen(file, isInput ? "rb" : "wb");
+        // Outputs come in large blocks, which a buffer would only cut anew.
+        if (stream && !isInput) std::setvbuf(stream, nullptr, _IONBF, 0);
     }
     if (!stream) close(file);
     return stream;
