@@ -1,0 +1,19 @@
+// read_model MODEL: the work that no target can do without. Reads the document and turns each of its
+// numbers into text once.
+#include "model/number_text.h"
+#include "model/regression.h"
+
+int main(int argc, char **argv) {
+    if (argc < 2) return 1;
+    ModelDocument document = loadModel(QString::fromLocal8Bit(argv[1]));
+    const std::vector<Variable> variables = readVariables(document, u" .");
+    const Recodings recodings = readRecodings(document, variables);
+    const Regression regression = readRegression(document, variables);
+    const ProbabilityTable table = readProbabilityTable(document);
+    qsizetype size = 0;
+    for (const double number : recodings.numbers) size += modelNumber(number).size;
+    for (const RegressionTerm &term : regression.terms) size += modelNumber(term.coefficient).size;
+    for (const double number : table.x) size += modelNumber(number).size;
+    for (const double number : table.y) size += modelNumber(number).size;
+    return document.problem.isEmpty() && size > 0 ? 0 : 1;
+}
