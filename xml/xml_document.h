@@ -52,3 +52,6 @@ struct XmlEntity {
 inline constexpr XmlEntity xmlEntities[] = {
     {u"&amp;", u'&'}, {u"&lt;", u'<'}, {u"&gt;", u'>'}, {u"&quot;", u'"'}, {u"&apos;", u'\''},
 };
+
+// Reads the entity that `rest` begins with and drops it from there. False when it is none.
+bool readXmlEntity(QStringView &rest, char16_t &character);

@@ -6,7 +6,6 @@
 // The open elements share one list of children, one of texts and one of kept sections, each from a
 // position of its own on. An element that closes takes its entries, which are the last, out of the
 // lists and into arrays in the document's blocks.
-#include "platform/platform.h"
 #include "xml/xml_document.h"
 
 #include <algorithm>
@@ -192,42 +191,6 @@ Token nextToken(Parser &p) {
 
 // --- Texts
 
-int digitValue(char16_t c, int base) {
-    if (c >= u'0' && c <= u'9') return c - u'0';
-    if (base == 16 && c >= u'A' && c <= u'F') return c - u'A' + 10;
-    if (base == 16 && c >= u'a' && c <= u'f') return c - u'a' + 10;
-    return -1;
-}
-
-// Reads the entity that `rest` begins with and drops it from there. False when it is none.
-bool readEntity(QStringView &rest, char16_t &character) {
-    if (rest.size() > 2 && rest[1] == u'#') {
-        const bool isHexadecimal = rest[2] == u'x' || rest[2] == u'X';
-        const int base = isHexadecimal ? 16 : 10;
-        unsigned value = 0;
-        for (qsizetype i = isHexadecimal ? 3 : 2; i < rest.size(); ++i) {
-            if (rest[i] == u';') {
-                character = static_cast<char16_t>(value); // modulo 65536
-                rest = rest.sliced(i + 1);
-                return true;
-            }
-            const int digit = digitValue(rest[i].unicode(), base);
-            if (digit < 0) return false;
-            value = value * static_cast<unsigned>(base) + static_cast<unsigned>(digit);
-        }
-        return false;
-    }
-    for (const XmlEntity &entity : xmlEntities) {
-        const qsizetype size = entity.text.size();
-        if (rest.size() >= size && equalsIgnoringCase(rest.first(size), entity.text)) {
-            character = entity.character;
-            rest = rest.sliced(size);
-            return true;
-        }
-    }
-    return false;
-}
-
 // The text with its entities replaced: a view into the source when it holds none.
 bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
     const auto findEntity = [&raw] {
@@ -242,7 +205,7 @@ bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
     while (ampersand < raw.size()) {
         out = std::copy_n(raw.utf16(), ampersand, out);
         raw = raw.sliced(ampersand);
-        if (!readEntity(raw, *out)) return fail(p, XmlError::UnknownCharacterEntity);
+        if (!readXmlEntity(raw, *out)) return fail(p, XmlError::UnknownCharacterEntity);
         ++out;
         ampersand = findEntity();
     }
@@ -500,18 +463,7 @@ bool keepsTree(XmlError error) {
            error == XmlError::NoXmlTagFound;
 }
 
-std::size_t firstBlockSize(qsizetype length) {
-    return static_cast<std::size_t>(length) * sizeof(char16_t) + 4096;
-}
-
 } // namespace
-
-XmlDocument::XmlDocument(std::unique_ptr<char16_t[]> text, qsizetype skipped)
-    : buffer(std::move(text)), source(buffer.get() + skipped), length(QStringView(source).size()),
-      firstBlock(new std::byte[firstBlockSize(length)]),
-      blocks(firstBlock.get(), firstBlockSize(length)) {
-    preferLargePages(firstBlock.get(), firstBlockSize(length));
-}
 
 XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseResult *results) {
     Parser p{*owned, owned->source, owned->length};
@@ -542,15 +494,4 @@ XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseRe
     }
     if (results) *results = result;
     return node;
-}
-
-XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *results) {
-    if (text.isNull()) {
-        if (results) *results = {XmlError::NoElementsFound};
-        return {};
-    }
-    const auto size = static_cast<std::size_t>(text.size());
-    auto buffer = std::make_unique<char16_t[]>(size + 1);
-    std::copy_n(text.utf16(), size, buffer.get());
-    return parseXml(std::make_unique<XmlDocument>(std::move(buffer), 0), tag, results);
 }
