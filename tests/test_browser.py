@@ -116,7 +116,8 @@ class BrowserTest(ProgramTest):
         ], [(2, 1), (3, 0.5), (4, 2), (5, 1), (6, 1)], 0.125, table=TABLE))
         self.write("list.Xml", f'<Models><Model file="{CREDIT.path}"/><Model file="b.ModelXml"/></Models>')
         models = [CREDIT.model, score.load(self.folder / "b.ModelXml")]
-        rows = [{**row, "Extra": ["", "-3.5", "-1", "0.25", "7"][i % 5], "Place": "abcde"[i % 5]} for i, row in enumerate(CREDIT.rows[::20])]
+        rows = [{**row, "Extra": ["", "-3.5", "-1", "0.25", "7"][i % 5], "Place": "abcde"[i % 5]}
+                for i, row in enumerate(CREDIT.rows[::20])]
         self.open("list.Xml", self.write("canvas", CANVAS, "utf-8"))
         for dynamic in [False, True]:
             # A list of exactly five categories is read as unknown, whatever is chosen.
