@@ -16,21 +16,24 @@ static_assert(std::endian::native == std::endian::little, "arrays are read as th
 
 namespace {
 
+// Appends the numbers of an array and returns how many there are.
 template <typename T>
-void decodeArray(ModelDocument &document, QStringView text, std::vector<T> &values) {
+std::size_t decodeArray(ModelDocument &document, QStringView text, std::vector<T> &values) {
     qsizetype size = 0;
     const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
-    values.resize(bytes ? static_cast<std::size_t>(size) / sizeof(T) : 0);
-    if (bytes && !values.empty()) std::memcpy(values.data(), bytes, values.size() * sizeof(T));
+    const std::size_t count = bytes ? static_cast<std::size_t>(size) / sizeof(T) : 0;
+    if (count > 0) {
+        values.resize(values.size() + count);
+        std::memcpy(values.data() + values.size() - count, bytes, count * sizeof(T));
+    }
+    return count;
 }
 
-// Notes that an array is shorter than `needed`, and fills it up.
-void fillUp(ModelDocument &document, std::vector<double> &values, std::size_t needed,
-            const QString &owner, QStringView array) {
+void noteShortArray(ModelDocument &document, const QString &owner, QStringView array,
+                    std::size_t count, std::size_t needed) {
     const QString problem = u"%1: array '%2' has %3 values, %4 needed"_s;
     noteProblem(document,
-                problem.arg(owner, array, QString::number(values.size()), QString::number(needed)));
-    values.resize(needed);
+                problem.arg(owner, array, QString::number(count), QString::number(needed)));
 }
 
 } // namespace
@@ -82,14 +85,24 @@ int reportProblem(const QString &fileName, const QString &problem) {
     return exitUnusableModel;
 }
 
+std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                          std::size_t needed, std::vector<double> &values) {
+    const std::size_t count = decodeArray(document, owner.childNode(array).text(), values);
+    if (count >= needed) return count;
+    noteShortArray(document, describe(owner), array, count, needed);
+    values.resize(values.size() + needed - count);
+    return needed;
+}
+
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                  std::size_t needed, std::vector<double> &values) {
-    decodeArray(document, owner.childNode(array).text(), values);
-    if (values.size() < needed) fillUp(document, values, needed, describe(owner), array);
+    values.clear();
+    appendNumbers(document, owner, array, needed, values);
 }
 
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
                   std::vector<int> &values) {
+    values.clear();
     decodeArray(document, owner.childNode(array).text(), values);
 }
 

@@ -11,6 +11,7 @@
 
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 struct ModelDocument {
@@ -18,6 +19,7 @@ struct ModelDocument {
     XmlNode root;          // the element "QRV_Model"
     QString problem;       // the first reason why the document cannot be converted; else empty
     Base64Decoder decoder; // reused for all arrays
+    std::vector<std::unique_ptr<char16_t[]>> names; // what the names of variables are views into
 };
 
 // The element of that name at the top of a parsed file. Without XML declaration, the parser returns
@@ -48,8 +50,13 @@ QStringView modelVersion(const ModelDocument &document);
 
 // --- Arrays
 
-// Reads the child `array` of `owner`, which holds 64-bit numbers; an absent one is empty. One of
-// less than `needed` values is a problem, and is filled up.
+// Reads the child `array` of `owner`, which holds 64-bit numbers, and appends them to `values`; an
+// absent one has none. One of less than `needed` values is a problem, and is filled up. Returns how
+// many were appended.
+std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                          std::size_t needed, std::vector<double> &values);
+
+// The same, in place of the values.
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                  std::size_t needed, std::vector<double> &values);
 

@@ -13,9 +13,9 @@
 struct Variable {
     XmlNode node;
     QStringView field;        // the input column; empty when absent
-    QString cleanField;       // the field, cleaned for the target language
+    QStringView cleanField;   // the field, cleaned for the target language
     std::size_t position = 0; // in document order, from 0
-    QString recodingName;     // "R", its position from 0, "_" and the clean field; at most 31 units
+    QStringView recodingName; // "R", the position, "_" and the clean field; at most 31 units
     int number = -1; // by which the regression calls it: what xmlToInt reads behind the first
                      // character of its name, 17 in "V17"; -1 for a shorter name
     bool isCategorical = false; // a list of values, else intervals
@@ -23,7 +23,7 @@ struct Variable {
 };
 
 // All variables in document order, their fields cleaned of the characters of `replaced`.
-std::vector<Variable> readVariables(const ModelDocument &document, QStringView replaced);
+std::vector<Variable> readVariables(ModelDocument &document, QStringView replaced);
 
 // The numbers that stand for a missing value of a numeric column, in the order in which all targets
 // test them: the last of the document first. Targets tell an empty list from none.

@@ -72,7 +72,7 @@ void putColumnLookups(TextBuffer &out, const std::vector<Variable> &variables) {
 
 void putCategorical(TextBuffer &out, const Variable &variable,
                     const CategoricalRecoding &recoding) {
-    const QString &name = variable.recodingName;
+    const QStringView name = variable.recodingName;
     put(out, u"            try:\n                ", name, u" = self.dict_", name, u"[df.iloc[line,",
         variable.cleanField, u"_Idx].strip()]\n");
     put(out, u"            except KeyError:\n                ", name, u" = ", recoding.y[0],
@@ -93,7 +93,7 @@ void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
 }
 
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
-    const QString &name = variable.recodingName;
+    const QStringView name = variable.recodingName;
 
     put(out, u"            data = float(df.iloc[line,", variable.cleanField, u"_Idx])\n");
     putMissingTest(out, recoding.missing.codes);

@@ -58,8 +58,8 @@ bool needsQuotes(const CategoricalRecoding &recoding) {
 
 void putCategorical(TextBuffer &out, const Variable &variable,
                     const CategoricalRecoding &recoding) {
-    const QString &field = variable.cleanField;
-    const QString &name = variable.recodingName;
+    const QStringView field = variable.cleanField;
+    const QStringView name = variable.recodingName;
     const QStringView quote = needsQuotes(recoding) ? u"\"" : u"";
 
     put(out, u"   if trim(left(", field, u"))=\"\" then ", name, u"=", recoding.y[0], u";\n");
@@ -74,7 +74,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
 
 // Opens the test for a missing value. With a list of codes the opening "if" is not written, and the
 // document's last code, which stands first here, is left out: existing scripts look like this.
-void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &missing) {
+void putMissingTest(TextBuffer &out, QStringView field, const MissingCodes &missing) {
     if (!missing.isListed) {
         put(out, u"   if (", field, u"=.");
         return;
@@ -85,8 +85,8 @@ void putMissingTest(TextBuffer &out, const QString &field, const MissingCodes &m
 }
 
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
-    const QString &field = variable.cleanField;
-    const QString &name = variable.recodingName;
+    const QStringView field = variable.cleanField;
+    const QStringView name = variable.recodingName;
 
     putMissingTest(out, field, recoding.missing);
     put(out, u") then ", name, u"=", recoding.scoreMissing(), u";\n");

@@ -61,7 +61,7 @@ QStringView shownInCell(QStringView value) {
 
 void putCategorical(TextBuffer &out, const Variable &variable,
                     const CategoricalRecoding &recoding) {
-    const QString &name = variable.recodingName;
+    const QStringView name = variable.recodingName;
     fill(out, vbaCategoryOfCell,
          {{u"recoding", name}, {u"unknown", recoding.y[0]}, {u"slot", slotOf(variable)}});
     for (std::size_t i = 0; i < recoding.values.size(); ++i) {
@@ -79,7 +79,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
 // The score of a missing value comes first. A cell that is empty, no number or equal to the only
 // bound keeps it.
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
-    const QString &name = variable.recodingName;
+    const QStringView name = variable.recodingName;
 
     fill(out, vbaNumberOfCell,
          {{u"recoding", name}, {u"unknown", recoding.scoreMissing()}, {u"slot", slotOf(variable)}});
