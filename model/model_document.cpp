@@ -46,7 +46,7 @@ XmlNode rootElement(const XmlNode &parsed, QStringView name) {
 ModelDocument loadModel(const QString &fileName) {
     ModelDocument document;
     document.fileName = fileName;
-    XmlParseResult result;
+    XmlParseResult &result = document.reading;
     const XmlNode top = XmlNode::parseFile(fileName, {}, &result);
     if (top.isEmpty()) {
         document.problem = QString::fromLatin1(xmlErrorMessage(result.error));
@@ -77,11 +77,15 @@ QString describe(const XmlNode &node) {
     return u"model '%1' (field '%2')"_s.arg(node.attribute(u"name"), node.attribute(u"field"));
 }
 
-int reportProblem(const QString &fileName, const QString &problem) {
+QString problemMessage(const QString &fileName, const QString &problem) {
     QString message = u"Cannot convert model '%1': %2."_s.arg(fileName, problem);
     // Names may hold line ends; the message is one line all the same.
     for (const char16_t lineEnd : {u'\n', u'\r'}) message.replace(lineEnd, u' ');
-    printText(message + u'\n');
+    return message + u'\n';
+}
+
+int reportProblem(const QString &fileName, const QString &problem) {
+    printText(problemMessage(fileName, problem));
     return exitUnusableModel;
 }
 

@@ -16,9 +16,10 @@
 
 struct ModelDocument {
     QString fileName;
-    XmlNode root;          // the element "QRV_Model"
-    QString problem;       // the first reason why the document cannot be converted; else empty
-    Base64Decoder decoder; // reused for all arrays
+    XmlNode root;           // the element "QRV_Model"
+    XmlParseResult reading; // a warning tells of a document that is cut off or lacks end tags
+    QString problem;        // the first reason why the document cannot be converted; else empty
+    Base64Decoder decoder;  // reused for all arrays
     std::vector<std::unique_ptr<char16_t[]>> names; // what the names of variables are views into
 };
 
@@ -38,6 +39,9 @@ void noteProblem(ModelDocument &document, const QString &problem);
 
 // How messages call the element that an array belongs to.
 QString describe(const XmlNode &node);
+
+// Why a model cannot be converted, as one line.
+QString problemMessage(const QString &fileName, const QString &problem);
 
 // Prints as one line why a model cannot be converted, and returns exitUnusableModel.
 int reportProblem(const QString &fileName, const QString &problem);

@@ -6,7 +6,6 @@
 #include "platform/platform.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace {
 
@@ -22,27 +21,24 @@ std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
     return std::min<std::size_t>(values, 1);
 }
 
-struct HashOfName {
-    std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
-};
-struct EqualNames {
-    bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
-};
-// Positions of lists of missing codes by the names of data fields. Of several fields with one name
-// the first counts.
-using MissingLists = std::unordered_map<QStringView, std::size_t, HashOfName, EqualNames>;
+} // namespace
+
+std::size_t MissingDictionary::find(QStringView field) const {
+    const auto found = positions.find(field.isNull() ? QStringView(u"") : field);
+    return found == positions.end() ? 0 : found->second;
+}
 
 // Decodes each list once, however many variables share it.
-MissingLists readMissingCodes(ModelDocument &document, std::vector<MissingCodes> &lists) {
-    const XmlNode dictionary = document.root.childNode(u"DataDictionary");
-    MissingLists ofField;
-    ofField.reserve(static_cast<std::size_t>(dictionary.childCount()));
-    lists.emplace_back();
-    for (const XmlNode &field : dictionary.children(u"DataField")) {
+MissingDictionary readMissingDictionary(ModelDocument &document) {
+    const XmlNode parent = document.root.childNode(u"DataDictionary");
+    MissingDictionary dictionary;
+    dictionary.positions.reserve(static_cast<std::size_t>(parent.childCount()));
+    dictionary.lists.emplace_back();
+    for (const XmlNode &field : parent.children(u"DataField")) {
         std::size_t list = 0;
         if (const QStringView text = field.childNode(u"Missing").text(); !text.isNull()) {
-            list = lists.size();
-            MissingCodes &missing = lists.emplace_back();
+            list = dictionary.lists.size();
+            MissingCodes &missing = dictionary.lists.emplace_back();
             missing.isListed = true;
             readNumbers(document, field, u"Missing", 0, missing.codes);
             std::reverse(missing.codes.begin(), missing.codes.end());
@@ -52,11 +48,13 @@ MissingLists readMissingCodes(ModelDocument &document, std::vector<MissingCodes>
         do { // a field may have several attributes "name"
             before = next;
             const QStringView name = field.attribute(u"name", &next);
-            if (!name.isNull()) ofField.try_emplace(name, list);
+            if (!name.isNull()) dictionary.positions.try_emplace(name, list);
         } while (next != before);
     }
-    return ofField;
+    return dictionary;
 }
+
+namespace {
 
 constexpr qsizetype longestName = 31;
 
@@ -137,7 +135,7 @@ CategoricalRecoding Recodings::categorical(const Variable &variable) const {
 Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &variables,
                         BooleanScores booleanScores) {
     Recodings all;
-    const MissingLists missingLists = readMissingCodes(document, all.missingCodes);
+    MissingDictionary dictionary = readMissingDictionary(document);
     all.records.reserve(variables.size());
     // Room for a document that is nothing but numbers, six bits a character.
     all.numbers.reserve(static_cast<std::size_t>(document.root.sourceLength()) * 6 / 64);
@@ -158,11 +156,10 @@ Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &va
         } else {
             record.boundCount = append(variable, u"x", 1);
             record.scoreCount = append(variable, u"y", record.boundCount + 2);
-            const QStringView field = variable.cleanField;
-            const auto found = missingLists.find(field.isNull() ? QStringView(u"") : field);
-            if (found != missingLists.end()) record.missingList = found->second;
+            record.missingList = dictionary.find(variable.cleanField);
         }
         all.records.push_back(record);
     }
+    all.missingCodes = std::move(dictionary.lists);
     return all;
 }

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 // One recoding of the model and the input column that it reads. Views and nodes are valid as long
@@ -31,6 +32,23 @@ struct MissingCodes {
     bool isListed = false;
     std::vector<double> codes;
 };
+
+// The missing codes by the names of data fields, in which the case of ASCII letters does not
+// matter. Of several fields with one name the first counts.
+struct MissingDictionary {
+    struct Hash {
+        std::size_t operator()(QStringView name) const { return hashIgnoringCase(name); }
+    };
+    struct Equal {
+        bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
+    };
+    std::vector<MissingCodes> lists; // each once; the first is that of a field without
+    std::unordered_map<QStringView, std::size_t, Hash, Equal> positions;
+
+    // Where the list of the field stands.
+    std::size_t find(QStringView field) const;
+};
+MissingDictionary readMissingDictionary(ModelDocument &document);
 
 // The recoding of a numeric column: y[0] for a missing value, y[1] below x[0], y[i + 1] up to x[i],
 // y[x.size() + 1] above x.back(). There is at least one bound; scores beyond these are not used.

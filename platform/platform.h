@@ -33,3 +33,5 @@ void preferLargePages(void *block, std::size_t bytes);
 // Writes to standard output. A file or a pipe gets UTF-8 on every system, and line feeds as they
 // stand; a console shows every character.
 void printText(QStringView text);
+// The same to standard error.
+void printError(QStringView text);

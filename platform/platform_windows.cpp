@@ -63,8 +63,7 @@ void preferLargePages(void *, std::size_t) {}
 
 // Past the runtime library, which would turn line feeds into two characters and show a console
 // only what its 8-bit code page has.
-void printText(QStringView text) {
-    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+static void print(HANDLE output, QStringView text) {
     DWORD mode = 0;
     if (GetConsoleMode(output, &mode)) {
         showOnConsole(output, text);
@@ -73,4 +72,12 @@ void printText(QStringView text) {
     const QByteArray bytes = text.toUtf8();
     DWORD written = 0;
     WriteFile(output, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+}
+
+void printText(QStringView text) {
+    print(GetStdHandle(STD_OUTPUT_HANDLE), text);
+}
+
+void printError(QStringView text) {
+    print(GetStdHandle(STD_ERROR_HANDLE), text);
 }

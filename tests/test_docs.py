@@ -253,7 +253,7 @@ class TablesTest(SqlProgramTest):
         """Each default is what the program takes when the setting is not there, and another value makes a difference."""
         others = {"dbType": "oracle", "createTmpTable": "0", "useTmpTable": "0", "boolsAreNumbers": "0"}
         table = rows("sql-configuration.md", "Attribute")
-        source = (ROOT / "exporters" / "sql" / "sql_configuration.cpp").read_text()
+        source = (ROOT / "model" / "sql_configuration.cpp").read_text()
         self.assertCountEqual([code(row[0])[0] for row in table], re.findall(r'(?:text|flag)\(u"(\w+)"', source))
         (self.folder / "credit").symlink_to(EXAMPLES / "credit" / "credit.ModelXml")
 
@@ -274,7 +274,7 @@ class TablesTest(SqlProgramTest):
 
     def test_tags(self):
         table = [code(row[0])[0] for row in rows("canvas.md", "Tag")]
-        source = (ROOT / "exporters" / "html" / "canvas_tags.cpp").read_text()
+        source = (ROOT / "model" / "canvas_tags.cpp").read_text()
         self.assertEqual(sorted(re.match(r"\S*\w", tag)[0] for tag in table), sorted(re.findall(r'"(\[QRV_\w+)"', source)))
         self.write("one", document([numeric(1, "a", [0], [1, 2, 3])], [(1, 1)], 0))
         self.write("canvas", "".join(tag for tag in table if "ALL" not in tag))

@@ -158,6 +158,10 @@ QStringView XmlNode::attribute(QStringView name, int *index) const {
     return {};
 }
 
+QStringView XmlNode::attributeName(int i) const {
+    return i >= 0 && i < attributeCount() ? element->attributes[i].name : QStringView();
+}
+
 bool XmlNode::isAttributeSet(QStringView name) const {
     int index = 0;
     attribute(name, &index);

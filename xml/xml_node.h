@@ -117,6 +117,8 @@ public:
     // position after it; null when there is none or when it was written without a value.
     QStringView attribute(QStringView name, int *index = nullptr) const;
     bool isAttributeSet(QStringView name) const;
+    // The name of the i-th attribute, or null.
+    QStringView attributeName(int i) const;
 
     // The i-th text piece (from 0) in document order, or null.
     QStringView text(int i = 0) const;

@@ -189,7 +189,7 @@ int exportToHtml(const QString &modelPath, const QString &canvasPath, const QStr
     page.models = readModels(modelPath);
     if (page.models.empty()) return exitNothingToAsk;
     const QString canvas = readCanvas(canvasPath);
-    page.tags = scanCanvas(canvas);
+    page.tags = scanCanvas(canvas, printText);
     if (!hasRequiredTags(page.tags)) return exitNotScorable;
     if (!readRegressions(page.models)) return exitNotScorable;
     page.records = listRecords(page.models);

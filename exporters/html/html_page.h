@@ -1,8 +1,8 @@
 // The state of one page, which the pieces of the exporter hand to each other.
 #pragma once
 
-#include "exporters/html/canvas_tags.h"
 #include "exporters/html/html_models.h"
+#include "model/canvas_tags.h"
 #include "model/text_buffer.h"
 
 // One variable of one of the models. Records of one column stand next to each other and

@@ -3,17 +3,21 @@
 #include "exporters/sql/sql_exporter.h"
 
 #include "exporters/sql/etl_document.h"
-#include "exporters/sql/sql_configuration.h"
-#include "exporters/sql/sql_dialect.h"
 #include "exporters/sql/sql_script.h"
 #include "model/model_document.h"
+#include "model/sql_configuration.h"
+#include "model/sql_dialect.h"
 #include "model/text_buffer.h"
 #include "model/write_output.h"
+#include "platform/platform.h"
 
 int exportToSql(const QString &configurationFile) {
-    SqlConfiguration configuration;
-    const int status = readSqlConfiguration(configurationFile, configuration);
-    if (status != exitSuccess) return status;
+    const SqlConfigurationFile file = readSqlConfiguration(configurationFile);
+    if (!file.message.isEmpty()) {
+        printText(file.message);
+        return file.status;
+    }
+    const SqlConfiguration &configuration = file.configuration;
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
 
     ModelDocument document = loadModel(configuration.inputFile);

@@ -1,9 +1,9 @@
 // The script that scores each row of a table in the database.
 #pragma once
 
-#include "exporters/sql/sql_configuration.h"
-#include "exporters/sql/sql_dialect.h"
 #include "model/regression.h"
+#include "model/sql_configuration.h"
+#include "model/sql_dialect.h"
 #include "model/text_buffer.h"
 
 enum class SqlPlan {

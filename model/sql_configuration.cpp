@@ -1,10 +1,6 @@
 // Settings are attributes of the root element, and the comment is its text. All are read before the
 // first is checked.
-#include "exporters/sql/sql_configuration.h"
-
-#include "model/exit_status.h"
-#include "platform/platform.h"
-#include "xml/xml_node.h"
+#include "model/sql_configuration.h"
 
 #include <QStringList>
 
@@ -60,12 +56,13 @@ SqlConfiguration readSettings(const XmlNode &root) {
     };
 }
 
-int checkSettings(const SqlConfiguration &configuration) {
+void checkSettings(SqlConfigurationFile &file) {
     struct Check {
         const QString &setting;
         int status;
         QStringView message;
     };
+    const SqlConfiguration &configuration = file.configuration;
     const Check checks[] = {
         {configuration.inputFile, exitNoInputFile, sqlNoInputFile},
         {configuration.outputFile, exitNoOutputFile, sqlNoOutputFile},
@@ -74,24 +71,27 @@ int checkSettings(const SqlConfiguration &configuration) {
     };
     for (const Check &check : checks) {
         if (!check.setting.isEmpty()) continue;
-        printText(check.message);
-        return check.status;
+        file.message = check.message.toString();
+        file.status = check.status;
+        return;
     }
-    return exitSuccess;
 }
 
 } // namespace
 
-int readSqlConfiguration(const QString &fileName, SqlConfiguration &configuration) {
+SqlConfigurationFile readSqlConfiguration(const QString &fileName) {
+    SqlConfigurationFile file;
     XmlParseResult result;
-    const XmlNode root = XmlNode::parseFile(fileName, u"Model2SQL", &result);
+    file.root = XmlNode::parseFile(fileName, u"Model2SQL", &result);
     if (result.error != XmlError::NoError) {
         const QString message =
             u"XML Parsing error inside file '%1'.\n%2\nAt line %3, column %4.\n"_s;
-        printText(message.arg(fileName, QString::fromLatin1(xmlErrorMessage(result.error)),
-                              QString::number(result.line), QString::number(result.column)));
-        return exitBadConfiguration;
+        file.message = message.arg(fileName, QString::fromLatin1(xmlErrorMessage(result.error)),
+                                   QString::number(result.line), QString::number(result.column));
+        file.status = exitBadConfiguration;
+        return file;
     }
-    configuration = readSettings(root);
-    return checkSettings(configuration);
+    file.configuration = readSettings(file.root);
+    checkSettings(file);
+    return file;
 }

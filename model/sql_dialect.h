@@ -5,6 +5,8 @@
 
 #include <QString>
 
+#include <span>
+
 // A text is written between the two; both are empty where a dialect does not wrap it.
 struct SqlWrapper {
     QStringView opening;
@@ -27,6 +29,9 @@ struct SqlDialect {
     bool collectsStatistics; // of the temporary table
     bool hasReaderMode;      // attribute of the ETL reader
 };
+
+// All dialects. The last, which has no name, stands for all other names.
+std::span<const SqlDialect> sqlDialects();
 
 // The dialect of that name, whose case does not matter; a general one for any other name.
 const SqlDialect &findSqlDialect(QStringView name);

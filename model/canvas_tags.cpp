@@ -1,9 +1,9 @@
 // Each kind of tag is searched by itself and remembers its next occurrence. What stands first among
 // these is the next tag of the canvas; passing it costs one search of its kind, so that a canvas is
 // read once for each kind.
-#include "exporters/html/canvas_tags.h"
+#include "model/canvas_tags.h"
 
-#include "platform/platform.h"
+#include <QString>
 
 #include <algorithm>
 #include <limits>
@@ -68,23 +68,24 @@ QStringView readValue(QStringView canvas, qsizetype at, ValueEnd &end) {
     return canvas.sliced(start, std::max(end.trimmed, start) - start);
 }
 
-// `warning` is printed with the opening of the tag and its position when the value is no number.
-int numberOrWarn(QStringView value, QStringView warning, TagKind kind, qsizetype start) {
+// Warns with the opening of the tag and its position when the value is no number.
+int numberOrWarn(const CanvasTags &tags, QStringView value, QStringView warning, TagKind kind) {
     const std::optional<int> number = wholeNumber(value);
-    if (!number) printText(warning.arg(tagOpening(kind), QString::number(start)));
+    if (!number && tags.warn) {
+        tags.warn(warning.arg(tagOpening(kind), QString::number(tags[kind].start)));
+    }
     return number.value_or(0);
 }
 
 void takeValue(CanvasTags &tags, TagKind kind, QStringView value) {
-    const qsizetype start = tags[kind].start;
     switch (kind) {
     case TagKind::Question:
         tags.questionNumber = numberOrWarn(
-            value, u"WARNING: no question number found in tag %1 on index %2", kind, start);
+            tags, value, u"WARNING: no question number found in tag %1 on index %2", kind);
         break;
     case TagKind::Answer:
         tags.answerModel = numberOrWarn(
-            value, u"WARNING: no model number found in tag %1 on index %2", kind, start);
+            tags, value, u"WARNING: no model number found in tag %1 on index %2", kind);
         break;
     case TagKind::UnknownLabel:
         tags.labels.unknown = value;
@@ -140,9 +141,10 @@ void scanTag(CanvasTags &tags, TagKind kind) {
     } while (tag.end < 0);
 }
 
-CanvasTags scanCanvas(QStringView canvas) {
+CanvasTags scanCanvas(QStringView canvas, std::function<void(QStringView)> warn) {
     CanvasTags tags;
     tags.canvas = canvas;
+    tags.warn = std::move(warn);
     for (std::size_t kind = 0; kind < tagKinds; ++kind) scanTag(tags, kindAt(kind));
     return tags;
 }

@@ -5,6 +5,7 @@
 #include <QStringView>
 
 #include <array>
+#include <functional>
 
 // In the order in which kinds are told apart and searched.
 enum class TagKind {
@@ -46,17 +47,18 @@ struct CanvasTags {
     int questionNumber = 0;
     int answerModel = 0;
     Labels labels;
+    std::function<void(QStringView)> warn; // told of a number that is none; may be empty
 
     const Tag &operator[](TagKind kind) const { return tags[static_cast<std::size_t>(kind)]; }
 };
 
-// Finds the next occurrence of the kind and takes over its value. Prints a warning for a number
-// that is none; it counts as 0. An occurrence that is not closed leaves its value and is passed
+// Finds the next occurrence of the kind and takes over its value. Warns of a number that is
+// none, which counts as 0. An occurrence that is not closed leaves its value and is passed
 // over.
 void scanTag(CanvasTags &tags, TagKind kind);
 
-// The first occurrence of each kind.
-CanvasTags scanCanvas(QStringView canvas);
+// The first occurrence of each kind. Without `warn` there are no warnings.
+CanvasTags scanCanvas(QStringView canvas, std::function<void(QStringView)> warn = {});
 
 // The kind whose current occurrence stands first, None when there is none left. The occurrence of
 // `previous` is done with: its kind is scanned on first, unless `previous` is None.

@@ -1,5 +1,5 @@
 // All that sets dialects apart stands in one table. A script asks for a property, never for a name.
-#include "exporters/sql/sql_dialect.h"
+#include "model/sql_dialect.h"
 
 #include <QStringList>
 
@@ -39,6 +39,10 @@ constexpr SqlDialect dialects[] = {
 // clang-format on
 
 } // namespace
+
+std::span<const SqlDialect> sqlDialects() {
+    return dialects;
+}
 
 const SqlDialect &findSqlDialect(QStringView name) {
     const QString wanted = name.toString().toLower();
