@@ -1,0 +1,10 @@
+#include "app/check_driver.h"
+
+// Arguments are UTF-8. What is not is told where a file of that name is not found.
+int main(int argc, char **argv) {
+    return runCheck([&] {
+        QStringList arguments;
+        for (int i = 0; i < argc; ++i) arguments.append(QString::fromUtf8(argv[i]));
+        return arguments;
+    });
+}

@@ -1,0 +1,272 @@
+#include "check/findings.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+using enum FindingId;
+
+constexpr unsigned bit(Target target) {
+    return 1U << static_cast<unsigned>(target);
+}
+constexpr unsigned sas = bit(Target::Sas);
+constexpr unsigned sql = bit(Target::Sql);
+constexpr unsigned vba = bit(Target::Vba);
+constexpr unsigned python = bit(Target::Python);
+constexpr unsigned html = bit(Target::Html);
+constexpr unsigned all = sas | sql | vba | python | html;
+
+// In the order of the manual.
+// clang-format off
+constexpr FindingKind kinds[] = {
+    // --- What differs between targets
+    {LowestSegment, u"lowest-segment", sql | vba | python,
+     u"A score between the two lowest points of the table gets the probability 0.",
+     u"Look the probability up anew where it is 0, or give the table a point below the scores that occur.", u"manual.md"},
+    {LowestPoint, u"lowest-point", sas | sql | vba | python,
+     u"A score that equals the lowest point of the table to the last digit gets the probability 0.",
+     u"Take the probability of that point where it is 0.", u"manual.md"},
+    {RecodingWithoutCoefficient, u"recoding-without-coefficient", all,
+     u"SAS, Excel VBA and Python do not score the recoding; SQL and HTML refuse the document.",
+     u"Give it the coefficient 0, or leave it out.", u"manual.md"},
+    {CoefficientWithoutRecoding, u"coefficient-without-recoding", all,
+     u"SAS and SQL refuse the document; in Excel VBA and Python it multiplies the next term; HTML leaves it out.",
+     u"Leave the coefficient out.", u"manual.md"},
+    {EqualCoefficients, u"equal-coefficients", sql | html,
+     u"Several coefficients have one number: SQL takes the last and HTML the first; all others add them.",
+     u"Give the number one coefficient, the sum.", u"manual.md"},
+    {EqualNumbers, u"equal-numbers", sql | html,
+     u"Several recodings have one number: SQL adds them, HTML scores wrongly; all others take the last.",
+     u"Number the recodings anew.", u"manual.md"},
+    {SingleBound, u"single-bound", all,
+     u"A value that equals the only bound takes the score of missing values; in HTML that of values above.",
+     u"Give the recoding a second bound, with the same score on both sides.", u"manual.md"},
+    // --- SAS
+    {MissingCodesLine, u"missing-codes-line", sas,
+     u"The line of missing values lacks its beginning, and the last code of the list is not in it.",
+     u"Replace the line as the manual shows.", u"sas.md"},
+    {MissingCodesDigits, u"missing-codes-digits", sas | vba | python,
+     u"A missing code is written with 6 significant digits, so that another number is looked for.",
+     u"Write the code in full by hand.", u"sas.md"},
+    {MissingCodesName, u"missing-codes-name", sql | vba | python,
+     u"Missing codes are looked up under another name than the one in the document, and others or none are found.",
+     u"Turn the codes into missing values before the row is scored, or name the column without such characters.", u"sql.md"},
+    {BooleanDigits, u"boolean-digits", sas,
+     u"The scores of the boolean column are written with 6 significant digits.",
+     u"Write them in full by hand where that matters.", u"sas.md"},
+    {ValuesAsNumbers, u"values-as-numbers", sas,
+     u"All values are digits and full stops: SAS compares numbers, and says in its log that it made them of texts.",
+     u"Make sure that the column holds numbers written in one way.", u"sas.md"},
+    {EmptyNumber, u"empty-number", sas,
+     u"An empty value among values of digits leaves a comparison with nothing: the script does not run.",
+     u"Leave the empty value out; it scores as missing.", u"sas.md"},
+    {QuoteInValue, u"quote-in-value", sas | vba,
+     u"A quotation mark in a value stands as \\\": SAS looks for another value, and Excel VBA does not compile.",
+     u"Write \"\" by hand, or take the mark out of data and document.", u"sas.md"},
+    {LongName, u"long-name", sas | vba | python,
+     u"The name of the recoded variable is cut after 31 characters.",
+     u"Look the variable up by the number in front.", u"sas.md"},
+    {LogisticParenthesis, u"logistic-parenthesis", sas,
+     u"The logistic form lacks a closing parenthesis.", u"Close it.", u"sas.md"},
+    {NoTerms, u"no-terms", sas,
+     u"A model without regression terms lacks the semicolon after its constant.", u"Write it.", u"sas.md"},
+    {LabelEndsComment, u"label-ends-comment", sas,
+     u"The display name holds */, which ends the comment that it stands in.", u"Change the display name.", u"sas.md"},
+    {UnsupportedType, u"unsupported-type", sas,
+     u"SAS refuses a recoding of this type; the other targets read its column as numeric.",
+     u"Use MapValues, NormContinuous or Discretize.", u"sas.md"},
+    {NameCharacters, u"name-characters", sas | python,
+     u"The name holds characters that the target keeps and cannot read, or begins with a digit: the code does not run.",
+     u"Rename the column.", u"python.md"},
+    {NamesAlike, u"names-alike", sas | python,
+     u"The names of several columns become the same: all their recodings read the last one.",
+     u"Rename the columns.", u"python.md"},
+    // --- SQL
+    {NoProbability, u"no-probability", sql,
+     u"The dialect default stores the score as the prediction, whatever the column is called.",
+     u"Name a dialect.", u"sql.md"},
+    {SqlName, u"sql-name", sql,
+     u"The name holds a full stop, or is a word of SQL, and stands in the script without quotes.",
+     u"Name the column otherwise in a view.", u"sql.md"},
+    {QuotedName, u"quoted-name", sql,
+     u"The name is quoted: MySQL and MariaDB want sql_mode ANSI_QUOTES; a quotation mark in it is written \\\".",
+     u"Set that mode, or name the column otherwise in a view.", u"sql.md"},
+    {ApostropheInValue, u"apostrophe-in-value", sql,
+     u"An apostrophe in a value is written \\', which MySQL and MariaDB read, while others want ''.",
+     u"Write '' by hand for other databases.", u"sql.md"},
+    {BooleanNumbers, u"boolean-numbers", sql,
+     u"The boolean column is compared with the numbers 0 and 1.",
+     u"Set boolsAreNumbers to 0 where it holds the texts of the document.", u"sql.md"},
+    {BooleanBlanks, u"boolean-blanks", sql,
+     u"Texts of the boolean column are compared with the blanks around them.",
+     u"Remove the blanks in a view.", u"sql.md"},
+    {TextBlanks, u"text-blanks", sql,
+     u"This dialect compares texts with the blanks around them.", u"Remove the blanks in a view.", u"sql.md"},
+    {Capitals, u"capitals", sql,
+     u"A text differs from a listed value in capitals only: whether it counts is up to the collation.",
+     u"Choose a collation that tells capitals apart, or make the data uniform.", u"sql.md"},
+    {SecondRun, u"second-run", sql,
+     u"A second run fails: the line that would drop the table is a comment.",
+     u"Drop the table by hand before.", u"sql.md"},
+    {KeyLength, u"key-length", sql,
+     u"Tables that the script creates have a key of VARCHAR(20); a longer one fails or is cut.",
+     u"Create the tables by hand, and set createPredictionTable and createTmpTable to 0.", u"sql.md"},
+    {TableNameQuoted, u"table-name-quoted", sql,
+     u"The name of the prediction table needs quotes, with which the statement that makes its index does not run.",
+     u"Choose a name without blanks, hyphens and quotation marks.", u"sql.md"},
+    {DistributeId, u"distribute-id", sql,
+     u"distribute by hash(id) says id, while the key is called otherwise.", u"Write the key by hand.", u"sql.md"},
+    {CommentDashes, u"comment-dashes", sql,
+     u"The line --drop table has no blank after its dashes: the server itself refuses it.",
+     u"Send the script through the client, which drops such lines.", u"sql.md"},
+    {DebugRecoding, u"debug-recoding", sql,
+     u"Predictions are made of a score of 0; contributions are columns of the temporary table.",
+     u"Leave debugRecoding out in production.", u"sql.md"},
+    {DebugColumnsAlike, u"debug-columns-alike", sql,
+     u"Two recodings of one column make two debug columns of one name, which no database takes.",
+     u"Leave debugRecoding out.", u"sql.md"},
+    {SmallNumber, u"small-number", sql,
+     u"A number that is nearer to 0 than 1e-12 is written as 0.", u"Scale the column or the score.", u"sql.md"},
+    // --- Excel VBA
+    {LogisticAbsent, u"logistic-absent", sql | vba,
+     u"The logistic form is not written: the result is the score.",
+     u"Compute 1/(1+exp(-score)) from it.", u"vba.md"},
+    {QuoteInTitle, u"quote-in-title", vba,
+     u"A quotation mark in a title keeps the module from compiling.", u"Rename the column.", u"vba.md"},
+    {TrueFalse, u"true-false", vba,
+     u"TRUE and FALSE of a list are compared as True and False, as truth values show; those of boolean columns are not.",
+     u"Let the column hold truth values for a list, and texts for a boolean column.", u"vba.md"},
+    // --- Python
+    {MissingCodesParenthesis, u"missing-codes-parenthesis", python,
+     u"The line of missing codes lacks a closing parenthesis: the module does not compile.",
+     u"Close it with the command that the manual shows.", u"python.md"},
+    {NoCategories, u"no-categories", python,
+     u"A model without categorical columns does not compile: its __init__ is empty.", u"Write pass there.", u"python.md"},
+    {LogisticLastRow, u"logistic-last-row", python,
+     u"The logistic form fills the probability of the last row only.",
+     u"Indent its two lines by four more blanks.", u"python.md"},
+    {Backslash, u"backslash-in-value", python,
+     u"A backslash in a value is not doubled, so that another text is looked for.", u"Double it by hand.", u"python.md"},
+    // --- HTML
+    {FiveCategories, u"five-categories", html,
+     u"A list of exactly five categories scores as unknown, whatever is chosen.",
+     u"Add a category that never occurs.", u"html.md"},
+    {LowestNan, u"lowest-nan", html,
+     u"A score at or below the lowest point of the table shows NaN.",
+     u"Give the table a point below all scores.", u"html.md"},
+    {MissingCodesUnread, u"missing-codes-unread", html,
+     u"Missing codes are not read: a code scores as a number.",
+     u"Let the visitor tick the box for unknown.", u"html.md"},
+    {NotANumber, u"not-a-number", all,
+     u"A cell of a numeric column is no number. It scores as missing; Python stops at it, HTML takes it as above the last bound.",
+     u"Clean the data, or name the text with --missing.", u"html.md"},
+    {PageError, u"page-error", html,
+     u"The page shows an error: only a model of kind T with a table, or one of kind C, has a result.",
+     u"Set tkind to C, or add the table.", u"html.md"},
+    {CanvasScale, u"canvas-scale", html,
+     u"The script needs this tag, and the page shows an error without it.", u"Place the tag.", u"html.md"},
+    {BarScale, u"bar-scale", html,
+     u"The bars are drawn on the scale of the third point of the table, which has fewer.",
+     u"Tick the box, or give the table a third point.", u"html.md"},
+    {ConstantMisplaced, u"constant-misplaced", html,
+     u"The constant is looked for behind as many coefficients as there are recodings, and another number is found.",
+     u"Give each recoding one coefficient, and no others.", u"html.md"},
+    {PercentSign, u"percent-sign", html,
+     u"The built-in layout puts % behind the result, which is no probability.", u"Use a canvas.", u"html.md"},
+    {SharedValues, u"shared-values", html,
+     u"Recodings of one column are asked once; their lists differ, so that others than the last score another value.",
+     u"Give them the same values in the same order.", u"html.md"},
+    {ArrayTooLong, u"array-too-long", html,
+     u"The array is longer than needed. It is written in full, and its last number is taken for the one above all bounds.",
+     u"Cut the array.", u"model-document.md"},
+    // --- The SQL configuration file
+    {UnknownSetting, u"unknown-setting", sql,
+     u"There is no setting of that name; it is ignored.", u"Correct the name.", u"sql-configuration.md"},
+    {UnknownDialect, u"unknown-dialect", sql,
+     u"There is no dialect of that name; the script is general SQL.",
+     u"Correct the name, if one of the dialects was meant.", u"sql-configuration.md"},
+    {FlagText, u"flag-text", sql,
+     u"The flag is neither 0 nor 1. What does not begin with a number is false, and of a number the low 8 bits count.",
+     u"Write 0 or 1.", u"sql-configuration.md"},
+    {TableNameCut, u"table-name-cut", sql,
+     u"The name of the table, or that of the temporary one, is longer than the dialect allows, and is cut.",
+     u"Choose a shorter name.", u"sql-configuration.md"},
+    {EmptyName, u"empty-name", sql,
+     u"The setting is empty, which is not the same as left out.", u"Leave it out, or fill it in.", u"sql-configuration.md"},
+    {PasswordInClear, u"password-in-clear", sql,
+     u"The password stands in the ETL document in clear.", u"Keep both files from other eyes.", u"sql-configuration.md"},
+    // --- The HTML canvas
+    {CanvasNotRead, u"canvas-not-read", html,
+     u"The canvas is not there, or has less than 10 characters: the built-in layout is used without a word.",
+     u"Correct the path.", u"html.md"},
+    {CanvasTagMissing, u"canvas-tag-missing", html,
+     u"A tag is missing without which no page is written.", u"Place the tag.", u"canvas.md"},
+    {CanvasNumber, u"canvas-number", html,
+     u"The tag has no number, and counts as 0.", u"Write the number.", u"canvas.md"},
+    {CanvasQuestion, u"canvas-question", html,
+     u"Questions are placed one by one, and not each column is there exactly once.",
+     u"Place all questions, or use [QRV_ALL_QUESTIONS/] where recodings share a column.", u"canvas.md"},
+    {CanvasAnswer, u"canvas-answer", html,
+     u"The answer is that of a model that is not there, or stands there twice; only the first of a name is filled in.",
+     u"Place one answer of each model.", u"canvas.md"},
+    {CanvasForm, u"canvas-form", html,
+     u"There is no form called QRVform, in which the script looks for the answers.", u"Name the form so.", u"canvas.md"},
+    {CanvasColours, u"canvas-colours", html,
+     u"With a doctype the default colours of the bars are not seen.",
+     u"Set QRVSpecifiedHistogramColor before the script.", u"canvas.md"},
+    // --- The model document
+    {DocumentCut, u"document-cut", all,
+     u"The document is cut off or lacks end tags, and is read as far as it goes.",
+     u"Take the whole document.", u"model-document.md"},
+    {BoundsNotRising, u"bounds-not-rising", all,
+     u"The bounds do not rise: targets put values into different intervals.",
+     u"Sort bounds and scores.", u"model-document.md"},
+    {TableNotFalling, u"table-not-falling", all,
+     u"The scores of the table do not fall: targets find different probabilities.",
+     u"Sort the table.", u"model-document.md"},
+    {ProbabilityRange, u"probability-range", all,
+     u"A probability is not within 0 and 1.", u"Correct the table.", u"model-document.md"},
+    {ProbabilityOrder, u"probability-order", all,
+     u"Probabilities neither rise throughout nor fall.", u"Correct the table.", u"model-document.md"},
+    {TableAbsent, u"table-absent", all,
+     u"The model is one of a probability, but has neither a table nor the logistic form.",
+     u"Add the table, or set tkind to C.", u"model-document.md"},
+    {NotFinite, u"not-finite", all,
+     u"A number is none, or infinite: the generated code does not run, or scores nothing.",
+     u"Correct the number.", u"model-document.md"},
+    {ValueTwice, u"value-twice", sas | sql | vba,
+     u"A value is listed twice. Its last score counts; SAS, SQL and Excel VBA take the first.",
+     u"Leave one of them out.", u"model-document.md"},
+    {EmptyValue, u"empty-value", vba | python,
+     u"An empty value is listed: an empty cell takes its score, and not that of missing values.",
+     u"Leave the empty value out.", u"model-document.md"},
+    {ValueBlanks, u"value-blanks", all,
+     u"A listed value has blanks around it. Cells lose theirs, so that it never occurs.",
+     u"Take the blanks out of the document.", u"model-document.md"},
+};
+// clang-format on
+
+constexpr bool isInOrder() {
+    for (std::size_t i = 0; i < std::size(kinds); ++i) {
+        if (kinds[i].id != static_cast<FindingId>(i)) return false;
+    }
+    return std::size(kinds) == findingCount;
+}
+static_assert(isInOrder());
+
+constexpr QStringView names[targetCount] = {u"sas", u"sql", u"vba", u"python", u"html"};
+
+} // namespace
+
+QStringView targetName(Target target) {
+    return names[static_cast<std::size_t>(target)];
+}
+
+const FindingKind &kindOf(FindingId id) {
+    return kinds[static_cast<std::size_t>(id)];
+}
+
+std::span<const FindingKind> findingKinds() {
+    return kinds;
+}

@@ -1,0 +1,137 @@
+// What a model, a configuration and a canvas hold that makes generated code do something else than
+// the model says, or that makes the model itself doubtful.
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+#include <bitset>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+enum class Target : std::uint8_t { Sas, Sql, Vba, Python, Html };
+inline constexpr std::size_t targetCount = 5;
+QStringView targetName(Target target); // as on the command line
+using Targets = std::bitset<targetCount>;
+
+// In the order of the manual. Each is a row of the table in findings.cpp.
+enum class FindingId : std::uint8_t {
+    LowestSegment,
+    LowestPoint,
+    RecodingWithoutCoefficient,
+    CoefficientWithoutRecoding,
+    EqualCoefficients,
+    EqualNumbers,
+    SingleBound,
+    MissingCodesLine,
+    MissingCodesDigits,
+    MissingCodesName,
+    BooleanDigits,
+    ValuesAsNumbers,
+    EmptyNumber,
+    QuoteInValue,
+    LongName,
+    LogisticParenthesis,
+    NoTerms,
+    LabelEndsComment,
+    UnsupportedType,
+    NameCharacters,
+    NamesAlike,
+    NoProbability,
+    SqlName,
+    QuotedName,
+    ApostropheInValue,
+    BooleanNumbers,
+    BooleanBlanks,
+    TextBlanks,
+    Capitals,
+    SecondRun,
+    KeyLength,
+    TableNameQuoted,
+    DistributeId,
+    CommentDashes,
+    DebugRecoding,
+    DebugColumnsAlike,
+    SmallNumber,
+    LogisticAbsent,
+    QuoteInTitle,
+    TrueFalse,
+    MissingCodesParenthesis,
+    NoCategories,
+    LogisticLastRow,
+    Backslash,
+    FiveCategories,
+    LowestNan,
+    MissingCodesUnread,
+    NotANumber,
+    PageError,
+    CanvasScale,
+    BarScale,
+    ConstantMisplaced,
+    PercentSign,
+    SharedValues,
+    ArrayTooLong,
+    UnknownSetting,
+    UnknownDialect,
+    FlagText,
+    TableNameCut,
+    EmptyName,
+    PasswordInClear,
+    CanvasNotRead,
+    CanvasTagMissing,
+    CanvasNumber,
+    CanvasQuestion,
+    CanvasAnswer,
+    CanvasForm,
+    CanvasColours,
+    DocumentCut,
+    BoundsNotRising,
+    TableNotFalling,
+    ProbabilityRange,
+    ProbabilityOrder,
+    TableAbsent,
+    NotFinite,
+    ValueTwice,
+    EmptyValue,
+    ValueBlanks,
+};
+inline constexpr std::size_t findingCount = static_cast<std::size_t>(FindingId::ValueBlanks) + 1;
+
+// A set of findings; as a set of deviations, what a target is taken to do otherwise than the model.
+class FindingSet {
+public:
+    FindingSet() = default;
+    FindingSet(std::initializer_list<FindingId> ids) {
+        for (const FindingId id : ids) add(id);
+    }
+    bool has(FindingId id) const { return bits[static_cast<std::size_t>(id)]; }
+    void add(FindingId id) { bits.set(static_cast<std::size_t>(id)); }
+    bool isEmpty() const { return bits.none(); }
+    bool hasAnyOf(const FindingSet &other) const { return (bits & other.bits).any(); }
+
+private:
+    std::bitset<findingCount> bits;
+};
+
+struct FindingKind {
+    FindingId id;
+    QStringView name;
+    Targets targets;
+    QStringView text;
+    QStringView remedy;
+    QStringView page; // of the manual
+};
+const FindingKind &kindOf(FindingId id);
+std::span<const FindingKind> findingKinds();
+
+// One place that a finding was made at.
+struct Finding {
+    FindingId id;
+    Targets targets; // those of the kind that were asked for
+    QString place;
+    int recoding = -1;     // its position, where the place is a recoding
+    bool byRows = false;   // rows can be told apart by it
+    std::int64_t rows = 0; // that it touches
+    std::int64_t firstRow = 0;
+};

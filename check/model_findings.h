@@ -1,0 +1,21 @@
+// Looks a model, a configuration and a canvas through for findings.
+#pragma once
+
+#include "check/scorecard.h"
+#include "model/sql_configuration.h"
+
+// What is to be looked at. Without a configuration, SQL is taken to have its default settings and a
+// dialect with a probability.
+struct Inspection {
+    Targets targets = Targets().set();
+    const SqlConfigurationFile *sql = nullptr;
+    bool hasCanvas = false;
+    QString canvasName;
+    QString canvas; // its text
+};
+
+// The findings in the order of the manual. Those that only rows can show are among them.
+std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection);
+
+// Whether nothing but rows shows the finding, so that it is none without them.
+bool needsRows(FindingId id);

@@ -1,0 +1,45 @@
+// What the program found, as text, as JSON and as a page.
+#pragma once
+
+#include "check/rows.h"
+#include "model/text_buffer.h"
+
+#include <QByteArray>
+
+// All that a report tells of. What was not asked for is null.
+struct Report {
+    const Scorecard &card;
+    std::span<const Finding> findings;
+    const RowCounts *counts = nullptr;
+    const ComparisonOptions *compared = nullptr;
+    const ComparisonResult *comparison = nullptr;
+};
+
+// The model as a person reads a scorecard.
+void putModel(TextBuffer &out, const Scorecard &card);
+// Findings, rows and comparison.
+void putReport(TextBuffer &out, const Report &report);
+QByteArray jsonReport(const Report &report);
+// A page that needs no other file.
+void putHtmlReport(TextBuffer &out, const Report &report);
+
+// --- Pieces that the forms share
+
+// The values that have the score at this position: an interval in the notation of brackets, or
+// values of a list.
+QString valuesAt(const Recoding &recoding, std::size_t position);
+// The names of targets, with ", " between them.
+QString targetsText(Targets targets);
+// 6 significant digits; empty for what is no number.
+QString shortNumber(double number);
+QString titleOf(const Recoding &recoding);
+
+// One recoding's part in the score of a row.
+struct Contribution {
+    const Recoding *recoding;
+    QString cell;
+    QString values;
+    double points;
+};
+// Those of all recodings that have a coefficient, the largest first.
+std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row);

@@ -1,0 +1,232 @@
+#include "check/report.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+using Table = std::vector<QStringList>;
+
+// Columns as wide as they need to be.
+void putTable(TextBuffer &out, const Table &table) {
+    std::vector<qsizetype> widths;
+    for (const QStringList &row : table) {
+        widths.resize(std::max(widths.size(), static_cast<std::size_t>(row.size())));
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            qsizetype &width = widths[static_cast<std::size_t>(i)];
+            width = std::max(width, row[i].size());
+        }
+    }
+    for (const QStringList &row : table) {
+        put(out, u" ");
+        for (qsizetype i = 0; i < row.size(); ++i) {
+            const bool isLast = i + 1 == row.size();
+            put(out, u" ",
+                isLast ? row[i] : row[i].leftJustified(widths[static_cast<std::size_t>(i)] + 1));
+        }
+        put(out, u"\n");
+    }
+}
+
+QString fullNumber(double number) {
+    const NumberText text = modelNumber(number);
+    return QString::fromLatin1(text.characters, text.size);
+}
+
+void putRecoding(TextBuffer &out, const Recoding &recoding) {
+    const XmlNode &node = recoding.variable->node;
+    put(out, u"\n", titleOf(recoding));
+    if (const QStringView label = node.attribute(u"displayName"); !label.isEmpty()) {
+        put(out, u" (", label, u")");
+    }
+    put(out, u"\n  ", node.attribute(u"type"));
+    if (recoding.isBoolean) put(out, u", boolean");
+    put(out, u", coefficient ", recoding.coefficient, u"\n");
+    if (!recoding.codes.empty()) {
+        QStringList codes;
+        for (const double code : recoding.codes) codes.prepend(fullNumber(code));
+        put(out, u"  missing codes: ", codes.join(u", "_s), u"\n");
+    }
+    Table table = {
+        {recoding.variable->isCategorical ? u"values"_s : u"interval"_s, u"score"_s, u"points"_s}};
+    for (std::size_t i = 0; i < recoding.y.size(); ++i) {
+        table.push_back({valuesAt(recoding, i), fullNumber(recoding.y[i]),
+                         shortNumber(recoding.coefficient * recoding.y[i])});
+    }
+    putTable(out, table);
+}
+
+QString rowsOf(std::int64_t rows) {
+    return rows == 1 ? u"1 row"_s : u"%1 rows"_s.arg(rows);
+}
+
+// Findings of one kind have their text once.
+void putFindings(TextBuffer &out, const Report &report) {
+    const std::size_t count = report.findings.size();
+    put(out,
+        count == 0   ? u"No findings"_s
+        : count == 1 ? u"1 finding"_s
+                     : u"%1 findings"_s.arg(count),
+        u"\n");
+    for (std::size_t i = 0; i < report.findings.size(); ++i) {
+        const Finding &finding = report.findings[i];
+        const FindingKind &kind = kindOf(finding.id);
+        if (i == 0 || report.findings[i - 1].id != finding.id) {
+            put(out, u"\n", kind.name, u" [", targetsText(finding.targets), u"] docs/", kind.page,
+                u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
+        }
+        put(out, u"  - ", finding.place);
+        if (report.counts && finding.byRows) {
+            put(out, u": ", rowsOf(finding.rows));
+            if (finding.rows > 0) put(out, u", first row ", qsizetype(finding.firstRow));
+        }
+        put(out, u"\n");
+    }
+}
+
+void putNumbers(TextBuffer &out, QStringView title, const Prediction &prediction) {
+    put(out, u"    ", title, u" score ", shortNumber(prediction.score));
+    if (!std::isnan(prediction.probability)) {
+        put(out, u", probability ", shortNumber(prediction.probability));
+    }
+    put(out, u"\n");
+}
+
+void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row) {
+    put(out, u"\n  row ", qsizetype(row.row));
+    if (!row.key.empty()) put(out, u", key ", QString::fromStdString(row.key));
+    put(out, u"\n");
+    putNumbers(out, u"model: ", row.expected);
+    putNumbers(out, u"result:", row.found);
+    Table table;
+    for (const Contribution &part : contributionsOf(report.card, row)) {
+        table.push_back({u"  "_s + titleOf(*part.recoding), u'\'' + part.cell + u'\'', part.values,
+                         shortNumber(part.points)});
+    }
+    putTable(out, table);
+}
+
+template <typename Names>
+QString listed(const Names &names, std::int64_t count) {
+    QStringList texts;
+    for (const auto &name : names) {
+        if constexpr (std::is_integral_v<std::decay_t<decltype(name)>>) {
+            texts.append(QString::number(name));
+        } else {
+            texts.append(QString::fromStdString(name));
+        }
+    }
+    if (texts.size() < count) texts.append(u"…"_s);
+    return texts.isEmpty() ? QString() : u": "_s + texts.join(u", "_s);
+}
+
+void putComparison(TextBuffer &out, const Report &report) {
+    const ComparisonResult &result = *report.comparison;
+    put(out, u"\nComparison with ", report.compared->file, u" (",
+        targetName(report.compared->target), u")\n");
+    put(out, u"  ", rowsOf(result.rows), u" in both files, ", qsizetype(result.equal),
+        u" as the model says\n");
+    for (const auto &[id, explained] : result.explained) {
+        put(out, u"  explained by ", kindOf(id).name, u": ", rowsOf(explained.rows),
+            u", first row ", qsizetype(explained.firstRow), u"\n");
+    }
+    const auto tell = [&](QStringView what, std::int64_t count, const QString &names) {
+        if (count > 0) put(out, u"  ", what, u": ", rowsOf(count), names, u"\n");
+    };
+    tell(u"without explanation", result.unexplained, {});
+    tell(u"without a result", result.missing, listed(result.firstMissing, result.missing));
+    tell(u"in the results only", result.extra, listed(result.firstExtra, result.extra));
+    tell(u"key occurs again", result.repeated, listed(result.firstRepeated, result.repeated));
+    for (const auto &[fault, rows] : result.blamed) {
+        put(out, u"  would be right with ", fault, u": ", rowsOf(rows), u"\n");
+    }
+    for (const ComparedRow &row : result.worst) putWorst(out, report, row);
+}
+
+} // namespace
+
+QString valuesAt(const Recoding &recoding, std::size_t position) {
+    const std::span<const double> x = recoding.x;
+    if (!recoding.variable->isCategorical) {
+        if (position == 0) return u"missing"_s;
+        if (position == 1) return u"(-∞, %1)"_s.arg(fullNumber(x[0]));
+        if (position > x.size() + 1) return u"never"_s;
+        if (position == x.size() + 1) return u"(%1, ∞)"_s.arg(fullNumber(x.back()));
+        // The first bound belongs to the interval above it.
+        return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, fullNumber(x[position - 2]),
+                                  fullNumber(x[position - 1]));
+    }
+    if (position == 0) return u"missing or not listed"_s;
+    QStringList values;
+    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
+        const std::size_t at = !recoding.isBoolean ? i + 1 : i < 5 ? 1 : 2;
+        const QString value = u'\'' + recoding.listed[i].toString() + u'\'';
+        if (at == position && !values.contains(value)) values.append(value);
+        if (!recoding.isBoolean && at == position) break;
+    }
+    const QString text = values.join(u", "_s);
+    if (!recoding.isBoolean) return values.isEmpty() ? u"never"_s : text;
+    return position > 2 ? u"never"_s : (position == 1 ? u"false: "_s : u"true: "_s) + text;
+}
+
+QString targetsText(Targets targets) {
+    QStringList names;
+    for (std::size_t t = 0; t < targetCount; ++t) {
+        if (targets.test(t)) names.append(targetName(static_cast<Target>(t)).toString());
+    }
+    return names.join(u", "_s);
+}
+
+QString shortNumber(double number) {
+    const NumberText text = generalNumber(number + 0.0, 6); // which makes a zero of a negative one
+    return std::isnan(number) ? u"none"_s : QString::fromLatin1(text.characters, text.size);
+}
+
+QString titleOf(const Recoding &recoding) {
+    return u"%1 %2"_s.arg(recoding.variable->node.attribute(u"name"), recoding.variable->field);
+}
+
+std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row) {
+    std::vector<Contribution> parts;
+    for (std::size_t i = 0; i < card.recodings.size(); ++i) {
+        const Recoding &recoding = card.recodings[i];
+        if (recoding.coefficient == 0) continue;
+        const Recoded &recoded = row.recoded[i];
+        parts.push_back({&recoding, QString::fromStdString(row.cells[recoding.column]),
+                         valuesAt(recoding, recoded.position),
+                         recoding.coefficient * recoded.score});
+    }
+    std::ranges::stable_sort(parts, std::greater(),
+                             [](const Contribution &part) { return std::abs(part.points); });
+    return parts;
+}
+
+void putModel(TextBuffer &out, const Scorecard &card) {
+    const XmlNode &root = card.document.root;
+    const XmlNode metaData = root.childNode(u"MetaData");
+    const QStringView target = metaData.childNode(u"Target").text();
+    put(out, u"Model ", card.document.fileName, u", version ",
+        root.childNode(u"Header").attribute(u"version"), u"\nTarget ", target, u", kind ",
+        metaData.attribute(u"tkind"), u"\n", std::ssize(card.recodings), u" recodings of ",
+        std::ssize(card.columns), u" columns\n");
+    for (const Recoding &recoding : card.recodings) putRecoding(out, recoding);
+    put(out, u"\nConstant ", card.regression.constant, u"\n");
+    if (card.isLogistic) put(out, u"\nProbability 1/(1+exp(-score))\n");
+    if (!card.hasProbability()) put(out, u"\nNo probability: the result is the score.\n");
+    if (!card.table.exists) return;
+    put(out, u"\nProbability, by straight lines between these points\n");
+    Table table = {{u"score"_s, u"probability"_s}};
+    for (std::size_t i = 0; i < card.table.x.size(); ++i) {
+        table.push_back({fullNumber(card.table.x[i]), fullNumber(card.table.y[i])});
+    }
+    putTable(out, table);
+}
+
+void putReport(TextBuffer &out, const Report &report) {
+    putFindings(out, report);
+    if (report.counts) put(out, u"\n", rowsOf(report.counts->rows), u" scored\n");
+    if (report.comparison) putComparison(out, report);
+}

@@ -1,0 +1,247 @@
+#include "check/rows.h"
+
+#include "model/number_text.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <charconv>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+using enum FindingId;
+
+constexpr std::size_t scoreSteps = 60;
+
+// --- Scores as CSV
+
+struct ScoreFile {
+    struct Close {
+        void operator()(std::FILE *opened) const { std::fclose(opened); }
+    };
+    std::unique_ptr<std::FILE, Close> file;
+    std::string text;
+
+    void flush(std::size_t from) {
+        if (text.size() < from || !file) return;
+        std::fwrite(text.data(), 1, text.size(), file.get());
+        text.clear();
+    }
+};
+
+void putNumber(std::string &text, double number) {
+    if (std::isnan(number)) return;
+    char digits[32];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    text.append(digits, end);
+}
+
+void putCell(std::string &text, std::string_view cell, char delimiter) {
+    const std::string special = {'"', '\n', '\r', delimiter};
+    if (cell.find_first_of(special) == cell.npos) {
+        text += cell;
+        return;
+    }
+    text += '"';
+    for (const char c : cell) text.append(c == '"' ? 2 : 1, c);
+    text += '"';
+}
+
+// --- The findings that a row is touched by
+
+struct Counter {
+    const Scorecard &card;
+    std::vector<Finding> &findings;
+    std::vector<std::size_t> ofRecodings; // findings, by their positions
+    std::vector<std::size_t> ofTable;     // those that the score decides
+    std::size_t ofKey = static_cast<std::size_t>(-1);
+};
+
+Counter makeCounter(const Scorecard &card, std::vector<Finding> &findings) {
+    Counter counter{.card = card, .findings = findings, .ofRecodings = {}, .ofTable = {}};
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        if (!findings[i].byRows) continue;
+        if (findings[i].recoding >= 0) {
+            counter.ofRecodings.push_back(i);
+        } else if (findings[i].id == KeyLength) {
+            counter.ofKey = i;
+        } else {
+            counter.ofTable.push_back(i);
+        }
+    }
+    return counter;
+}
+
+void touch(Finding &finding, std::int64_t row, FindingSet &touched) {
+    if (finding.rows++ == 0) finding.firstRow = row;
+    touched.add(finding.id);
+}
+
+bool differs(double a, double b) {
+    return a != b && !(std::isnan(a) && std::isnan(b));
+}
+
+// Whether the cell could be touched at all: most findings are about few cells.
+bool mayTouch(FindingId id, const Cell &cell, const Recoded &recoded) {
+    switch (id) {
+    case BooleanBlanks:
+    case TextBlanks:
+        return cell.raw.size() != cell.text.size();
+    case Capitals:
+    case BooleanNumbers:
+    case NotANumber:
+        return recoded.position == 0 && !cell.text.empty();
+    case EmptyValue:
+        return cell.text.empty();
+    case TrueFalse:
+        return cell.text == "TRUE" || cell.text == "FALSE";
+    case SingleBound:
+        return recoded.position == 0;
+    default:
+        return true;
+    }
+}
+
+bool isTouched(const Recoding &recoding, const Finding &finding, std::span<const Cell> cells,
+               const Recoded &recoded) {
+    const Cell &cell = cells[finding.id == NamesAlike ? recoding.lastAlike : recoding.column];
+    if (!mayTouch(finding.id, cell, recoded)) return false;
+    if (finding.id == FiveCategories) return recoded.position != 0;
+    if (finding.id == BooleanDigits) {
+        return recoded.position != 0 && recoding.sixDigitScores[recoded.position] != recoded.score;
+    }
+    const auto differsFor = [&](Target target) {
+        const Deviations deviations = {{finding.id}, target};
+        const Recoded other = recode(recoding, cell, deviations);
+        return other.position != recoded.position || differs(other.score, recoded.score);
+    };
+    for (std::size_t t = 0; t < targetCount; ++t) {
+        if (finding.targets.test(t) && differsFor(static_cast<Target>(t))) return true;
+    }
+    return false;
+}
+
+void countRow(Counter &counter, std::int64_t row, std::span<const Cell> cells,
+              std::span<const Recoded> recoded, const Prediction &prediction, FindingSet &touched) {
+    for (const std::size_t index : counter.ofRecodings) {
+        Finding &finding = counter.findings[index];
+        const auto at = static_cast<std::size_t>(finding.recoding);
+        const Recoding &recoding = counter.card.recodings[at];
+        if (isTouched(recoding, finding, cells, recoded[at])) touch(finding, row, touched);
+    }
+    // What targets do otherwise is at the lower end of the table.
+    const std::vector<double> &x = counter.card.table.x;
+    if (x.size() > 1 && prediction.score > x[x.size() - 2]) return;
+    for (const std::size_t index : counter.ofTable) {
+        Finding &finding = counter.findings[index];
+        const double other =
+            probabilityOf(counter.card, prediction.score, {{finding.id}, Target::Sas});
+        if (differs(other, prediction.probability)) touch(finding, row, touched);
+    }
+}
+
+void countKey(Counter &counter, std::int64_t row, std::string_view key, FindingSet &touched) {
+    constexpr qsizetype longest = 20;
+    if (counter.ofKey >= counter.findings.size() || key.size() <= longest) return;
+    const auto size = QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())).size();
+    if (size > longest) touch(counter.findings[counter.ofKey], row, touched);
+}
+
+// --- Counts for reports
+
+void findScoreRange(const Scorecard &card, RowCounts &counts) {
+    counts.lowestScore = counts.highestScore = card.regression.constant;
+    for (const Recoding &recoding : card.recodings) {
+        const auto [least, most] = std::ranges::minmax(recoding.y);
+        const double a = recoding.coefficient * least;
+        const double b = recoding.coefficient * most;
+        counts.lowestScore += std::min(a, b);
+        counts.highestScore += std::max(a, b);
+    }
+}
+
+void countScore(RowCounts &counts, double score) {
+    const double width = counts.highestScore - counts.lowestScore;
+    const double step = (score - counts.lowestScore) / width * scoreSteps;
+    if (!(step >= 0)) return; // no number, or a model of one score
+    const auto last = static_cast<double>(scoreSteps - 1);
+    ++counts.scores[static_cast<std::size_t>(std::min(step, last))];
+}
+
+} // namespace
+
+RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
+                     const RowOptions &options, Comparison *comparison, RowCounts &counts) {
+    CsvReader reader;
+    QString problem = reader.open(options.file, options.delimiter);
+    if (!problem.isEmpty()) return {problem, true};
+    const std::size_t columns = card.columns.size();
+    std::vector<QString> wanted = card.columns;
+    const bool hasKey = !options.key.isEmpty();
+    if (hasKey) wanted.push_back(options.key);
+    std::vector<std::size_t> chosen = findColumns(reader, wanted, options.file, problem);
+    if (!problem.isEmpty()) return {problem, true};
+    // The key may be a column of the model; each is chosen once.
+    std::size_t keyAt = columns;
+    if (hasKey) {
+        const auto same = std::ranges::find(chosen, chosen.back());
+        keyAt = static_cast<std::size_t>(same - chosen.begin());
+        if (keyAt < columns) chosen.pop_back();
+    }
+    reader.choose(chosen);
+
+    ScoreFile out;
+    if (!options.scores.isEmpty()) {
+        out.file.reset(openFile(options.scores, FileUse::Write));
+        if (!out.file) {
+            return {u"Cannot open file '%1' for writing."_s.arg(options.scores), true};
+        }
+        putCell(out.text, hasKey ? options.key.toStdString() : "row", options.delimiter);
+        out.text += options.delimiter;
+        out.text += "score";
+        out.text += options.delimiter;
+        out.text += "probability\n";
+    }
+    counts.scores.assign(scoreSteps, 0);
+    findScoreRange(card, counts);
+    for (const Recoding &recoding : card.recodings) {
+        counts.positions.emplace_back(recoding.y.size());
+    }
+    Counter counter = makeCounter(card, findings);
+    std::vector<Cell> cells(columns);
+    std::vector<Recoded> recoded(card.recodings.size());
+    while (reader.next()) {
+        for (std::size_t i = 0; i < columns; ++i) {
+            cells[i] = cellOf(reader.cells()[i], options.missing);
+        }
+        const Prediction prediction = evaluate(card, cells, recoded);
+        FindingSet touched;
+        countRow(counter, reader.row(), cells, recoded, prediction, touched);
+        const std::string_view key = hasKey ? trimmed(reader.cells()[keyAt]) : std::string_view();
+        countKey(counter, reader.row(), key, touched);
+        for (std::size_t i = 0; i < recoded.size(); ++i) ++counts.positions[i][recoded[i].position];
+        countScore(counts, prediction.score);
+        if (comparison) {
+            comparison->compare({reader.row(), key, cells, recoded, prediction, touched});
+        }
+        if (out.file) {
+            if (hasKey) {
+                putCell(out.text, reader.cells()[keyAt], options.delimiter);
+            } else {
+                out.text += integerText(reader.row()).view();
+            }
+            out.text += options.delimiter;
+            putNumber(out.text, prediction.score);
+            out.text += options.delimiter;
+            putNumber(out.text, prediction.probability);
+            out.text += '\n';
+            out.flush(1 << 16);
+        }
+    }
+    counts.rows = reader.row();
+    out.flush(0);
+    if (!reader.problem().isEmpty()) return {reader.problem(), true};
+    if (comparison) problem = comparison->finish();
+    return {problem, true};
+}

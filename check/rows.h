@@ -1,0 +1,32 @@
+// Scores the rows of a file, counts what touches them, and hands each to the comparison.
+#pragma once
+
+#include "check/comparison.h"
+
+struct RowOptions {
+    QString file;
+    char delimiter = ',';
+    std::vector<std::string> missing; // texts that mean nothing, as an empty cell does
+    QString key;                      // column; may be empty
+    QString scores;                   // file for the scores; may be empty
+};
+
+// What the rows came to.
+struct RowCounts {
+    std::int64_t rows = 0;
+    std::vector<std::vector<std::int64_t>> positions; // of each recoding, rows by position
+    // Rows by score: as many steps of the same width between the lowest and the highest score that
+    // the model can give.
+    std::vector<std::int64_t> scores;
+    double lowestScore = 0;
+    double highestScore = 0;
+};
+
+struct RowFailure {
+    QString message;      // empty: none
+    bool isUsage = false; // the call is wrong, else a file
+};
+
+// Counts the rows in the findings. `comparison` may be null.
+RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
+                     const RowOptions &options, Comparison *comparison, RowCounts &counts);
