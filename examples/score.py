@@ -117,7 +117,7 @@ class Model:
             return "above"
         if score < points[-1]:
             return "below"
-        return "last" if score <= points[-2] else "inner"
+        return "last" if score <= points[-2:][0] else "inner"
 
 
 def main():

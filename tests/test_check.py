@@ -1,0 +1,362 @@
+"""The companion program: what it scores, finds and explains, held against the independent scorer and against engines."""
+
+import csv
+import json
+import math
+import re
+import sqlite3
+import subprocess
+import unittest
+from pathlib import Path
+
+import pandas
+
+import scorer
+from sql_program import configuration
+from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
+
+CHECK = str(Path(PROGRAM).with_name("scorewright-check"))
+CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
+APPLICANTS = EXAMPLES / "credit" / "applicants.csv"
+TEXTS = ["Home", "Marital", "Records", "Job"]
+TABLE = [(3, 0.9), (1, 0.6), (0, 0.5), (-2, 0.1)]
+CANVAS = '[QRV_SCRIPT][QRV_ANSWER 0][QRV_DYN_SCALE][QRV_GRAPHICS]<form name="QRVform">[QRV_ALL_QUESTIONS]</form>'
+ONE_BY_ONE = CANVAS.replace("[QRV_ALL_QUESTIONS]", "[QRV_QUESTION 1][QRV_QUESTION 2]")
+
+
+def model(*changes, terms=((1, 1), (2, 1)), constant=0, kind="C", **more):
+    """A plain model with a numeric column and a list; `changes` take the place of its recodings."""
+    recodings = [numeric(1, "n", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["a", "b"], [0, 1, 2])]
+    recodings[:len(changes)] = [change or given for change, given in zip(changes, recodings)]
+    return document([*recodings, *changes[2:]], list(terms), constant, **{"target": "y", "kind": kind, **more})
+
+
+def boolean(values, scores=(0, 1, 2)):
+    return categorical(2, "c", values, list(scores), tname="bb64")
+
+
+NO_YES = ["no", "NO", "n", "N", "0", "yes"]
+TWO_BOUNDS = numeric(1, "n", [1, 2], [0, 1, 2, 3])
+CODES = {"n": [9]}
+LOGISTIC = model(method="softmax", kind="C")
+
+
+def sql(**settings):
+    return {"sql": configuration(**settings)}
+
+
+# For each finding the smallest model that has it, with what else it takes. The plain model with a plain canvas, and
+# with what else the entry takes, has none of them, but for those in PLAIN.
+HAVE = {
+    "lowest-segment": (model(table=TABLE), {}),
+    "lowest-point": (model(table=[(0, 0.5)]), {}),
+    "recoding-without-coefficient": (model(terms=[(1, 1)]), {}),
+    "coefficient-without-recoding": (model(terms=[(1, 1), (2, 1), (3, 1)]), {}),
+    "equal-coefficients": (model(terms=[(1, 1), (2, 1), (2, 1)]), {}),
+    "equal-numbers": (model(None, categorical(1, "c", ["a"], [0, 1]), terms=[(1, 1)]), {}),
+    "single-bound": (model(numeric(1, "n", [1], [0, 1, 2])), {}),
+    "missing-codes-line": (model(missing=CODES), {}),
+    "missing-codes-digits": (model(missing={"n": [1234567]}), {}),
+    "missing-codes-name": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3]), missing={"a_b": [9]}), {}),
+    "boolean-digits": (model(None, boolean(NO_YES, (0, 1.1234567, 2))), {}),
+    "values-as-numbers": (model(None, categorical(2, "c", ["1", "2.5"], [0, 1, 2])), {}),
+    "empty-number": (model(None, categorical(2, "c", ["1", ""], [0, 1, 2])), {}),
+    "quote-in-value": (model(None, categorical(2, "c", ['5"'], [0, 1])), {}),
+    "long-name": (model(numeric(1, "n" * 29, [1, 2], [0, 1, 2, 3])), {}),
+    "logistic-parenthesis": (LOGISTIC, {}),
+    "no-terms": (model(terms=[]), {}),
+    "label-ends-comment": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3], label="a */ b")), {}),
+    "unsupported-type": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3], kind="Rank")), {}),
+    "name-characters": (model(numeric(1, "x(1)", [1, 2], [0, 1, 2, 3])), {}),
+    "names-alike": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3]), categorical(2, "a.b", ["a"], [0, 1])), {}),
+    "no-probability": (model(), sql(dbType="default")),
+    "sql-name": (model(numeric(1, "Order", [1, 2], [0, 1, 2, 3])), {}),
+    "quoted-name": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3])), {}),
+    "apostrophe-in-value": (model(None, categorical(2, "c", ["it's"], [0, 1])), {}),
+    "boolean-numbers": (model(None, boolean(NO_YES)), {}),
+    "boolean-blanks": (model(None, boolean(NO_YES)), sql(dbType="oracle", boolsAreNumbers="0")),
+    "text-blanks": (model(), sql(dbType="teradata")),
+    "capitals": (model(), {"rows": "n,c\n1,A\n"}),
+    "second-run": (model(), sql(dbType="oracle", createPredictionTable="1")),
+    "key-length": (model(), {"rows": "n,c,k\n1,a,012345678901234567890\n", "key": "k"}),
+    "table-name-quoted": (model(), sql(dbType="mysql", createPredictionTable="1", predictionTable="a b")),
+    "distribute-id": (model(table=TABLE), sql(dbType="teradata_aster", keyName="k")),
+    "comment-dashes": (model(table=TABLE), sql(dbType="mysql")),
+    "debug-recoding": (model(), sql(dbType="oracle", debugRecoding="1")),
+    "debug-columns-alike": (model(None, categorical(2, "n", ["a"], [0, 1])), sql(dbType="oracle", debugRecoding="1")),
+    "small-number": (model(constant=1e-13), {}),
+    "logistic-absent": (LOGISTIC, {}),
+    "quote-in-title": (model(numeric(1, 'a"', [1, 2], [0, 1, 2, 3])), {}),
+    "true-false": (model(None, categorical(2, "c", ["TRUE"], [0, 1])), {}),
+    "missing-codes-parenthesis": (model(missing=CODES), {}),
+    "no-categories": (model(None, numeric(2, "m", [1, 2], [0, 1, 2, 3])), {}),
+    "logistic-last-row": (LOGISTIC, {}),
+    "backslash-in-value": (model(None, categorical(2, "c", ["a\\n"], [0, 1])), {}),
+    "five-categories": (model(None, categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])), {}),
+    "lowest-nan": (model(table=TABLE), {}),
+    "missing-codes-unread": (model(missing=CODES), {}),
+    "not-a-number": (model(), {"rows": "n,c\n1,a\nten,b\n"}),
+    "page-error": (model(kind="X"), {}),
+    "canvas-scale": (model(), {"canvas": CANVAS.replace("[QRV_GRAPHICS]", "")}),
+    "bar-scale": (model(kind="T", table=TABLE[:2]), {}),
+    "constant-misplaced": (model(terms=[(1, 1), (2, 1), (2, 1)]), {}),
+    "percent-sign": (model(), {"canvas": None}),
+    "shared-values": (model(None, categorical(2, "n", ["a"], [0, 1])), {}),
+    "array-too-long": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3, 4])), {}),
+    "unknown-setting": (model(), sql(dbType="oracle", dbTpye="mysql")),
+    "unknown-dialect": (model(), sql(dbType="sqlservr")),
+    "flag-text": (model(), sql(dbType="oracle", useTmpTable="yes")),
+    "table-name-cut": (model(), sql(dbType="oracle", predictionTable="t" * 65)),
+    "empty-name": (model(), sql(dbType="oracle", prediction="")),
+    "password-in-clear": (model(), sql(dbType="oracle", kestruneScript="1", odbcPassword="p")),
+    "canvas-not-read": (model(), {"canvas": "short"}),
+    "canvas-tag-missing": (model(), {"canvas": CANVAS.replace("[QRV_ANSWER 0]", "")}),
+    "canvas-number": (model(), {"canvas": CANVAS.replace("0]", "]")}),
+    "canvas-question": (model(), {"canvas": ONE_BY_ONE.replace("2]", "1]")}),
+    "canvas-answer": (model(), {"canvas": CANVAS + "[QRV_ANSWER 0]"}),
+    "canvas-form": (model(), {"canvas": CANVAS.replace("QRVform", "form")}),
+    "canvas-colours": (model(), {"canvas": "<!doctype html>" + CANVAS}),
+    "document-cut": (model()[:-40], {}),
+    "bounds-not-rising": (model(numeric(1, "n", [2, 1], [0, 1, 2, 3])), {}),
+    "table-not-falling": (model(table=[(1, 0.5), (2, 0.6), (0, 0.1)]), {}),
+    "probability-range": (model(table=[(2, 1.5), (1, 0.5), (0, 0.1)]), {}),
+    "probability-order": (model(table=[(2, 0.5), (1, 0.6), (0, 0.1)]), {}),
+    "table-absent": (model(kind="T"), {}),
+    "not-finite": (model(constant=math.inf), {}),
+    "value-twice": (model(None, categorical(2, "c", ["a", "a"], [0, 1, 2])), {}),
+    "empty-value": (model(None, categorical(2, "c", [""], [0, 1])), {}),
+    "value-blanks": (model(None, categorical(2, "c", [" a"], [0, 1])), {}),
+}
+
+
+class CheckedTest(ProgramTest):
+    def check(self, path, *arguments):
+        run = subprocess.run([CHECK, str(path), *map(str, arguments)], cwd=self.folder, capture_output=True,
+                             encoding="utf-8", timeout=120)
+        return run.returncode, run.stdout, run.stderr
+
+    def report(self, path, *arguments):
+        status, printed, message = self.check(path, "--json", *arguments)
+        self.assertEqual((message, status in (0, 1)), ("", True))
+        found = json.loads(printed)
+        self.assertEqual(status, int(bool(found["findings"]) or "comparison" in found and (
+            found["comparison"]["equal"] < found["comparison"]["rows"]
+            or any(found["comparison"][side] for side in ["missing", "extra", "repeated"]))))
+        return found
+
+
+class ScoresAndFindingsTest(CheckedTest):
+    def scores(self, path, rows, *more):
+        self.report(path, "--rows", rows, "--scores", "scores.csv", *more)
+        with open(self.folder / "scores.csv", newline="", encoding="utf-8") as file:
+            return [tuple(float(cell) if cell else None for cell in list(row.values())[-2:])
+                    for row in csv.DictReader(file)]
+
+    def assert_scores(self, path, rows, *more):
+        """Equal to the last bit."""
+        meant = scorer.load(path)
+        with open(rows, newline="", encoding="utf-8") as file:
+            cells = list(csv.DictReader(file))
+        expected = [(score := meant.score(row), meant.probability(score)) for row in cells]
+        self.assertEqual(self.scores(path, rows, *more), expected)
+
+    def test_scores_are_those_of_the_scorer(self):
+        self.assert_scores(CREDIT, APPLICANTS, "--missing", "NA")
+        self.assert_scores(EXAMPLES / "claims" / "claims.ModelXml", EXAMPLES / "claims" / "claims.csv")
+        for name in ["credit", "claims"]:
+            path = EXAMPLES / name / f"{name}.ModelXml"
+            meant = scorer.load(path)
+            with open(next(path.parent.glob("*.csv")), newline="") as file:
+                first = next(csv.DictReader(file))
+            rows = []
+            for variable in meant.variables:
+                if variable.categorical:
+                    cells = [*variable.positions, "unseen", "", " "] + [f"\t{v} " for v in variable.positions]
+                else:
+                    beside = [math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, math.inf)]
+                    cells = [repr(v) for v in [*variable.cuts, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
+                    cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", " 7 ", "007", ".5", "5.", "1e", "--1"]
+                rows += [{**first, variable.field: cell} for cell in cells]
+            with open(self.folder / "rows.csv", "w", newline="") as file:
+                writer = csv.DictWriter(file, list(first))
+                writer.writeheader()
+                writer.writerows(rows)
+            self.assert_scores(path, self.folder / "rows.csv")
+
+    def test_kinds_of_models(self):
+        """Several terms of a number, equal points, bounds and points out of order, the logistic form."""
+        rows = self.folder / "rows.csv"
+        rows.write_text("n,c\n" + "".join(f"{n / 4},{c}\n" for n in range(-8, 20) for c in ["a", "b", "z", ""]))
+        steep = [numeric(1, "n", [0, 1, 2, 3], [0, -2, -0.5, 0, 1, 3])]
+        for text in [model(terms=[(1, 0.1), (2, 0.7), (1, 1 / 3)], constant=0.3), LOGISTIC,
+                     model(*steep, table=[(3, 0.9), (2, 0.9), (2, 0.8), (1, 1 / 3), (-0.5, 0.25), (-2, 0.01)]),
+                     model(*steep, table=[(1, 0.5)]), model(numeric(1, "n", [3, 1, 2], [0, 1, 2, 3, 4])),
+                     model(None, categorical(1, "c", ["a", "a"], [0, 1, 5]), terms=[(1, 0.5)]),
+                     model(None, boolean(["a"] * 5 + ["b"], (0.5, 1 / 3, 2 / 3)))]:
+            self.write("m.ModelXml", text, "utf-8")
+            self.assert_scores(self.folder / "m.ModelXml", rows)
+
+    def test_every_finding(self):
+        source = (TESTS.parent / "check" / "findings.cpp").read_text()
+        self.assertEqual(list(HAVE), re.findall(r'^    {\w+, u"([\w-]+)"', source, re.M))
+
+        def found(text, sql=None, canvas=CANVAS, rows=None, key=None):
+            self.write("m.ModelXml", text)
+            arguments = []
+            for name, content in {"sql": sql, "canvas": canvas, "rows": rows}.items():
+                if content is not None:
+                    arguments += [f"--{name}", self.write(name, content)]
+            return [finding["name"] for finding in
+                    self.report("m.ModelXml", *arguments, *(["--key", key] if key else []))["findings"]]
+
+        self.assertEqual(found(model()), [])
+        self.assertEqual(found(model(), canvas=ONE_BY_ONE, rows="n,c,k\n1,a,1\n", key="k"), [])
+        self.assertEqual(found(model(), **sql(dbType="oracle")), [])
+        for name, (text, more) in HAVE.items():
+            with self.subTest(name):
+                names = found(text, **more)
+                self.assertIn(name, names)
+                self.assertEqual(sorted(names, key=list(HAVE).index), names)  # in the manual's order
+
+    def test_findings_say_where(self):
+        self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])))
+        self.write("s.xml", configuration(dbTpye="mysql", dbType="sqlservr"))
+        self.write("rows.csv", "\ufeffc;n\n\"a\nb\";1\nA;1\nb;2\n?;x\n\n;1", "utf-8")
+        report = self.report("m.ModelXml", "--sql", "s.xml", "--rows", "rows.csv", "--delimiter", ";", "--missing", "?")
+        self.assertEqual(report["rows"], 5)
+        found = {f["name"]: f for f in report["findings"]}
+        self.assertEqual({name: (f["rows"], f["firstRow"]) for name, f in found.items() if f.get("rows")},
+                         {"single-bound": (3, 1), "capitals": (1, 2), "five-categories": (1, 3), "not-a-number": (1, 4)})
+        self.assertEqual([found[name]["place"] for name in ["unknown-setting", "unknown-dialect", "single-bound"]],
+                         ["setting dbTpye; dbType is meant?", "setting dbType, 'sqlservr'; sqlserver is meant?",
+                          "recoding V1 (column n)"])
+        self.assertEqual(found["five-categories"]["targets"], ["html"])
+        only = self.report("m.ModelXml", "--target", "html")["findings"]
+        self.assertEqual([f["name"] for f in only], ["single-bound", "five-categories", "percent-sign"])
+
+    def test_the_model_is_shown(self):
+        self.write("m.ModelXml", model(numeric(1, "n", [1, 2.5], [0, 1, 2, 3]), boolean(NO_YES), terms=[(1, 0.5), (2, 1)],
+                                       table=TABLE, missing={"n": [9, 99]}))
+        status, printed, _ = self.check("m.ModelXml", "--show")
+        self.assertEqual(status, 0)
+        for line in ["missing codes: 9, 99", "(-∞, 1) 1 0.5", "[1, 2.5] 2 1", "(2.5, ∞) 3 1.5", "true: 'yes' 2 2",
+                     "missing or not listed 0 0", "Constant 0", "-2 0.1"]:
+            self.assertIn(f"\n{line}\n", re.sub(" +", " ", printed).replace("\n ", "\n"))
+
+    def test_calls_that_are_refused(self):
+        self.write("m.ModelXml", model())
+        self.write("rows.csv", "n,x,x\n1,1,1\n")
+        self.write("short.ModelXml", model(numeric(1, "n", [1, 2], [0, 1])))
+        compare = ["--rows", "rows.csv", "--compare", "rows.csv"]
+        for status, message, arguments in [
+            (2, "One model document is needed.", []), (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
+            (2, "There is no target 'r'.", ["m.ModelXml", "--target", "sql,r"]), (2, "--key wants --rows.", ["m.ModelXml", "--key", "n"]),
+            (2, "File 'rows.csv' lacks the column 'c'.", ["m.ModelXml", "--rows", "rows.csv"]),
+            (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
+            (2, "--compare wants the one --target", ["m.ModelXml", *compare]),
+            (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
+            (8, "Cannot convert model 'none': Error: File not found.", ["none"]),
+            (8, "Cannot convert model 'short.ModelXml': model 'V1' (field 'n'): array 'y' has 2 values, 4 needed.", ["short.ModelXml"]),
+            (8, "XML Parsing error inside file 'm.ModelXml'.", ["m.ModelXml", "--sql", "m.ModelXml"]),
+        ]:
+            with self.subTest(arguments):
+                run = subprocess.run([CHECK, *arguments], cwd=self.folder, capture_output=True, encoding="utf-8")
+                self.assertEqual((run.returncode, run.stdout), (status, ""))
+                self.assertTrue(run.stderr.startswith(message), run.stderr)
+
+
+class DeploymentTest(CheckedTest):
+    def compare(self, path, rows, results, target, *more):
+        return self.report(path, "--rows", rows, "--missing", "NA", "--compare", results, "--target", target, *more)["comparison"]
+
+    def python(self):
+        """The class of the credit model, the applicants and a call that compares its results."""
+        self.assertEqual(self.run_program("-p", str(CREDIT), "out", "M"), (0, ""))
+        exec(self.read("out"), names := {})
+        frame = pandas.read_csv(APPLICANTS).fillna(dict.fromkeys(TEXTS, ""))
+
+        def compare(result, *more):
+            result.to_csv(self.folder / "results.csv", index=False)
+            return self.compare(CREDIT, APPLICANTS, "results.csv", "python", "--score", "Status_bad_score",
+                                "--probability", "Status_bad_proba", *more)
+        return names["QORVModel_M"](), frame, compare
+
+    def test_all_applicants_in_python(self):
+        scoring, frame, compare = self.python()
+        result = scoring.apply(frame)
+        meant = scorer.load(CREDIT)
+        with open(APPLICANTS, newline="") as file:
+            segments = [meant.segment(meant.score(row)) for row in csv.DictReader(file)]
+        self.assertEqual(set(segments), {"above", "inner", "last", "below"})
+        last = segments.count("last")
+        found = compare(result)
+        self.assertEqual((found["rows"], found["equal"], found["explained"], found["unexplained"]),
+                         (4454, 4454 - last, {"lowest-segment": last}, 0))
+
+        changed = result.copy()
+        changed.loc[17, "Status_bad_score"] += 0.5
+        found = compare(changed)
+        self.assertEqual((found["unexplained"], [row["row"] for row in found["worst"]]), (1, [18]))
+        self.assertAlmostEqual(sum(part["points"] for part in found["worst"][0]["contributions"]) + meant.constant,
+                               found["worst"][0]["model"]["score"])
+
+        swapped = compare(result.rename(columns={"Status_bad_score": "Status_bad_proba", "Status_bad_proba": "Status_bad_score"}))
+        self.assertIn("score and probability exchanged in the results", swapped["blamed"])
+
+        # A deployment that reads one column in place of another, and one that has lost one.
+        for fault, wrong in {"Time and Age exchanged": frame.rename(columns={"Time": "Age", "Age": "Time"}),
+                             "Seniority read as missing": frame.assign(Seniority=float("nan"))}.items():
+            found = compare(scoring.apply(wrong))
+            self.assertGreater(found["unexplained"], 1000)
+            self.assertEqual(max(found["blamed"], key=found["blamed"].get), fault)
+
+    def test_joins(self):
+        self.write("m.ModelXml", model())
+        self.write("rows.csv", "k,n,c\nx,1,a\ny,2,b\nz,3,a\ny,1,a\n")
+        self.write("results.csv", "score,k\n4,z\n5,w\n3,x\n9,z\n")
+        found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score", "--key", "k")
+        self.assertEqual({name: found[name] for name in ["rows", "equal", "missing", "extra", "repeated", "unexplained"]},
+                         {"rows": 2, "equal": 2, "missing": 2, "extra": 1, "repeated": 1, "unexplained": 0})
+        found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score")
+        self.assertEqual((found["rows"], found["missing"], found["extra"]), (4, 0, 0))
+        self.write("results.csv", "score\n3\n4\n4\n")
+        found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score", "--tolerance", "0")
+        self.assertEqual((found["equal"], found["missing"], found["extra"]), (3, 1, 0))
+
+    def test_sql_in_sqlite(self):
+        """Codes that are not found, untrimmed booleans, texts and capitals, and the table's lower end in one model."""
+        text = document([numeric(1, "a b", [0, 1, 2], [0.5, 1, 2, 3, 4]), boolean(NO_YES), numeric(3, "d", [1], [0, -4, 1])],
+                        [(1, 1), (2, 0.25), (3, 1)], -1, table=TABLE, missing={"a_b": [-9]})
+        rows = [(a, c, d) for a in ["-9", "", "0", "1.5", "3"] for c in ["yes", " yes", "NO", "No", ""] for d in ["0", "1", "2"]]
+        self.write("rows.csv", "id,a b,c,d\n" + "".join(f"{i},{','.join(row)}\n" for i, row in enumerate(rows)), "utf-8")
+        settings = configuration(dbType="sqlite", createPredictionTable="1", boolsAreNumbers="0", useTmpTable="0")
+        self.write("model.ModelXml", text)
+        self.assertEqual(self.run_program("-s", self.write("c.xml", settings))[0], 0)
+        base = sqlite3.connect(":memory:")
+        base.execute('create table src(id, "a b" real, c text, d real)')
+        base.executemany("insert into src values(?, nullif(?, ''), ?, ?)", [(i, *row) for i, row in enumerate(rows)])
+        base.executescript(self.read("out"))
+        results = base.execute("select id, Predictions from Preds").fetchall()
+        self.write("results.csv", "id,p\n" + "".join(f"{i},{p!r}\n" for i, p in results))
+        found = self.compare("model.ModelXml", "rows.csv", "results.csv", "sql", "--key", "id", "--probability", "p",
+                             "--sql", "c.xml")
+        meant = scorer.load(self.folder / "model.ModelXml")
+        expected = {i: meant.prediction({"a b": a, "c": c, "d": d}) for i, (a, c, d) in enumerate(rows)}
+        different = sum(abs(p - expected[int(i)]) > 1e-9 for i, p in results)
+        self.assertEqual((found["equal"], found["explainedRows"], found["unexplained"]), (75 - different, different, 0))
+        self.assertEqual(set(found["explained"]), {"missing-codes-name", "boolean-blanks", "lowest-segment", "lowest-point"})
+
+    def test_pages_and_reports(self):
+        """The report needs no other file, and shows the texts of the document as texts."""
+        self.write("m.ModelXml", model(None, categorical(2, "c", ["<script>", "b&b"], [0, 1, 2]), table=TABLE))
+        self.write("rows.csv", "n,c\n1,b&b\n2,<script>\n")
+        self.write("results.csv", "p\n0.1\n0.2\n")
+        self.compare("m.ModelXml", "rows.csv", "results.csv", "html", "--probability", "p", "--report", "report.html")
+        page = (self.folder / "report.html").read_text("utf-8")
+        for part in ["lowest-nan", "&lt;script&gt;", "b&amp;b", "<svg", "without explanation", "Row 1"]:
+            self.assertIn(part, page)
+        self.assertNotRegex(page, r"<script|https?:|url\(|@import|src=|nan%|inf%")
+
+
+if __name__ == "__main__":
+    unittest.main()
