@@ -84,7 +84,7 @@ Comparison::Entry Comparison::entryOf(std::string_view key) {
 double Comparison::numberIn(std::size_t column) const {
     double number = noNumber;
     if (column == noColumn) return number;
-    const Cell cell = cellOf(results.cells()[column], options.missing);
+    const Cell cell = cellOf(results.cell(column), options.missing);
     return readNumber(cell.text, number) ? number : noNumber;
 }
 
@@ -113,7 +113,7 @@ QString Comparison::open() {
 
 QString Comparison::readEntries() {
     while (results.next()) {
-        Entry entry = entryOf(trimmed(results.cells()[columns[0]]));
+        Entry entry = entryOf(trimmed(results.cell(columns[0])));
         entry.found = foundIn();
         entry.row = results.row();
         entries.push_back(entry);

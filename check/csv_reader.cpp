@@ -69,7 +69,6 @@ void CsvReader::choose(std::span<const std::size_t> columns) {
     for (std::size_t row = 0; row * before < all.size(); ++row) {
         for (const std::size_t chosen : columns) batch.push_back(all[row * before + chosen]);
     }
-    current.resize(width);
 }
 
 void CsvReader::takeCell(void *bytes, std::size_t size, void *reader) {
@@ -144,8 +143,6 @@ bool CsvReader::next() {
     while (given == finished) {
         if (!readBlock()) return false;
     }
-    const Span *const first = batch.data() + given * width;
-    for (std::size_t i = 0; i < width; ++i) current[i] = {text.data() + first[i].at, first[i].size};
     ++given;
     ++number;
     return true;

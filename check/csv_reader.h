@@ -15,6 +15,11 @@
 #include <vector>
 
 class CsvReader {
+    struct Span {
+        std::size_t at = 0;
+        std::size_t size = 0;
+    };
+
 public:
     CsvReader() = default;
     CsvReader(const CsvReader &) = delete;
@@ -32,8 +37,12 @@ public:
     // Goes to the next row; false at the end, or where the rest cannot be read (see problem).
     // Lines without any cell are passed over.
     bool next();
-    // The chosen cells of the row, empty where the row is too short; valid until the next call.
-    std::span<const std::string_view> cells() const { return current; }
+    // The i-th of the chosen cells of the row, empty where the row is too short; valid until the
+    // next call.
+    std::string_view cell(std::size_t i) const {
+        const Span &span = batch[(given - 1) * width + i];
+        return {text.data() + span.at, span.size};
+    }
     // The row's number, from 1.
     std::int64_t row() const { return number; }
     // What kept the file from being read to its end; else empty.
@@ -47,10 +56,6 @@ private:
 
     struct Close {
         void operator()(std::FILE *file) const { std::fclose(file); }
-    };
-    struct Span {
-        std::size_t at = 0;
-        std::size_t size = 0;
     };
     static constexpr std::size_t notChosen = static_cast<std::size_t>(-1);
 
@@ -73,7 +78,6 @@ private:
     std::size_t column = 0; // of the next cell
     std::size_t finished = 0;
     std::size_t given = 0;
-    std::vector<std::string_view> current;
     std::int64_t number = 0;
 };
 

@@ -125,7 +125,7 @@ struct Range {
 
     double across(double score) const {
         const double share = (std::clamp(score, from, to) - from) / (to - from);
-        return curveLeft + share * (curveWidth - curveLeft - 10);
+        return curveLeft + share * (curveWidth - curveLeft - 24);
     }
 };
 
@@ -168,7 +168,7 @@ void putScores(TextBuffer &out, const RowCounts &counts, const Range &range) {
 void putAxes(TextBuffer &out, const Range &range) {
     for (const double share : {0.0, 0.25, 0.5, 0.75, 1.0}) {
         const QString y = place(curveFoot - share * (curveFoot - curveHead));
-        put(out, u"<line x1=\"", place(curveLeft), u"\" x2=\"", place(curveWidth - 10), u"\" y1=\"",
+        put(out, u"<line x1=\"", place(curveLeft), u"\" x2=\"", place(curveWidth - 24), u"\" y1=\"",
             y, u"\" y2=\"", y, u"\" stroke=\"#dfe5ec\"/><text x=\"34\" y=\"", y,
             u"\" text-anchor=\"end\" dominant-baseline=\"middle\">", place(share), u"</text>\n");
     }

@@ -1,6 +1,5 @@
 #include "check/rows.h"
 
-#include "model/number_text.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -16,37 +15,65 @@ constexpr std::size_t scoreSteps = 60;
 
 // --- Scores as CSV
 
-struct ScoreFile {
+// Numbers become text where they are to stand.
+class ScoreFile {
+public:
+    bool open(const QString &fileName) {
+        file.reset(openFile(fileName, FileUse::Write));
+        return file != nullptr;
+    }
+    bool isOpen() const { return file != nullptr; }
+    void put(char c) {
+        *reserve(1) = c;
+        ++used;
+    }
+    void put(std::string_view piece) {
+        piece.copy(reserve(piece.size()), piece.size());
+        used += piece.size();
+    }
+    // Nothing for what is no number.
+    template <typename Number>
+    void put(Number number) {
+        if (number != number) return;
+        constexpr std::size_t longest = 32;
+        char *const at = reserve(longest);
+        used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
+    }
+    void putCell(std::string_view cell, char delimiter) {
+        const std::string special = {'"', '\n', '\r', delimiter};
+        if (cell.find_first_of(special) == cell.npos) {
+            put(cell);
+            return;
+        }
+        put('"');
+        for (const char c : cell) {
+            if (c == '"') put(c);
+            put(c);
+        }
+        put('"');
+    }
+    void flush() {
+        std::fwrite(text.data(), 1, used, file.get());
+        used = 0;
+    }
+
+private:
+    char *reserve(std::size_t size) {
+        constexpr std::size_t block = 1 << 16;
+        if (used + size > text.size()) {
+            flush();
+            if (text.size() < size) text.resize(std::max(size, block));
+        }
+        return text.data() + used;
+    }
+
     struct Close {
         void operator()(std::FILE *opened) const { std::fclose(opened); }
     };
     std::unique_ptr<std::FILE, Close> file;
-    std::string text;
-
-    void flush(std::size_t from) {
-        if (text.size() < from || !file) return;
-        std::fwrite(text.data(), 1, text.size(), file.get());
-        text.clear();
-    }
+    std::vector<char> text;
+    std::size_t used = 0;
 };
-
-void putNumber(std::string &text, double number) {
-    if (std::isnan(number)) return;
-    char digits[32];
-    const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
-    text.append(digits, end);
-}
-
-void putCell(std::string &text, std::string_view cell, char delimiter) {
-    const std::string special = {'"', '\n', '\r', delimiter};
-    if (cell.find_first_of(special) == cell.npos) {
-        text += cell;
-        return;
-    }
-    text += '"';
-    for (const char c : cell) text.append(c == '"' ? 2 : 1, c);
-    text += '"';
-}
 
 // --- The findings that a row is touched by
 
@@ -193,15 +220,15 @@ RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
 
     ScoreFile out;
     if (!options.scores.isEmpty()) {
-        out.file.reset(openFile(options.scores, FileUse::Write));
-        if (!out.file) {
+        if (!out.open(options.scores)) {
             return {u"Cannot open file '%1' for writing."_s.arg(options.scores), true};
         }
-        putCell(out.text, hasKey ? options.key.toStdString() : "row", options.delimiter);
-        out.text += options.delimiter;
-        out.text += "score";
-        out.text += options.delimiter;
-        out.text += "probability\n";
+        out.putCell(hasKey ? options.key.toStdString() : "row", options.delimiter);
+        for (const std::string_view title : {"score", "probability"}) {
+            out.put(options.delimiter);
+            out.put(title);
+        }
+        out.put('\n');
     }
     counts.scores.assign(scoreSteps, 0);
     findScoreRange(card, counts);
@@ -213,34 +240,32 @@ RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
     std::vector<Recoded> recoded(card.recodings.size());
     while (reader.next()) {
         for (std::size_t i = 0; i < columns; ++i) {
-            cells[i] = cellOf(reader.cells()[i], options.missing);
+            cells[i] = cellOf(reader.cell(i), options.missing);
         }
         const Prediction prediction = evaluate(card, cells, recoded);
         FindingSet touched;
         countRow(counter, reader.row(), cells, recoded, prediction, touched);
-        const std::string_view key = hasKey ? trimmed(reader.cells()[keyAt]) : std::string_view();
+        const std::string_view key = hasKey ? trimmed(reader.cell(keyAt)) : std::string_view();
         countKey(counter, reader.row(), key, touched);
         for (std::size_t i = 0; i < recoded.size(); ++i) ++counts.positions[i][recoded[i].position];
         countScore(counts, prediction.score);
         if (comparison) {
             comparison->compare({reader.row(), key, cells, recoded, prediction, touched});
         }
-        if (out.file) {
-            if (hasKey) {
-                putCell(out.text, reader.cells()[keyAt], options.delimiter);
-            } else {
-                out.text += integerText(reader.row()).view();
-            }
-            out.text += options.delimiter;
-            putNumber(out.text, prediction.score);
-            out.text += options.delimiter;
-            putNumber(out.text, prediction.probability);
-            out.text += '\n';
-            out.flush(1 << 16);
+        if (!out.isOpen()) continue;
+        if (hasKey) {
+            out.putCell(reader.cell(keyAt), options.delimiter);
+        } else {
+            out.put(reader.row());
         }
+        out.put(options.delimiter);
+        out.put(prediction.score);
+        out.put(options.delimiter);
+        out.put(prediction.probability);
+        out.put('\n');
     }
     counts.rows = reader.row();
-    out.flush(0);
+    if (out.isOpen()) out.flush();
     if (!reader.problem().isEmpty()) return {reader.problem(), true};
     if (comparison) problem = comparison->finish();
     return {problem, true};

@@ -8,14 +8,15 @@ if(WIN32)
   set(document_folder .)
   set(copyright copyright.txt)
   set(other_parts "
-scorewright.exe also holds, unchanged, Qt 6 Core (Copyright The Qt Company Ltd.
+The programs also hold, unchanged, Qt 6 Core (Copyright The Qt Company Ltd.
 and others; LGPL version 3 or GPL version 2) with the libraries that come in its
 source, PCRE2, zlib and double-conversion among them, and the run-time libraries
-of GCC and mingw-w64. Their copyright notices and licences are in the folder
+of GCC and mingw-w64; scorewright-check.exe holds libcsv (Copyright Robert
+Gamble; LGPL version 2.1 or later) too. Their copyright notices and licences are in the folder
 licences. Their source is in Debian 12's source packages qt6-base (${Qt6_VERSION}),
-gcc-mingw-w64 and mingw-w64: https://sources.debian.org, or apt-get source.
+libcsv, gcc-mingw-w64 and mingw-w64: https://sources.debian.org, or apt-get source.
 scripts/windows in the source of scorewright fetches and builds Qt Core into the
-folder build-windows-qt, and links the program with what it finds there.
+folder build-windows-qt, and links the programs with what it finds there.
 ")
 else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
@@ -28,9 +29,9 @@ file(READ examples/credit/LICENSE data_licence)
 configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/${copyright} @ONLY)
 
 # Where Qt does not stand where the system looks for libraries, the program finds it all the same.
-set_target_properties(scorewright PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
+set_target_properties(scorewright scorewright-check PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
 
-install(TARGETS scorewright RUNTIME DESTINATION ${program_folder})
+install(TARGETS scorewright scorewright-check RUNTIME DESTINATION ${program_folder})
 install(FILES README.md CHANGELOG.md ARCHITECTURE.md CONTRIBUTING.md
   ${PROJECT_BINARY_DIR}/${copyright} DESTINATION ${document_folder})
 install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
@@ -78,7 +79,9 @@ set(CPACK_PACKAGE_DESCRIPTION
 "Scorewright reads a scoring model (recodings of columns, a regression over them
 and a table from score to probability) and writes code that computes its score
 and probability: a SAS data step, SQL for six dialects, an Excel VBA
-module, a Python class for pandas, or an interactive HTML page.")
+module, a Python class for pandas, or an interactive HTML page. Its companion
+scorewright-check shows the model, scores rows as the model means them, and
+explains where the results of a deployment differ.")
 set(CPACK_RESOURCE_FILE_README ${PROJECT_SOURCE_DIR}/README.md)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS

@@ -13,7 +13,7 @@ import pandas
 
 import scorer
 from sql_program import configuration
-from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, numeric
+from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, doubles, numeric
 
 CHECK = str(Path(PROGRAM).with_name("scorewright-check"))
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
@@ -199,6 +199,8 @@ class ScoresAndFindingsTest(CheckedTest):
     def test_every_finding(self):
         source = (TESTS.parent / "check" / "findings.cpp").read_text()
         self.assertEqual(list(HAVE), re.findall(r'^    {\w+, u"([\w-]+)"', source, re.M))
+        manual = (TESTS.parent / "docs" / "check.md").read_text()
+        self.assertEqual(list(HAVE), re.findall(r"^\| `([\w-]+-[\w-]+)` \| (?:all|[a-z, ]+) \| \[", manual, re.M))
 
         def found(text, sql=None, canvas=CANVAS, rows=None, key=None):
             self.write("m.ModelXml", text)
@@ -270,21 +272,27 @@ class DeploymentTest(CheckedTest):
         return self.report(path, "--rows", rows, "--missing", "NA", "--compare", results, "--target", target, *more)["comparison"]
 
     def python(self):
-        """The class of the credit model, the applicants and a call that compares its results."""
-        self.assertEqual(self.run_program("-p", str(CREDIT), "out", "M"), (0, ""))
+        """The class of the credit model, with a table that ends among the scores; the applicants; and a call that
+        compares results."""
+        table = [(2, 0.9), (0, 0.5), (-2, 0.1), (-4, 0.01)]
+        mapping = (f"<ProbabilityMapping><x>{doubles([x for x, _ in table])}</x><y>{doubles([y for _, y in table])}</y>"
+                   "</ProbabilityMapping>")
+        self.write("credit.ModelXml", re.sub("(?s)<ProbabilityMapping>.*</ProbabilityMapping>", mapping,
+                                             CREDIT.read_text("utf-16")), "utf-16")
+        self.assertEqual(self.run_program("-p", "credit.ModelXml", "out", "M"), (0, ""))
         exec(self.read("out"), names := {})
         frame = pandas.read_csv(APPLICANTS).fillna(dict.fromkeys(TEXTS, ""))
 
         def compare(result, *more):
             result.to_csv(self.folder / "results.csv", index=False)
-            return self.compare(CREDIT, APPLICANTS, "results.csv", "python", "--score", "Status_bad_score",
+            return self.compare("credit.ModelXml", APPLICANTS, "results.csv", "python", "--score", "Status_bad_score",
                                 "--probability", "Status_bad_proba", *more)
         return names["QORVModel_M"](), frame, compare
 
     def test_all_applicants_in_python(self):
         scoring, frame, compare = self.python()
         result = scoring.apply(frame)
-        meant = scorer.load(CREDIT)
+        meant = scorer.load(self.folder / "credit.ModelXml")
         with open(APPLICANTS, newline="") as file:
             segments = [meant.segment(meant.score(row)) for row in csv.DictReader(file)]
         self.assertEqual(set(segments), {"above", "inner", "last", "below"})

@@ -30,7 +30,7 @@ MANUAL = ROOT / "docs"
 PAGES = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
 UNRUN_PAGES = [*(ROOT / name for name in ["ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md"]),
                *EXAMPLES.glob("*/README.md")]
-FOLDERS = "app|benchmarks|cmake|docs|examples|exporters|model|python|scripts|tests|xml"
+FOLDERS = "app|benchmarks|check|cmake|docs|examples|exporters|model|python|scripts|tests|xml"
 BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S)
 TOOLS = {"apt", "cmake", "cp"}
 
@@ -146,18 +146,19 @@ class PagesTest(ProgramTest):
                 with self.subTest(page=page.name, name=name):
                     self.assertTrue(glob.glob(f"{ROOT}/{name}") or glob.glob(f"{ROOT}/*/**/{name}", recursive=True))
 
-    def test_man_page(self):
-        """scorewright.1 is made of scorewright.1.md; SCOREWRIGHT_GOLDEN=write makes it anew."""
-        made = subprocess.run(["lowdown", "-s", "-Tman", "--nroff-nolinks", "-M", "title=SCOREWRIGHT", "-M", "section=1",
-                               MANUAL / "scorewright.1.md"], capture_output=True, check=True, encoding="utf-8").stdout
-        # The first line asks for tbl; messages are neither hyphenated nor stretched.
-        made = made.replace('.\\" -*-', "'\\\" t -*-", 1).replace('" ""\n', '" ""\n.nh\n.ad l\n', 1)
-        made = made.replace("lb lb lb\nl l l.", "lb lb lb\nl lw(3.7i) lw(1.6i).")  # wide enough for the longest word
-        self.assertTrue((self.folder / "share" / "man" / "man1" / "scorewright.1").exists())
-        page = MANUAL / "scorewright.1"
-        if os.environ.get("SCOREWRIGHT_GOLDEN") == "write":
-            page.write_text(made, "utf-8")
-        self.assertEqual(page.read_text("utf-8"), made)
+    def test_man_pages(self):
+        """Each is made of the page of its name; SCOREWRIGHT_GOLDEN=write makes them anew."""
+        for source in MANUAL.glob("*.1.md"):
+            page = source.with_suffix("")
+            made = subprocess.run(["lowdown", "-s", "-Tman", "--nroff-nolinks", "-M", f"title={page.stem.upper()}", "-M",
+                                   "section=1", source], capture_output=True, check=True, encoding="utf-8").stdout
+            # The first line asks for tbl; messages are neither hyphenated nor stretched.
+            made = made.replace('.\\" -*-', "'\\\" t -*-", 1).replace('" ""\n', '" ""\n.nh\n.ad l\n', 1)
+            made = made.replace("lb lb lb\nl l l.", "lb lb lb\nl lw(3.7i) lw(1.6i).")  # wide enough for the longest word
+            self.assertTrue((self.folder / "share/man/man1" / page.name).exists())
+            if os.environ.get("SCOREWRIGHT_GOLDEN") == "write":
+                page.write_text(made, "utf-8")
+            self.assertEqual(page.read_text("utf-8"), made)
 
 
 class TablesTest(SqlProgramTest):

@@ -1,0 +1,106 @@
+"""Scores a million rows in every way there is, and prints the least processor time of each.
+
+usage: check.py <folder of scorewright, scorewright-check and csv_floor> [rows]"""
+
+import csv
+import os
+import resource
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+EXAMPLES = Path(__file__).resolve().parent.parent / "examples"
+sys.path.insert(0, str(EXAMPLES.parent / "tests"))
+import scorer  # noqa: E402
+from servers import Postgres  # noqa: E402
+
+MODEL = EXAMPLES / "credit" / "credit.ModelXml"
+TEXTS = {"Home", "Marital", "Records", "Job"}
+RUNS = 5
+
+
+def make_rows(path, count):
+    head, *lines = (EXAMPLES / "credit" / "applicants.csv").read_text().splitlines(keepends=True)
+    with open(path, "w") as file:
+        file.write(head)
+        for start in range(0, count, len(lines)):
+            file.writelines(lines[:count - start])
+
+
+def processor_time(command):
+    def spent():
+        usage = resource.getrusage(resource.RUSAGE_CHILDREN)
+        return usage.ru_utime + usage.ru_stime
+
+    before = spent()
+    subprocess.run(command, check=False, stdout=subprocess.DEVNULL)
+    return spent() - before
+
+
+def score_with_scorer(rows):
+    start = time.process_time()
+    model = scorer.load(MODEL)
+    with open(rows, newline="") as file:
+        for row in csv.DictReader(file):
+            model.probability(model.score(row))
+    return time.process_time() - start
+
+
+def score_with_class(programs, rows, folder):
+    """On the first hundredth of the rows, since it is slow; the time is that of all."""
+    import pandas
+    subprocess.run([programs / "scorewright", "-p", MODEL, folder / "credit.py", "M"], check=True, stdout=subprocess.DEVNULL)
+    names = {}
+    exec((folder / "credit.py").read_text("utf-8-sig"), names)
+    with open(rows) as file:
+        share = (sum(1 for _ in file) - 1) // 100
+    frame = pandas.read_csv(rows, nrows=share).fillna(dict.fromkeys(TEXTS, ""))
+    start = time.process_time()
+    names["QORVModel_M"]().apply(frame)
+    return 100 * (time.process_time() - start)
+
+
+def score_with_postgres(programs, rows, folder):
+    """Elapsed time, since the server is another process."""
+    (folder / "c.xml").write_text(
+        f'<Model2SQL inputFile="{MODEL}" outputFile="{folder}/out" inputTable="src" predictionTable="preds"'
+        ' dbType="postgresql" createPredictionTable="1" boolsAreNumbers="0"/>')
+    subprocess.run([programs / "scorewright", "-s", folder / "c.xml"], check=True, stdout=subprocess.DEVNULL)
+    with open(rows) as file:
+        titles = file.readline().replace('"', "").strip().split(",")
+    columns = ",".join(f"{t} {'text' if t in TEXTS | {'Status'} else 'float'}" for t in titles)
+    os.chmod(folder, 0o755)
+    os.chmod(rows, 0o644)
+    server = Postgres()
+    try:
+        server.query(f"create table src({columns}, id serial); copy src({','.join(titles)}) from '{rows}' csv header null 'NA';"
+                     "select 1;")
+        start = time.perf_counter()
+        server.query((folder / "out").read_text("utf-16") + "select 1;")
+        return time.perf_counter() - start
+    finally:
+        server.stop()
+
+
+def main():
+    programs = Path(sys.argv[1]).resolve()
+    with tempfile.TemporaryDirectory() as name:
+        folder = Path(name)
+        rows = folder / "rows.csv"
+        make_rows(rows, int(sys.argv[2]) if len(sys.argv) > 2 else 1_000_000)
+        check = [programs / "scorewright-check", MODEL, "--rows", rows, "--missing", "NA"]
+        commands = {"libcsv alone": [programs / "csv_floor", rows], "scorewright-check": check,
+                    "the same with --scores": [*check, "--scores", folder / "scores.csv"]}
+        least = {label: min(processor_time(command) for _ in range(RUNS)) for label, command in commands.items()}
+        least["tests/scorer.py"] = score_with_scorer(rows)
+        least["generated Python class"] = score_with_class(programs, rows, folder)
+        least["PostgreSQL, elapsed"] = score_with_postgres(programs, rows, folder)
+        print(f"{rows.stat().st_size / 1e6:.0f} MB")
+        for label, seconds in least.items():
+            print(f"{label:24} {seconds:8.2f} s {seconds / least['libcsv alone']:8.1f}")
+
+
+if __name__ == "__main__":
+    main()
