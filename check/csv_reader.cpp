@@ -17,20 +17,9 @@ void *resizeCell(void *cell, std::size_t size) {
     return size > largestCell ? nullptr : std::realloc(cell, size);
 }
 
-// Copies a short cell in a few steps, without a call.
-void copyCell(char *to, const char *from, std::size_t size) {
-    if (size > 16) {
-        std::memcpy(to, from, size);
-    } else if (size >= 8) {
-        std::memcpy(to + size - 8, from + size - 8, 8);
-        std::memcpy(to, from, 8);
-    } else if (size >= 4) {
-        std::memcpy(to + size - 4, from + size - 4, 4);
-        std::memcpy(to, from, 4);
-    } else {
-        for (std::size_t i = 0; i < size; ++i) to[i] = from[i];
-    }
-}
+// Most cells are shorter, and are copied without a look at their size: libcsv keeps a cell at the
+// start of a block of at least 128 bytes, and the text has room for as many more.
+constexpr std::size_t shortCell = 16;
 
 // Blanks belong to their cells. The model leaves them out, but not every target does.
 int isBlank(unsigned char) {
@@ -80,8 +69,10 @@ void CsvReader::takeCell(void *bytes, std::size_t size, void *reader) {
     }
     const std::size_t at = r.column++;
     if (at >= r.places.size() || r.places[at] == notChosen) return;
-    if (r.text.size() < r.used + size) r.text.resize(2 * (r.used + size));
-    copyCell(r.text.data() + r.used, begin, size);
+    if (r.text.size() < r.used + size + shortCell) r.text.resize(2 * (r.used + size + shortCell));
+    char *const to = r.text.data() + r.used;
+    std::memcpy(to, begin, shortCell);
+    if (size > shortCell) std::memcpy(to, begin, size);
     r.batch[r.batch.size() - r.width + r.places[at]] = {r.used, size};
     r.used += size;
 }

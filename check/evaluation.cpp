@@ -46,6 +46,18 @@ bool isCode(const Recoding &recoding, double value, const D &deviations) {
     return std::ranges::find(codes, value, sixDigits) != codes.end();
 }
 
+// How many of the rising bounds are below the value. Halves without branches: which half it is
+// cannot be foreseen.
+std::size_t boundsBelow(std::span<const double> bounds, double value) {
+    const double *first = bounds.data();
+    for (std::size_t count = bounds.size(); count > 1;) {
+        const std::size_t half = count / 2;
+        first += first[half - 1] < value ? half : 0;
+        count -= half;
+    }
+    return static_cast<std::size_t>(first - bounds.data()) + (*first < value ? 1 : 0);
+}
+
 template <typename D>
 std::size_t intervalOf(const Recoding &recoding, double value, const D &deviations) {
     const std::span<const double> x = recoding.x;
@@ -55,9 +67,9 @@ std::size_t intervalOf(const Recoding &recoding, double value, const D &deviatio
     // The first bound belongs to the interval above it; a single one has none.
     if (x.size() == 1) return deviations.has(SingleBound) ? 2 : 0;
     const auto inner = x.subspan(1);
+    if (recoding.isRising) return boundsBelow(inner, value) + 2;
     const auto isUpTo = [&](double bound) { return value <= bound; };
-    const auto found = recoding.isRising ? std::lower_bound(inner.begin(), inner.end(), value)
-                                         : std::find_if(inner.begin(), inner.end(), isUpTo);
+    const auto found = std::find_if(inner.begin(), inner.end(), isUpTo);
     if (found == inner.end()) return 0;
     return static_cast<std::size_t>(found - inner.begin()) + 2;
 }
