@@ -13,7 +13,7 @@ from pathlib import Path
 
 EXAMPLES = Path(__file__).resolve().parent.parent / "examples"
 sys.path.insert(0, str(EXAMPLES.parent / "tests"))
-import scorer  # noqa: E402
+import score as scorer  # noqa: E402
 from servers import Postgres  # noqa: E402
 
 MODEL = EXAMPLES / "credit" / "credit.ModelXml"
@@ -94,7 +94,7 @@ def main():
         commands = {"libcsv alone": [programs / "csv_floor", rows], "scorewright-check": check,
                     "the same with --scores": [*check, "--scores", folder / "scores.csv"]}
         least = {label: min(processor_time(command) for _ in range(RUNS)) for label, command in commands.items()}
-        least["tests/scorer.py"] = score_with_scorer(rows)
+        least["examples/score.py"] = score_with_scorer(rows)
         least["generated Python class"] = score_with_class(programs, rows, folder)
         least["PostgreSQL, elapsed"] = score_with_postgres(programs, rows, folder)
         print(f"{rows.stat().st_size / 1e6:.0f} MB")

@@ -39,7 +39,7 @@ install(DIRECTORY examples DESTINATION ${document_folder} USE_SOURCE_PERMISSIONS
   PATTERN "__pycache__" EXCLUDE)
 if(WIN32)
   # What the packages of the compiler and of Qt say, and the texts that they refer to.
-  foreach(part libqt6core6 gcc-mingw-w64-base mingw-w64-x86-64-dev)
+  foreach(part libqt6core6 libcsv-dev gcc-mingw-w64-base mingw-w64-x86-64-dev)
     install(FILES /usr/share/doc/${part}/copyright DESTINATION licences RENAME ${part}.txt)
   endforeach()
   foreach(text GPL-2 GPL-3 LGPL-2 LGPL-2.1 LGPL-3)
