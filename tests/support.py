@@ -126,15 +126,15 @@ DOCUMENTS = {
             numeric(1, "one", [1, 2], [5, 6, 7, 8]),
             numeric(2, "many codes", [1, 2], [-5, 6, 6, 6]),
             numeric(3, "nothing", [0], [1, 2, 3]),
-            numeric(4, "none", [0, 0.5], [1, 2, 3, 4]),
+            numeric(4, "none", [0, 0.5], [1, 2, 3, 4, 99]),  # a score more than bounds need
         ],
         [(1, 1), (2, 2), (3, 3), (4, 4)], -1,
         missing={"One": [-1], "many_codes": [-999.5, 1e6, 1.5e-07, 99], "many codes": [98, 97], "nothing": []},
         kind="C").replace("<Missing></Missing>", "<Missing>QQ==</Missing>"),
-    # The logistic form, and no target.
+    # The logistic form, no target, and a coefficient after the constant.
     "logistic": document([numeric(1, "a", [0, 1], [0, 1, 2, 3]), categorical(2, "b", ["x"], [0, 1])],
-                         [(2, 0.5), (1, 1)], 0, target="", method="softmax"),
+                         [(2, 0.5), (1, 1)], 0, target="", method="softmax").replace(
+                             doubles([0.5, 1, 0]), doubles([0.5, 1, 0, 7])),
     # No model at all.
     "none": document([], [], 0.125, table=[(1, 0.75)]),
-    "terms": terms_document(50),
 }

@@ -42,40 +42,35 @@ class HtmlTest(ProgramTest):
     def test_golden_pages(self):
         # The constant is looked for behind the coefficients of all models, though two of one number share theirs.
         kinds, betas = DOCUMENTS["kinds"], [0.5, -1.25, 2, 1e-13, 1, -10, 1 / 3]
-        self.assertIsNone(self.page(kinds, "", (8, "Cannot convert model 'model.ModelXml': RegressionModel: array 'betas' "
-                                                   "has 7 values, 8 needed.\n")))
-        self.assert_golden("kinds.html", self.page(kinds.replace(doubles(betas), doubles(betas + [1e18]))))
+        page = self.page(kinds.replace(doubles(betas), doubles(betas + [1e18])))
+        self.assert_golden("kinds.html", page)
         # A prediction, shared columns and a model that is not there, whose place in the script is where it ends.
         shared = document([numeric(9, "one", [-0.5, 99.2], [1, 2, 3, 4], label=""), categorical(8, "b", ["y"], [0, 1])],
                           [(8, -1), (9, 2)], 3, kind="t", table=[(1, 0.5), (-1, 0.25)])
         three = self.models(DOCUMENTS["missing"], shared, DOCUMENTS["logistic"].replace('"T"', '"t"'), None)
-        self.assert_golden("list.html", self.page(three, "ü" * 10 + REQUIRED + "[QRV_DYN_SCALE][QRV_GRAPHICS]\nend"))
+        listed = self.page(three, "ü" * 10 + REQUIRED + "[QRV_DYN_SCALE][QRV_GRAPHICS]\nend")
+        known = set(page.split("\n"))  # the golden file has what the other page has not
+        self.assert_golden("list.html", "\n".join(line for line in listed.split("\n") if line not in known))
 
     def test_tags(self):
         def warning(at, what="model", tag="ANSWER"):
             return f"WARNING: no {what} number found in tag [QRV_{tag} on index {at}"
 
+        none = "[qrv_submit][QRV_SUBMIT x][QRV_SUBMIT /x][QRV_SUBMIT\v][QRV_SUBMIT\f][QRV_SUBMIT\xa0]"
         cases = [
-            ("[QRV_ANSWER 0 /][QRV_ANSWER\t\r\n+00]", answer(0) * 2, ""),
-            ("[QRV_ANSWER 7][QRV_ANSWER -3][QRV_ANSWER -2147483648]", answer(0) + answer(-3) + answer(-2147483648), ""),
-            ("[QRV_ANSWER][QRV_ANSWER 2147483648]", answer(0) * 2, warning(0) + warning(12)),
-            ("[QRV_ANSWER 1 2][QRV_ANSWER -]", answer(0) * 2, warning(0) + warning(16)),
-            ("[QRV_ANSWER x/y][qrv_submit][QRV_SUBMIT x][QRV_SUBMIT /x]",
-             "[QRV_ANSWER x/y][qrv_submit][QRV_SUBMIT x][QRV_SUBMIT /x]", warning(0)),
+            (none, none, ""),
+            ("[QRV_ANSWER 0 /][QRV_ANSWER\t\r\n+00][QRV_ANSWER 1][QRV_ANSWER -3][QRV_ANSWER -2147483648]",
+             answer(0) * 3 + answer(-3) + answer(-2147483648), ""),
+            ("[QRV_ANSWER][QRV_ANSWER 2147483648][QRV_ANSWER 1 2][QRV_ANSWER -]", answer(0) * 4,
+             warning(0) + warning(12) + warning(35) + warning(51)),
+            ("[QRV_ANSWER x/y]", "[QRV_ANSWER x/y]", warning(0)),
             ("[QRV_ANSWER -1/[QRV_ANSWER -2]", "[QRV_ANSWER -1/" + answer(-2), ""),
             ("[QRV_QUESTION a/b]", "[QRV_QUESTION a/b]", warning(0, "question", "QUESTION")),
-            ("[QRV_SUBMIT\r\n/]", submit("Submit"), ""),
-            ("[QRV_SUBMIT][QRV_STRING_SUBMIT Send it /]", submit("Send it"), ""),
-            ("[QRV_STRING_SUBMIT]x[QRV_SUBMIT]", "x" + submit(""), ""),
-            # The next label of a kind counts as soon as the one before it has been passed.
-            ("[QRV_SUBMIT][QRV_STRING_SUBMIT a][QRV_SUBMIT][QRV_STRING_SUBMIT b]", submit("a") + submit("b"), ""),
-            ("[QRV_STRING_SUBMIT no/x][QRV_SUBMIT]", "[QRV_STRING_SUBMIT no/x]" + submit("no"), ""),
+            ("[QRV_STRING_SUBMIT]x[QRV_SUBMIT\r\n/]", "x" + submit(""), ""),
+            # The next label of a kind counts as soon as the one before it has been passed; other white space is no blank.
+            ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\f\xa0][QRV_SUBMIT][QRV_STRING_SUBMIT b]", submit("\va\f\xa0") + submit("b"), ""),
             ("[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x[QRV_SUBMIT]",
              "[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x" + submit(""), ""),
-            # Other white space is no blank.
-            ("[QRV_SUBMIT\v][QRV_SUBMIT\f][QRV_SUBMIT\xa0]", "[QRV_SUBMIT\v][QRV_SUBMIT\f][QRV_SUBMIT\xa0]", ""),
-            ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\f\xa0]", submit("\va\f\xa0"), ""),
-            ("<[QRV_STRING_TRUE [QRV_SUBMIT/]>\r\né", "<" + submit("Submit") + ">\r\né", ""),
         ]
         for canvas, expected, printed in cases:
             with self.subTest(canvas):
@@ -88,21 +83,15 @@ class HtmlTest(ProgramTest):
     def test_canvases(self):
         built_in = self.page(ONE)
         self.assertIn("<title>Generated Model</title>\n<script", built_in)
-        self.assertEqual(self.page(ONE, "ü[QRV_SCR]"[:9]), built_in)
+        self.assertEqual(self.page(ONE, "ü[QRV_SCR"), built_in)  # nine units are no canvas
         self.assertTrue(self.page(ONE, "\ufeff" + REQUIRED).startswith("<script"))  # the mark is no part of the canvas
         twice = self.page(ONE, REQUIRED * 2)
         self.assertEqual([len(re.findall(text, twice)) for text in ["var finished=", r"Question 1\)", "myEventListener\\("]],
                          [2, 2, 2 + 1 + 2])  # the second script calls for both
-        # The last unit of a piece that is converted by itself is half of a pair, or a half alone.
-        canvas = " " * (2**16 - 1 - len("Question 1) ")) + "[QRV_ALL_QUESTIONS]" + REQUIRED
-        for label, shown in [("😀", "😀"), ("&#55296;😀", "?😀")]:
-            page = self.page(ONE.replace('"Label"', f'"{label}"'), canvas)
-            self.assertEqual(page.lstrip().split(" \n")[0], f"Question 1) {shown}")
-        for canvas, printed in [
-                ("0123456789", "Required tag [QRV_SCRIPT] is missing!"),
-                ("[QRV_SCRIPT][QRV_ANSWER 1", "Required tag [QRV_ANSWER] is missing!"),
-                ("[QRV_SCRIPT][QRV_ANSWER 1]",
-                 "One of these tags ([QRV_ALL_QUESTIONS],[QRV_QUESTION]) is missing!")]:
+        for canvas, printed in {"0123456789": "Required tag [QRV_SCRIPT] is missing!",
+                                "[QRV_SCRIPT][QRV_ANSWER 1": "Required tag [QRV_ANSWER] is missing!",
+                                "[QRV_SCRIPT][QRV_ANSWER 1]": "One of these tags ([QRV_ALL_QUESTIONS],[QRV_QUESTION]) is "
+                                                              "missing!"}.items():
             self.assertIsNone(self.page(ONE, canvas, (3, printed)))
 
     def test_questions_one_by_one(self):
@@ -155,11 +144,6 @@ class HtmlTest(ProgramTest):
         empty = self.write("list.Xml", "<Models><x/></Models>")
         self.assertIsNone(self.page(empty, "", (2, "Couldn't find tag 'Model' in XML-Models file 'list.Xml'!")))
 
-    @not_on_windows("names cannot end in a blank there")
-    def test_names_in_lists_are_taken_as_they_stand(self):
-        self.write(" m ", ONE)
-        self.assertIn("m0_V1", self.page(self.write("list.Xml", '<Models><Model file=" m "/></Models>')))
-
     def test_output_paths(self):
         for name, output in [("a.ModelXml", "a.html"), ("b.MODELXMLx.modelxml", "b.htmlx.html"), ("plain", "plain")]:
             self.write(name, ONE)
@@ -168,9 +152,8 @@ class HtmlTest(ProgramTest):
         self.write("canvas", REQUIRED)
         self.assertEqual(self.run_program("-h", "a.ModelXml", "canvas"), (0, ""))
         self.assertTrue((self.folder / "a.html").read_bytes().startswith(b"<script"))
-        for output in ["no/such/folder", "/dev/full", "."]:
-            self.assertEqual(self.run_program("-h", "a.ModelXml", "canvas", output), (0, ""))
-        self.assertEqual(self.run_program("-h", ""), (0, ""))
+        for arguments in [["a.ModelXml", "canvas", "no/such/folder"], ["a.ModelXml", "canvas", "/dev/full"], [""]]:
+            self.assertEqual(self.run_program("-h", *arguments), (0, ""))
 
     def test_arrays(self):
         def shortened(name, *values):
@@ -187,11 +170,12 @@ class HtmlTest(ProgramTest):
         self.assertIn("\n\t\t+ m0_V1_score * 1\n\tvar", self.page(shortened("betas", 1).replace('"T"', '"X"')))
         self.assertIn("var histogramMaxProba=0.25;", self.page(shortened("x", 1, 2)))  # the third probability
         self.assertIn("mapScore[0]  = [];\nmapProba[0]  = [];\n\nvar", self.page(shortened("x")))
-        for x in ["<w>", "<x/><w>"]:
-            self.assertIn("var m0_V1_boundAr = [];\n\n", self.page(ONE.replace("<x>", x, 1).replace("</x>", "</w>", 1)))
+        self.assertIn("var m0_V1_boundAr = [];\n\n", self.page(ONE.replace("<x>", "<w>", 1).replace("</x>", "</w>", 1)))
         # The script ends where an array of the table is absent.
-        cut = self.page(ONE.replace("ProbabilityMapping><x>", "ProbabilityMapping><w>").replace("</x><y>", "</w><y>"))
-        self.assertIn("var mapProba = new Array();\n\n\n</head>", cut)
+        for name in ["x", "y"]:
+            model, _, mapping = ONE.partition("<ProbabilityMapping>")
+            cut = self.page(model + "<ProbabilityMapping>" + mapping.replace(f"{name}>", "w>"))
+            self.assertIn("var mapProba = new Array();\n\n\n</head>", cut)
         page = self.page(document([numeric(1, "", range(5), range(11), label="")], [(1, 2), (1, 3)], 0,
                                   table=[(1, 0), (0, 1.2345678e-7), (-1, 1.2345678e-7)], kind="c"))
         for text in ["_scoreAr = [0,1,2,3,4,\n\t\t5,6,7,8,9,\n\t\t10];\n\nvar", "_boundAr = [0,1,2,3,4];\n\n",
@@ -233,21 +217,17 @@ class HtmlTest(ProgramTest):
             page = self.page(document([node], [(1, 1)], 0), REQUIRED)
             reads = "enterModalFieldString(" if len(values) > 5 else "enterModalFieldRadioButton("
             self.assertIn(f"m0_V1_score = {reads}document.QRVform.m0_V1,m0_V1_scoreAr);\n", page)
-            return re.findall(r'VALUE="(\d)"( selected="selected")?>(.*)|value="(\d)" (CHECKED)? >(.*)<br>', page)
+            found = re.findall(r'VALUE="(\d)"( selected="selected")?>(.*)|value="(\d)" (CHECKED)? >(.*)<br>', page)
+            return [(int(m[0] or m[3]), m[2] or m[5], bool(m[1] or m[4])) for m in found]
 
-        def seen(matches):
-            return [(int(m[0] or m[3]), m[2] or m[5], bool(m[1] or m[4])) for m in matches]
-
-        self.assertEqual(seen(offered(["b", "a", "c"], (1, 1, 5, 5))),
+        self.assertEqual(offered(["b", "a", "c"], (1, 1, 5, 5)),
                          [(0, "unknown", False), (2, "A", True), (1, "B", False), (3, "C", False)])
         # Of two with one value the last is offered, and both count for the list.
-        self.assertEqual(seen(offered(["b", "a", "b", "B", "é"], labels="none")),
-                         [(0, "----- unknown -----", True), (4, "B", False), (2, "a", False), (3, "b", False),
-                          (5, "é", False)])
-        self.assertEqual(seen(offered(["no", "yes"], (0, 1, 2), "bb64")),
-                         [(0, "unknown", False), (2, "True", True), (1, "False", False)])
-        self.assertEqual(seen(offered(["no", "yes"], (0, 1, 2), "BB64")),
-                         [(0, "unknown", False), (1, "No", False), (2, "Yes", True)])
+        self.assertEqual(offered(["b", "a", "b", "B", "é"], labels="none"), [
+            (0, "----- unknown -----", True), (4, "B", False), (2, "a", False), (3, "b", False), (5, "é", False)])
+        for kind, shown in {"bb64": [(2, "True", True), (1, "False", False)],
+                            "BB64": [(1, "No", False), (2, "Yes", True)]}.items():
+            self.assertEqual(offered(["no", "yes"], (0, 1, 2), kind), [(0, "unknown", False), *shown])
         self.assertEqual(len(offered("abcdef")), 7)
 
     def test_large_inputs(self):

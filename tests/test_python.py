@@ -62,6 +62,8 @@ class PythonTest(ProgramTest):
         model = load(self.convert("-p", DOCUMENTS["logistic"], "out", "M"), "M")
         result = model.apply(pandas.DataFrame({"a": [0.5, 0.5], "b": ["x", "x"]}))
         self.assertEqual((list(result.score), list(result.proba.round(12))), ([2.5, 2.5], [0, 0.924141819979]))
+        tabled = self.convert("-p", document([], [], 0, table=[(1, 1)], method="softmax"))
+        self.assertNotIn("exp(-", tabled)  # a table comes first
 
     def test_texts_that_do_not_compile(self):
         for text, name in [(document([numeric(1, "a", [1], [1, 2, 3])], [(1, 1)], 0), "NoCategories"),
