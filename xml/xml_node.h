@@ -161,7 +161,7 @@ public:
             child = parent->childNode(name, &index);
             return *this;
         }
-        bool operator!=(std::default_sentinel_t) const { return !child.isEmpty(); }
+        bool operator!=(std::default_sentinel_t /*end*/) const { return !child.isEmpty(); }
 
     private:
         const XmlNode *parent;
@@ -172,7 +172,7 @@ public:
 
     XmlChildren(XmlNode owner, QStringView childName) : parent(std::move(owner)), name(childName) {}
     Iterator begin() const { return {parent, name}; }
-    std::default_sentinel_t end() const { return {}; }
+    static std::default_sentinel_t end() { return {}; }
 
 private:
     XmlNode parent;
