@@ -76,8 +76,8 @@ int storeDigits(Word number, int exponent, char *text) {
 int exactDigits(double value, int digits, char *text) {
     constexpr Word hidden = Word(1) << 52; // the bit of m that is not written down
     constexpr Word half = Word(1) << 63;
-    const Word bits = std::bit_cast<Word>(value);
-    const double magnitude = std::bit_cast<double>(bits & ~(Word(1) << 63));
+    const auto bits = std::bit_cast<Word>(value);
+    const auto magnitude = std::bit_cast<double>(bits & ~(Word(1) << 63));
     if (digits < 2 || digits > mostDigits) return 0;
     const double end = leastOfExponent[digits - 1 - leastExponent];
     if (!(magnitude >= leastOfExponent[0] && magnitude < end)) return 0;
@@ -86,12 +86,13 @@ int exactDigits(double value, int digits, char *text) {
     const int exponent = decimalExponent(magnitude, binaryExponent);
     const int scale = digits - 1 - exponent;
     const int shift = 52 - binaryExponent - scale; // 2 to 61
-    const Wide product = Wide((bits & (hidden - 1)) | hidden) * powersOfFive[scale];
-    const Word low = static_cast<Word>(product);
+    const Wide product =
+        Wide((bits & (hidden - 1)) | hidden) * powersOfFive[static_cast<std::size_t>(scale)];
+    const auto low = static_cast<Word>(product);
     const Word down = static_cast<Word>(product >> 64) << (64 - shift) | low >> shift;
     const Word dropped = low << (64 - shift);
     const Word rounded = down + (dropped + (down & 1) > half ? 1 : 0);
-    const Word number = rounded * powersOfTen[mostDigits - digits];
+    const Word number = rounded * powersOfTen[static_cast<std::size_t>(mostDigits - digits)];
     if (number == powersOfTen[mostDigits]) return 0; // rounded up to one digit more
     *text = '-';
     const int sign = bits >> 63 ? 1 : 0;
