@@ -98,8 +98,8 @@ QString readRowOptions(const QCommandLineParser &parser, RowOptions &rows) {
     return {};
 }
 
-QString readComparison(const QCommandLineParser &parser, const RowOptions &rows, Targets targets,
-                       ComparisonOptions &comparison) {
+QString readComparison(const QCommandLineParser &parser, const RowOptions &rows,
+                       const Targets &targets, ComparisonOptions &comparison) {
     if (!parser.isSet(u"target"_s) || targets.count() != 1) {
         return u"--compare wants the one --target that the results are of."_s;
     }

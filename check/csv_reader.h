@@ -55,7 +55,7 @@ private:
     void startBatch();
 
     struct Close {
-        void operator()(std::FILE *file) const { std::fclose(file); }
+        void operator()(std::FILE *opened) const { std::fclose(opened); }
     };
     static constexpr std::size_t notChosen = static_cast<std::size_t>(-1);
 

@@ -22,7 +22,7 @@ QString placeOf(const Recoding &recoding) {
 
 // Notes the finding for a recoding, so that rows are told apart by it where that can be.
 void note(Notes &notes, FindingId id, const Scorecard &card, const Recoding &recoding,
-          Targets targets = Targets().set()) {
+          const Targets &targets = Targets().set()) {
     const bool byRows = std::ranges::any_of(
         std::array{SingleBound, MissingCodesDigits, MissingCodesName, MissingCodesUnread,
                    BooleanDigits, NamesAlike, BooleanNumbers, BooleanBlanks, TextBlanks, Capitals,
@@ -243,7 +243,8 @@ QString pointOf(const Scorecard &card, std::size_t i) {
     return u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(card.table.x[i]));
 }
 
-void noteTable(Notes &notes, FindingId id, const QString &place, Targets limit = Targets().set()) {
+void noteTable(Notes &notes, FindingId id, const QString &place,
+               const Targets &limit = Targets().set()) {
     Finding *const finding = notes.add(id, place, limit);
     if (finding) finding->byRows = true;
 }

@@ -29,7 +29,7 @@ void putHtmlReport(TextBuffer &out, const Report &report);
 // values of a list.
 QString valuesAt(const Recoding &recoding, std::size_t position);
 // The names of targets, with ", " between them.
-QString targetsText(Targets targets);
+QString targetsText(const Targets &targets);
 // 6 significant digits; empty for what is no number.
 QString shortNumber(double number);
 QString titleOf(const Recoding &recoding);

@@ -172,7 +172,7 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
     return position > 2 ? u"never"_s : (position == 1 ? u"false: "_s : u"true: "_s) + text;
 }
 
-QString targetsText(Targets targets) {
+QString targetsText(const Targets &targets) {
     QStringList names;
     for (std::size_t t = 0; t < targetCount; ++t) {
         if (targets.test(t)) names.append(targetName(static_cast<Target>(t)).toString());

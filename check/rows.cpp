@@ -53,7 +53,7 @@ public:
         put('"');
     }
     void flush() {
-        std::fwrite(text.data(), 1, used, file.get());
+        if (used > 0) std::fwrite(text.data(), 1, used, file.get());
         used = 0;
     }
 

@@ -205,7 +205,7 @@ QString numberText(double number) {
     return QString::fromLatin1(text.characters, text.size);
 }
 
-Finding *Notes::add(FindingId id, const QString &place, Targets limit) {
+Finding *Notes::add(FindingId id, const QString &place, const Targets &limit) {
     const Targets concerned = kindOf(id).targets & targets & limit;
     if (concerned.none()) return nullptr;
     Finding &finding = findings.emplace_back();

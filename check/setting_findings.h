@@ -7,10 +7,10 @@
 // Collects findings, and leaves out those that concern none of the targets.
 class Notes {
 public:
-    explicit Notes(Targets asked) : targets(asked) {}
+    explicit Notes(const Targets &asked) : targets(asked) {}
 
     // The finding, until the next call; null when it was left out.
-    Finding *add(FindingId id, const QString &place, Targets limit = Targets().set());
+    Finding *add(FindingId id, const QString &place, const Targets &limit = Targets().set());
 
     std::vector<Finding> findings;
 

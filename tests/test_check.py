@@ -201,7 +201,7 @@ class ScoresAndFindingsTest(CheckedTest):
         source = (TESTS.parent / "check" / "findings.cpp").read_text()
         self.assertEqual(list(HAVE), re.findall(r'^    {\w+, u"([\w-]+)"', source, re.M))
         manual = (TESTS.parent / "docs" / "check.md").read_text()
-        self.assertEqual(list(HAVE), re.findall(r"^\| `([\w-]+-[\w-]+)` \| (?:all|[a-z, ]+) \| \[", manual, re.M))
+        self.assertEqual(list(HAVE), re.findall(r"^\| `([\w-]+)` \| (?:all|[a-z, ]+) \| \[", manual, re.M))
 
         def found(text, sql=None, canvas=CANVAS, rows=None, key=None):
             self.write("m.ModelXml", text)
