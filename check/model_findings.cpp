@@ -4,7 +4,6 @@
 #include "check/evaluation.h"
 #include "check/setting_findings.h"
 
-#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -75,7 +74,6 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
     if (type != u"NormContinuous" && type != u"Discretize") {
         note(notes, UnsupportedType, card, recoding);
     }
-    note(notes, NotANumber, card, recoding);
 }
 
 // What the targets make of the values as texts.
@@ -126,13 +124,18 @@ void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &rec
 void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     QSet<int> numbers;
     for (const RegressionTerm &term : card.regression.terms) numbers.insert(term.number);
-    QHash<int, const Recoding *> ofNumber;
+    QSet<int> ofRecodings;
+    QSet<std::size_t> numericColumns; // whose cells are looked at already
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
         if (variable.isCategorical) {
             inspectCategorical(notes, card, recoding, sql);
         } else {
             inspectNumeric(notes, card, recoding);
+            if (!numericColumns.contains(recoding.column)) {
+                note(notes, NotANumber, card, recoding);
+            }
+            numericColumns.insert(recoding.column);
         }
         if (!isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(recoding.codes)) {
             note(notes, NotFinite, card, recoding);
@@ -146,10 +149,10 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
         }
         if (!numbers.contains(variable.number)) {
             note(notes, RecodingWithoutCoefficient, card, recoding);
-        } else if (ofNumber.contains(variable.number)) {
+        } else if (ofRecodings.contains(variable.number)) {
             note(notes, EqualNumbers, card, recoding);
         }
-        ofNumber.insert(variable.number, &recoding);
+        ofRecodings.insert(variable.number);
     }
 }
 

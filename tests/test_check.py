@@ -302,6 +302,10 @@ class DeploymentTest(CheckedTest):
         self.assertEqual((found["rows"], found["equal"], found["explained"], found["unexplained"]),
                          (4454, 4454 - last, {"lowest-segment": last}, 0))
 
+        counted = self.report("credit.ModelXml", "--rows", APPLICANTS, "--target", "python")["findings"]
+        self.assertEqual([(f["name"], f["rows"]) for f in counted], [
+            ("lowest-segment", last), ("lowest-point", 0), *(("not-a-number", n) for n in [381, 47, 18])])  # each column once
+
         changed = result.copy()
         changed.loc[17, "Status_bad_score"] += 0.5
         found = compare(changed)
