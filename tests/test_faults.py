@@ -16,7 +16,7 @@ MANY = 1_000_000
 class FaultsTest(ProgramTest):
     def setUp(self):
         super().setUp()
-        self.write("config", '<Model2SQL inputFile="m" outputFile="out" inputTable="i" predictionTable="p" dbType="mysql"/>')
+        self.write("config", '<Model2SQL inputFile="m" outputFile="out" inputTable="i" predictionTable="p"/>')
 
     def export(self, data, options=EXPORTS, statuses=(0, 1, 8), memory=None):
         """Runs exporters on a document, and checks that an output is whole or as it was. No document in UTF-8 takes

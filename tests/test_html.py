@@ -67,8 +67,9 @@ class HtmlTest(ProgramTest):
             ("[QRV_ANSWER -1/[QRV_ANSWER -2]", "[QRV_ANSWER -1/" + answer(-2), ""),
             ("[QRV_QUESTION a/b]", "[QRV_QUESTION a/b]", warning(0, "question", "QUESTION")),
             ("[QRV_STRING_SUBMIT]x[QRV_SUBMIT\r\n/]", "x" + submit(""), ""),
-            # The next label of a kind counts as soon as the one before it has been passed; other white space is no blank.
-            ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\f\xa0][QRV_SUBMIT][QRV_STRING_SUBMIT b]", submit("\va\f\xa0") + submit("b"), ""),
+            # The next label of a kind counts as soon as the one before it has been passed. Other white space is no blank.
+            ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\xa0][QRV_SUBMIT][QRV_STRING_SUBMIT b]",
+             submit("\va\xa0") + submit("b"), ""),
             ("[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x[QRV_SUBMIT]",
              "[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x" + submit(""), ""),
         ]
