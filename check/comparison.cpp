@@ -35,6 +35,13 @@ std::vector<std::size_t> findColumns(const CsvReader &reader, const std::vector<
         columns[reader.header()[i]] = i;
         ++counts[reader.header()[i]];
     }
+    // Blanks around a title are told apart only where a name has them too.
+    for (std::size_t i = 0; i < reader.header().size(); ++i) {
+        const std::string &title = reader.header()[i];
+        const std::string_view plain = trimmed(title);
+        columns.try_emplace(plain, i);
+        if (plain != title) ++counts[plain];
+    }
     std::vector<std::size_t> found;
     QStringList absent;
     for (const QString &wanted : names) {

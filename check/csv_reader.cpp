@@ -4,6 +4,9 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <exception>
+#include <new>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -60,40 +63,59 @@ void CsvReader::choose(std::span<const std::size_t> columns) {
     }
 }
 
+// The callbacks are called by C, through which no exception may pass.
+template <typename Work>
+void CsvReader::guarded(const Work &work) noexcept {
+    if (isOutOfMemory) return;
+    try {
+        work();
+    } catch (const std::exception &) {
+        isOutOfMemory = true;
+    }
+}
+
 void CsvReader::takeCell(void *bytes, std::size_t size, void *reader) {
     CsvReader &r = *static_cast<CsvReader *>(reader);
-    const auto *const begin = static_cast<const char *>(bytes);
-    if (!r.hasHeader) {
-        r.titles.emplace_back(begin, size);
+    r.guarded([&] { r.addCell({static_cast<const char *>(bytes), size}); });
+}
+
+void CsvReader::addCell(std::string_view cell) {
+    if (!hasHeader) {
+        titles.emplace_back(cell);
         return;
     }
-    const std::size_t at = r.column++;
-    if (at >= r.places.size() || r.places[at] == notChosen) return;
-    if (r.text.size() < r.used + size + shortCell) r.text.resize(2 * (r.used + size + shortCell));
-    char *const to = r.text.data() + r.used;
-    std::memcpy(to, begin, shortCell);
-    if (size > shortCell) std::memcpy(to, begin, size);
-    r.batch[r.batch.size() - r.width + r.places[at]] = {r.used, size};
-    r.used += size;
+    const std::size_t at = column++;
+    if (at >= places.size() || places[at] == notChosen) return;
+    const std::size_t size = cell.size();
+    if (text.size() < used + size + shortCell) text.resize(2 * (used + size + shortCell));
+    char *const to = text.data() + used;
+    std::memcpy(to, cell.data(), shortCell);
+    if (size > shortCell) std::memcpy(to, cell.data(), size);
+    batch[batch.size() - width + places[at]] = {used, size};
+    used += size;
 }
 
 void CsvReader::endRow(int, void *reader) {
     CsvReader &r = *static_cast<CsvReader *>(reader);
-    if (!r.hasHeader) {
-        r.hasHeader = true;
-        r.width = r.titles.size();
-        r.places.resize(r.width);
-        for (std::size_t i = 0; i < r.width; ++i) r.places[i] = i;
-    } else {
-        ++r.finished;
-    }
-    r.column = 0;
-    r.batch.resize(r.batch.size() + r.width);
+    r.guarded([&r] { r.addRow(); });
 }
 
-// Keeps the row that is not finished yet.
+void CsvReader::addRow() {
+    if (!hasHeader) {
+        hasHeader = true;
+        width = titles.size();
+        places.resize(width);
+        for (std::size_t i = 0; i < width; ++i) places[i] = i;
+    } else {
+        ++finished;
+    }
+    column = 0;
+    batch.resize(batch.size() + width);
+}
+
+// Keeps the row that is not finished yet. A row that is longer than a block is moved once only.
 void CsvReader::startBatch() {
-    if (!hasHeader) return;
+    if (finished == 0) return;
     batch.erase(batch.begin(), batch.end() - static_cast<std::ptrdiff_t>(width));
     std::string kept;
     for (Span &cell : batch) {
@@ -108,26 +130,44 @@ void CsvReader::startBatch() {
     given = 0;
 }
 
+// The file's mark is no part of its first title.
+std::string_view CsvReader::startOfFile(std::string_view bytes) {
+    // Titles begin with characters that are one byte, or two of which one is 0.
+    const bool isUtf16 =
+        bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
+        (bytes.size() > 1 && bytes.substr(0, 2).find('\0') != std::string_view::npos);
+    if (isUtf16) trouble = u"File '%1' is UTF-16; save it as UTF-8."_s.arg(name);
+    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+    return bytes;
+}
+
 bool CsvReader::readBlock() {
     if (isAtEnd) return false;
     startBatch();
-    const bool isFirst = !hasHeader && titles.empty() && number == 0;
-    std::size_t size = std::fread(block.data(), 1, block.size(), file.get());
+    const std::size_t size = std::fread(block.data(), 1, block.size(), file.get());
     std::string_view bytes(block.data(), size);
-    if (isFirst && bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
+    if (std::exchange(isAtStart, false)) bytes = startOfFile(bytes);
+    isAtEnd = size < block.size() || !trouble.isEmpty();
+    if (!trouble.isEmpty()) return false;
     if (csv_parse(&parser, bytes.data(), bytes.size(), takeCell, endRow, this) != bytes.size()) {
         trouble =
             u"File '%1' has a cell of more than 64 MiB; is a quotation mark not closed?"_s.arg(
                 name);
         isAtEnd = true;
-        return false;
-    }
-    if (size < block.size()) {
-        isAtEnd = true;
+    } else if (isAtEnd) {
         if (std::ferror(file.get())) trouble = u"Cannot read file '%1'."_s.arg(name);
-        csv_fini(&parser, takeCell, endRow, this);
+        finish();
     }
-    return true;
+    if (isOutOfMemory) throw std::bad_alloc();
+    return trouble.isEmpty();
+}
+
+void CsvReader::finish() {
+    // Only here, since strictness would refuse quotation marks within cells.
+    csv_set_opts(&parser, CSV_STRICT | CSV_STRICT_FINI);
+    if (csv_fini(&parser, takeCell, endRow, this) != 0) {
+        trouble = u"File '%1' ends within quotation marks."_s.arg(name);
+    }
 }
 
 bool CsvReader::next() {

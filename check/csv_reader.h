@@ -2,6 +2,8 @@
 // without mark. Memory does not grow with the rows; a cell may take 64 MiB.
 #pragma once
 
+#include "model/output_file.h"
+
 #include <QString>
 
 #include <csv.h>
@@ -28,7 +30,7 @@ public:
 
     // Opens the file and reads its header line. Returns what is wrong, or an empty text.
     QString open(const QString &fileName, char delimiter);
-    // The titles of the columns.
+    // The titles of the columns, with the blanks around them.
     std::span<const std::string> header() const { return titles; }
 
     // The columns that each row is to give, by their positions in the header. No row was read yet.
@@ -51,20 +53,25 @@ public:
 private:
     static void takeCell(void *bytes, std::size_t size, void *reader);
     static void endRow(int terminator, void *reader);
-    bool readBlock();
+    template <typename Work>
+    void guarded(const Work &work) noexcept;
+    void addCell(std::string_view cell);
+    void addRow();
     void startBatch();
+    std::string_view startOfFile(std::string_view bytes);
+    bool readBlock();
+    void finish();
 
-    struct Close {
-        void operator()(std::FILE *opened) const { std::fclose(opened); }
-    };
     static constexpr std::size_t notChosen = static_cast<std::size_t>(-1);
 
     QString name;
     QString trouble;
-    std::unique_ptr<std::FILE, Close> file;
+    std::unique_ptr<std::FILE, OutputFile::Close> file;
     csv_parser parser{};
     bool isParsing = false;
+    bool isAtStart = true;
     bool isAtEnd = false;
+    bool isOutOfMemory = false;
     bool hasHeader = false;
     std::vector<char> block;
     std::vector<std::string> titles;
