@@ -7,10 +7,14 @@
 #include "platform/platform.h"
 
 #include <QCommandLineParser>
+#include <QDir>
+#include <QFileInfo>
 
 #include <algorithm>
+#include <array>
 #include <new>
 #include <optional>
+#include <stdexcept>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -112,6 +116,13 @@ QString readComparison(const QCommandLineParser &parser, const RowOptions &rows,
     if (comparison.score.isEmpty() && comparison.probability.isEmpty()) {
         return u"--compare wants --score or --probability, the columns of the results."_s;
     }
+    const std::array columns = {&comparison.key, &comparison.score, &comparison.probability};
+    for (std::size_t i = 1; i < columns.size(); ++i) {
+        const QString &column = *columns[i];
+        const bool isAgain = std::any_of(columns.begin(), columns.begin() + i,
+                                         [&](const QString *name) { return *name == column; });
+        if (isAgain && !column.isEmpty()) return u"The column '%1' is named twice."_s.arg(column);
+    }
     if (parser.isSet(u"tolerance"_s)) {
         bool isNumber = false;
         comparison.tolerance = parser.value(u"tolerance"_s).toDouble(&isNumber);
@@ -125,6 +136,28 @@ QString readComparison(const QCommandLineParser &parser, const RowOptions &rows,
     return {};
 }
 
+// Where the file is or would be, however it is named. Empty for what holds nothing, as a device.
+QString placeOf(const QString &fileName) {
+    const QFileInfo file(fileName);
+    if (fileName.isEmpty() || (file.exists() && !file.isFile())) return {};
+    if (file.exists()) return file.canonicalFilePath();
+    return QDir(file.absolutePath()).canonicalPath() + u'/' + file.fileName();
+}
+
+// Tells of a file that would be written over what is read or written too.
+QString findOverwritten(const Request &request) {
+    QStringList places = {placeOf(request.model), placeOf(request.sql), placeOf(request.canvas)};
+    if (request.rows) places.append(placeOf(request.rows->file));
+    if (request.comparison) places.append(placeOf(request.comparison->file));
+    for (const QString &output : {request.rows ? request.rows->scores : QString(), request.report}) {
+        const QString place = placeOf(output);
+        if (place.isEmpty()) continue;
+        if (places.contains(place)) return u"File '%1' would be written over."_s.arg(output);
+        places.append(place);
+    }
+    return {};
+}
+
 // What is wrong with the call, or an empty text.
 QString readRequest(const QCommandLineParser &parser, Request &request) {
     if (parser.positionalArguments().size() != 1) return u"One model document is needed."_s;
@@ -134,6 +167,7 @@ QString readRequest(const QCommandLineParser &parser, Request &request) {
     request.report = parser.value(u"report"_s);
     request.sql = parser.value(u"sql"_s);
     request.canvas = parser.value(u"canvas"_s);
+    if (request.shows && request.asJson) return u"--show prints text, and cannot be JSON."_s;
     QString problem;
     if (parser.isSet(u"target"_s)) {
         problem = readTargets(parser.value(u"target"_s), request.targets);
@@ -155,12 +189,13 @@ QString readRequest(const QCommandLineParser &parser, Request &request) {
     if (parser.isSet(u"compare"_s)) {
         problem =
             readComparison(parser, *request.rows, request.targets, request.comparison.emplace());
+        if (!problem.isEmpty()) return problem;
     }
     const bool asksMore = request.rows || request.asJson || !request.report.isEmpty() ||
                           !request.sql.isEmpty() || !request.canvas.isEmpty() ||
                           parser.isSet(u"target"_s);
     request.looks = !request.shows || asksMore;
-    return problem;
+    return findOverwritten(request);
 }
 
 // --- Work
@@ -183,7 +218,7 @@ bool isFound(const Report &report) {
                       result->repeated > 0);
 }
 
-int tell(const Request &request, const Report &report) {
+void print(const Request &request, const Report &report) {
     TextBuffer out;
     if (request.shows) putModel(out, report.card);
     if (request.shows && request.looks) put(out, u"\n");
@@ -193,18 +228,15 @@ int tell(const Request &request, const Report &report) {
         putReport(out, report);
     }
     printText(out.text());
-    if (!request.report.isEmpty()) {
-        TextBuffer page;
-        putHtmlReport(page, report);
-        OutputFile file;
-        file.stream.reset(openFile(request.report, FileUse::Write));
-        file.encoding = OutputEncoding::Utf8;
-        if (!file.stream) {
-            return fail(u"Cannot open file '%1' for writing."_s.arg(request.report), exitUsage);
-        }
-        writeText(file, page.text());
-    }
-    return request.looks && isFound(report) ? exitFound : exitNothingFound;
+}
+
+// Whether the device took the page.
+bool writePage(OutputFile &file, const Report &report) {
+    TextBuffer page;
+    putHtmlReport(page, report);
+    writeText(file, page.text());
+    const bool isWritten = std::ferror(file.stream.get()) == 0;
+    return std::fclose(file.stream.release()) == 0 && isWritten;
 }
 
 int check(const Request &request) {
@@ -233,6 +265,14 @@ int check(const Request &request) {
         const QString problem = comparison->open();
         if (!problem.isEmpty()) return fail(problem, exitUsage);
     }
+    // Before the rows are scored, which may take its time.
+    OutputFile page{.stream = {}, .encoding = OutputEncoding::Utf8};
+    if (!request.report.isEmpty()) {
+        page.stream.reset(openFile(request.report, FileUse::Write));
+        if (!page.stream) {
+            return fail(u"Cannot open file '%1' for writing."_s.arg(request.report), exitUsage);
+        }
+    }
     if (request.rows) {
         const RowFailure failure =
             scoreRows(card, findings, *request.rows, comparison ? &*comparison : nullptr, counts);
@@ -241,11 +281,16 @@ int check(const Request &request) {
     std::erase_if(findings, [](const Finding &finding) {
         return needsRows(finding.id) && finding.rows == 0;
     });
-    return tell(request, {.card = card,
-                          .findings = findings,
-                          .counts = request.rows ? &counts : nullptr,
-                          .compared = comparison ? &comparison->asked() : nullptr,
-                          .comparison = comparison ? &comparison->result : nullptr});
+    const Report report = {.card = card,
+                           .findings = findings,
+                           .counts = request.rows ? &counts : nullptr,
+                           .compared = comparison ? &comparison->asked() : nullptr,
+                           .comparison = comparison ? &comparison->result : nullptr};
+    print(request, report);
+    if (page.stream && !writePage(page, report)) {
+        return fail(u"Cannot write to file '%1'."_s.arg(request.report), exitUsage);
+    }
+    return request.looks && isFound(report) ? exitFound : exitNothingFound;
 }
 
 int run(const QStringList &arguments) {
@@ -274,6 +319,8 @@ int runCheck(const std::function<QStringList()> &readArguments) {
     try {
         return run(readArguments());
     } catch (const std::bad_alloc &) {
-        return fail(u"The model does not fit in memory."_s, exitUnusableModel);
+        return fail(u"There is not enough memory."_s, exitUnusableModel);
+    } catch (const std::length_error &) {
+        return fail(u"There is not enough memory."_s, exitUnusableModel);
     }
 }

@@ -53,8 +53,13 @@ public:
         put('"');
     }
     void flush() {
-        if (used > 0) std::fwrite(text.data(), 1, used, file.get());
+        if (used > 0 && std::fwrite(text.data(), 1, used, file.get()) != used) isWritten = false;
         used = 0;
+    }
+    // Whether the device took everything.
+    bool close() {
+        flush();
+        return std::fclose(file.release()) == 0 && isWritten;
     }
 
 private:
@@ -73,6 +78,7 @@ private:
     std::unique_ptr<std::FILE, Close> file;
     std::vector<char> text;
     std::size_t used = 0;
+    bool isWritten = true;
 };
 
 // --- The findings that a row is touched by
@@ -265,7 +271,9 @@ RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
         out.put('\n');
     }
     counts.rows = reader.row();
-    if (out.isOpen()) out.flush();
+    if (out.isOpen() && !out.close()) {
+        return {u"Cannot write to file '%1'."_s.arg(options.scores), true};
+    }
     if (!reader.problem().isEmpty()) return {reader.problem(), true};
     if (comparison) problem = comparison->finish();
     return {problem, true};
