@@ -149,7 +149,8 @@ QString findOverwritten(const Request &request) {
     QStringList places = {placeOf(request.model), placeOf(request.sql), placeOf(request.canvas)};
     if (request.rows) places.append(placeOf(request.rows->file));
     if (request.comparison) places.append(placeOf(request.comparison->file));
-    for (const QString &output : {request.rows ? request.rows->scores : QString(), request.report}) {
+    for (const QString &output :
+         {request.rows ? request.rows->scores : QString(), request.report}) {
         const QString place = placeOf(output);
         if (place.isEmpty()) continue;
         if (places.contains(place)) return u"File '%1' would be written over."_s.arg(output);

@@ -30,9 +30,26 @@ void putHtmlReport(TextBuffer &out, const Report &report);
 QString valuesAt(const Recoding &recoding, std::size_t position);
 // The names of targets, with ", " between them.
 QString targetsText(const Targets &targets);
-// 6 significant digits; empty for what is no number.
+// 6 significant digits; "none" for what is no number.
 QString shortNumber(double number);
 QString titleOf(const Recoding &recoding);
+
+// The findings of one kind, which stand together, and the targets of all of them.
+struct FindingGroup {
+    const FindingKind *kind;
+    Targets targets;
+    std::span<const Finding> findings;
+};
+std::vector<FindingGroup> groupsOf(std::span<const Finding> findings);
+
+// How many rows of a comparison are of one sort; `more` names some of them.
+struct ComparisonCount {
+    QString label;
+    std::int64_t rows;
+    QString more;
+};
+// Those that are not 0, without the rows that are as the model says.
+std::vector<ComparisonCount> countsOf(const ComparisonResult &result);
 
 // One recoding's part in the score of a row.
 struct Contribution {

@@ -50,31 +50,27 @@ void putHead(TextBuffer &out, const Report &report) {
 void putFindings(TextBuffer &out, const Report &report) {
     put(out, u"<section><h2>Findings</h2>\n");
     if (report.findings.empty()) put(out, u"<article>None.</article>\n");
-    for (std::size_t i = 0; i < report.findings.size(); ++i) {
-        const Finding &finding = report.findings[i];
-        const FindingKind &kind = kindOf(finding.id);
-        if (i == 0 || report.findings[i - 1].id != finding.id) {
-            put(out, u"<article><h3>", kind.name, u" <span class=\"tag\">",
-                targetsText(finding.targets), u"</span></h3>\n<p>", escaped(kind.text),
-                u"</p>\n<p class=\"soft\">", escaped(kind.remedy), u" (docs/", kind.page,
-                u")</p>\n<ul>\n");
+    for (const FindingGroup &group : groupsOf(report.findings)) {
+        const FindingKind &kind = *group.kind;
+        put(out, u"<article><h3>", kind.name, u" <span class=\"tag\">", targetsText(group.targets),
+            u"</span></h3>\n<p>", escaped(kind.text), u"</p>\n<p class=\"soft\">",
+            escaped(kind.remedy), u" (docs/", kind.page, u")</p>\n<ul>\n");
+        for (const Finding &finding : group.findings) {
+            put(out, u"<li>", escaped(finding.place));
+            if (report.counts && finding.byRows) put(out, u": rows ", qsizetype(finding.rows));
+            if (finding.rows > 0) put(out, u", the first is ", qsizetype(finding.firstRow));
+            put(out, u"</li>\n");
         }
-        put(out, u"<li>", escaped(finding.place));
-        if (report.counts && finding.byRows) put(out, u": rows ", qsizetype(finding.rows));
-        if (finding.rows > 0) put(out, u", the first is ", qsizetype(finding.firstRow));
-        put(out, u"</li>\n");
-        const bool isLast =
-            i + 1 == report.findings.size() || report.findings[i + 1].id != finding.id;
-        if (isLast) put(out, u"</ul></article>\n");
+        put(out, u"</ul></article>\n");
     }
     put(out, u"</section>\n");
 }
 
 // --- Comparison
 
-void putCount(TextBuffer &out, const QString &label, std::int64_t rows) {
-    if (rows == 0) return;
-    put(out, u"<tr><td>", label, u"</td><td class=\"number\">", qsizetype(rows), u"</td></tr>\n");
+void putCount(TextBuffer &out, const ComparisonCount &count) {
+    put(out, u"<tr><td>", escaped(count.label), u"<span class=\"soft\">", escaped(count.more),
+        u"</span></td><td class=\"number\">", qsizetype(count.rows), u"</td></tr>\n");
 }
 
 void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row) {
@@ -95,17 +91,8 @@ void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.comparison;
     put(out, u"<section><h2>Comparison with ", escaped(report.compared->file), u" (",
         targetName(report.compared->target), u")</h2>\n<article><table>\n");
-    putCount(out, u"as the model says"_s, result.equal);
-    for (const auto &[id, explained] : result.explained) {
-        putCount(out, u"explained by %1"_s.arg(kindOf(id).name), explained.rows);
-    }
-    putCount(out, u"without explanation"_s, result.unexplained);
-    putCount(out, u"without a result"_s, result.missing);
-    putCount(out, u"in the results only"_s, result.extra);
-    putCount(out, u"key occurs again"_s, result.repeated);
-    for (const auto &[fault, rows] : result.blamed) {
-        putCount(out, u"would be right with "_s + escaped(fault), rows);
-    }
+    if (result.equal > 0) putCount(out, {u"as the model says"_s, result.equal, {}});
+    for (const ComparisonCount &count : countsOf(result)) putCount(out, count);
     put(out, u"</table></article>\n");
     for (const ComparedRow &row : result.worst) putWorst(out, report, row);
     put(out, u"</section>\n");

@@ -1,5 +1,8 @@
 #include "check/report.h"
 
+#include "check/setting_findings.h"
+
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -31,11 +34,6 @@ void putTable(TextBuffer &out, const Table &table) {
     }
 }
 
-QString fullNumber(double number) {
-    const NumberText text = modelNumber(number);
-    return QString::fromLatin1(text.characters, text.size);
-}
-
 void putRecoding(TextBuffer &out, const Recoding &recoding) {
     const XmlNode &node = recoding.variable->node;
     put(out, u"\n", titleOf(recoding));
@@ -47,13 +45,13 @@ void putRecoding(TextBuffer &out, const Recoding &recoding) {
     put(out, u", coefficient ", recoding.coefficient, u"\n");
     if (!recoding.codes.empty()) {
         QStringList codes;
-        for (const double code : recoding.codes) codes.prepend(fullNumber(code));
+        for (const double code : recoding.codes) codes.prepend(numberText(code));
         put(out, u"  missing codes: ", codes.join(u", "_s), u"\n");
     }
     Table table = {
         {recoding.variable->isCategorical ? u"values"_s : u"interval"_s, u"score"_s, u"points"_s}};
     for (std::size_t i = 0; i < recoding.y.size(); ++i) {
-        table.push_back({valuesAt(recoding, i), fullNumber(recoding.y[i]),
+        table.push_back({valuesAt(recoding, i), numberText(recoding.y[i]),
                          shortNumber(recoding.coefficient * recoding.y[i])});
     }
     putTable(out, table);
@@ -63,7 +61,15 @@ QString rowsOf(std::int64_t rows) {
     return rows == 1 ? u"1 row"_s : u"%1 rows"_s.arg(rows);
 }
 
-// Findings of one kind have their text once.
+void putPlace(TextBuffer &out, const Finding &finding, bool hasRows) {
+    put(out, u"  - ", finding.place);
+    if (hasRows && finding.byRows) {
+        put(out, u": ", rowsOf(finding.rows));
+        if (finding.rows > 0) put(out, u", first row ", qsizetype(finding.firstRow));
+    }
+    put(out, u"\n");
+}
+
 void putFindings(TextBuffer &out, const Report &report) {
     const std::size_t count = report.findings.size();
     put(out,
@@ -71,19 +77,13 @@ void putFindings(TextBuffer &out, const Report &report) {
         : count == 1 ? u"1 finding"_s
                      : u"%1 findings"_s.arg(count),
         u"\n");
-    for (std::size_t i = 0; i < report.findings.size(); ++i) {
-        const Finding &finding = report.findings[i];
-        const FindingKind &kind = kindOf(finding.id);
-        if (i == 0 || report.findings[i - 1].id != finding.id) {
-            put(out, u"\n", kind.name, u" [", targetsText(finding.targets), u"] docs/", kind.page,
-                u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
+    for (const FindingGroup &group : groupsOf(report.findings)) {
+        const FindingKind &kind = *group.kind;
+        put(out, u"\n", kind.name, u" [", targetsText(group.targets), u"] docs/", kind.page,
+            u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
+        for (const Finding &finding : group.findings) {
+            putPlace(out, finding, report.counts != nullptr);
         }
-        put(out, u"  - ", finding.place);
-        if (report.counts && finding.byRows) {
-            put(out, u": ", rowsOf(finding.rows));
-            if (finding.rows > 0) put(out, u", first row ", qsizetype(finding.firstRow));
-        }
-        put(out, u"\n");
     }
 }
 
@@ -119,8 +119,9 @@ QString listed(const Names &names, std::int64_t count) {
             texts.append(QString::fromStdString(name));
         }
     }
+    if (texts.isEmpty()) return {};
     if (texts.size() < count) texts.append(u"…"_s);
-    return texts.isEmpty() ? QString() : u": "_s + texts.join(u", "_s);
+    return u": "_s + texts.join(u", "_s);
 }
 
 void putComparison(TextBuffer &out, const Report &report) {
@@ -129,19 +130,8 @@ void putComparison(TextBuffer &out, const Report &report) {
         targetName(report.compared->target), u")\n");
     put(out, u"  ", rowsOf(result.rows), u" in both files, ", qsizetype(result.equal),
         u" as the model says\n");
-    for (const auto &[id, explained] : result.explained) {
-        put(out, u"  explained by ", kindOf(id).name, u": ", rowsOf(explained.rows),
-            u", first row ", qsizetype(explained.firstRow), u"\n");
-    }
-    const auto tell = [&](QStringView what, std::int64_t count, const QString &names) {
-        if (count > 0) put(out, u"  ", what, u": ", rowsOf(count), names, u"\n");
-    };
-    tell(u"without explanation", result.unexplained, {});
-    tell(u"without a result", result.missing, listed(result.firstMissing, result.missing));
-    tell(u"in the results only", result.extra, listed(result.firstExtra, result.extra));
-    tell(u"key occurs again", result.repeated, listed(result.firstRepeated, result.repeated));
-    for (const auto &[fault, rows] : result.blamed) {
-        put(out, u"  would be right with ", fault, u": ", rowsOf(rows), u"\n");
+    for (const ComparisonCount &count : countsOf(result)) {
+        put(out, u"  ", count.label, u": ", rowsOf(count.rows), count.more, u"\n");
     }
     for (const ComparedRow &row : result.worst) putWorst(out, report, row);
 }
@@ -152,24 +142,67 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
     const std::span<const double> x = recoding.x;
     if (!recoding.variable->isCategorical) {
         if (position == 0) return u"missing"_s;
-        if (position == 1) return u"(-∞, %1)"_s.arg(fullNumber(x[0]));
+        if (position == 1) return u"(-∞, %1)"_s.arg(numberText(x[0]));
         if (position > x.size() + 1) return u"never"_s;
-        if (position == x.size() + 1) return u"(%1, ∞)"_s.arg(fullNumber(x.back()));
+        if (position == x.size() + 1) return u"(%1, ∞)"_s.arg(numberText(x.back()));
         // The first bound belongs to the interval above it.
-        return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, fullNumber(x[position - 2]),
-                                  fullNumber(x[position - 1]));
+        return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, numberText(x[position - 2]),
+                                  numberText(x[position - 1]));
     }
     if (position == 0) return u"missing or not listed"_s;
-    QStringList values;
-    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
-        const std::size_t at = !recoding.isBoolean ? i + 1 : i < 5 ? 1 : 2;
-        const QString value = u'\'' + recoding.listed[i].toString() + u'\'';
-        if (at == position && !values.contains(value)) values.append(value);
-        if (!recoding.isBoolean && at == position) break;
+    const auto quoted = [](QStringView value) { return u'\'' + value.toString() + u'\''; };
+    if (!recoding.isBoolean) {
+        const bool isListed = position <= recoding.listed.size();
+        return isListed ? quoted(recoding.listed[position - 1]) : u"never"_s;
     }
-    const QString text = values.join(u", "_s);
-    if (!recoding.isBoolean) return values.isEmpty() ? u"never"_s : text;
-    return position > 2 ? u"never"_s : (position == 1 ? u"false: "_s : u"true: "_s) + text;
+    constexpr std::size_t falseValues = 5;
+    if (position > 2) return u"never"_s;
+    const bool isFalse = position == 1;
+    const std::size_t first = isFalse ? 0 : falseValues;
+    const std::size_t end =
+        isFalse ? std::min(falseValues, recoding.listed.size()) : recoding.listed.size();
+    QSet<QStringView> seen;
+    QStringList values;
+    for (std::size_t i = first; i < end; ++i) {
+        if (seen.contains(recoding.listed[i])) continue;
+        seen.insert(recoding.listed[i]);
+        values.append(quoted(recoding.listed[i]));
+    }
+    return (isFalse ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
+}
+
+std::vector<FindingGroup> groupsOf(std::span<const Finding> findings) {
+    std::vector<FindingGroup> groups;
+    for (std::size_t first = 0; first < findings.size();) {
+        Targets targets;
+        std::size_t end = first;
+        for (; end < findings.size() && findings[end].id == findings[first].id; ++end) {
+            targets |= findings[end].targets;
+        }
+        groups.push_back(
+            {&kindOf(findings[first].id), targets, findings.subspan(first, end - first)});
+        first = end;
+    }
+    return groups;
+}
+
+std::vector<ComparisonCount> countsOf(const ComparisonResult &result) {
+    std::vector<ComparisonCount> counts;
+    const auto tell = [&](const QString &label, std::int64_t rows, const QString &more) {
+        if (rows > 0) counts.push_back({label, rows, more});
+    };
+    for (const auto &[id, explained] : result.explained) {
+        tell(u"explained by %1"_s.arg(kindOf(id).name), explained.rows,
+             u", first row %1"_s.arg(explained.firstRow));
+    }
+    tell(u"without explanation"_s, result.unexplained, {});
+    tell(u"without a result"_s, result.missing, listed(result.firstMissing, result.missing));
+    tell(u"in the results only"_s, result.extra, listed(result.firstExtra, result.extra));
+    tell(u"key occurs again"_s, result.repeated, listed(result.firstRepeated, result.repeated));
+    for (const auto &[fault, rows] : result.blamed) {
+        tell(u"would be right with "_s + fault, rows, {});
+    }
+    return counts;
 }
 
 QString targetsText(const Targets &targets) {
@@ -220,7 +253,7 @@ void putModel(TextBuffer &out, const Scorecard &card) {
     put(out, u"\nProbability, by straight lines between these points\n");
     Table table = {{u"score"_s, u"probability"_s}};
     for (std::size_t i = 0; i < card.table.x.size(); ++i) {
-        table.push_back({fullNumber(card.table.x[i]), fullNumber(card.table.y[i])});
+        table.push_back({numberText(card.table.x[i]), numberText(card.table.y[i])});
     }
     putTable(out, table);
 }

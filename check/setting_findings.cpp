@@ -17,13 +17,13 @@ using enum FindingId;
 
 // Words that most databases do not take as names.
 constexpr QStringView sqlWords[] = {
-    u"all",    u"alter",  u"and",    u"as",      u"between", u"by",      u"case",     u"check",
-    u"column", u"create", u"cross",  u"default", u"delete",  u"desc",    u"distinct", u"drop",
-    u"else",   u"end",    u"exists", u"from",    u"grant",   u"group",   u"having",   u"in",
-    u"index",  u"inner",  u"insert", u"into",    u"is",      u"join",    u"left",     u"like",
-    u"not",    u"null",   u"on",     u"or",      u"order",   u"primary", u"right",    u"select",
-    u"set",    u"size",   u"table",  u"then",    u"to",      u"union",   u"unique",   u"update",
-    u"use",    u"user",   u"using",  u"values",  u"when",    u"where",   u"with"};
+    u"all",    u"alter",  u"and",    u"as",      u"between", u"by",    u"case",     u"check",
+    u"column", u"create", u"cross",  u"default", u"delete",  u"desc",  u"distinct", u"drop",
+    u"else",   u"end",    u"exists", u"from",    u"grant",   u"group", u"having",   u"in",
+    u"index",  u"inner",  u"insert", u"into",    u"is",      u"join",  u"key",      u"left",
+    u"like",   u"not",    u"null",   u"on",      u"or",      u"order", u"primary",  u"right",
+    u"select", u"set",    u"size",   u"table",   u"then",    u"to",    u"union",    u"unique",
+    u"update", u"use",    u"user",   u"using",   u"values",  u"when",  u"where",    u"with"};
 
 // --- Names that were meant
 
@@ -90,10 +90,10 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
     }
 }
 
-void inspectDialect(Notes &notes, const SqlConfiguration &configuration) {
+void inspectDialect(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
     const QString place = u"setting dbType, '%1'"_s.arg(configuration.dbType);
-    if (!dialect.hasProbability) notes.add(NoProbability, place);
+    if (card.table.exists && !dialect.hasProbability) notes.add(NoProbability, place);
     if (!dialect.name.isEmpty() || configuration.dbType.isEmpty()) return;
     std::vector<QStringView> names;
     for (const SqlDialect &known : sqlDialects()) {
@@ -145,25 +145,41 @@ void inspectDebugging(Notes &notes, const Scorecard &card) {
     }
 }
 
+// Characters that names have without quotes in all databases, and "." where it parts them.
+bool needsQuotes(QStringView name, bool hasSchema) {
+    const auto isWord = [&](QStringView word) {
+        return word.compare(name, Qt::CaseInsensitive) == 0;
+    };
+    const auto isPlain = [&](QChar c) {
+        return c.isLetterOrNumber() || c == u'_' || c == u'$' || (hasSchema && c == u'.');
+    };
+    return (!name.isEmpty() && name[0].isDigit()) || std::ranges::any_of(sqlWords, isWord) ||
+           !std::all_of(name.begin(), name.end(), isPlain);
+}
+
+void inspectSqlName(Notes &notes, const SqlDialect *dialect, QStringView name, const QString &place,
+                    bool hasSchema = false) {
+    const bool isQuoted = sqlIdentifier(dialect ? *dialect : sqlDialects().back(), name) != name;
+    if (!isQuoted && needsQuotes(name, hasSchema)) notes.add(SqlName, place);
+    const bool takesAnsiQuotes = !dialect || dialect->name == u"mysql";
+    const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
+    if (isQuoted && !isBracketed && (takesAnsiQuotes || name.contains(u'"'))) {
+        notes.add(QuotedName, place);
+    }
+}
+
 void inspectSqlNames(Notes &notes, const Scorecard &card, const SqlConfiguration *configuration) {
     const SqlDialect *const dialect =
         configuration ? &findSqlDialect(configuration->dbType) : nullptr;
-    const bool takesAnsiQuotes = !dialect || dialect->name == u"mysql";
     for (const QString &column : card.columns) {
-        const QString place = u"column %1"_s.arg(column);
-        const auto isColumn = [&](QStringView word) {
-            return word.compare(column, Qt::CaseInsensitive) == 0;
-        };
-        const bool isQuoted =
-            sqlIdentifier(dialect ? *dialect : sqlDialects().back(), column) != column;
-        if (!isQuoted && (column.contains(u'.') || std::ranges::any_of(sqlWords, isColumn))) {
-            notes.add(SqlName, place);
-        }
-        const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
-        if (isQuoted && !isBracketed && (takesAnsiQuotes || column.contains(u'"'))) {
-            notes.add(QuotedName, place);
-        }
+        inspectSqlName(notes, dialect, column, u"column %1"_s.arg(column));
     }
+    if (!configuration) return;
+    inspectSqlName(notes, dialect, keyOf(card, *configuration), u"key"_s);
+    inspectSqlName(notes, dialect, configuration->prediction, u"setting prediction"_s);
+    inspectSqlName(notes, dialect, configuration->schemaName, u"setting schemaName"_s, true);
+    inspectSqlName(notes, dialect, configuration->inputTable, u"setting inputTable"_s, true);
+    inspectSqlName(notes, dialect, configuration->predictionTable, u"setting predictionTable"_s);
 }
 
 // --- HTML
@@ -231,7 +247,7 @@ void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile 
     }
     if (!file) return;
     inspectSettings(notes, file->root);
-    inspectDialect(notes, file->configuration);
+    inspectDialect(notes, card, file->configuration);
     inspectTables(notes, card, file->configuration);
     if (file->configuration.debugRecoding) inspectDebugging(notes, card);
 }
@@ -259,7 +275,9 @@ void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
     }
     if (use.hasOddAnswer) notes.add(CanvasAnswer, u"tag [QRV_ANSWER"_s);
     want(CanvasScale, TagKind::Graphics);
-    if (card.table.exists) want(CanvasScale, TagKind::DynScale);
+    const QStringView kind = card.document.root.childNode(u"MetaData").attribute(u"tkind");
+    const bool isProbability = equalsIgnoringCase(kind, u"T");
+    if (isProbability && card.table.exists) want(CanvasScale, TagKind::DynScale);
     if (!canvas.contains(u"QRVform"_s)) notes.add(CanvasForm, u"canvas %1"_s.arg(name));
     if (canvas.contains(u"<!doctype"_s, Qt::CaseInsensitive) &&
         !canvas.contains(u"QRVSpecifiedHistogramColor"_s)) {

@@ -70,8 +70,8 @@ HAVE = {
     "unsupported-type": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3], kind="Rank")), {}),
     "name-characters": (model(numeric(1, "x(1)", [1, 2], [0, 1, 2, 3])), {}),
     "names-alike": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3]), categorical(2, "a.b", ["a"], [0, 1])), {}),
-    "no-probability": (model(), sql(dbType="default")),
-    "sql-name": (model(numeric(1, "Order", [1, 2], [0, 1, 2, 3])), {}),
+    "no-probability": (model(table=TABLE), sql(dbType="default")),
+    "sql-name": (model(), sql(dbType="oracle", keyName="Order")),
     "quoted-name": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3])), {}),
     "apostrophe-in-value": (model(None, categorical(2, "c", ["it's"], [0, 1])), {}),
     "boolean-numbers": (model(None, boolean(NO_YES)), {}),
@@ -248,7 +248,8 @@ class ScoresAndFindingsTest(CheckedTest):
 
     def test_calls_that_are_refused(self):
         self.write("m.ModelXml", model())
-        self.write("rows.csv", "n,x,x\n1,1,1\n")
+        for name, text in {"rows": "n,x,x\n1,1,1\n", "good": "n , c\n1,a\n", "open": 'n,c\n1,"a\n'}.items():
+            self.write(f"{name}.csv", text, "utf-8")
         self.write("short.ModelXml", model(numeric(1, "n", [1, 2], [0, 1])))
         compare = ["--rows", "rows.csv", "--compare", "rows.csv"]
         for status, message, arguments in [
@@ -257,6 +258,11 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "File 'rows.csv' lacks the column 'c'.", ["m.ModelXml", "--rows", "rows.csv"]),
             (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
             (2, "--compare wants the one --target", ["m.ModelXml", *compare]),
+            (2, "--show prints text", ["m.ModelXml", "--show", "--json"]),
+            (2, "File './rows.csv' would be written over.", ["m.ModelXml", "--rows", "rows.csv", "--scores", "./rows.csv"]),
+            (2, "Cannot write to file '/dev/full'.", ["m.ModelXml", "--rows", "good.csv", "--scores", "/dev/full"]),
+            (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv"]),
+            (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
             (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
             (8, "Cannot convert model 'none': Error: File not found.", ["none"]),
             (8, "Cannot convert model 'short.ModelXml': model 'V1' (field 'n'): array 'y' has 2 values, 4 needed.", ["short.ModelXml"]),
