@@ -159,6 +159,21 @@ QString findOverwritten(const Request &request) {
     return {};
 }
 
+// Tells of an option without the one that it belongs to.
+QString findLonely(const QCommandLineParser &parser) {
+    for (const QString &name :
+         {u"key"_s, u"scores"_s, u"delimiter"_s, u"missing"_s, u"compare"_s}) {
+        if (parser.isSet(name) && !parser.isSet(u"rows"_s))
+            return u"--%1 wants --rows."_s.arg(name);
+    }
+    for (const QString &name : {u"score"_s, u"probability"_s, u"tolerance"_s}) {
+        if (parser.isSet(name) && !parser.isSet(u"compare"_s)) {
+            return u"--%1 wants --compare."_s.arg(name);
+        }
+    }
+    return {};
+}
+
 // What is wrong with the call, or an empty text.
 QString readRequest(const QCommandLineParser &parser, Request &request) {
     if (parser.positionalArguments().size() != 1) return u"One model document is needed."_s;
@@ -178,15 +193,8 @@ QString readRequest(const QCommandLineParser &parser, Request &request) {
         problem = readRowOptions(parser, request.rows.emplace());
         if (!problem.isEmpty()) return problem;
     }
-    for (const QString &name :
-         {u"key"_s, u"scores"_s, u"delimiter"_s, u"missing"_s, u"compare"_s}) {
-        if (parser.isSet(name) && !request.rows) return u"--%1 wants --rows."_s.arg(name);
-    }
-    for (const QString &name : {u"score"_s, u"probability"_s, u"tolerance"_s}) {
-        if (parser.isSet(name) && !parser.isSet(u"compare"_s)) {
-            return u"--%1 wants --compare."_s.arg(name);
-        }
-    }
+    problem = findLonely(parser);
+    if (!problem.isEmpty()) return problem;
     if (parser.isSet(u"compare"_s)) {
         problem =
             readComparison(parser, *request.rows, request.targets, request.comparison.emplace());
@@ -240,25 +248,8 @@ bool writePage(OutputFile &file, const Report &report) {
     return std::fclose(file.stream.release()) == 0 && isWritten;
 }
 
-int check(const Request &request) {
-    const Scorecard card = readScorecard(request.model);
-    if (!card.document.problem.isEmpty()) {
-        printError(problemMessage(card.document.fileName, card.document.problem));
-        return exitUnusableModel;
-    }
-    Inspection inspection;
-    inspection.targets = request.targets;
-    SqlConfigurationFile sql;
-    if (!request.sql.isEmpty()) {
-        sql = readSqlConfiguration(request.sql);
-        if (!sql.message.isEmpty()) return fail(sql.message.trimmed(), exitUnusableModel);
-        inspection.sql = &sql;
-    }
-    inspection.hasCanvas = !request.canvas.isEmpty();
-    inspection.canvasName = request.canvas;
-    if (inspection.hasCanvas) inspection.canvas = readCanvas(request.canvas);
-
-    std::vector<Finding> findings = inspect(card, inspection);
+// Scores rows where that is asked for, and tells everything.
+int reportOn(const Request &request, const Scorecard &card, std::vector<Finding> findings) {
     RowCounts counts;
     std::optional<Comparison> comparison;
     if (request.comparison) {
@@ -292,6 +283,27 @@ int check(const Request &request) {
         return fail(u"Cannot write to file '%1'."_s.arg(request.report), exitUsage);
     }
     return request.looks && isFound(report) ? exitFound : exitNothingFound;
+}
+
+int check(const Request &request) {
+    const Scorecard card = readScorecard(request.model);
+    if (!card.document.problem.isEmpty()) {
+        printError(problemMessage(card.document.fileName, card.document.problem));
+        return exitUnusableModel;
+    }
+    Inspection inspection;
+    inspection.targets = request.targets;
+    SqlConfigurationFile sql;
+    if (!request.sql.isEmpty()) {
+        sql = readSqlConfiguration(request.sql);
+        if (!sql.message.isEmpty()) return fail(sql.message.trimmed(), exitUnusableModel);
+        inspection.sql = &sql;
+    }
+    inspection.hasCanvas = !request.canvas.isEmpty();
+    inspection.canvasName = request.canvas;
+    if (inspection.hasCanvas) inspection.canvas = readCanvas(request.canvas);
+
+    return reportOn(request, card, inspect(card, inspection));
 }
 
 int run(const QStringList &arguments) {
