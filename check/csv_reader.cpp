@@ -25,7 +25,7 @@ void *resizeCell(void *cell, std::size_t size) {
 constexpr std::size_t shortCell = 16;
 
 // Blanks belong to their cells. The model leaves them out, but not every target does.
-int isBlank(unsigned char) {
+int isBlank(unsigned char /*character*/) {
     return 0;
 }
 
@@ -95,7 +95,7 @@ void CsvReader::addCell(std::string_view cell) {
     used += size;
 }
 
-void CsvReader::endRow(int, void *reader) {
+void CsvReader::endRow(int /*terminator*/, void *reader) {
     CsvReader &r = *static_cast<CsvReader *>(reader);
     r.guarded([&r] { r.addRow(); });
 }
