@@ -126,7 +126,7 @@ QString readComparison(const QCommandLineParser &parser, const RowOptions &rows,
     if (parser.isSet(u"tolerance"_s)) {
         bool isNumber = false;
         comparison.tolerance = parser.value(u"tolerance"_s).toDouble(&isNumber);
-        if (!isNumber || !(comparison.tolerance >= 0)) {
+        if (!isNumber || !(comparison.tolerance >= 0) || std::isinf(comparison.tolerance)) {
             return u"The tolerance must be a number that is not below 0."_s;
         }
     }
@@ -266,12 +266,12 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
         }
     }
     if (request.rows) {
-        const RowFailure failure =
+        const QString problem =
             scoreRows(card, findings, *request.rows, comparison ? &*comparison : nullptr, counts);
-        if (!failure.message.isEmpty()) return fail(failure.message, exitUsage);
+        if (!problem.isEmpty()) return fail(problem, exitUsage);
     }
     std::erase_if(findings, [](const Finding &finding) {
-        return needsRows(finding.id) && finding.rows == 0;
+        return kindOf(finding.id).rows == Rows::Needed && finding.rows == 0;
     });
     const Report report = {.card = card,
                            .findings = findings,

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <unordered_map>
 
 namespace {
 
@@ -26,6 +25,22 @@ bool readDigits(std::string_view text, double &number) {
     return true;
 }
 
+// Of a number that no double is near to: whether it is too large, and not too small.
+bool isLarge(std::string_view text) {
+    const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
+    const std::string_view digits = text.substr(0, mark);
+    std::int64_t exponent = 0;
+    if (mark < text.size()) {
+        const bool hasPlus = text[mark + 1] == '+';
+        exponent = std::int64_t(1) << 60; // what is longer than that stays so
+        if (text[mark + 1] == '-') exponent = -exponent;
+        std::from_chars(text.data() + mark + 1 + hasPlus, text.data() + text.size(), exponent);
+    }
+    const std::size_t point = std::min(digits.find('.'), digits.size());
+    const std::size_t first = digits.find_first_of("123456789");
+    return static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first) + exponent > 0;
+}
+
 // --- Recodings
 
 // A set that is known to be empty costs nothing where most rows pass.
@@ -38,12 +53,13 @@ bool isCode(const Recoding &recoding, double value, const D &deviations) {
     if (deviations.has(MissingCodesUnread)) return false;
     std::span<const double> codes = recoding.codes;
     if constexpr (!std::is_same_v<D, NoDeviations>) {
-        if (deviations.has(MissingCodesName)) {
-            codes = recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)];
-        }
+        const Codes &found = recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)];
+        const bool isFound = deviations.has(MissingCodesName);
+        codes = deviations.has(MissingCodesDigits)
+                    ? std::span<const double>(isFound ? found.rounded : recoding.sixDigitCodes)
+                    : (isFound ? found.exact : recoding.codes);
     }
-    if (!deviations.has(MissingCodesDigits)) return std::ranges::find(codes, value) != codes.end();
-    return std::ranges::find(codes, value, sixDigits) != codes.end();
+    return std::ranges::find(codes, value) != codes.end();
 }
 
 // How many of the rising bounds are below the value. Halves without branches: which half it is
@@ -58,14 +74,20 @@ std::size_t boundsBelow(std::span<const double> bounds, double value) {
     return static_cast<std::size_t>(first - bounds.data()) + (*first < value ? 1 : 0);
 }
 
+// HTML takes the last score, however many there are.
+template <typename D>
+std::size_t positionAbove(const Recoding &recoding, const D &deviations) {
+    return deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : recoding.x.size() + 1;
+}
+
 template <typename D>
 std::size_t intervalOf(const Recoding &recoding, double value, const D &deviations) {
     const std::span<const double> x = recoding.x;
     if (std::isnan(value) || isCode(recoding, value, deviations)) return 0;
     if (value < x.front()) return 1;
-    if (value > x.back()) return x.size() + 1;
+    if (value > x.back()) return positionAbove(recoding, deviations);
     // The first bound belongs to the interval above it; a single one has none.
-    if (x.size() == 1) return deviations.has(SingleBound) ? 2 : 0;
+    if (x.size() == 1) return deviations.has(SingleBound) ? positionAbove(recoding, deviations) : 0;
     const auto inner = x.subspan(1);
     if (recoding.isRising) return boundsBelow(inner, value) + 2;
     const auto isUpTo = [&](double bound) { return value <= bound; };
@@ -78,7 +100,7 @@ template <typename D>
 std::size_t recodeNumber(const Recoding &recoding, std::string_view text, const D &deviations) {
     double value = noNumber;
     if (!text.empty() && !readNumber(text, value)) {
-        return deviations.has(NotANumber) ? recoding.x.size() + 1 : 0;
+        return deviations.has(NotANumber) ? positionAbove(recoding, deviations) : 0;
     }
     return intervalOf(recoding, value, deviations);
 }
@@ -98,13 +120,40 @@ const ListedValue *findValue(const Recoding &recoding, std::string_view text) {
 
 template <typename D>
 std::uint32_t listedPosition(const Recoding &recoding, std::string_view text, const D &deviations) {
+    if (deviations.has(Capitals)) { // the first that is alike counts
+        const QString small =
+            QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).toLower();
+        const auto folded = recoding.folded.find(small.toStdString());
+        return folded == recoding.folded.end() ? 0 : folded->second;
+    }
     const ListedValue *const listed = findValue(recoding, text);
-    if (listed) return deviations.has(ValueTwice) ? listed->first : listed->last;
-    if (!deviations.has(Capitals)) return 0;
-    const QString small =
-        QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).toLower();
-    const auto folded = recoding.folded.find(small.toStdString());
-    return folded == recoding.folded.end() ? 0 : folded->second;
+    if (!listed) return 0;
+    return deviations.has(ValueTwice) ? listed->first : listed->last;
+}
+
+// The first of the values that is the same number.
+std::uint32_t equalNumber(const Recoding &recoding, std::string_view text) {
+    double wanted = 0;
+    if (!readNumber(text, wanted)) return 0;
+    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
+        double number = 0;
+        const QByteArray value = recoding.listed[i].toUtf8();
+        if (readNumber({value.data(), static_cast<std::size_t>(value.size())}, number) &&
+            number == wanted) {
+            return static_cast<std::uint32_t>(i + 1);
+        }
+    }
+    return 0;
+}
+
+// Whether Python reads one of the backslashes, and the character behind it, as another character.
+bool isEscaped(std::string_view text) {
+    constexpr std::string_view escapes = "\\'\"abfnrtv01234567xNuU";
+    std::size_t at = text.find('\\');
+    while (at < text.size() - 1 && escapes.find(text[at + 1]) == escapes.npos) {
+        at = text.find('\\', at + 2);
+    }
+    return at < text.size() - 1;
 }
 
 template <typename D>
@@ -116,21 +165,42 @@ std::uint32_t recodeText(const Recoding &recoding, const Cell &cell, const D &de
         return listed ? listed->last : 0;
     }
     if (deviations.has(recoding.isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
-    if (deviations.has(TrueFalse) && (text == "TRUE" || text == "FALSE")) return 0;
+    if (deviations.has(TrueFalse)) {
+        if (text == "TRUE" || text == "FALSE") return 0;
+        const std::string_view asListed = text == "True" ? "TRUE" : text == "False" ? "FALSE" : "";
+        if (!recoding.isBoolean && !asListed.empty() && findValue(recoding, asListed)) {
+            text = asListed;
+        }
+    }
     if (deviations.has(FiveCategories) && !recoding.isBoolean && recoding.listed.size() == 5) {
         return 0;
     }
-    const std::uint32_t position = listedPosition(recoding, text, deviations);
+    if (deviations.has(ValuesAsNumbers)) return equalNumber(recoding, text);
+    if (deviations.has(Backslash) && isEscaped(text)) return 0;
     double flag = 0;
-    if (position == 0 && deviations.has(BooleanNumbers) && recoding.isBoolean &&
-        recoding.y.size() > 2 && readNumber(text, flag)) {
+    if (deviations.has(BooleanNumbers) && recoding.isBoolean && recoding.y.size() > 2 &&
+        readNumber(text, flag)) {
         return flag == 0 ? 1 : flag == 1 ? 2 : 0;
     }
-    return position;
+    return listedPosition(recoding, text, deviations);
+}
+
+// The position in the list that HTML asks for. What is shown as a list, and read as buttons, is
+// unknown.
+template <typename D>
+Recoded recodeAsked(const Recoding &recoding, const Cell &cell, const D &deviations) {
+    const bool isRead = recoding.asked->listed.size() < 5 || recoding.listed.size() > 5;
+    const std::uint32_t position = isRead ? recodeText(*recoding.asked, cell, deviations) : 0;
+    return {position, position < recoding.y.size() ? recoding.y[position] : noNumber};
 }
 
 template <typename D>
 Recoded recodeCell(const Recoding &recoding, const Cell &cell, const D &deviations) {
+    if (deviations.has(SharedValues) && recoding.asked != &recoding &&
+        recoding.variable->isCategorical && recoding.asked->variable->isCategorical &&
+        !recoding.isBoolean && !recoding.asked->isBoolean) {
+        return recodeAsked(recoding, cell, deviations);
+    }
     const std::size_t position = recoding.variable->isCategorical
                                      ? recodeText(recoding, cell, deviations)
                                      : recodeNumber(recoding, cell.text, deviations);
@@ -139,82 +209,14 @@ Recoded recodeCell(const Recoding &recoding, const Cell &cell, const D &deviatio
             isRounded ? recoding.sixDigitScores[position] : recoding.y[position]};
 }
 
-// --- Score
-
-struct Term {
-    double coefficient;
-    std::size_t recoding;
-};
-
-// The terms that SQL and HTML make: one of each recoding, with the last or the first of the
-// coefficients of its number.
-std::vector<Term> termsOfRecodings(const Scorecard &card, bool takesLast) {
-    std::unordered_map<int, double> coefficients;
-    for (const RegressionTerm &term : card.regression.terms) {
-        const auto [found, isNew] = coefficients.try_emplace(term.number, term.coefficient);
-        if (takesLast && !isNew) found->second = term.coefficient;
+const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &deviations) {
+    if (deviations.has(EqualCoefficients) || deviations.has(EqualNumbers)) {
+        return deviations.target == Target::Html ? card.firstTerms : card.lastTerms;
     }
-    std::vector<Term> terms;
-    for (std::size_t i = 0; i < card.recodings.size(); ++i) {
-        const auto found = coefficients.find(card.recodings[i].variable->number);
-        if (found != coefficients.end()) terms.push_back({found->second, i});
-    }
-    return terms;
-}
-
-// A coefficient without a recoding is written without a name, and multiplies what follows.
-std::vector<Term> termsWithFactors(const Scorecard &card) {
-    std::vector<Term> terms;
-    double factor = 1;
-    for (const RegressionTerm &term : card.regression.terms) {
-        if (term.position < 0) {
-            factor *= term.coefficient;
-        } else {
-            terms.push_back({factor * term.coefficient, static_cast<std::size_t>(term.position)});
-            factor = 1;
-        }
-    }
-    return terms;
+    return deviations.has(CoefficientWithoutRecoding) ? card.factorTerms : card.terms;
 }
 
 } // namespace
-
-bool deviates(FindingId id, Target target) {
-    switch (id) {
-    case LowestSegment:
-    case LowestPoint:
-    case MissingCodesDigits:
-    case MissingCodesName:
-    case BooleanDigits:
-    case NamesAlike:
-    case NoProbability:
-    case BooleanNumbers:
-    case BooleanBlanks:
-    case TextBlanks:
-    case Capitals:
-    case DebugRecoding:
-    case LogisticAbsent:
-    case TrueFalse:
-    case LogisticLastRow:
-    case FiveCategories:
-    case LowestNan:
-    case MissingCodesUnread:
-    case EqualCoefficients:
-    case ConstantMisplaced:
-    case ValueTwice:
-    case EmptyValue:
-        return kindOf(id).targets.test(static_cast<std::size_t>(target));
-    case SingleBound:
-    case NotANumber:
-        return target == Target::Html;
-    case CoefficientWithoutRecoding:
-        return target == Target::Vba || target == Target::Python;
-    case EqualNumbers:
-        return target == Target::Sql;
-    default:
-        return false;
-    }
-}
 
 bool readNumber(std::string_view text, double &number) {
     if (readDigits(text, number)) return true;
@@ -223,8 +225,7 @@ bool readNumber(std::string_view text, double &number) {
     const auto [stop, error] = std::from_chars(text.data(), end, number);
     if (stop != end || text.empty()) return false;
     if (error == std::errc::result_out_of_range) { // which leaves the number as it was
-        const bool isSmall = text.find("e-") != text.npos || text.find("E-") != text.npos;
-        number = isSmall ? 0 : std::numeric_limits<double>::infinity();
+        number = isLarge(text) ? std::numeric_limits<double>::infinity() : 0;
         if (text.starts_with('-')) number = -number;
         return true;
     }
@@ -246,26 +247,16 @@ double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
                const Deviations &deviations) {
     if (deviations.has(DebugRecoding)) return 0;
     double score = deviations.has(ConstantMisplaced) ? card.htmlConstant : card.regression.constant;
-    const auto add = [&](double coefficient, std::size_t i) {
-        score += coefficient * recoded[i].score;
-    };
-    if (deviations.has(EqualCoefficients) || deviations.has(EqualNumbers)) {
-        const bool takesLast = deviations.target != Target::Html;
-        for (const Term &term : termsOfRecodings(card, takesLast)) {
-            add(term.coefficient, term.recoding);
-        }
-    } else if (deviations.has(CoefficientWithoutRecoding)) {
-        for (const Term &term : termsWithFactors(card)) add(term.coefficient, term.recoding);
-    } else {
-        for (const RegressionTerm &term : card.regression.terms) {
-            if (term.position >= 0) add(term.coefficient, static_cast<std::size_t>(term.position));
-        }
+    for (const ScoreTerm &term : termsOf(card, deviations)) {
+        score += term.coefficient * recoded[term.recoding].score;
     }
     return score;
 }
 
 double probabilityOf(const Scorecard &card, double score, const Deviations &deviations) {
-    if (deviations.has(NoProbability) || deviations.has(LogisticAbsent)) return score;
+    for (const FindingId id : {NoProbability, LogisticAbsent, TableUnread}) {
+        if (deviations.has(id)) return score;
+    }
     if (!card.table.exists) {
         if (!card.isLogistic) return noNumber;
         // Of the last row, it is what the model says.
@@ -293,9 +284,10 @@ Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::spa
                     const Deviations &deviations) {
     const bool isPlain = deviations.findings.isEmpty();
     const bool mixesColumns = deviations.has(NamesAlike);
+    const auto target = static_cast<std::size_t>(deviations.target);
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const Recoding &recoding = card.recodings[i];
-        const Cell &cell = cells[mixesColumns ? recoding.lastAlike : recoding.column];
+        const Cell &cell = cells[mixesColumns ? recoding.lastAlike[target] : recoding.column];
         recoded[i] = isPlain ? recodeCell(recoding, cell, NoDeviations())
                              : recodeCell(recoding, cell, deviations);
     }

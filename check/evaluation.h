@@ -1,4 +1,4 @@
-// The score and the probability of a row: as the document means them, or with what a target does
+// The score and the probability of a row: as the model means them, or with what a target does
 // otherwise. There is one evaluation; what a target does otherwise is a set of named deviations.
 #pragma once
 
@@ -9,16 +9,13 @@
 
 inline constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 
-// What a target is taken to do otherwise than the document says.
+// What a target is taken to do otherwise than the model means.
 struct Deviations {
-    FindingSet findings; // those of the names in `deviating`
+    FindingSet findings; // those that tell what it does
     Target target = Target::Sas;
 
     bool has(FindingId id) const { return findings.has(id); }
 };
-
-// Whether evaluate() knows what that target does for this finding.
-bool deviates(FindingId id, Target target);
 
 // One cell, cut to what the model looks at.
 struct Cell {

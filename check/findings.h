@@ -28,7 +28,7 @@ enum class FindingId : std::uint8_t {
     DebugRecoding, DebugColumnsAlike, SmallNumber,
     LogisticAbsent, QuoteInTitle, TrueFalse,
     MissingCodesParenthesis, NoCategories, LogisticLastRow, Backslash,
-    FiveCategories, LowestNan, MissingCodesUnread, NotANumber, PageError, CanvasScale, BarScale,
+    FiveCategories, LowestNan, TableUnread, MissingCodesUnread, NotANumber, PageError, CanvasScale, BarScale,
     ConstantMisplaced, PercentSign, SharedValues, ArrayTooLong,
     UnknownSetting, UnknownDialect, FlagText, TableNameCut, EmptyName, PasswordInClear,
     CanvasNotRead, CanvasTagMissing, CanvasNumber, CanvasQuestion, CanvasAnswer, CanvasForm,
@@ -49,22 +49,25 @@ public:
     bool has(FindingId id) const { return bits[static_cast<std::size_t>(id)]; }
     void add(FindingId id) { bits.set(static_cast<std::size_t>(id)); }
     bool isEmpty() const { return bits.none(); }
-    bool hasAnyOf(const FindingSet &other) const { return (bits & other.bits).any(); }
 
 private:
     std::bitset<findingCount> bits;
 };
 
+// Whether rows are told apart by a finding, and whether it is none unless a row is touched.
+enum class Rows : std::uint8_t { Untold, Counted, Needed };
+
 struct FindingKind {
     FindingId id;
     QStringView name;
     Targets targets;
+    Targets deviates; // those of which evaluate() knows what they do
+    Rows rows;
     QStringView text;
     QStringView remedy;
     QStringView page; // of the manual
 };
 const FindingKind &kindOf(FindingId id);
-std::span<const FindingKind> findingKinds();
 
 // One place that a finding was made at.
 struct Finding {
@@ -72,7 +75,7 @@ struct Finding {
     Targets targets; // those of the kind that were asked for
     QString place;
     int recoding = -1;     // its position, where the place is a recoding
-    bool byRows = false;   // rows can be told apart by it
+    bool byRows = false;   // rows are told apart by it
     std::int64_t rows = 0; // that it touches
     std::int64_t firstRow = 0;
 };

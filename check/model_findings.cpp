@@ -19,18 +19,10 @@ QString placeOf(const Recoding &recoding) {
                                             recoding.variable->field);
 }
 
-// Notes the finding for a recoding, so that rows are told apart by it where that can be.
 void note(Notes &notes, FindingId id, const Scorecard &card, const Recoding &recoding,
           const Targets &targets = Targets().set()) {
-    const bool byRows = std::ranges::any_of(
-        std::array{SingleBound, MissingCodesDigits, MissingCodesName, MissingCodesUnread,
-                   BooleanDigits, NamesAlike, BooleanNumbers, BooleanBlanks, TextBlanks, Capitals,
-                   TrueFalse, FiveCategories, NotANumber, ValueTwice, EmptyValue},
-        [id](FindingId rowId) { return rowId == id; });
     Finding *const finding = notes.add(id, placeOf(recoding), targets);
-    if (!finding) return;
-    finding->recoding = static_cast<int>(&recoding - card.recodings.data());
-    finding->byRows = byRows;
+    if (finding) finding->recoding = static_cast<int>(&recoding - card.recodings.data());
 }
 
 bool isFinite(std::span<const double> numbers) {
@@ -56,10 +48,10 @@ void inspectCodes(Notes &notes, const Scorecard &card, const Recoding &recoding)
     }
     Targets others;
     for (std::size_t t = 0; t < targetCount; ++t) {
-        others.set(t, !std::ranges::equal(recoding.codes, recoding.codesOfTarget[t]));
+        others.set(t, !std::ranges::equal(recoding.codes, recoding.codesOfTarget[t].exact));
     }
     if (others.any()) note(notes, MissingCodesName, card, recoding, others);
-    if (!recoding.codesOfTarget[static_cast<std::size_t>(Target::Python)].empty()) {
+    if (!recoding.codesOfTarget[static_cast<std::size_t>(Target::Python)].exact.empty()) {
         note(notes, MissingCodesParenthesis, card, recoding);
     }
     if (!recoding.codes.empty()) note(notes, MissingCodesUnread, card, recoding);
@@ -158,16 +150,10 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
 
 // --- Names of columns
 
-bool isSasName(QStringView name) {
-    const auto isAllowed = [](QChar c) {
-        return c == u'_' || (c.isLetterOrNumber() && c < u'\x80');
+bool isName(QStringView name, Target target) {
+    const auto isAllowed = [target](QChar c) {
+        return c == u'_' || (c.isLetterOrNumber() && (target == Target::Python || c < u'\x80'));
     };
-    return !name.isEmpty() && !name[0].isDigit() &&
-           std::all_of(name.begin(), name.end(), isAllowed);
-}
-
-bool isPythonName(QStringView name) {
-    const auto isAllowed = [](QChar c) { return c == u'_' || c.isLetterOrNumber(); };
     return !name.isEmpty() && !name[0].isDigit() &&
            std::all_of(name.begin(), name.end(), isAllowed);
 }
@@ -188,33 +174,30 @@ bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
 
 void inspectNames(Notes &notes, const Scorecard &card) {
     constexpr qsizetype longestName = 31;
-    std::vector<const Recoding *> ofColumn(card.columns.size());
+    std::vector<bool> isSeen(card.columns.size());
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
-        const QString &last = card.columns[recoding.lastAlike];
-        const auto clean = [](Target target, QStringView name) { return cleanedFor(target, name); };
-        if (recoding.lastAlike != recoding.column) {
-            const bool inSas = clean(Target::Sas, variable.field) == clean(Target::Sas, last);
-            note(notes, NamesAlike, card, recoding,
-                 only({{Target::Python, true}, {Target::Sas, inSas}}));
+        Targets alike;
+        Targets broken;
+        for (const Target target : {Target::Sas, Target::Python}) {
+            const auto t = static_cast<std::size_t>(target);
+            alike.set(t, recoding.lastAlike[t] != recoding.column);
+            broken.set(t, !isName(cleanedFor(target, variable.field), target));
         }
+        if (alike.any()) note(notes, NamesAlike, card, recoding, alike);
         if (QString::number(variable.position).size() + 2 + variable.field.size() > longestName) {
             note(notes, LongName, card, recoding);
         }
-        const Recoding *&first = ofColumn[recoding.column];
-        if (!first) {
-            const Targets broken =
-                only({{Target::Sas, !isSasName(clean(Target::Sas, variable.field))},
-                      {Target::Python, !isPythonName(clean(Target::Python, variable.field))}});
-            if (broken.any()) note(notes, NameCharacters, card, recoding, broken);
-            if (variable.field.contains(u'"')) note(notes, QuoteInTitle, card, recoding);
-            first = &recoding;
-        } else if (!sharesItsAnswers(*first, recoding)) {
+        if (!sharesItsAnswers(*recoding.asked, recoding)) {
             note(notes, SharedValues, card, recoding);
         }
+        if (isSeen[recoding.column]) continue;
+        isSeen[recoding.column] = true;
+        if (broken.any()) note(notes, NameCharacters, card, recoding, broken);
+        if (variable.field.contains(u'"')) note(notes, QuoteInTitle, card, recoding);
     }
     const QString prefix = targetPrefix(card.document, u" .");
-    if (!prefix.isEmpty() && !isSasName(prefix)) {
+    if (!prefix.isEmpty() && !isName(prefix, Target::Sas)) {
         notes.add(NameCharacters, u"target %1"_s.arg(prefix.chopped(1)),
                   only({{Target::Sas, true}}));
     }
@@ -246,10 +229,8 @@ QString pointOf(const Scorecard &card, std::size_t i) {
     return u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(card.table.x[i]));
 }
 
-void noteTable(Notes &notes, FindingId id, const QString &place,
-               const Targets &limit = Targets().set()) {
-    Finding *const finding = notes.add(id, place, limit);
-    if (finding) finding->byRows = true;
+QStringView kindOfTarget(const Scorecard &card) {
+    return card.document.root.childNode(u"MetaData").attribute(u"tkind");
 }
 
 void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
@@ -260,10 +241,10 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     const Targets probabilities =
         sql.hasProbability ? Targets().set() : ~only({{Target::Sql, true}});
     if (last > 0 && x[last] != x[last - 1]) {
-        noteTable(notes, LowestSegment, pointOf(card, last), probabilities);
+        notes.add(LowestSegment, pointOf(card, last), probabilities);
     }
-    noteTable(notes, LowestPoint, pointOf(card, last), probabilities);
-    noteTable(notes, LowestNan, pointOf(card, last));
+    notes.add(LowestPoint, pointOf(card, last), probabilities);
+    if (equalsIgnoringCase(kindOfTarget(card), u"T")) notes.add(LowestNan, pointOf(card, last));
     bool rises = true;
     bool falls = true;
     for (std::size_t i = 0; i < x.size(); ++i) {
@@ -282,28 +263,27 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
 }
 
 void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
-    const QStringView kind = card.document.root.childNode(u"MetaData").attribute(u"tkind");
+    const QStringView kind = kindOfTarget(card);
     const bool isProbability = equalsIgnoringCase(kind, u"T");
     const bool isPrediction = equalsIgnoringCase(kind, u"C");
     const QString place = u"tkind '%1'"_s.arg(kind);
     if (card.isLogistic) {
-        for (const FindingId id : {LogisticParenthesis, LogisticAbsent, LogisticLastRow}) {
-            notes.add(id, u"normalizationMethod"_s);
-        }
+        const QString method = u"normalizationMethod"_s;
+        notes.add(LogisticParenthesis, method);
+        notes.add(LogisticAbsent, method,
+                  isPrediction ? Targets().set() : ~only({{Target::Html, true}}));
+        notes.add(LogisticLastRow, method);
     }
     if (isProbability && !card.hasProbability()) notes.add(TableAbsent, place);
     if (isProbability ? !card.table.exists : !isPrediction) notes.add(PageError, place);
     if (isProbability && card.table.exists && card.table.x.size() < 3) {
         notes.add(BarScale, u"table"_s);
     }
+    if (isPrediction && card.table.exists) notes.add(TableUnread, place);
     if (isPrediction && !hasCanvas) notes.add(PercentSign, place);
 }
 
 } // namespace
-
-bool needsRows(FindingId id) {
-    return id == Capitals || id == NotANumber || id == KeyLength;
-}
 
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection) {
     Notes notes(inspection.targets);

@@ -16,6 +16,3 @@ struct Inspection {
 
 // The findings in the order of the manual. Those that only rows can show are among them.
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection);
-
-// Whether nothing but rows shows the finding, so that it is none without them.
-bool needsRows(FindingId id);

@@ -1,5 +1,6 @@
 #include "check/rows.h"
 
+#include "model/output_file.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -52,9 +53,14 @@ public:
         }
         put('"');
     }
-    void flush() {
-        if (used > 0 && std::fwrite(text.data(), 1, used, file.get()) != used) isWritten = false;
-        used = 0;
+    // What follows the cell of the key.
+    template <typename Score>
+    void putRow(const Score &score, const Score &probability, char delimiter) {
+        put(delimiter);
+        put(score);
+        put(delimiter);
+        put(probability);
+        put('\n');
     }
     // Whether the device took everything.
     bool close() {
@@ -63,6 +69,11 @@ public:
     }
 
 private:
+    void flush() {
+        if (used > 0)
+            isWritten = std::fwrite(text.data(), 1, used, file.get()) == used && isWritten;
+        used = 0;
+    }
     char *reserve(std::size_t size) {
         constexpr std::size_t block = 1 << 16;
         if (used + size > text.size()) {
@@ -72,10 +83,7 @@ private:
         return text.data() + used;
     }
 
-    struct Close {
-        void operator()(std::FILE *opened) const { std::fclose(opened); }
-    };
-    std::unique_ptr<std::FILE, Close> file;
+    std::unique_ptr<std::FILE, OutputFile::Close> file;
     std::vector<char> text;
     std::size_t used = 0;
     bool isWritten = true;
@@ -116,19 +124,20 @@ bool differs(double a, double b) {
 }
 
 // Whether the cell could be touched at all: most findings are about few cells.
-bool mayTouch(FindingId id, const Cell &cell, const Recoded &recoded) {
+bool mayTouch(FindingId id, const Recoding &recoding, const Cell &cell, const Recoded &recoded) {
     switch (id) {
     case BooleanBlanks:
     case TextBlanks:
         return cell.raw.size() != cell.text.size();
     case Capitals:
-    case BooleanNumbers:
+        return !cell.text.empty() &&
+               (recoded.position == 0 || recoding.folded.size() < recoding.values.size());
     case NotANumber:
         return recoded.position == 0 && !cell.text.empty();
     case EmptyValue:
         return cell.text.empty();
     case TrueFalse:
-        return cell.text == "TRUE" || cell.text == "FALSE";
+        return cell.text.size() == 4 || cell.text.size() == 5;
     case SingleBound:
         return recoded.position == 0;
     default:
@@ -138,14 +147,18 @@ bool mayTouch(FindingId id, const Cell &cell, const Recoded &recoded) {
 
 bool isTouched(const Recoding &recoding, const Finding &finding, std::span<const Cell> cells,
                const Recoded &recoded) {
-    const Cell &cell = cells[finding.id == NamesAlike ? recoding.lastAlike : recoding.column];
-    if (!mayTouch(finding.id, cell, recoded)) return false;
+    const bool isOther = finding.id == NamesAlike; // the cell that counts
+    if (!isOther && !mayTouch(finding.id, recoding, cells[recoding.column], recoded)) return false;
     if (finding.id == FiveCategories) return recoded.position != 0;
     if (finding.id == BooleanDigits) {
         return recoded.position != 0 && recoding.sixDigitScores[recoded.position] != recoded.score;
     }
     const auto differsFor = [&](Target target) {
-        const Deviations deviations = {{finding.id}, target};
+        Deviations deviations = {{finding.id}, target};
+        // What else is taken as above all bounds takes the last of a long array too.
+        if (finding.id == ArrayTooLong) deviations.findings.add(NotANumber);
+        const std::size_t alike = recoding.lastAlike[static_cast<std::size_t>(target)];
+        const Cell &cell = cells[isOther ? alike : recoding.column];
         const Recoded other = recode(recoding, cell, deviations);
         return other.position != recoded.position || differs(other.score, recoded.score);
     };
@@ -202,50 +215,55 @@ void countScore(RowCounts &counts, double score) {
     ++counts.scores[static_cast<std::size_t>(std::min(step, last))];
 }
 
-} // namespace
-
-RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
-                     const RowOptions &options, Comparison *comparison, RowCounts &counts) {
-    CsvReader reader;
-    QString problem = reader.open(options.file, options.delimiter);
-    if (!problem.isEmpty()) return {problem, true};
-    const std::size_t columns = card.columns.size();
+// The columns of the model, and that of the key, which may be one of them.
+QString chooseColumns(CsvReader &reader, const Scorecard &card, const RowOptions &options,
+                      std::size_t &keyAt) {
+    QString problem;
     std::vector<QString> wanted = card.columns;
-    const bool hasKey = !options.key.isEmpty();
-    if (hasKey) wanted.push_back(options.key);
+    if (!options.key.isEmpty()) wanted.push_back(options.key);
     std::vector<std::size_t> chosen = findColumns(reader, wanted, options.file, problem);
-    if (!problem.isEmpty()) return {problem, true};
-    // The key may be a column of the model; each is chosen once.
-    std::size_t keyAt = columns;
-    if (hasKey) {
-        const auto same = std::ranges::find(chosen, chosen.back());
-        keyAt = static_cast<std::size_t>(same - chosen.begin());
-        if (keyAt < columns) chosen.pop_back();
+    if (!problem.isEmpty()) return problem;
+    if (!options.key.isEmpty()) {
+        keyAt = static_cast<std::size_t>(std::ranges::find(chosen, chosen.back()) - chosen.begin());
+        if (keyAt < card.columns.size()) chosen.pop_back();
     }
     reader.choose(chosen);
+    return {};
+}
 
-    ScoreFile out;
-    if (!options.scores.isEmpty()) {
-        if (!out.open(options.scores)) {
-            return {u"Cannot open file '%1' for writing."_s.arg(options.scores), true};
-        }
-        out.putCell(hasKey ? options.key.toStdString() : "row", options.delimiter);
-        for (const std::string_view title : {"score", "probability"}) {
-            out.put(options.delimiter);
-            out.put(title);
-        }
-        out.put('\n');
-    }
+void startCounts(const Scorecard &card, RowCounts &counts) {
     counts.scores.assign(scoreSteps, 0);
     findScoreRange(card, counts);
     for (const Recoding &recoding : card.recodings) {
         counts.positions.emplace_back(recoding.y.size());
     }
+}
+
+} // namespace
+
+QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
+                  Comparison *comparison, RowCounts &counts) {
+    CsvReader reader;
+    QString problem = reader.open(options.file, options.delimiter);
+    if (!problem.isEmpty()) return problem;
+    const bool hasKey = !options.key.isEmpty();
+    std::size_t keyAt = 0;
+    problem = chooseColumns(reader, card, options, keyAt);
+    if (!problem.isEmpty()) return problem;
+    ScoreFile out;
+    if (!options.scores.isEmpty()) {
+        if (!out.open(options.scores)) {
+            return u"Cannot open file '%1' for writing."_s.arg(options.scores);
+        }
+        out.putCell(hasKey ? options.key.toStdString() : "row", options.delimiter);
+        out.putRow<std::string_view>("score", "probability", options.delimiter);
+    }
+    startCounts(card, counts);
     Counter counter = makeCounter(card, findings);
-    std::vector<Cell> cells(columns);
+    std::vector<Cell> cells(card.columns.size());
     std::vector<Recoded> recoded(card.recodings.size());
     while (reader.next()) {
-        for (std::size_t i = 0; i < columns; ++i) {
+        for (std::size_t i = 0; i < cells.size(); ++i) {
             cells[i] = cellOf(reader.cell(i), options.missing);
         }
         const Prediction prediction = evaluate(card, cells, recoded);
@@ -264,17 +282,10 @@ RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
         } else {
             out.put(reader.row());
         }
-        out.put(options.delimiter);
-        out.put(prediction.score);
-        out.put(options.delimiter);
-        out.put(prediction.probability);
-        out.put('\n');
+        out.putRow(prediction.score, prediction.probability, options.delimiter);
     }
     counts.rows = reader.row();
-    if (out.isOpen() && !out.close()) {
-        return {u"Cannot write to file '%1'."_s.arg(options.scores), true};
-    }
-    if (!reader.problem().isEmpty()) return {reader.problem(), true};
-    if (comparison) problem = comparison->finish();
-    return {problem, true};
+    if (out.isOpen() && !out.close()) return u"Cannot write to file '%1'."_s.arg(options.scores);
+    if (!reader.problem().isEmpty()) return reader.problem();
+    return comparison ? comparison->finish() : QString();
 }

@@ -3,12 +3,8 @@
 
 #include "check/comparison.h"
 
-struct RowOptions {
-    QString file;
-    char delimiter = ',';
-    std::vector<std::string> missing; // texts that mean nothing, as an empty cell does
-    QString key;                      // column; may be empty
-    QString scores;                   // file for the scores; may be empty
+struct RowOptions : CsvOptions {
+    QString scores; // file for the scores; may be empty
 };
 
 // What the rows came to.
@@ -22,11 +18,7 @@ struct RowCounts {
     double highestScore = 0;
 };
 
-struct RowFailure {
-    QString message;      // empty: none
-    bool isUsage = false; // the call is wrong, else a file
-};
-
-// Counts the rows in the findings. `comparison` may be null.
-RowFailure scoreRows(const Scorecard &card, std::vector<Finding> &findings,
-                     const RowOptions &options, Comparison *comparison, RowCounts &counts);
+// Counts the rows in the findings. `comparison` may be null. Returns what is wrong with the call or
+// a file, or an empty text.
+QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
+                  Comparison *comparison, RowCounts &counts);

@@ -5,6 +5,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <unordered_map>
 
 namespace {
 
@@ -24,6 +25,12 @@ bool isFalling(std::span<const double> x) {
            x.end();
 }
 
+std::vector<double> rounded(std::span<const double> numbers) {
+    std::vector<double> result;
+    for (const double number : numbers) result.push_back(sixDigits(number));
+    return result;
+}
+
 void readNumeric(Recoding &recoding, const Scorecard &card) {
     const NumericRecoding arrays = card.arrays.numeric(*recoding.variable);
     recoding.x = arrays.x;
@@ -34,8 +41,10 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
     };
     const QStringView field = recoding.variable->field;
     recoding.codes = codesOf(cleanName(field, cleanedInDocuments));
+    recoding.sixDigitCodes = rounded(recoding.codes);
     for (std::size_t t = 0; t < targetCount; ++t) {
-        recoding.codesOfTarget[t] = codesOf(cleanedFor(static_cast<Target>(t), field));
+        const auto codes = codesOf(cleanedFor(static_cast<Target>(t), field));
+        recoding.codesOfTarget[t] = {codes, rounded(codes)};
     }
 }
 
@@ -57,13 +66,16 @@ void readCategorical(Recoding &recoding, const Scorecard &card) {
     for (const auto &[value, places] : recoding.values) {
         recoding.shortList.emplace_back(value, places);
     }
-    if (!recoding.isBoolean) return;
-    for (const double score : recoding.y) recoding.sixDigitScores.push_back(sixDigits(score));
+    if (recoding.isBoolean) recoding.sixDigitScores = rounded(recoding.y);
 }
 
 void readRecodingsOf(Scorecard &card) {
     QHash<QStringView, std::size_t> columns;
-    QHash<QString, std::size_t> lastAlike;
+    std::array<QHash<QString, std::size_t>, targetCount> lastAlike;
+    std::vector<const Recoding *> lastOfColumn;
+    const auto nameIn = [](std::size_t t, const Recoding &recoding) {
+        return cleanedFor(static_cast<Target>(t), recoding.variable->field);
+    };
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
         Recoding &recoding = card.recodings[variable.position];
@@ -73,8 +85,12 @@ void readRecodingsOf(Scorecard &card) {
         if (recoding.column == next) {
             columns.insert(variable.field, next);
             card.columns.push_back(variable.field.toString());
+            lastOfColumn.push_back(nullptr);
         }
-        lastAlike[cleanedFor(Target::Python, variable.field)] = recoding.column;
+        lastOfColumn[recoding.column] = &recoding;
+        for (std::size_t t = 0; t < targetCount; ++t) {
+            lastAlike[t][nameIn(t, recoding)] = recoding.column;
+        }
         if (variable.isCategorical) {
             readCategorical(recoding, card);
         } else {
@@ -82,11 +98,35 @@ void readRecodingsOf(Scorecard &card) {
         }
     }
     for (Recoding &recoding : card.recodings) {
-        recoding.lastAlike = lastAlike[cleanedFor(Target::Python, recoding.variable->field)];
+        recoding.asked = lastOfColumn[recoding.column];
+        for (std::size_t t = 0; t < targetCount; ++t) {
+            recoding.lastAlike[t] = lastAlike[t][nameIn(t, recoding)];
+        }
     }
+}
+
+void readTerms(Scorecard &card) {
+    std::unordered_map<int, std::pair<double, double>> coefficients; // first and last of a number
+    double factor = 1;
     for (const RegressionTerm &term : card.regression.terms) {
-        if (term.position < 0) continue;
-        card.recodings[static_cast<std::size_t>(term.position)].coefficient += term.coefficient;
+        const double coefficient = term.coefficient;
+        coefficients.try_emplace(term.number, coefficient, coefficient).first->second.second =
+            coefficient;
+        if (term.position < 0) { // written without a name, it multiplies what follows
+            factor *= coefficient;
+            continue;
+        }
+        const auto recoding = static_cast<std::size_t>(term.position);
+        card.recodings[recoding].coefficient += coefficient;
+        card.terms.push_back({coefficient, recoding});
+        card.factorTerms.push_back({factor * coefficient, recoding});
+        factor = 1;
+    }
+    for (std::size_t i = 0; i < card.recodings.size(); ++i) {
+        const auto found = coefficients.find(card.recodings[i].variable->number);
+        if (found == coefficients.end()) continue;
+        card.firstTerms.push_back({found->second.first, i});
+        card.lastTerms.push_back({found->second.second, i});
     }
 }
 
@@ -113,5 +153,6 @@ Scorecard readScorecard(const QString &fileName) {
                 betas);
     if (card.variables.size() < betas.size()) card.htmlConstant = betas[card.variables.size()];
     readRecodingsOf(card);
+    readTerms(card);
     return card;
 }

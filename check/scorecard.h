@@ -1,4 +1,4 @@
-// A model made ready for scoring rows of text: as the document means it, and with what the targets
+// A model made ready for scoring rows of text: as the model means it, and with what the targets
 // need to do otherwise.
 #pragma once
 
@@ -26,22 +26,36 @@ struct HashOfBytes {
     }
 };
 
+// Missing codes, in full and with 6 significant digits.
+struct Codes {
+    std::span<const double> exact;
+    std::vector<double> rounded;
+};
+
 struct Recoding {
     const Variable *variable = nullptr;
-    std::size_t column = 0;    // among the columns of the scorecard
-    std::size_t lastAlike = 0; // the last column whose name becomes the same in Python
-    std::span<const double> x; // bounds of a numeric column
-    std::span<const double> y; // a score for each position
-    bool isRising = true;      // the bounds
+    std::size_t column = 0; // among the columns of the scorecard
+    // The last column whose name becomes the same in each target.
+    std::array<std::size_t, targetCount> lastAlike{};
+    const Recoding *asked = nullptr; // the last one of the column, whose values HTML asks for
+    std::span<const double> x;       // bounds of a numeric column
+    std::span<const double> y;       // a score for each position
+    bool isRising = true;            // the bounds
     bool isBoolean = false;
     std::vector<QStringView> listed; // the values of a list, as the document has them
     std::unordered_map<std::string, ListedValue, HashOfBytes, std::equal_to<>> values; // in UTF-8
     std::vector<std::pair<std::string_view, ListedValue>> shortList; // the same, for a few of them
     std::unordered_map<std::string, std::uint32_t> folded; // in small letters, the first of each
     std::span<const double> codes;                         // that count as missing
-    std::array<std::span<const double>, targetCount> codesOfTarget; // that each target finds
-    std::vector<double> sixDigitScores;                             // of a boolean column
-    double coefficient = 0;                                         // the sum of those of its terms
+    std::vector<double> sixDigitCodes;                     // the same, rounded
+    std::array<Codes, targetCount> codesOfTarget;          // that each target finds
+    std::vector<double> sixDigitScores;                    // of a boolean column
+    double coefficient = 0;                                // the sum of those of its terms
+};
+
+struct ScoreTerm {
+    double coefficient;
+    std::size_t recoding;
 };
 
 struct Scorecard {
@@ -52,6 +66,10 @@ struct Scorecard {
     std::vector<QString> columns; // the fields, each once, in the order of the document
     std::vector<Recoding> recodings;
     Regression regression;
+    // What is added up: the terms that have a recoding; one of each recoding, with the first or the
+    // last coefficient of its number; and with coefficients without a recoding as factors of the
+    // next term.
+    std::vector<ScoreTerm> terms, firstTerms, lastTerms, factorTerms;
     double htmlConstant = 0; // what stands behind as many coefficients as there are recodings
     ProbabilityTable table;
     bool isFalling = true; // the table's scores
@@ -60,7 +78,7 @@ struct Scorecard {
     bool hasProbability() const { return table.exists || isLogistic; }
 };
 
-// The names that each target looks for missing codes under.
+// The name under which the target looks for missing codes.
 QString cleanedFor(Target target, QStringView field);
 
 // Reads the model. The document's problem tells whether it can be used.

@@ -228,6 +228,7 @@ Finding *Notes::add(FindingId id, const QString &place, const Targets &limit) {
     finding.id = id;
     finding.targets = concerned;
     finding.place = place;
+    finding.byRows = kindOf(id).rows != Rows::Untold;
     return &finding;
 }
 
@@ -242,9 +243,7 @@ SqlUse useOf(const SqlConfiguration &configuration) {
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {
     inspectSqlNames(notes, card, file ? &file->configuration : nullptr);
-    if (!file || useOf(file->configuration).createsTables) {
-        if (Finding *const finding = notes.add(KeyLength, u"key"_s)) finding->byRows = true;
-    }
+    if (!file || useOf(file->configuration).createsTables) notes.add(KeyLength, u"key"_s);
     if (!file) return;
     inspectSettings(notes, file->root);
     inspectDialect(notes, card, file->configuration);

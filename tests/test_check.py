@@ -94,7 +94,8 @@ HAVE = {
     "logistic-last-row": (LOGISTIC, {}),
     "backslash-in-value": (model(None, categorical(2, "c", ["a\\n"], [0, 1])), {}),
     "five-categories": (model(None, categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])), {}),
-    "lowest-nan": (model(table=TABLE), {}),
+    "lowest-nan": (model(kind="T", table=TABLE), {}),
+    "table-unread": (model(table=TABLE), {}),
     "missing-codes-unread": (model(missing=CODES), {}),
     "not-a-number": (model(), {"rows": "n,c\n1,a\nten,b\n"}),
     "page-error": (model(kind="X"), {}),
@@ -176,7 +177,7 @@ class ScoresAndFindingsTest(CheckedTest):
                 else:
                     beside = [math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, math.inf)]
                     cells = [repr(v) for v in [*variable.cuts, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
-                    cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", " 7 ", "007", ".5", "5.", "1e", "--1"]
+                    cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", f"0.{0:0400}1", f"1{0:0400}e-5", " 7 ", "007", ".5", "5.", "1e", "--1"]
                 rows += [{**first, variable.field: cell} for cell in cells]
             with open(self.folder / "rows.csv", "w", newline="") as file:
                 writer = csv.DictWriter(file, list(first))
@@ -264,6 +265,7 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv"]),
             (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
             (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
+            (2, "The model has no probability; use --score.", ["m.ModelXml", *compare, "--target", "sql", "--probability", "n"]),
             (8, "Cannot convert model 'none': Error: File not found.", ["none"]),
             (8, "Cannot convert model 'short.ModelXml': model 'V1' (field 'n'): array 'y' has 2 values, 4 needed.", ["short.ModelXml"]),
             (8, "XML Parsing error inside file 'm.ModelXml'.", ["m.ModelXml", "--sql", "m.ModelXml"]),
@@ -331,16 +333,50 @@ class DeploymentTest(CheckedTest):
 
     def test_joins(self):
         self.write("m.ModelXml", model())
-        self.write("rows.csv", "k,n,c\nx,1,a\ny,2,b\nz,3,a\ny,1,a\n")
+        self.write("rows.csv", "k,n,c\nx,1,a\ny,2,b\nz,3,a\ny,1,a\nz,3,a\n")
         self.write("results.csv", "score,k\n4,z\n5,w\n3,x\n9,z\n")
         found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score", "--key", "k")
         self.assertEqual({name: found[name] for name in ["rows", "equal", "missing", "extra", "repeated", "unexplained"]},
-                         {"rows": 2, "equal": 2, "missing": 2, "extra": 1, "repeated": 1, "unexplained": 0})
+                         {"rows": 3, "equal": 3, "missing": 2, "extra": 1, "repeated": 3, "unexplained": 0})
         found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score")
-        self.assertEqual((found["rows"], found["missing"], found["extra"]), (4, 0, 0))
+        self.assertEqual((found["rows"], found["missing"], found["extra"]), (4, 1, 0))
         self.write("results.csv", "score\n3\n4\n4\n")
         found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score", "--tolerance", "0")
-        self.assertEqual((found["equal"], found["missing"], found["extra"]), (3, 1, 0))
+        self.assertEqual((found["equal"], found["missing"], found["extra"]), (3, 2, 0))
+
+    def test_single_rows(self):
+        """What one result is: as the model says, explained by exactly these findings, or why not."""
+        five = categorical(2, "c", "abcde", [-5, 1, 1, 1, 1, 1])
+        long = numeric(1, "n", [1, 2], [0, 1, 2, 3, 4])
+        alike = [numeric(i, name, [1], [0, 0, 10**i]) for i, name in enumerate(["a b", "a.b", "a-b"], start=1)]
+        blanks = {"terms": [(1, 1), (2, 1), (3, 1)]}
+        numbers = boolean(["1"] * 5 + ["yes"], (0, 1, 2))
+        for text, target, cells, column, result, expected in [
+            (model(None, five, kind="T", table=TABLE), "html", ",a", "probability", "NaN", ["five-categories", "lowest-nan"]),
+            (model(None, five, kind="T", table=TABLE), "html", ",a", "probability", "oops", []),
+            (model(long, five, kind="C", table=TABLE), "html", "ten,a", "probability", "-1",
+             ["five-categories", "table-unread", "not-a-number", "array-too-long"]),
+            (model(numeric(1, "n", [1, 2], [0, 1, math.inf, 3])), "html", "1,a", "score", "7", []),
+            (model(None, categorical(2, "c", ["Rent", "rent"], [0, 1, 2])), "sql", ",rent", "score", "1", ["capitals"]),
+            (model(None, categorical(2, "c", ["TRUE"], [0, 1])), "vba", ",True", "score", "1", ["true-false"]),
+            (model(*alike, **blanks), "sas", "0,2,2", "score", "1110", ["names-alike"]),
+            (model(table=[(3, 0.9), (1, 0.6), (1, 0.2), (0, 0.1)]), "sas", ",a", "probability", "0.6", None),
+            (model(None, numeric(2, "n", [1, 2], [0, 5, 7, 11])), "sas", "1", "score", "14", "n read as another value"),
+            (model(None, categorical(2, "c", ["1", "2.5"], [0, 1, 2])), "sas", ",1.0", "score", "1", ["values-as-numbers"]),
+            (model(None, categorical(2, "c", ["a\\n"], [0, 1])), "python", ",a\\n", "score", "0", ["backslash-in-value"]),
+            (model(categorical(1, "c", ["b", "a"], [0, 1, 2])), "html", "a", "score", "2", ["shared-values"]),
+            (model(None, numbers), "sql", ",1", "score", "2", ["boolean-numbers"]),
+        ]:
+            with self.subTest(target=target, cells=cells, result=result):
+                self.write("m.ModelXml", text)
+                names = dict.fromkeys(re.findall(r'field="([^"]*)"', text))
+                self.write("rows.csv", f"{','.join(names)}\n{cells}\n")
+                self.write("results.csv", f"{column}\n{result}\n")
+                found = self.compare("m.ModelXml", "rows.csv", "results.csv", target, f"--{column}", column)
+                if isinstance(expected, str):
+                    self.assertEqual(found["blamed"], {expected: 1})
+                else:
+                    self.assertEqual((found["equal"], sorted(found["explained"])), (int(expected is None), sorted(expected or [])))
 
     def test_sql_in_sqlite(self):
         """Codes that are not found, untrimmed booleans, texts and capitals, and the table's lower end in one model."""
@@ -367,7 +403,7 @@ class DeploymentTest(CheckedTest):
 
     def test_pages_and_reports(self):
         """The report needs no other file, and shows the texts of the document as texts."""
-        self.write("m.ModelXml", model(None, categorical(2, "c", ["<script>", "b&b"], [0, 1, 2]), table=TABLE))
+        self.write("m.ModelXml", model(None, categorical(2, "c", ["<script>", "b&b"], [0, 1, 2]), kind="T", table=TABLE))
         self.write("rows.csv", "n,c\n1,b&b\n2,<script>\n")
         self.write("results.csv", "p\n0.1\n0.2\n")
         self.compare("m.ModelXml", "rows.csv", "results.csv", "html", "--probability", "p", "--report", "report.html")
