@@ -47,6 +47,9 @@ public:
     }
     // The row's number, from 1.
     std::int64_t row() const { return number; }
+    // How many rows have fewer or more cells than there are titles, and the first of them.
+    std::int64_t unevenRows() const { return uneven; }
+    std::int64_t firstUnevenRow() const { return firstUneven; }
     // What kept the file from being read to its end; else empty.
     const QString &problem() const { return trouble; }
 
@@ -86,6 +89,8 @@ private:
     std::size_t finished = 0;
     std::size_t given = 0;
     std::int64_t number = 0;
+    std::int64_t uneven = 0;
+    std::int64_t firstUneven = 0;
 };
 
 // The cell without the blanks around it.

@@ -86,7 +86,10 @@ QByteArray jsonReport(const Report &report) {
         findings.append(jsonOf(finding, report.counts != nullptr));
     }
     QJsonObject object = {{u"model"_s, report.card.document.fileName}, {u"findings"_s, findings}};
-    if (report.counts) object[u"rows"_s] = count(report.counts->rows);
+    if (report.counts) {
+        object[u"rows"_s] = count(report.counts->rows);
+        object[u"uneven"_s] = count(report.counts->uneven);
+    }
     if (report.comparison) object[u"comparison"_s] = jsonOf(report);
     return QJsonDocument(object).toJson();
 }

@@ -261,5 +261,10 @@ void putModel(TextBuffer &out, const Scorecard &card) {
 void putReport(TextBuffer &out, const Report &report) {
     putFindings(out, report);
     if (report.counts) put(out, u"\n", rowsOf(report.counts->rows), u" scored\n");
+    if (report.counts && report.counts->uneven > 0) {
+        put(out, rowsOf(report.counts->uneven),
+            u" with fewer or more cells than titles, first row ",
+            qsizetype(report.counts->firstUneven), u"\n");
+    }
     if (report.comparison) putComparison(out, report);
 }

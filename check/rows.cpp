@@ -285,6 +285,8 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
         out.putRow(prediction.score, prediction.probability, options.delimiter);
     }
     counts.rows = reader.row();
+    counts.uneven = reader.unevenRows();
+    counts.firstUneven = reader.firstUnevenRow();
     if (out.isOpen() && !out.close()) return u"Cannot write to file '%1'."_s.arg(options.scores);
     if (!reader.problem().isEmpty()) return reader.problem();
     return comparison ? comparison->finish() : QString();

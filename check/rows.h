@@ -10,6 +10,8 @@ struct RowOptions : CsvOptions {
 // What the rows came to.
 struct RowCounts {
     std::int64_t rows = 0;
+    std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
+    std::int64_t firstUneven = 0;
     std::vector<std::vector<std::int64_t>> positions; // of each recoding, rows by position
     // Rows by score: as many steps of the same width between the lowest and the highest score that
     // the model can give.
