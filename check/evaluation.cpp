@@ -131,19 +131,11 @@ std::uint32_t listedPosition(const Recoding &recoding, std::string_view text, co
     return deviations.has(ValueTwice) ? listed->first : listed->last;
 }
 
-// The first of the values that is the same number.
 std::uint32_t equalNumber(const Recoding &recoding, std::string_view text) {
-    double wanted = 0;
-    if (!readNumber(text, wanted)) return 0;
-    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
-        double number = 0;
-        const QByteArray value = recoding.listed[i].toUtf8();
-        if (readNumber({value.data(), static_cast<std::size_t>(value.size())}, number) &&
-            number == wanted) {
-            return static_cast<std::uint32_t>(i + 1);
-        }
-    }
-    return 0;
+    double number = 0;
+    if (!readNumber(text, number)) return 0;
+    const auto found = recoding.numbers.find(number);
+    return found == recoding.numbers.end() ? 0 : found->second;
 }
 
 // Whether Python reads one of the backslashes, and the character behind it, as another character.

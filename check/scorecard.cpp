@@ -58,9 +58,12 @@ void readCategorical(Recoding &recoding, const Scorecard &card) {
                                                          : i < 5             ? 1
                                                                              : 2);
         const QStringView value = recoding.listed[i];
-        ListedValue &places = recoding.values[value.toUtf8().toStdString()];
+        const std::string text = value.toUtf8().toStdString();
+        ListedValue &places = recoding.values[text];
         if (places.first == 0) places.first = position;
         places.last = position;
+        double number = 0;
+        if (readNumber(text, number)) recoding.numbers.try_emplace(number, position);
         recoding.folded.try_emplace(value.toString().toLower().toStdString(), position);
     }
     for (const auto &[value, places] : recoding.values) {

@@ -46,6 +46,7 @@ struct Recoding {
     std::unordered_map<std::string, ListedValue, HashOfBytes, std::equal_to<>> values; // in UTF-8
     std::vector<std::pair<std::string_view, ListedValue>> shortList; // the same, for a few of them
     std::unordered_map<std::string, std::uint32_t> folded; // in small letters, the first of each
+    std::unordered_map<double, std::uint32_t> numbers;     // likewise, of values that are numbers
     std::span<const double> codes;                         // that count as missing
     std::vector<double> sixDigitCodes;                     // the same, rounded
     std::array<Codes, targetCount> codesOfTarget;          // that each target finds
