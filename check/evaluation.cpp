@@ -142,7 +142,7 @@ std::uint32_t equalNumber(const Recoding &recoding, std::string_view text) {
 bool isEscaped(std::string_view text) {
     constexpr std::string_view escapes = "\\'\"abfnrtv01234567xNuU";
     std::size_t at = text.find('\\');
-    while (at < text.size() - 1 && escapes.find(text[at + 1]) == escapes.npos) {
+    while (at < text.size() - 1 && escapes.find(text[at + 1]) == std::string_view::npos) {
         at = text.find('\\', at + 2);
     }
     return at < text.size() - 1;

@@ -13,7 +13,7 @@ QJsonValue number(double value) {
 }
 
 QJsonValue count(std::int64_t value) {
-    return QJsonValue(static_cast<qint64>(value));
+    return {static_cast<qint64>(value)};
 }
 
 QJsonObject jsonOf(const Finding &finding, bool hasRows) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -35,14 +36,14 @@ public:
     // Nothing for what is no number.
     template <typename Number>
     void put(Number number) {
-        if (number != number) return;
+        if (std::isnan(static_cast<double>(number))) return;
         constexpr std::size_t longest = 32;
         char *const at = reserve(longest);
         used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
     }
     void putCell(std::string_view cell, char delimiter) {
         const std::string special = {'"', '\n', '\r', delimiter};
-        if (cell.find_first_of(special) == cell.npos) {
+        if (cell.find_first_of(special) == std::string_view::npos) {
             put(cell);
             return;
         }

@@ -31,10 +31,10 @@ constexpr QStringView sqlWords[] = {
 std::size_t distance(QStringView a, QStringView b) {
     std::vector<std::size_t> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), std::size_t(0));
-    for (qsizetype i = 0; i < a.size(); ++i) {
+    for (const QChar c : a) {
         std::size_t diagonal = row[0]++;
         for (std::size_t j = 1; j < row.size(); ++j) {
-            const bool isSame = a[i].toLower() == b[static_cast<qsizetype>(j) - 1].toLower();
+            const bool isSame = c.toLower() == b[static_cast<qsizetype>(j) - 1].toLower();
             const std::size_t changed = diagonal + (isSame ? 0 : 1);
             diagonal = row[j];
             row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
