@@ -108,6 +108,9 @@ void CsvReader::addRow() {
         for (std::size_t i = 0; i < width; ++i) places[i] = i;
     } else {
         ++finished;
+        if (column != titles.size() && uneven++ == 0) {
+            firstUneven = number + static_cast<std::int64_t>(finished);
+        }
     }
     column = 0;
     batch.resize(batch.size() + width);
