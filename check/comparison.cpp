@@ -302,7 +302,7 @@ std::vector<double> Comparison::possiblePoints(std::size_t column) const {
         }
     }
     std::ranges::sort(points);
-    points.erase(std::ranges::unique(points).begin(), points.end());
+    points.erase(std::unique(points.begin(), points.end()), points.end());
     return points;
 }
 
