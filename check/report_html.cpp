@@ -118,7 +118,7 @@ struct Range {
 
 // From the lowest to the highest score of the table and of the rows.
 Range rangeOf(const Report &report) {
-    const std::vector<double> &x = report.card.table.x;
+    const std::pmr::vector<double> &x = report.card.table.x;
     Range range{-5, 5};
     if (!x.empty()) range = {x.back(), x.front()};
     if (const RowCounts *const counts = report.counts) {

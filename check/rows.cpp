@@ -178,7 +178,7 @@ void countRow(Counter &counter, std::int64_t row, std::span<const Cell> cells,
         if (isTouched(recoding, finding, cells, recoded[at])) touch(finding, row, touched);
     }
     // What targets do otherwise is at the lower end of the table.
-    const std::vector<double> &x = counter.card.table.x;
+    const std::pmr::vector<double> &x = counter.card.table.x;
     if (x.size() > 1 && prediction.score > x[x.size() - 2]) return;
     for (const std::size_t index : counter.ofTable) {
         Finding &finding = counter.findings[index];

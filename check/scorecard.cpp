@@ -151,7 +151,7 @@ Scorecard readScorecard(const QString &fileName) {
     if (!card.document.problem.isEmpty()) return card;
     card.isFalling = isFalling(card.table.x);
     card.isLogistic = !card.table.exists && hasLogisticProbability(card.document);
-    std::vector<double> betas;
+    std::pmr::vector<double> betas;
     readNumbers(card.document, card.document.root.childNode(u"RegressionModel"), u"betas", 0,
                 betas);
     if (card.variables.size() < betas.size()) card.htmlConstant = betas[card.variables.size()];

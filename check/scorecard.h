@@ -61,7 +61,7 @@ struct ScoreTerm {
 
 struct Scorecard {
     ModelDocument document;
-    std::vector<Variable> variables;
+    std::pmr::vector<Variable> variables;
     Recodings arrays;
     MissingDictionary dictionary;
     std::vector<QString> columns; // the fields, each once, in the order of the document

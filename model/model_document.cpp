@@ -17,8 +17,9 @@ static_assert(std::endian::native == std::endian::little, "arrays are read as th
 namespace {
 
 // Appends the numbers of an array and returns how many there are.
-template <typename T>
-std::size_t decodeArray(ModelDocument &document, QStringView text, std::vector<T> &values) {
+template <typename Values>
+std::size_t decodeArray(ModelDocument &document, QStringView text, Values &values) {
+    using T = typename Values::value_type;
     qsizetype size = 0;
     const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
     const std::size_t count = bytes ? static_cast<std::size_t>(size) / sizeof(T) : 0;
@@ -90,7 +91,7 @@ int reportProblem(const QString &fileName, const QString &problem) {
 }
 
 std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                          std::size_t needed, std::vector<double> &values) {
+                          std::size_t needed, std::pmr::vector<double> &values) {
     const std::size_t count = decodeArray(document, owner.childNode(array).text(), values);
     if (count >= needed) return count;
     noteShortArray(document, describe(owner), array, count, needed);
@@ -99,7 +100,7 @@ std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QString
 }
 
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                 std::size_t needed, std::vector<double> &values) {
+                 std::size_t needed, std::pmr::vector<double> &values) {
     values.clear();
     appendNumbers(document, owner, array, needed, values);
 }

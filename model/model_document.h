@@ -11,7 +11,6 @@
 
 #include <QString>
 
-#include <memory>
 #include <vector>
 
 struct ModelDocument {
@@ -20,7 +19,6 @@ struct ModelDocument {
     XmlParseResult reading; // a warning tells of a document that is cut off or lacks end tags
     QString problem;        // the first reason why the document cannot be converted; else empty
     Base64Decoder decoder;  // reused for all arrays
-    std::vector<std::unique_ptr<char16_t[]>> names; // what the names of variables are views into
 };
 
 // The element of that name at the top of a parsed file. Without XML declaration, the parser returns
@@ -58,11 +56,11 @@ QStringView modelVersion(const ModelDocument &document);
 // absent one has none. One of less than `needed` values is a problem, and is filled up. Returns how
 // many were appended.
 std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                          std::size_t needed, std::vector<double> &values);
+                          std::size_t needed, std::pmr::vector<double> &values);
 
 // The same, in place of the values.
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                 std::size_t needed, std::vector<double> &values);
+                 std::size_t needed, std::pmr::vector<double> &values);
 
 // The same for 32-bit integers, of which an array of any length will do.
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,

@@ -3,13 +3,12 @@
 #include "model/recodings.h"
 
 #include "model/number_text.h"
-#include "platform/platform.h"
 
 #include <algorithm>
 
 namespace {
 
-void listValues(const Variable &variable, std::vector<QStringView> &values) {
+void listValues(const Variable &variable, std::pmr::vector<QStringView> &values) {
     for (const XmlNode &mod : variable.node.childNode(u"Modalities").children(u"Mod")) {
         values.push_back(mod.attribute(u"val"));
     }
@@ -96,9 +95,9 @@ QStringView storeRecodingName(const Variable &variable, char16_t *&end) {
 
 // All names are views into one text. Two strings for each variable would cost a SAS script 7 % more
 // instructions.
-std::vector<Variable> readVariables(ModelDocument &document, QStringView replaced) {
+std::pmr::vector<Variable> readVariables(ModelDocument &document, QStringView replaced) {
     const XmlNode parent = document.root.childNode(u"UnivModels");
-    std::vector<Variable> variables;
+    std::pmr::vector<Variable> variables(document.root.memory());
     variables.reserve(static_cast<std::size_t>(parent.childCount(u"Model")));
     qsizetype room = 0;
     for (const XmlNode &node : parent.children(u"Model")) {
@@ -106,10 +105,9 @@ std::vector<Variable> readVariables(ModelDocument &document, QStringView replace
         variable.position = variables.size() - 1;
         room += variable.field.size() + longestName;
     }
-    char16_t *end = document.names
-                        .emplace_back(std::make_unique_for_overwrite<char16_t[]>(
-                            static_cast<std::size_t>(room)))
-                        .get();
+    if (variables.empty()) return variables;
+    auto *end = static_cast<char16_t *>(document.root.memory()->allocate(
+        static_cast<std::size_t>(room) * sizeof(char16_t), alignof(char16_t)));
     for (Variable &variable : variables) {
         variable.cleanField = storeCleanName(variable.field, replaced, end);
         variable.recodingName = storeRecodingName(variable, end);
@@ -132,14 +130,16 @@ CategoricalRecoding Recodings::categorical(const Variable &variable) const {
             .isBoolean = variable.isBoolean};
 }
 
-Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &variables,
+Recodings readRecodings(ModelDocument &document, std::span<const Variable> variables,
                         BooleanScores booleanScores) {
-    Recodings all;
+    std::pmr::memory_resource *const memory = document.root.memory();
+    Recodings all{.records = std::pmr::vector<Recodings::Record>(memory),
+                  .numbers = std::pmr::vector<double>(memory),
+                  .values = std::pmr::vector<QStringView>(memory)};
     MissingDictionary dictionary = readMissingDictionary(document);
     all.records.reserve(variables.size());
     // Room for a document that is nothing but numbers, six bits a character.
     all.numbers.reserve(static_cast<std::size_t>(document.root.sourceLength()) * 6 / 64);
-    preferLargePages(all.numbers.data(), all.numbers.capacity() * sizeof(double));
     const auto append = [&](const Variable &variable, QStringView name, std::size_t needed) {
         return appendNumbers(document, variable.node, name, needed, all.numbers);
     };

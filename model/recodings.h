@@ -24,13 +24,13 @@ struct Variable {
 };
 
 // All variables in document order, their fields cleaned of the characters of `replaced`.
-std::vector<Variable> readVariables(ModelDocument &document, QStringView replaced);
+std::pmr::vector<Variable> readVariables(ModelDocument &document, QStringView replaced);
 
 // The numbers that stand for a missing value of a numeric column, in the order in which all targets
 // test them: the last of the document first. Targets tell an empty list from none.
 struct MissingCodes {
     bool isListed = false;
-    std::vector<double> codes;
+    std::pmr::vector<double> codes{};
 };
 
 // The missing codes by the names of data fields, in which the case of ASCII letters does not
@@ -98,15 +98,15 @@ struct Recodings {
         std::size_t valueCount = 0;
         std::size_t missingList = 0; // position in missingCodes
     };
-    std::vector<Record> records; // of each variable
-    std::vector<double> numbers;
-    std::vector<QStringView> values;
-    std::vector<MissingCodes> missingCodes; // each list once; the first is that of a field without
+    std::pmr::vector<Record> records{}; // of each variable
+    std::pmr::vector<double> numbers{};
+    std::pmr::vector<QStringView> values{};
+    std::vector<MissingCodes> missingCodes{}; // each list once; the first is none
 
     NumericRecoding numeric(const Variable &variable) const;
     CategoricalRecoding categorical(const Variable &variable) const;
 };
 // Whether a boolean column needs only the scores that its values take, or both even without values.
 enum class BooleanScores { OfValues, Both };
-Recodings readRecodings(ModelDocument &document, const std::vector<Variable> &variables,
+Recodings readRecodings(ModelDocument &document, std::span<const Variable> variables,
                         BooleanScores booleanScores = BooleanScores::OfValues);

@@ -12,7 +12,7 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
                           ConstantTerm constantTerm) {
     const XmlNode node = document.root.childNode(u"RegressionModel");
     std::vector<int> indexes;
-    std::vector<double> betas;
+    std::pmr::vector<double> betas;
     readIntegers(document, node, u"indexes", indexes);
     const XmlNode list = node.childNode(u"indexes");
     if (list.isEmpty() || (indexes.empty() && !list.text().isNull())) {
@@ -84,8 +84,8 @@ ProbabilityTable readProbabilityTable(ModelDocument &document) {
 }
 
 ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i) {
-    const std::vector<double> &x = table.x;
-    const std::vector<double> &y = table.y;
+    const std::pmr::vector<double> &x = table.x;
+    const std::pmr::vector<double> &y = table.y;
     const double slope = (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
     const double product = x[i] * slope;
     return {x[i], slope, y[i] - product};

@@ -38,8 +38,8 @@ std::vector<double> variableCoefficients(ModelDocument &document,
 // has at least one point.
 struct ProbabilityTable {
     bool exists = false;
-    std::vector<double> x;
-    std::vector<double> y; // at least as many as x
+    std::pmr::vector<double> x;
+    std::pmr::vector<double> y; // at least as many as x
 };
 ProbabilityTable readProbabilityTable(ModelDocument &document);
 

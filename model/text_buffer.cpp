@@ -2,8 +2,6 @@
 // written. A buffer in memory grows by doubling.
 #include "model/text_buffer.h"
 
-#include "platform/platform.h"
-
 #include <algorithm>
 #include <cassert>
 #include <new>
@@ -15,12 +13,13 @@ TextBuffer::TextBuffer(qsizetype expected) {
 
 bool TextBuffer::resize(qsizetype newCapacity) {
     const auto bytes = static_cast<std::size_t>(newCapacity) * sizeof(char16_t);
-    void *const moved = std::realloc(units.get(), bytes);
-    if (!moved) return false;
-    static_cast<void>(units.release());
-    units.reset(static_cast<char16_t *>(moved));
+    MemoryBlock larger = allocateBlock(bytes);
+    if (!larger) return false;
+    auto *const room = reinterpret_cast<char16_t *>(larger.get());
+    std::copy_n(units, used, room);
+    block = std::move(larger);
+    units = room;
     capacity = newCapacity;
-    preferLargePages(moved, bytes);
     return true;
 }
 
@@ -33,7 +32,7 @@ void TextBuffer::writeBlock() {
     const qsizetype kept = isUtf16 ? (position + used) % page : endsInHalfPair(text()) ? 1 : 0;
     const qsizetype size = used - kept;
     writeText(file, text().first(size));
-    std::copy_n(units.get() + size, kept, units.get());
+    std::copy_n(units + size, kept, units);
     position += size;
     used = kept;
 }

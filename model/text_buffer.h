@@ -12,15 +12,14 @@
 
 #include "model/number_text.h"
 #include "model/output_file.h"
+#include "platform/platform.h"
 
 #include <QStringView>
 
 #include <algorithm>
 #include <concepts>
-#include <cstdlib>
 #include <cstring>
 #include <initializer_list>
-#include <memory>
 #include <utility>
 #include <variant>
 
@@ -33,7 +32,7 @@ public:
     TextBuffer &operator=(const TextBuffer &) = delete;
 
     // What was appended and not yet written to a file.
-    QStringView text() const { return {units.get(), used}; }
+    QStringView text() const { return {units, used}; }
 
     // Takes the memory of one block, unless the buffer has some already.
     void reserveBlock() {
@@ -47,7 +46,7 @@ public:
     // Makes room for `count` more units and returns where they go; the caller fills all of them.
     char16_t *extend(qsizetype count) {
         if (count > capacity - used) enlarge(count);
-        char16_t *const room = units.get() + used;
+        char16_t *const room = units + used;
         used += count;
         return room;
     }
@@ -55,17 +54,14 @@ public:
     void giveBack(qsizetype count) { used -= count; }
 
 private:
-    struct Free {
-        void operator()(char16_t *memory) const { std::free(memory); }
-    };
-
     bool resize(qsizetype newCapacity);
     void enlarge(qsizetype count);
     void writeBlock();
 
     OutputFile file;
     qsizetype position = 1; // of the first unit in a file of UTF-16, behind its mark
-    std::unique_ptr<char16_t[], Free> units;
+    MemoryBlock block;
+    char16_t *units = nullptr; // in the block
     qsizetype used = 0;
     qsizetype capacity = 0;
 };

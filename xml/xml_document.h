@@ -1,10 +1,12 @@
 // The memory of one parsed tree; for the library's own files only.
 #pragma once
 
+#include "platform/platform.h"
 #include "xml/xml_node.h"
 
 #include <memory>
 #include <memory_resource>
+#include <span>
 
 struct XmlAttribute {
     QStringView name;
@@ -27,18 +29,23 @@ struct XmlElement {
     bool isDeclaration = false;
 };
 
+// A document has one block of memory: its text, and beside it the room for the tree and for what is
+// read from the tree. What does not fit there goes to the system's memory.
 struct XmlDocument {
-    // Takes over a text that ends in a zero unit, of which the first `skipped` units are left out.
-    XmlDocument(std::unique_ptr<char16_t[]> text, qsizetype skipped);
+    // Takes over the block. The text, which ends in a zero unit, and the room stand in it.
+    XmlDocument(MemoryBlock owned, const char16_t *text, std::span<std::byte> room);
 
-    std::unique_ptr<char16_t[]> buffer;
+    MemoryBlock block;
     const char16_t *source;
     qsizetype length; // units before the first zero unit
-    // A tree is seldom larger than its text, so the first block holds all of most trees.
-    std::unique_ptr<std::byte[]> firstBlock;
     std::pmr::monotonic_buffer_resource blocks;
     int handles = 0; // of all elements together
 };
+
+// The room that the tree of a text of so many units seldom exceeds, with its arrays, in bytes.
+constexpr std::size_t expectedRoom(std::size_t units) {
+    return 3 * units + 4096;
+}
 
 // Parses the document's source and takes the document over: it is released with the last handle,
 // or at once when the result is the empty node.

@@ -1,91 +1,131 @@
-// A file is read whole. UTF-16 text is parsed where it was read; any other is decoded into a buffer
-// of its own first, and the bytes are released.
+// A file is read whole, into the block that holds all of its document. UTF-16 text is parsed where
+// it was read. Any other is decoded to the room before it, and the tree takes the place of the
+// bytes.
 #include "platform/platform.h"
 #include "xml/xml_document.h"
 
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 namespace {
 
+constexpr std::size_t zeroBytes = 4; // behind the bytes, which may end within a unit
+
 struct FileBytes {
-    std::unique_ptr<char16_t[]> buffer; // the bytes, then at least four zero bytes
-    qsizetype size = 0;                 // in bytes
+    MemoryBlock block;
+    std::size_t blockSize = 0;
+    std::size_t start = 0; // of the bytes in the block
+    std::size_t size = 0;  // of the bytes
     XmlError error = XmlError::NoError;
 
-    QByteArrayView bytes() const { return {reinterpret_cast<const char *>(buffer.get()), size}; }
+    QByteArrayView bytes() const { return {block.get() + start, static_cast<qsizetype>(size)}; }
 };
 
-// A buffer of `units` units and a few zero units behind them; null when memory is short.
-std::unique_ptr<char16_t[]> allocateText(qsizetype units) {
-    constexpr qsizetype zeros = 3;
-    std::unique_ptr<char16_t[]> text(
-        new (std::nothrow) char16_t[static_cast<std::size_t>(units + zeros)]);
-    if (!text) return text;
-    preferLargePages(text.get(), static_cast<std::size_t>(units) * sizeof(char16_t));
-    std::fill_n(text.get() + units, zeros, u'\0');
-    return text;
+// For a unit of each byte, for the zero unit behind them, and for what a decoder may need.
+std::size_t roomForText(std::size_t bytes) {
+    return bytes * sizeof(char16_t) + 64;
+}
+
+// Reads a file of `file.size` bytes, to behind the room for their text. A mark promises that they
+// are the text: it begins with the block, since from within a large page on it takes a page more.
+void readBytes(std::FILE *input, FileBytes &file) {
+    std::array<char, 2> mark{};
+    const std::size_t markSize = std::fread(mark.data(), 1, mark.size(), input);
+    const std::size_t room = roomForText(file.size);
+    file.start = QByteArrayView(mark) == "\xFF\xFE" ? 0 : room;
+    file.blockSize = room + zeroBytes + expectedRoom(file.size);
+    file.block = allocateBlock(file.blockSize);
+    if (!file.block) {
+        file.error = XmlError::WideCharConversionError;
+        return;
+    }
+    std::byte *const bytes = file.block.get() + file.start;
+    std::memcpy(bytes, mark.data(), markSize);
+    file.size = markSize + std::fread(bytes + markSize, 1, file.size - markSize, input);
+    std::fill_n(bytes + file.size, zeroBytes, std::byte());
 }
 
 FileBytes readFile(const QString &fileName) {
     FileBytes file;
     std::FILE *const input = openFile(fileName, FileUse::Read);
-    if (!input) return {{}, 0, XmlError::FileNotFound};
-    file.size = fileSize(input);
+    if (!input) {
+        file.error = XmlError::FileNotFound;
+        return file;
+    }
+    file.size = static_cast<std::size_t>(fileSize(input));
     if (file.size == 0) {
         file.error = XmlError::NoXmlData;
-    } else if (file.buffer = allocateText(file.size / 2); !file.buffer) {
-        file.error = XmlError::WideCharConversionError;
     } else {
-        auto *const bytes = reinterpret_cast<char *>(file.buffer.get());
-        const std::size_t read = std::fread(bytes, 1, static_cast<std::size_t>(file.size), input);
-        file.size = static_cast<qsizetype>(read);
-        std::fill_n(bytes + read, 4, '\0');
+        readBytes(input, file);
     }
     std::fclose(input);
     return file;
 }
 
-// The text of 8-bit bytes up to the first zero byte; null when memory is short or they are no text.
-std::unique_ptr<char16_t[]> decodeNarrow(QByteArrayView bytes) {
+// Decodes 8-bit bytes up to the first zero byte, to where there is room for a unit for each and a
+// few more. False when they are no text.
+bool decodeNarrow(QByteArrayView bytes, char16_t *text) {
     const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
     if (isUtf8) bytes = bytes.sliced(3);
     bytes.truncate(
         static_cast<qsizetype>(qstrnlen(bytes.data(), static_cast<size_t>(bytes.size()))));
-    // Without these flags, a decoder drops a second mark, and a sequence that is cut off at the
-    // end.
-    QStringDecoder utf8(QStringDecoder::Utf8,
-                        QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
-    auto text = allocateText(isUtf8 ? utf8.requiredSpace(bytes.size()) : bytes.size());
-    if (text && isUtf8) {
-        *utf8.appendToBuffer(reinterpret_cast<QChar *>(text.get()), bytes) = u'\0';
-    } else if (text) {
-        char16_t *const end = decodeAnsi(bytes, text.get());
-        if (!end) return {};
-        *end = u'\0';
+    char16_t *end = nullptr;
+    if (isUtf8) {
+        // Without these flags, a decoder drops a second mark, and a sequence that is cut off at the
+        // end.
+        QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom |
+                                                      QStringDecoder::Flag::Stateless);
+        end = reinterpret_cast<char16_t *>(
+            utf8.appendToBuffer(reinterpret_cast<QChar *>(text), bytes));
+    } else {
+        end = decodeAnsi(bytes, text);
     }
-    return text;
+    if (end) *end = u'\0';
+    return end;
+}
+
+// Where the text begins that was read into the block, and the room beside it.
+struct Source {
+    const char16_t *text;
+    std::span<std::byte> room;
+};
+
+Source utf16Source(const FileBytes &file) {
+    const QByteArrayView bytes = file.bytes();
+    // EF FF is dropped like a byte-order mark: existing documents rely on it.
+    const bool isMarked = bytes.startsWith("\xEF\xFF") || bytes.startsWith("\xFF\xFE");
+    const std::span block(file.block.get(), file.blockSize);
+    return {reinterpret_cast<const char16_t *>(block.data() + file.start) + (isMarked ? 1 : 0),
+            block.subspan(file.start + file.size + zeroBytes)};
+}
+
+// Without a text when the bytes are none.
+Source narrowSource(FileBytes &file) {
+    const std::span block(file.block.get(), file.blockSize);
+    if (file.start == 0) { // marked, but not taken for UTF-16 by the system
+        file.start = roomForText(file.size);
+        std::memmove(block.data() + file.start, block.data(), file.size);
+    }
+    auto *const text = reinterpret_cast<char16_t *>(block.data());
+    return {decodeNarrow(file.bytes(), text) ? text : nullptr, block.subspan(file.start)};
 }
 
 } // namespace
 
 XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseResult *results) {
     FileBytes file = readFile(fileName);
-    qsizetype skippedUnits = 0;
+    Source source{};
     if (file.error == XmlError::NoError) {
-        if (!isUtf16Text(file.bytes())) {
-            file.buffer = decodeNarrow(file.bytes());
-            if (!file.buffer) file.error = XmlError::WideCharConversionError;
-        } else if (file.bytes().startsWith("\xEF\xFF") || file.bytes().startsWith("\xFF\xFE")) {
-            skippedUnits =
-                1; // EF FF is dropped like a byte-order mark: existing documents rely on it
-        }
+        source = isUtf16Text(file.bytes()) ? utf16Source(file) : narrowSource(file);
+        if (!source.text) file.error = XmlError::WideCharConversionError;
     }
     if (file.error != XmlError::NoError) {
         if (results) *results = {file.error};
         return {};
     }
-    return parseXml(std::make_unique<XmlDocument>(std::move(file.buffer), skippedUnits), tag,
-                    results);
+    return parseXml(std::make_unique<XmlDocument>(std::move(file.block), source.text, source.room),
+                    tag, results);
 }

@@ -220,6 +220,10 @@ qsizetype XmlNode::sourceLength() const {
     return document ? document->length : 0;
 }
 
+std::pmr::memory_resource *XmlNode::memory() const {
+    return document ? &document->blocks : std::pmr::get_default_resource();
+}
+
 int xmlToInt(QStringView value, int defaultValue) {
     if (value.isEmpty()) return defaultValue;
     const auto isWhite = [](QChar c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); };

@@ -19,6 +19,7 @@
 
 #include <iterator>
 #include <memory>
+#include <memory_resource>
 
 // The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
 // Base64LengthNotMultipleOf4 and Base64Truncated are warnings: there is a result all the same.
@@ -138,6 +139,9 @@ public:
 
     // The length of the text that the whole tree was read from, in units.
     qsizetype sourceLength() const;
+    // Memory for what is read from the tree, which lives as long as the tree. That of the empty node
+    // is the system's.
+    std::pmr::memory_resource *memory() const;
 
 private:
     XmlNode(XmlDocument *owner, XmlElement *node);

@@ -118,7 +118,7 @@ void putRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &cat
 } // namespace
 
 SliderRange computeSliderRange(ModelDocument &document, const Variable &variable) {
-    std::vector<double> bounds;
+    std::pmr::vector<double> bounds;
     readNumbers(document, variable.node, u"x", 0, bounds);
     SliderRange range;
     if (!bounds.empty()) {

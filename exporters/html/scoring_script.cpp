@@ -109,7 +109,7 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
 
 void putProbabilityTable(TextBuffer &out, const HtmlModel &model) {
     if (!model.table.exists) return;
-    const std::vector<double> &scores = model.table.x;
+    const std::pmr::vector<double> &scores = model.table.x;
     put(out, u"mapScore[", model.position, u"]  = [");
     putNumbers(out, scores);
     put(out, u"];\nmapProba[", model.position, u"]  = [");
@@ -185,7 +185,7 @@ void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t 
 
 void writeNumberArray(TextBuffer &out, ModelDocument &document, const XmlNode &node,
                       QStringView childName) {
-    std::vector<double> values;
+    std::pmr::vector<double> values;
     readNumbers(document, node, childName, 0, values);
     put(out, u"[");
     putNumbers(out, values);

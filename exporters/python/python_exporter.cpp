@@ -35,7 +35,7 @@ QString classNameOf(const QString &modelFile) {
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
-               const std::vector<Variable> &variables) {
+               std::span<const Variable> variables) {
     fill(out, pythonBanner,
          {{u"version", modelVersion(document)},
           {u"file", document.fileName},
@@ -46,7 +46,7 @@ void putBanner(TextBuffer &out, const ModelDocument &document,
     put(out, u"'''\n");
 }
 
-void putDictionaries(TextBuffer &out, const std::vector<Variable> &variables,
+void putDictionaries(TextBuffer &out, std::span<const Variable> variables,
                      const Recodings &recodings) {
     for (const Variable &variable : variables) {
         if (!variable.isCategorical) continue;
@@ -63,7 +63,7 @@ void putDictionaries(TextBuffer &out, const std::vector<Variable> &variables,
     }
 }
 
-void putColumnLookups(TextBuffer &out, const std::vector<Variable> &variables) {
+void putColumnLookups(TextBuffer &out, std::span<const Variable> variables) {
     for (const Variable &variable : variables) {
         put(out, u"        ", variable.cleanField, u"_Idx=colNames.index('''", variable.field,
             u"''')\n");
@@ -80,7 +80,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
 }
 
 // With codes the parenthesis after "if" is never closed: existing modules look like this.
-void putMissingTest(TextBuffer &out, const std::vector<double> &codes) {
+void putMissingTest(TextBuffer &out, std::span<const double> codes) {
     if (codes.empty()) {
         put(out, u"            if isnan(data):\n");
         return;
@@ -116,7 +116,7 @@ void putHeading(TextBuffer &out, const Variable &variable) {
         u" column of display name '", variable.node.attribute(u"displayName"), u"'\n");
 }
 
-void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
+void putRecodings(TextBuffer &out, std::span<const Variable> variables,
                   const Recodings &recodings) {
     for (const Variable &variable : variables) {
         putHeading(out, variable);
@@ -128,8 +128,7 @@ void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
     }
 }
 
-void putScore(TextBuffer &out, const std::vector<Variable> &variables,
-              const Regression &regression) {
+void putScore(TextBuffer &out, std::span<const Variable> variables, const Regression &regression) {
     put(out, u"\n\n            #computing the regression Model\n");
     put(out, u"            s=dfOutScore[line]=", regression.constant);
     for (const RegressionTerm &term : regression.terms) {
@@ -165,7 +164,7 @@ void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);

@@ -36,7 +36,7 @@ bool isSupported(const Variable &variable) {
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
-               const std::vector<Variable> &variables) {
+               std::span<const Variable> variables) {
     fill(out, sasBanner,
          {{u"version", modelVersion(document)},
           {u"file", document.fileName},
@@ -106,7 +106,7 @@ void putHeading(TextBuffer &out, const Variable &variable) {
         u"' */\n\n");
 }
 
-void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
+void putRecodings(TextBuffer &out, std::span<const Variable> variables,
                   const Recodings &recodings) {
     for (const Variable &variable : variables) {
         putHeading(out, variable);
@@ -118,7 +118,7 @@ void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
     }
 }
 
-void putScore(TextBuffer &out, const std::vector<Variable> &variables, const Regression &regression,
+void putScore(TextBuffer &out, std::span<const Variable> variables, const Regression &regression,
               const QString &prefix) {
     put(out, u"\n\n   /* computing the regression Model */\n   ", prefix, u"score= ",
         regression.constant, u"\n");
@@ -148,7 +148,7 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table, const QStrin
     });
 }
 
-void putClosing(TextBuffer &out, const std::vector<Variable> &variables) {
+void putClosing(TextBuffer &out, std::span<const Variable> variables) {
     put(out, sasDropRemark);
     for (const Variable &variable : variables) put(out, u"   drop ", variable.recodingName, u";\n");
     put(out, u"\n/* run; */\n");
@@ -159,7 +159,7 @@ void putClosing(TextBuffer &out, const std::vector<Variable> &variables) {
 int exportToSas(const QString &modelFile, const QString &scriptFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
     if (!std::ranges::all_of(variables, isSupported)) {
         printText(u"Unsupported recoding (from RANK)!\n"
                   "Please update Qorv to the latest version.\n");

@@ -31,7 +31,7 @@ QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &di
     return schema.isEmpty() ? QString() : sqlIdentifier(dialect, schema) + u'.';
 }
 
-std::vector<QString> debugColumns(const std::vector<Variable> &variables,
+std::vector<QString> debugColumns(std::span<const Variable> variables,
                                   const SqlConfiguration &configuration,
                                   const SqlDialect &dialect) {
     std::vector<QString> columns;
@@ -43,8 +43,7 @@ std::vector<QString> debugColumns(const std::vector<Variable> &variables,
     return columns;
 }
 
-std::vector<QString> quotedFields(const std::vector<Variable> &variables,
-                                  const SqlDialect &dialect) {
+std::vector<QString> quotedFields(std::span<const Variable> variables, const SqlDialect &dialect) {
     std::vector<QString> fields;
     fields.reserve(variables.size());
     for (const Variable &variable : variables)
@@ -233,7 +232,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
     const QString schema = schemaPrefix(configuration, dialect);
     const QString &target = configuration.predictionTable;
     const QString temporary = u"Qorv_TMP_"_s + target;
-    std::vector<Variable> variables = readVariables(document, {});
+    std::pmr::vector<Variable> variables = readVariables(document, {});
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);

@@ -29,7 +29,7 @@ std::ptrdiff_t slotOf(const Variable &variable) {
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
-               const std::vector<Variable> &variables) {
+               std::span<const Variable> variables) {
     fill(out, vbaBanner,
          {{u"version", modelVersion(document)},
           {u"file", document.fileName},
@@ -42,8 +42,7 @@ void putBanner(TextBuffer &out, const ModelDocument &document,
 }
 
 // `routine` is what the block leaves when a sheet or a title is not found: "Function" or "Sub".
-void putInitialisation(TextBuffer &out, const std::vector<Variable> &variables,
-                       QStringView routine) {
+void putInitialisation(TextBuffer &out, std::span<const Variable> variables, QStringView routine) {
     fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
         put(out, u"     variableNames(", slotOf(variable), u")=\"", escapeQuotes(variable.field),
@@ -104,7 +103,7 @@ void putHeading(TextBuffer &out, const Variable &variable) {
           {u"label", variable.node.attribute(u"displayName")}});
 }
 
-void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
+void putRecodings(TextBuffer &out, std::span<const Variable> variables,
                   const Recodings &recodings) {
     for (const Variable &variable : variables) {
         putHeading(out, variable);
@@ -118,8 +117,7 @@ void putRecodings(TextBuffer &out, const std::vector<Variable> &variables,
 
 // Puts every term on a line of its own, in as many statements as the language's limit of
 // continued lines asks for.
-void putTerms(TextBuffer &out, const std::vector<Variable> &variables,
-              const Regression &regression) {
+void putTerms(TextBuffer &out, std::span<const Variable> variables, const Regression &regression) {
     put(out, u"\n\n'   computing the regression Model\n  score = ", regression.constant);
     int lines = 2;
     for (const RegressionTerm &term : regression.terms) {
@@ -135,8 +133,7 @@ void putTerms(TextBuffer &out, const std::vector<Variable> &variables,
     put(out, u"\n\n");
 }
 
-void putScore(TextBuffer &out, const std::vector<Variable> &variables,
-              const Regression &regression) {
+void putScore(TextBuffer &out, std::span<const Variable> variables, const Regression &regression) {
     put(out, u"\n\n'  for debug:\n'  Dim vdebug(", std::ssize(regression.terms), u") As Double\n");
     std::ptrdiff_t line = 0;
     for (const RegressionTerm &term : regression.terms) {
@@ -162,7 +159,7 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table) {
     put(out, u"End Select\n  QorvPrediction_1 = proba\n");
 }
 
-void putRangeChecks(TextBuffer &out, const std::vector<Variable> &variables,
+void putRangeChecks(TextBuffer &out, std::span<const Variable> variables,
                     const Recodings &recodings) {
     for (const Variable &variable : variables) {
         if (variable.isCategorical) continue;
@@ -180,7 +177,7 @@ void putRangeChecks(TextBuffer &out, const std::vector<Variable> &variables,
 int exportToVba(const QString &modelFile, const QString &moduleFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
