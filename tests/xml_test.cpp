@@ -85,6 +85,7 @@ const ParseCase parseCases[] = {
     {u"<a> one\r\n two \t</a>", "a[one\r\n two]"},
     {u"<a>x='1' / > \" '</a>", "a[x='1' / > \" ']"},
     {u"<a>one<b/>two</a>", "a[one|two]{b}"},
+    {u"<a>\u3C26\u263C&amp;\u013C</a>", "a[\u3C26\u263C&\u013C]"}, // of the bytes of "<" and "&"
     {u"<a>&amp;&LT;&gt;&Quot;&apos;&#65;&#x41;&#X6f;&#65601;</a>", "a[&<>\"'AAoA]"},
     {u"<a>one&#0;two</a>", "a[one]"},
     {u"<a>&#;x</a>", "a[]"},
