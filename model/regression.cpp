@@ -2,8 +2,6 @@
 // several. Tables from number to variable, or to coefficient, keep the search linear.
 #include "model/regression.h"
 
-#include <QHash>
-
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,15 +21,17 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
     const bool hasConstant = constantTerm == ConstantTerm::Read;
     readNumbers(document, node, u"betas", indexes.size() + (hasConstant ? 1 : 0), betas);
 
-    QHash<int, int> lastOfNumber;
-    lastOfNumber.reserve(std::ssize(variables));
+    NumberTable<int> lastOfNumber(document.root.memory());
+    lastOfNumber.reserve(variables.size());
     for (int k = 0; k < static_cast<int>(variables.size()); ++k) {
-        lastOfNumber.insert(variables[static_cast<std::size_t>(k)].number, k);
+        lastOfNumber[variables[static_cast<std::size_t>(k)].number] = k;
     }
     Regression regression;
     regression.terms.reserve(indexes.size());
     for (std::size_t j = 0; j < indexes.size(); ++j) {
-        regression.terms.push_back({betas[j], indexes[j], lastOfNumber.value(indexes[j], -1)});
+        const auto last = lastOfNumber.find(indexes[j]);
+        const int position = last == lastOfNumber.end() ? -1 : last->second;
+        regression.terms.push_back({betas[j], indexes[j], position});
     }
     if (hasConstant) regression.constant = betas[indexes.size()];
     return regression;
@@ -55,19 +55,21 @@ void requireVariables(ModelDocument &document, const Regression &regression) {
 std::vector<double> variableCoefficients(ModelDocument &document,
                                          std::span<const Variable> variables,
                                          const Regression &regression) {
-    QHash<int, double> ofNumber;
-    ofNumber.reserve(std::ssize(regression.terms));
+    NumberTable<double> ofNumber(document.root.memory());
+    ofNumber.reserve(regression.terms.size());
     for (const RegressionTerm &term : regression.terms) ofNumber[term.number] = term.coefficient;
 
     std::vector<double> coefficients;
     coefficients.reserve(variables.size());
     for (const Variable &variable : variables) {
-        if (document.problem.isEmpty() && !ofNumber.contains(variable.number)) {
+        const auto found = ofNumber.find(variable.number);
+        const bool isUsed = found != ofNumber.end();
+        if (!isUsed && document.problem.isEmpty()) {
             noteProblem(document,
                         u"%1: its number is not in the array 'indexes' of RegressionModel"_s.arg(
                             describe(variable.node)));
         }
-        coefficients.push_back(ofNumber.value(variable.number));
+        coefficients.push_back(isUsed ? found->second : 0);
     }
     return coefficients;
 }

@@ -3,8 +3,22 @@
 
 #include "model/recodings.h"
 
+#include <QHashFunctions>
+
+#include <memory_resource>
 #include <span>
+#include <unordered_map>
 #include <vector>
+
+// The hash of a variable's number, with a seed that differs from run to run, so that no document
+// can be made of numbers that all collide.
+struct HashOfNumber {
+    std::size_t operator()(int number) const { return qHash(number, QHashSeed::globalSeed()); }
+};
+// A table by the numbers of variables. An insertion into Qt's own would end the program where
+// memory runs out.
+template <typename Value>
+using NumberTable = std::pmr::unordered_map<int, Value, HashOfNumber>;
 
 // The score is the constant plus, for each term, its coefficient times the recoding of its
 // variable.

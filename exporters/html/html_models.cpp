@@ -5,8 +5,6 @@
 
 #include "platform/platform.h"
 
-#include <QHash>
-
 #include <algorithm>
 
 using namespace Qt::Literals::StringLiterals;
@@ -23,12 +21,12 @@ HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype po
 }
 
 // The position of each number among the coefficients; the first one where it stands repeatedly.
-QHash<int, std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
+NumberTable<std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
     std::vector<int> numbers;
     readIntegers(document, regression, u"indexes", numbers);
-    QHash<int, std::size_t> positions;
-    positions.reserve(std::ssize(numbers));
-    for (std::size_t k = numbers.size(); k-- > 0;) positions.insert(numbers[k], k);
+    NumberTable<std::size_t> positions(document.root.memory());
+    positions.reserve(numbers.size());
+    for (std::size_t k = 0; k < numbers.size(); ++k) positions.try_emplace(numbers[k], k);
     return positions;
 }
 
@@ -38,15 +36,15 @@ bool findCoefficients(HtmlModel &model) {
     const auto positions = coefficientPositions(model.document, regression);
     model.regIndex.reserve(model.variables.size());
     for (const Variable &variable : model.variables) {
-        const auto found = positions.constFind(variable.number);
-        if (found == positions.cend()) {
+        const auto found = positions.find(variable.number);
+        if (found == positions.end()) {
             // The text calls it the model's, but it is the position of the variable: scripts that
             // watch for this message know it so.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
                 variable.node.attribute(u"name"), QString::number(variable.position)));
             return false;
         }
-        model.regIndex.push_back(*found);
+        model.regIndex.push_back(found->second);
     }
     return true;
 }
