@@ -2,6 +2,7 @@
 
 import math
 import struct
+import tempfile
 import time
 import unittest
 from base64 import b64encode
@@ -45,6 +46,13 @@ class FaultsTest(ProgramTest):
         for shape in ["<a>" * MANY + "</a>" * MANY, "<a>" * MANY, "<a/>" * MANY, "&amp;" * MANY, "t<!---->" * MANY,
                       " " * 50_000_000, f"<a x='{'&lt;' * MANY}'/>", "<DataField name='a' name='b'/>" * MANY]:
             self.export(shell.replace("{}", shape), ["-a", "-s"], statuses=(0,))
+
+    @not_on_windows("a file of no memory takes a folder in memory")
+    def test_sizes_that_overflow(self):
+        with tempfile.NamedTemporaryFile(dir="/dev/shm") as file:
+            for size in [(1 << 64) // 5 + 1000, (1 << 63) // 5 + 1000, 1 << 62]:
+                file.truncate(size)
+                self.assertEqual(self.run_program("-a", file.name, "out")[0], 8)
 
     def test_what_many_share_is_read_once(self):
         text = document([numeric(k, "a", [1], [1, 2, 3]) for k in range(20_000)], [(k, 1) for k in range(20_000)], 0,

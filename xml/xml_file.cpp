@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 
 namespace {
@@ -32,6 +33,11 @@ std::size_t roomForText(std::size_t bytes) {
 // Reads a file of `file.size` bytes, to behind the room for their text. A mark promises that they
 // are the text: it begins with the block, since from within a large page on it takes a page more.
 void readBytes(std::FILE *input, FileBytes &file) {
+    constexpr std::size_t largest = PTRDIFF_MAX / 8; // of which the sums below are no overflow
+    if (file.size > largest) {
+        file.error = XmlError::WideCharConversionError;
+        return;
+    }
     std::array<char, 2> mark{};
     const std::size_t markSize = std::fread(mark.data(), 1, mark.size(), input);
     const std::size_t room = roomForText(file.size);
