@@ -14,32 +14,38 @@ from pathlib import Path
 import uno
 from com.sun.star.beans import PropertyValue
 
-# Without a screen a message box returns at once and its text is lost, so that a function of its name keeps the texts.
-MESSAGES = """
+# What takes the place of LibreOffice's own: without a screen a message box returns at once and its text is lost; and
+# finding workbook and sheet takes longer than reading the cell.
+STAND_INS = """
 Function MsgBox(text, Optional buttons, Optional title)
   messagesShown = messagesShown & title & ": " & text & Chr(10)
 End Function
+Sub StartAnew()
+  Dim sheets(1 To 2) As Object
+  Set sheets(1) = ThisWorkbook.Worksheets(1)
+  Set sheets(2) = ThisWorkbook.Worksheets(2)
+  ActiveWorkbook.Worksheets = sheets
+  tdAllModels(1).isInitialized = False
+End Sub
 """
 # Everything in one call, since each from here takes a millisecond, and with addresses, since ranges cannot be passed.
 CALL = """Option VBASupport 1
-Function CallModule(sheet As String, titles As String, rows, table As String, width)
-  Set cells = ActiveWorkbook.Worksheets("Data")
-  Dim scores(UBound(rows)), colours(width * (UBound(rows) + 1) - 1)
-  For r = 0 To UBound(rows)
-    scores(r) = QorvPrediction_1(sheet, cells.Range(titles), cells.Range(rows(r)))
+Function CallModule(sheet As String, titles As String, rows, table As String)
+  StartAnew
+  Set cells = ThisWorkbook.Worksheets("Data")
+  Set titleRow = cells.Range(titles)
+  Dim scores(rows - 1)
+  For r = 1 To rows
+    scores(r - 1) = QorvPrediction_1(sheet, titleRow, titleRow.Offset(r, 0))
   Next r
+  StartAnew
   On Error Resume Next
-  QorvCheckRange_1 sheet, cells.Range(titles), cells.Range(table)
-  failure = Err.Number
-  For i = 0 To UBound(colours)
-    row = Int(i / width)
-    colours(i) = ThisComponent.Sheets.getByName("Data").getCellByPosition(2 + i - row * width, 2 + row).CellBackColor
-  Next i
-  CallModule = Array(scores, failure, colours, messagesShown)
+  QorvCheckRange_1 sheet, titleRow, cells.Range(table)
+  CallModule = Array(scores, Err.Number, messagesShown)
 End Function
 """
-# The scores of all rows, the error that stopped the range macro or 0, for each row the colour of each cell or None, and
-# the lines of the messages shown.
+# The scores of all rows, the error that stopped the range macro or 0, for each row checked the colour of each cell or
+# None, and the lines of the messages shown.
 Result = namedtuple("Result", "scores failure colours messages")
 
 
@@ -47,14 +53,13 @@ def adapt(module):
     """What of the module is rewritten, in memory, for LibreOffice; everything else runs as it was generated.
 
     - LibreOffice cannot ReDim an array that belongs to a record: a plain array is dimensioned and assigned.
-    - Assigning a record copies it in Excel, so that the slot is never written and each call starts anew. LibreOffice
-      makes both names one record, which would keep the state of the first call: the assignment is left out.
-    - The replacement of MsgBox is added."""
+    - The stand-ins are added. Assigning a record copies it in Excel, so that the slot is never written and each call
+      starts anew; LibreOffice makes both names one record, so that the titles stay found from row to row."""
     module, redims = re.subn(r"ReDim td\.indexes\((\d+)\)( As Integer)?",
                              r"ReDim plainIndexes(\1) As Integer : td.indexes = plainIndexes", module)
-    module, copies = re.subn(r"(?m)^  td = tdAllModels\(1\)\n", "", module)
-    assert (redims, copies) == (4, 2), f"{redims} ReDim and {copies} assignments found"
-    return "Option VBASupport 1\nPublic messagesShown As String\n" + module + MESSAGES
+    assert redims == 4, f"{redims} ReDim found"
+    return ("Option VBASupport 1\nType Workbook\n  Worksheets\nEnd Type\n"
+            "Public messagesShown As String, ActiveWorkbook As Workbook\n" + module + STAND_INS)
 
 
 def start(test):
@@ -87,7 +92,7 @@ def start(test):
 
 
 def run(desktop, module, titles, rows, sheet="Data", last_title=None):
-    """Scores and checks a table on the second sheet, "Data", with its titles in C2, D2, ...
+    """Scores a table on the second sheet, "Data", with its titles in C2, D2, ..., and checks up to five of its rows.
 
     rows: a number, text, truth value or None (an empty cell) for each title; last_title: where the title row is said to
     end."""
@@ -112,14 +117,14 @@ def run(desktop, module, titles, rows, sheet="Data", last_title=None):
         part = cells.getCellRangeByPosition(0, first, (end or len(titles)) - 1, last)
         return part.AbsoluteName.rpartition(".")[2].replace("$", "")
 
+    coloured = min(len(rows), 5)
     script = "vnd.sun.star.script:Standard.Call.CallModule?language=Basic&location=document"
     answer = document.getScriptProvider().getScript(script).invoke(
-        (sheet, address(0, 0, last_title), tuple(address(r, r) for r in range(1, len(rows) + 1)), address(1, len(rows)),
-         len(titles)), (), ())[0]
+        (sheet, address(0, 0, last_title), len(rows), address(1, coloured)), (), ())[0]
+    colours = [[cells.getCellByPosition(c, r).CellBackColor for c in range(len(titles))] for r in range(1, coloured + 1)]
     document.close(True)
     if answer is None:
         raise SyntaxError("the module does not compile, or its function stops")
-    scores, failure, colours, messages = answer
-    colours = [None if value == -1 else f"{int(value):06X}" for value in colours]
-    return Result(scores, failure, [colours[i:i + len(titles)] for i in range(0, len(colours), len(titles))],
+    scores, failure, messages = answer
+    return Result(scores, failure, [[None if value == -1 else f"{value:06X}" for value in row] for row in colours],
                   messages.splitlines())
