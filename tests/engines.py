@@ -1,31 +1,58 @@
-"""What the engine tests share: the example rows, and what the independent scorer says of them."""
+"""What the engine tests share: the example rows, and holding results for them against the model with scorewright-check,
+whose counts of deviations are to be those of the independent scorer."""
 
-import math
+import json
+import re
+import subprocess
+from pathlib import Path
 
-from support import EXAMPLES  # which is where Python then finds the next one
+from support import EXAMPLES, PROGRAM, ProgramTest, mapping  # which is where Python then finds the next one
 import score
+
+CHECK = str(Path(PROGRAM).with_name("scorewright-check"))
 
 
 class Example:
-    """An example model and its rows, in which '' is a missing cell."""
+    """An example model and its rows, in which '' is a missing cell. Its table ends after some points."""
 
-    def __init__(self, name):
+    def __init__(self, name, points=None):
         self.path = EXAMPLES / name / f"{name}.ModelXml"
         self.text = self.path.read_bytes().decode("utf-16")
         self.model = score.load(self.path)
+        self.model.table = self.model.table[:points]
+        if points:
+            self.text = re.sub("(?s)<ProbabilityMapping>.*</ProbabilityMapping>", mapping(self.model.table), self.text)
         self.rows = score.read_rows(next(self.path.parent.glob("*.csv")))
 
-    def predictions(self, rows=None):
-        """What the code must say of these rows, or of all. No score of them is at the last two points of the table or
-        between these, where the targets differ."""
-        return [self.model.prediction(row) for row in rows or self.rows]
+
+CREDIT, CLAIMS = Example("credit", 29), Example("claims")
+# 97 applicants are between the last two points of that table, and 210 below them.
+LOWEST = {"lowest-segment": sum(CREDIT.model.segment(CREDIT.model.score(row)) == "last" for row in CREDIT.rows)}
 
 
-CREDIT, CLAIMS = Example("credit"), Example("claims")
+class CheckedTest(ProgramTest):
+    def check(self, *arguments):
+        run = subprocess.run([CHECK, *map(str, arguments)], cwd=self.folder, capture_output=True,
+                             encoding="utf-8", timeout=120)
+        return run.returncode, run.stdout, run.stderr
 
+    def report(self, path, *arguments):
+        status, printed, message = self.check(path, "--json", *arguments)
+        self.assertEqual((message, status in (0, 1)), ("", True))
+        found = json.loads(printed)
+        self.assertEqual(status, int(bool(found["findings"]) or "comparison" in found and (
+            found["comparison"]["equal"] < found["comparison"]["rows"]
+            or any(found["comparison"][side] for side in ["missing", "extra", "repeated"]))))
+        return found
 
-def assert_predictions(test, found, expected, tolerance=1e-12):
-    """Equal to the last bits of the arithmetic, which databases and spreadsheets order as they like."""
-    wrong = [(row, *pair) for row, pair in enumerate(zip(found, expected, strict=True))
-             if not math.isclose(*pair, rel_tol=1e-12, abs_tol=tolerance)]
-    test.assertEqual(wrong[:5], [])
+    def assert_explained(self, target, rows, names, results, explained, *more, path="model.ModelXml", tolerance=1e-12):
+        """Results of a target, each the row's number and the named numbers, are as the model says but for the last bits
+        of the arithmetic, which engines order as they like, and but for so many rows as deviations explain."""
+        for name, table in {"rows": [["key", *rows[0]], *([i, *row.values()] for i, row in enumerate(rows))],
+                            "results": [["key", *names.split()], *results]}.items():
+            self.write(name, "".join(",".join(map(str, row)) + "\n" for row in table))
+        columns = [f"--{name}={name}" for name in ["key", *names.split()]]
+        found = self.report(path, "--rows", "rows", "--compare", "results", "--target", target, *columns,
+                            "--tolerance", tolerance, *more)["comparison"]
+        self.assertEqual([found[name] for name in ["rows", "explained", "unexplained", "missing", "extra", "repeated"]],
+                         [len(rows), explained, 0, 0, 0, 0], found["worst"][:1])

@@ -84,18 +84,21 @@ def categorical(number, field, values, y, tname="str", label="Label"):
             f' tname="{tname}"><y>{doubles(y)}</y><Modalities>{mods}</Modalities></Model>')
 
 
+def mapping(table):
+    return (f"<ProbabilityMapping><x>{doubles([x for x, _ in table])}</x><y>{doubles([y for _, y in table])}</y>"
+            "</ProbabilityMapping>")
+
+
 def document(models, terms, constant, table=None, target="Bad Payer.x", method=None, missing=None, kind="T"):
     """terms: (number, coefficient); table: (score, probability); missing: field name in the dictionary -> codes."""
     fields = "".join(f'<DataField name={quoteattr(name)}><Missing>{doubles(codes)}</Missing></DataField>'
                      for name, codes in (missing or {}).items())
-    mapping = "" if table is None else (f"<ProbabilityMapping><x>{doubles([x for x, _ in table])}</x>"
-                                        f"<y>{doubles([y for _, y in table])}</y></ProbabilityMapping>")
     return (f'<?xml version="1.0"?><QRV_Model><Header version="4.2.1"/><MetaData tkind="{kind}">'
             f"<Target>{target}</Target></MetaData><UnivModels>{''.join(models)}</UnivModels>"
             f"<RegressionModel{'' if method is None else f' normalizationMethod={quoteattr(method)}'}>"
             f"<indexes>{integers([n for n, _ in terms])}</indexes>"
             f"<betas>{doubles([beta for _, beta in terms] + [constant])}</betas></RegressionModel>"
-            f"{mapping}<DataDictionary>{fields}</DataDictionary></QRV_Model>")
+            f"{'' if table is None else mapping(table)}<DataDictionary>{fields}</DataDictionary></QRV_Model>")
 
 
 def terms_document(count):

@@ -1,22 +1,19 @@
 """The companion program: what it scores, finds and explains, held against the independent scorer and against engines."""
 
 import csv
-import json
 import math
 import re
 import sqlite3
-import subprocess
 import unittest
-from pathlib import Path
 
 import pandas
 
-import engines  # which lets Python find the next one
+import engines
+from engines import CheckedTest
 import score as scorer
 from sql_program import configuration
-from support import EXAMPLES, PROGRAM, TESTS, ProgramTest, categorical, document, doubles, numeric
+from support import EXAMPLES, TESTS, categorical, document, numeric
 
-CHECK = str(Path(PROGRAM).with_name("scorewright-check"))
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 APPLICANTS = EXAMPLES / "credit" / "applicants.csv"
 TEXTS = ["Home", "Marital", "Records", "Job"]
@@ -129,22 +126,6 @@ HAVE = {
     "empty-value": (model(None, categorical(2, "c", [""], [0, 1])), {}),
     "value-blanks": (model(None, categorical(2, "c", [" a"], [0, 1])), {}),
 }
-
-
-class CheckedTest(ProgramTest):
-    def check(self, path, *arguments):
-        run = subprocess.run([CHECK, str(path), *map(str, arguments)], cwd=self.folder, capture_output=True,
-                             encoding="utf-8", timeout=120)
-        return run.returncode, run.stdout, run.stderr
-
-    def report(self, path, *arguments):
-        status, printed, message = self.check(path, "--json", *arguments)
-        self.assertEqual((message, status in (0, 1)), ("", True))
-        found = json.loads(printed)
-        self.assertEqual(status, int(bool(found["findings"]) or "comparison" in found and (
-            found["comparison"]["equal"] < found["comparison"]["rows"]
-            or any(found["comparison"][side] for side in ["missing", "extra", "repeated"]))))
-        return found
 
 
 class ScoresAndFindingsTest(CheckedTest):
@@ -271,55 +252,37 @@ class ScoresAndFindingsTest(CheckedTest):
             (8, "XML Parsing error inside file 'm.ModelXml'.", ["m.ModelXml", "--sql", "m.ModelXml"]),
         ]:
             with self.subTest(arguments):
-                run = subprocess.run([CHECK, *arguments], cwd=self.folder, capture_output=True, encoding="utf-8")
-                self.assertEqual((run.returncode, run.stdout), (status, ""))
-                self.assertTrue(run.stderr.startswith(message), run.stderr)
+                *found, told = self.check(*arguments)
+                self.assertEqual((found, told[:len(message)]), ([status, ""], message))
 
 
 class DeploymentTest(CheckedTest):
     def compare(self, path, rows, results, target, *more):
         return self.report(path, "--rows", rows, "--missing", "NA", "--compare", results, "--target", target, *more)["comparison"]
 
-    def python(self):
-        """The class of the credit model, with a table that ends among the scores; the applicants; and a call that
-        compares results."""
-        table = [(2, 0.9), (0, 0.5), (-2, 0.1), (-4, 0.01)]
-        mapping = (f"<ProbabilityMapping><x>{doubles([x for x, _ in table])}</x><y>{doubles([y for _, y in table])}</y>"
-                   "</ProbabilityMapping>")
-        self.write("credit.ModelXml", re.sub("(?s)<ProbabilityMapping>.*</ProbabilityMapping>", mapping,
-                                             CREDIT.read_text("utf-16")), "utf-16")
-        self.assertEqual(self.run_program("-p", "credit.ModelXml", "out", "M"), (0, ""))
-        exec(self.read("out"), names := {})
+    def test_faults_of_a_deployment(self):
+        """In what the Python class says of all applicants, which test_python.py explains."""
+        example = engines.CREDIT
+        exec(self.convert("-p", example.text, "out", "M"), names := {})
+        scoring = names["QORVModel_M"]()
         frame = pandas.read_csv(APPLICANTS).fillna(dict.fromkeys(TEXTS, ""))
-
-        def compare(result, *more):
-            result.to_csv(self.folder / "results.csv", index=False)
-            return self.compare("credit.ModelXml", APPLICANTS, "results.csv", "python", "--score", "Status_bad_score",
-                                "--probability", "Status_bad_proba", *more)
-        return names["QORVModel_M"](), frame, compare
-
-    def test_all_applicants_in_python(self):
-        scoring, frame, compare = self.python()
         result = scoring.apply(frame)
-        meant = scorer.load(self.folder / "credit.ModelXml")
-        with open(APPLICANTS, newline="") as file:
-            segments = [meant.segment(meant.score(row)) for row in csv.DictReader(file)]
-        self.assertEqual(set(segments), {"above", "inner", "last", "below"})
-        last = segments.count("last")
-        found = compare(result)
-        self.assertEqual((found["rows"], found["equal"], found["explained"], found["unexplained"]),
-                         (4454, 4454 - last, {"lowest-segment": last}, 0))
 
-        counted = self.report("credit.ModelXml", "--rows", APPLICANTS, "--target", "python")["findings"]
+        def compare(result):
+            result.to_csv(self.folder / "results.csv", index=False)
+            return self.compare("model.ModelXml", APPLICANTS, "results.csv", "python", "--score", "Status_bad_score",
+                                "--probability", "Status_bad_proba")
+
+        counted = self.report("model.ModelXml", "--rows", APPLICANTS, "--target", "python")["findings"]
         self.assertEqual([(f["name"], f["rows"]) for f in counted], [
-            ("lowest-segment", last), ("lowest-point", 0), *(("not-a-number", n) for n in [381, 47, 18])])  # each column once
+            *engines.LOWEST.items(), ("lowest-point", 0), *(("not-a-number", n) for n in [381, 47, 18])])  # each column once
 
         changed = result.copy()
         changed.loc[17, "Status_bad_score"] += 0.5
         found = compare(changed)
         self.assertEqual((found["unexplained"], [row["row"] for row in found["worst"]]), (1, [18]))
-        self.assertAlmostEqual(sum(part["points"] for part in found["worst"][0]["contributions"]) + meant.constant,
-                               found["worst"][0]["model"]["score"])
+        self.assertAlmostEqual(sum(part["points"] for part in found["worst"][0]["contributions"])
+                               + example.model.constant, found["worst"][0]["model"]["score"])
 
         swapped = compare(result.rename(columns={"Status_bad_score": "Status_bad_proba", "Status_bad_proba": "Status_bad_score"}))
         self.assertIn("score and probability exchanged in the results", swapped["blamed"])

@@ -1,12 +1,12 @@
-"""The Python class: its text, and its scores in pandas held against the independent scorer."""
+"""The Python class: its text, and its scores in pandas held against the model."""
 
 import re
 import unittest
 
 import pandas
 
-from engines import CLAIMS, CREDIT, assert_predictions
-from support import DOCUMENTS, FOR_WINDOWS, ProgramTest, categorical, document, numeric
+from engines import CLAIMS, CREDIT, LOWEST, CheckedTest
+from support import DOCUMENTS, FOR_WINDOWS, categorical, document, numeric
 
 
 def load(module, class_name):
@@ -20,7 +20,7 @@ def frame(example):
                                      for row in example.rows] for field in example.model.fields})
 
 
-class PythonTest(ProgramTest):
+class PythonTest(CheckedTest):
     def test_golden_modules(self):
         for name, text in DOCUMENTS.items():
             with self.subTest(name):
@@ -38,8 +38,7 @@ class PythonTest(ProgramTest):
     def test_applicants(self):
         result = load(self.convert("-p", CREDIT.text, "out", "Credit"), "Credit").apply(frame(CREDIT))
         self.assertEqual(list(result), ["Status_bad_score", "Status_bad_proba"])
-        assert_predictions(self, result.Status_bad_score, map(CREDIT.model.score, CREDIT.rows))
-        assert_predictions(self, result.Status_bad_proba, CREDIT.predictions())
+        self.assert_explained("python", CREDIT.rows, "score probability", result.itertuples(), LOWEST)
 
     def test_claims(self):
         module = self.convert("-p", CLAIMS.text, "out", "Claims")
@@ -47,7 +46,7 @@ class PythonTest(ProgramTest):
             load(module, "Claims")
         result = load(re.sub(r"( if \(isnan\(data\)or .*):", r"\1):", module), "Claims").apply(frame(CLAIMS))
         self.assertEqual(list(result), ["claim_cost_prediction"])
-        assert_predictions(self, result.claim_cost_prediction, CLAIMS.predictions())
+        self.assert_explained("python", CLAIMS.rows, "score", result.itertuples(), {})
 
     def test_names_and_types(self):
         text = document([numeric(1, "x(1)'b-c.d e", [1], [1, 2, 3]),

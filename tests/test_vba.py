@@ -3,8 +3,8 @@
 import unittest
 
 import spreadsheet
-from engines import CLAIMS, CREDIT, assert_predictions
-from support import DOCUMENTS, ProgramTest, categorical, document, doubles, numeric, terms_document
+from engines import CLAIMS, CREDIT, LOWEST, CheckedTest
+from support import DOCUMENTS, categorical, document, doubles, numeric, terms_document
 
 BELOW, ABOVE, WITHIN = "FFB78B", "EE9EFF", "FFFFFF"
 EMPTY = "9E12FF"  # of RGB(158, 274, 255); Excel takes 274 as 255 and colours 9EFFFF
@@ -31,7 +31,7 @@ def cell(text):
         return text or None
 
 
-class VbaTest(ProgramTest):
+class VbaTest(CheckedTest):
     @classmethod
     def setUpClass(cls):
         cls.desktop = spreadsheet.start(cls)
@@ -45,11 +45,11 @@ class VbaTest(ProgramTest):
                 self.assert_golden(f"{name}.bas", self.convert("-e", text))
 
     def test_example_rows(self):
-        for example in [CREDIT, CLAIMS]:
+        for example, name, explained in [(CREDIT, "probability", LOWEST), (CLAIMS, "score", {})]:
             titles = ["no column of the model", *reversed(example.model.fields)]
             rows = [[cell(row.get(title, "")) for title in titles] for row in example.rows]
             result = self.run_module(self.convert("-e", example.text), titles, rows)
-            assert_predictions(self, result.scores, example.predictions())
+            self.assert_explained("vba", example.rows, name, enumerate(result.scores), explained)
 
     def test_colours_of_cells(self):
         """Of two variables of a column the later colours it."""
@@ -80,7 +80,7 @@ class VbaTest(ProgramTest):
         rows = [[True, "TRUE", 0], [False, "FALSE", "text"], ["TRUE", True, 0], [" true ", False, 0]]
         result = self.run_module(self.convert("-e", model), ["flag", "bool", "n"], rows)
         # Scores of 21, 12, 0 and 3: on each point of the table.
-        assert_predictions(self, result.scores, [0.9, 0.5, 0, 0])
+        self.assertEqual([round(score, 12) for score in result.scores], [0.9, 0.5, 0, 0])
         self.assertEqual(result.failure, 13)
         self.assertEqual([colour for *_, colour in result.colours], [BELOW, None, None, None])
 
