@@ -24,6 +24,12 @@ void name(std::vector<std::string> &names, std::string_view key) {
     if (names.size() < mostNamed) names.emplace_back(key);
 }
 
+// It takes two deviations to move the score of such a code: it is not read, and its bound is above.
+bool hasCodeOnBound(const Recoding &recoding) {
+    return recoding.x.size() == 1 &&
+           std::ranges::find(recoding.codes, recoding.x.front()) != recoding.codes.end();
+}
+
 std::string describe(const RowFacts &facts) {
     return facts.key.empty() ? std::to_string(facts.row) : std::string(facts.key);
 }
@@ -74,7 +80,10 @@ Comparison::Comparison(const Scorecard &scorecard, std::span<const Finding> find
             continue;
         if (std::ranges::find(known, finding.id) == known.end()) known.push_back(finding.id);
         // What the score decides may be so only once another deviation has moved it.
-        if (kind.rows == Rows::Untold || finding.recoding < 0) deviating.add(finding.id);
+        if (kind.rows == Rows::Untold || finding.recoding < 0 ||
+            hasCodeOnBound(card.recodings[static_cast<std::size_t>(finding.recoding)])) {
+            deviating.add(finding.id);
+        }
     }
     ofTable.target = options.target;
     for (const FindingId id : {LowestSegment, LowestPoint, LowestNan, NoProbability, LogisticAbsent,

@@ -317,6 +317,8 @@ class DeploymentTest(CheckedTest):
              ["array-too-long", "five-categories", "not-a-number", "table-unread"]),
             ("html", model(numeric(1, "n", [1, 2], [0, 1, math.inf, 3])), "1,a", "s\n7", []),
             ("html", model(categorical(1, "c", ["b", "a"], [0, 1, 2])), "a", "s\n2", ["shared-values"]),
+            ("html", model(numeric(1, "n", [9], [0, 1, 2]), missing=CODES), "9,a", "s\n3",
+             ["missing-codes-unread", "single-bound"]),
             ("sql", listed["Rent rent"], ",rent", "s\n1", ["capitals"]),
             ("vba", listed["TRUE x"], ",True", "s\n1", ["true-false"]),
             ("sas", listed["1 2.5"], ",1.0", "s\n1", ["values-as-numbers"]),
