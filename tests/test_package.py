@@ -138,7 +138,9 @@ class PackageTest(SqlProgramTest):
         sas, module, sql = repaired[0]
         self.assertIn("   if (missing(vehicle_age) or vehicle_age=-1 or vehicle_age=99) then R1_vehicle_age=20;\n", sas)
         self.assertNotRegex(sas, r"(?m)^(\|\||\))")
-        policies = pd.read_csv(EXAMPLES / "claims/claims.csv", dtype={"region": str}).fillna({"region": "", "use": ""})
+        texts = ["region", "use", "garage"]
+        policies = pd.read_csv(EXAMPLES / "claims/claims.csv", dtype=dict.fromkeys(texts, str))
+        policies[texts] = policies[texts].fillna("")
         expected = Scorecard.read(self.folder / "model.ModelXml").score(policies).score
         exec(module, scope := {})
         np.testing.assert_allclose(scope["QORVModel_M"]().apply(policies).claim_cost_prediction, expected, atol=1e-9)

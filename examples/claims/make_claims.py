@@ -34,7 +34,8 @@ def tariff():
     numeric("bonus", [50], [90.25, -75.125], missing=48.5, label="Bonus level")
     numeric("annual.km", [5000, 12000, 20000, 30000, 45000.5], [-120.5, -42.25, 38.75, 38.75, 38.75, 310], missing=55.5,
             number=3, label="Distance driven in a year (km)", type="NormContinuous")
-    card.coefficients = {3: 1.05, 1: 0.92, 7: 64.5, 5: 1.1, 2: 0.875, 6: -0.4, 4: 1}
+    card.add_boolean("garage", 64.5, -38.25, missing=12, number=8, label="Kept in a garage")
+    card.coefficients = {3: 1.05, 1: 0.92, 7: 64.5, 5: 1.1, 2: 0.875, 6: -0.4, 4: 1, 8: 1.2}
     return card
 
 
@@ -47,6 +48,7 @@ CELLS = {
     "region": ["11", "24", "", "53", "75", "99", " 24 "],
     "use": ["private", "farmer's", "driver's school", "", "taxi"],
     "bonus": ["40", "50", "63", "49.5", "", "50.000001", "95", "50"],
+    "garage": ["1", "0", ""],
 }
 
 
