@@ -19,6 +19,7 @@ import unittest
 from pathlib import Path
 
 from support import EXAMPLES, PROGRAM, TESTS, ProgramTest
+from test_sql_engines import mariadb
 
 ROOT = TESTS.parent
 MANUAL = ROOT / "docs"
@@ -81,6 +82,26 @@ class PagesTest(ProgramTest):
             for block in sorted(blocks, key=lambda block: (block["mark"] or "").startswith("from: ")):
                 with self.subTest(page=page.name, line=text.count("\n", 0, block.start()) + 1):
                     self.check_block(folder, *block.groups())
+
+    def test_set_up_in_servers(self):
+        """What is shown in SQLite, by the clients' calls in the page's table; the servers are as they come."""
+        page = (MANUAL / "sql-engines.md").read_text()
+        for name, text in re.findall(r"<!-- file: (\S+) -->\n```\w+\n(.*?)```", page, re.S):
+            self.write(name, text, "utf-8")
+        self.write("mean.sql", "select count(*), cast(avg(risk) as decimal(9, 6)) from applicant_risk;", "utf-8")
+        (self.folder / "examples").symlink_to(EXAMPLES)
+        socket = mariadb(self)("select @@socket")[0][0]
+        script = f'mariadb() {{ /usr/bin/mariadb --no-defaults --socket={socket} "$@"; }}\n'
+        script += "createdb bank; mariadb -e 'create database bank'\n"
+        for client, dialect in [("PostgreSQL", "postgresql"), ("MariaDB", "mysql")]:
+            script += f"sed -i 's/postgresql/{dialect}/' nightly.xml; scorewright -s nightly.xml\n"
+            script += re.search(r"^\$ (iconv .* > utf8\.sql)$", page, re.M)[1] + "\n"
+            call = re.search(rf"^\| {client} \| `(.*)` \|$", page, re.M)[1]
+            for name in [f"load.{client.lower()}.sql", "table.sql", "utf8.sql", "utf8.sql", "mean.sql"]:
+                script += call.replace("utf8.sql", name) + "\n"
+        run = subprocess.run(["pg_virtualenv", "-t", "bash", "-euo", "pipefail", "-c", script], cwd=self.folder,
+                             env=self.environment, capture_output=True, encoding="utf-8")
+        self.assertEqual(re.findall(r"4454\W+(0\.\d+)", run.stdout), ["0.282581"] * 2, run.stderr)
 
     def test_examples(self):
         """The installed scripts write the same documents anew, with the package that is installed beside them."""
