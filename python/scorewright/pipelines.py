@@ -36,10 +36,10 @@ def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_
 
 def fill(card, pipeline, largest_error, unlisted_as_missing):
     """Fills an empty scorecard."""
-    first, model = pipeline[0], pipeline[-1]
-    require([name(first), name(model), len(pipeline)] == ["ColumnTransformer", "LogisticRegression", 2] and
-            len(model.classes_) == 2 and getattr(model, "multi_class", None) != "multinomial",
-            f"a pipeline must be a ColumnTransformer and a LogisticRegression of two classes: {pipeline}")
+    first, model, *others = [*getattr(pipeline, "named_steps", {}).values(), None, None]
+    require([name(first), name(model), len(others)] == ["ColumnTransformer", "LogisticRegression", 2] and
+            len(getattr(model, "classes_", ())) == 2 and getattr(model, "multi_class", None) != "multinomial",
+            f"a pipeline must be a fitted ColumnTransformer and LogisticRegression of two classes: {pipeline}")
     card.constant = float(model.intercept_[0])
     for key, transformer, columns in first.transformers_:
         if name(transformer) == "str" and transformer == "drop":
