@@ -2,6 +2,9 @@
 
 #include <QStringDecoder>
 
+#include <cstdio>
+#include <cstdlib>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
@@ -18,10 +21,17 @@ QString decodeArgument(const char *argument) {
 } // namespace
 
 int main(int argc, char **argv) {
-    return runCommandLine([&] {
+    const int status = runCommandLine([&] {
         std::vector<QString> arguments;
         arguments.reserve(static_cast<std::size_t>(argc));
         for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
         return arguments;
     });
+    // The files are closed. What Qt's libraries would clear away, the system releases as well: 0.1 ms
+    // of the 3 ms that a small document takes.
+    if constexpr (SCOREWRIGHT_LEAVES_AT_ONCE) {
+        std::fflush(stdout);
+        std::_Exit(status);
+    }
+    return status;
 }
