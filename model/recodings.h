@@ -13,7 +13,10 @@
 // as the document.
 struct Variable {
     XmlNode node;
+    QStringView name;         // as the document calls the variable, such as "V17"
     QStringView field;        // the input column; empty when absent
+    QStringView label;        // for people
+    QStringView type;         // the kind of recoding, as the document calls it
     QStringView cleanField;   // the field, cleaned for the target language
     std::size_t position = 0; // in document order, from 0
     QStringView recodingName; // "R", the position, "_" and the clean field; at most 31 units

@@ -38,9 +38,9 @@ std::size_t mostFrequent(ModelDocument &document, const Variable &variable) {
 
 // The label, or where it is empty the column, or where that is empty too the variable's name.
 QStringView captionOf(const Variable &variable) {
-    const QStringView label = variable.node.attribute(u"displayName");
+    const QStringView label = variable.label;
     if (!label.isEmpty()) return label;
-    return variable.field.isEmpty() ? variable.node.attribute(u"name") : variable.field;
+    return variable.field.isEmpty() ? variable.name : variable.field;
 }
 
 void putNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,

@@ -41,7 +41,7 @@ bool findCoefficients(HtmlModel &model) {
             // The text calls it the model's, but it is the position of the variable: scripts that
             // watch for this message know it so.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
-                variable.node.attribute(u"name"), QString::number(variable.position)));
+                variable.name, QString::number(variable.position)));
             return false;
         }
         model.regIndex.push_back(found->second);

@@ -62,8 +62,8 @@ void putModelSum(TextBuffer &out, const HtmlModel &model) {
         put(out, u"\n\tvar m", position, u"_probaTot = 0");
     }
     for (std::size_t j = 0; j < count; ++j) {
-        put(out, u"\n\t\t+ m", position, u"_", model.variables[j].node.attribute(u"name"),
-            u"_score * ", model.betas[model.regIndex[j]]);
+        put(out, u"\n\t\t+ m", position, u"_", model.variables[j].name, u"_score * ",
+            model.betas[model.regIndex[j]]);
     }
     if (isProbability || isPrediction) {
         put(out, u"\n\t\t+ ");
@@ -93,7 +93,7 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
         const Variable &variable = page.variable(record);
         ModelDocument &document = page.model(record).document;
         if (i == 0 || record.field != page.records[i - 1].field) {
-            const QStringView label = variable.node.attribute(u"displayName");
+            const QStringView label = variable.label;
             put(out, u"//------------- Column '", record.field, u"' ");
             if (!label.isEmpty()) put(out, u"( ", label, u" ) ");
             put(out, u"------------------\n");

@@ -28,8 +28,7 @@ void addRecord(Columns &list, const HtmlModel &model, std::size_t univIndex) {
     const auto [found, isNew] = list.positions.try_emplace(variable.field, list.columns.size());
     if (isNew) list.columns.emplace_back();
     Column &column = list.columns[found->second];
-    const QString name =
-        u"m%1_%2"_s.arg(QString::number(model.position), variable.node.attribute(u"name"));
+    const QString name = u"m%1_%2"_s.arg(QString::number(model.position), variable.name);
     const QString formName = isNew ? name : column.front().formName;
     column.push_back({variable.field, formName, name, model.position, univIndex});
 }

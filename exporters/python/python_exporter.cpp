@@ -112,8 +112,8 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
 
 void putHeading(TextBuffer &out, const Variable &variable) {
     put(out, u"            # computing recoding '", variable.recodingName,
-        u"'\n            #based on the ", variable.node.attribute(u"type"),
-        u" column of display name '", variable.node.attribute(u"displayName"), u"'\n");
+        u"'\n            #based on the ", variable.type, u" column of display name '",
+        variable.label, u"'\n");
 }
 
 void putRecodings(TextBuffer &out, std::span<const Variable> variables,

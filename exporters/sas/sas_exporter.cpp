@@ -27,7 +27,7 @@ constexpr int exitUnsupportedRecoding = 1;
 constexpr QStringView cleanedCharacters = u" .";
 
 QStringView typeOf(const Variable &variable) {
-    return variable.node.attribute(u"type");
+    return variable.type;
 }
 
 bool isSupported(const Variable &variable) {
@@ -102,8 +102,7 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
 
 void putHeading(TextBuffer &out, const Variable &variable) {
     put(out, u"\n   /* computing recoding '", variable.recodingName, u"'\n      based on the ",
-        typeOf(variable), u" column of display name '", variable.node.attribute(u"displayName"),
-        u"' */\n\n");
+        typeOf(variable), u" column of display name '", variable.label, u"' */\n\n");
 }
 
 void putRecodings(TextBuffer &out, std::span<const Variable> variables,

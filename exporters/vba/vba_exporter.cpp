@@ -99,8 +99,8 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
 void putHeading(TextBuffer &out, const Variable &variable) {
     fill(out, vbaRecodingHead,
          {{u"recoding", variable.recodingName},
-          {u"type", variable.node.attribute(u"type")},
-          {u"label", variable.node.attribute(u"displayName")}});
+          {u"type", variable.type},
+          {u"label", variable.label}});
 }
 
 void putRecodings(TextBuffer &out, std::span<const Variable> variables,
