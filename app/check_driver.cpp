@@ -11,9 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
-#include <array>
 #include <new>
-#include <optional>
 #include <stdexcept>
 
 using namespace Qt::Literals::StringLiterals;
@@ -31,9 +29,43 @@ struct Request {
     Targets targets = Targets().set();
     QString sql;
     QString canvas;
-    std::optional<RowOptions> rows;
-    std::optional<ComparisonOptions> comparison;
+    RowOptions rows; // without a file, none are asked for
 };
+
+// In the order of the help.
+struct Option {
+    QString name;
+    QString description;
+    QString value = {};
+    QString needed = {}; // option without which this one means nothing
+};
+
+std::vector<Option> listOptions() {
+    const QString file = u"file"_s;
+    const QString column = u"column"_s;
+    const QString rows = u"rows"_s;
+    const QString compare = u"compare"_s;
+    return {
+        {u"show"_s, u"Print the model."_s},
+        {u"target"_s, u"Look for findings of these targets only: sas, sql, vba, python, html."_s,
+         u"list"_s},
+        {u"sql"_s, u"The configuration file of SQL."_s, file},
+        {u"canvas"_s, u"The canvas of HTML."_s, file},
+        {rows, u"Score the rows of this CSV file."_s, file},
+        {u"key"_s, u"The column that names a row."_s, column, rows},
+        {u"scores"_s, u"Write key, score and probability to this CSV file."_s, file, rows},
+        {u"delimiter"_s, u"What stands between cells; a comma."_s, u"character"_s, rows},
+        {u"missing"_s, u"Cells with this text mean nothing. May be given several times."_s,
+         u"text"_s, rows},
+        {compare, u"Hold this CSV file of results of the one target against the model."_s, file,
+         rows},
+        {u"score"_s, u"The column of scores there."_s, column, compare},
+        {u"probability"_s, u"The column of probabilities there."_s, column, compare},
+        {u"tolerance"_s, u"What numbers may differ by; 1e-9."_s, u"number"_s, compare},
+        {u"json"_s, u"Print JSON."_s},
+        {u"report"_s, u"Write a page to this file."_s, file},
+    };
+}
 
 int fail(const QString &message, int status) {
     printError(message + u'\n');
@@ -47,26 +79,9 @@ void addOptions(QCommandLineParser &parser) {
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(u"model"_s, u"The model document."_s);
-    parser.addOptions({
-        {u"show"_s, u"Print the model."_s},
-        {u"target"_s, u"Look for findings of these targets only: sas, sql, vba, python, html."_s,
-         u"list"_s},
-        {u"sql"_s, u"The configuration file of SQL."_s, u"file"_s},
-        {u"canvas"_s, u"The canvas of HTML."_s, u"file"_s},
-        {u"rows"_s, u"Score the rows of this CSV file."_s, u"file"_s},
-        {u"key"_s, u"The column that names a row."_s, u"column"_s},
-        {u"scores"_s, u"Write key, score and probability to this CSV file."_s, u"file"_s},
-        {u"delimiter"_s, u"What stands between cells; a comma."_s, u"character"_s},
-        {u"missing"_s, u"Cells with this text mean nothing. May be given several times."_s,
-         u"text"_s},
-        {u"compare"_s, u"Hold this CSV file of results of the one target against the model."_s,
-         u"file"_s},
-        {u"score"_s, u"The column of scores there."_s, u"column"_s},
-        {u"probability"_s, u"The column of probabilities there."_s, u"column"_s},
-        {u"tolerance"_s, u"What numbers may differ by; 1e-9."_s, u"number"_s},
-        {u"json"_s, u"Print JSON."_s},
-        {u"report"_s, u"Write a page to this file."_s, u"file"_s},
-    });
+    for (const Option &option : listOptions()) {
+        parser.addOption({option.name, option.description, option.value});
+    }
 }
 
 // --- Arguments
@@ -85,53 +100,50 @@ QString readTargets(const QString &list, Targets &targets) {
     return {};
 }
 
+QString readDelimiter(const QString &text, char &delimiter) {
+    const bool isOne = text.size() == 1 && text[0] < u'\x80';
+    if (!isOne || text == u"\"" || text == u"\n" || text == u"\r") {
+        return u"The delimiter must be one character of ASCII, and no quotation mark."_s;
+    }
+    delimiter = text[0].toLatin1();
+    return {};
+}
+
 QString readRowOptions(const QCommandLineParser &parser, RowOptions &rows) {
     rows.file = parser.value(u"rows"_s);
     rows.key = parser.value(u"key"_s);
     rows.scores = parser.value(u"scores"_s);
+    rows.results = parser.value(u"compare"_s);
+    rows.score = parser.value(u"score"_s);
+    rows.probability = parser.value(u"probability"_s);
     for (const QString &text : parser.values(u"missing"_s)) {
         rows.missing.push_back(text.toStdString());
     }
     if (!parser.isSet(u"delimiter"_s)) return {};
-    const QString delimiter = parser.value(u"delimiter"_s);
-    const bool isOne = delimiter.size() == 1 && delimiter[0] < u'\x80';
-    if (!isOne || delimiter == u"\"" || delimiter == u"\n" || delimiter == u"\r") {
-        return u"The delimiter must be one character of ASCII, and no quotation mark."_s;
-    }
-    rows.delimiter = delimiter[0].toLatin1();
-    return {};
+    return readDelimiter(parser.value(u"delimiter"_s), rows.delimiter);
 }
 
-QString readComparison(const QCommandLineParser &parser, const RowOptions &rows,
-                       const Targets &targets, ComparisonOptions &comparison) {
+QString readComparison(const QCommandLineParser &parser, const Targets &targets, RowOptions &rows) {
     if (!parser.isSet(u"target"_s) || targets.count() != 1) {
         return u"--compare wants the one --target that the results are of."_s;
     }
-    comparison.file = parser.value(u"compare"_s);
-    comparison.delimiter = rows.delimiter;
-    comparison.missing = rows.missing;
-    comparison.key = rows.key;
-    comparison.score = parser.value(u"score"_s);
-    comparison.probability = parser.value(u"probability"_s);
-    if (comparison.score.isEmpty() && comparison.probability.isEmpty()) {
+    for (std::size_t t = 0; t < targetCount; ++t) {
+        if (targets.test(t)) rows.target = static_cast<Target>(t);
+    }
+    QStringList columns = {rows.key, rows.score, rows.probability};
+    columns.removeAll(QString());
+    if (rows.score.isEmpty() && rows.probability.isEmpty()) {
         return u"--compare wants --score or --probability, the columns of the results."_s;
     }
-    const std::array columns = {&comparison.key, &comparison.score, &comparison.probability};
-    for (std::size_t i = 1; i < columns.size(); ++i) {
-        const QString &column = *columns[i];
-        const bool isAgain = std::any_of(columns.begin(), columns.begin() + i,
-                                         [&](const QString *name) { return *name == column; });
-        if (isAgain && !column.isEmpty()) return u"The column '%1' is named twice."_s.arg(column);
+    if (columns.removeDuplicates() > 0) {
+        return u"The column '%1' is named twice."_s.arg(rows.score == rows.key ? rows.score
+                                                                               : rows.probability);
     }
-    if (parser.isSet(u"tolerance"_s)) {
-        bool isNumber = false;
-        comparison.tolerance = parser.value(u"tolerance"_s).toDouble(&isNumber);
-        if (!isNumber || !(comparison.tolerance >= 0) || std::isinf(comparison.tolerance)) {
-            return u"The tolerance must be a number that is not below 0."_s;
-        }
-    }
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        if (targets.test(t)) comparison.target = static_cast<Target>(t);
+    if (!parser.isSet(u"tolerance"_s)) return {};
+    bool isNumber = false;
+    rows.tolerance = parser.value(u"tolerance"_s).toDouble(&isNumber);
+    if (!isNumber || !(rows.tolerance >= 0) || std::isinf(rows.tolerance)) {
+        return u"The tolerance must be a number that is not below 0."_s;
     }
     return {};
 }
@@ -146,30 +158,17 @@ QString placeOf(const QString &fileName) {
 
 // Tells of a file that would be written over what is read or written too.
 QString findOverwritten(const Request &request) {
-    QStringList places = {placeOf(request.model), placeOf(request.sql), placeOf(request.canvas)};
-    if (request.rows) places.append(placeOf(request.rows->file));
-    if (request.comparison) places.append(placeOf(request.comparison->file));
-    for (const QString &output :
-         {request.rows ? request.rows->scores : QString(), request.report}) {
+    const RowOptions &rows = request.rows;
+    QStringList places;
+    for (const QString &input :
+         {request.model, request.sql, request.canvas, rows.file, rows.results}) {
+        places.append(placeOf(input));
+    }
+    for (const QString &output : {rows.scores, request.report}) {
         const QString place = placeOf(output);
         if (place.isEmpty()) continue;
         if (places.contains(place)) return u"File '%1' would be written over."_s.arg(output);
         places.append(place);
-    }
-    return {};
-}
-
-// Tells of an option without the one that it belongs to.
-QString findLonely(const QCommandLineParser &parser) {
-    for (const QString &name :
-         {u"key"_s, u"scores"_s, u"delimiter"_s, u"missing"_s, u"compare"_s}) {
-        if (parser.isSet(name) && !parser.isSet(u"rows"_s))
-            return u"--%1 wants --rows."_s.arg(name);
-    }
-    for (const QString &name : {u"score"_s, u"probability"_s, u"tolerance"_s}) {
-        if (parser.isSet(name) && !parser.isSet(u"compare"_s)) {
-            return u"--%1 wants --compare."_s.arg(name);
-        }
     }
     return {};
 }
@@ -185,25 +184,23 @@ QString readRequest(const QCommandLineParser &parser, Request &request) {
     request.canvas = parser.value(u"canvas"_s);
     if (request.shows && request.asJson) return u"--show prints text, and cannot be JSON."_s;
     QString problem;
-    if (parser.isSet(u"target"_s)) {
+    for (const Option &option : listOptions()) {
+        if (option.needed.isEmpty() || !parser.isSet(option.name)) continue;
+        if (!parser.isSet(option.needed))
+            return u"--%1 wants --%2."_s.arg(option.name, option.needed);
+    }
+    if (parser.isSet(u"target"_s))
         problem = readTargets(parser.value(u"target"_s), request.targets);
-        if (!problem.isEmpty()) return problem;
+    if (problem.isEmpty()) problem = readRowOptions(parser, request.rows);
+    if (problem.isEmpty() && parser.isSet(u"compare"_s)) {
+        problem = readComparison(parser, request.targets, request.rows);
     }
-    if (parser.isSet(u"rows"_s)) {
-        problem = readRowOptions(parser, request.rows.emplace());
-        if (!problem.isEmpty()) return problem;
-    }
-    problem = findLonely(parser);
     if (!problem.isEmpty()) return problem;
-    if (parser.isSet(u"compare"_s)) {
-        problem =
-            readComparison(parser, *request.rows, request.targets, request.comparison.emplace());
-        if (!problem.isEmpty()) return problem;
+    request.looks = !request.shows;
+    for (const QString &name :
+         {u"rows"_s, u"json"_s, u"report"_s, u"sql"_s, u"canvas"_s, u"target"_s}) {
+        if (parser.isSet(name)) request.looks = true;
     }
-    const bool asksMore = request.rows || request.asJson || !request.report.isEmpty() ||
-                          !request.sql.isEmpty() || !request.canvas.isEmpty() ||
-                          parser.isSet(u"target"_s);
-    request.looks = !request.shows || asksMore;
     return findOverwritten(request);
 }
 
@@ -239,49 +236,38 @@ void print(const Request &request, const Report &report) {
     printText(out.text());
 }
 
-// Whether the device took the page.
-bool writePage(OutputFile &file, const Report &report) {
+// Returns what is wrong, or an empty text.
+QString writeReport(const QString &fileName, const Report &report) {
+    OutputFile file = {.stream = {}, .encoding = OutputEncoding::Utf8};
+    file.stream.reset(openFile(fileName, FileUse::Write));
+    if (!file.stream) return u"Cannot open file '%1' for writing."_s.arg(fileName);
     TextBuffer page;
     putHtmlReport(page, report);
     writeText(file, page.text());
-    const bool isWritten = std::ferror(file.stream.get()) == 0;
-    return std::fclose(file.stream.release()) == 0 && isWritten;
+    const bool isWritten = std::fflush(file.stream.get()) == 0 && !std::ferror(file.stream.get());
+    return isWritten ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
 }
 
 // Scores rows where that is asked for, and tells everything.
 int reportOn(const Request &request, const Scorecard &card, std::vector<Finding> findings) {
     RowCounts counts;
-    std::optional<Comparison> comparison;
-    if (request.comparison) {
-        comparison.emplace(card, findings, *request.comparison);
-        const QString problem = comparison->open();
-        if (!problem.isEmpty()) return fail(problem, exitUsage);
-    }
-    // Before the rows are scored, which may take its time.
-    OutputFile page{.stream = {}, .encoding = OutputEncoding::Utf8};
-    if (!request.report.isEmpty()) {
-        page.stream.reset(openFile(request.report, FileUse::Write));
-        if (!page.stream) {
-            return fail(u"Cannot open file '%1' for writing."_s.arg(request.report), exitUsage);
-        }
-    }
-    if (request.rows) {
-        const QString problem =
-            scoreRows(card, findings, *request.rows, comparison ? &*comparison : nullptr, counts);
-        if (!problem.isEmpty()) return fail(problem, exitUsage);
-    }
+    ComparisonResult compared;
+    QString problem;
+    const bool hasRows = !request.rows.file.isEmpty();
+    const bool compares = !request.rows.results.isEmpty();
+    if (hasRows) problem = scoreRows(card, findings, request.rows, counts, compared);
+    if (!problem.isEmpty()) return fail(problem, exitUsage);
     std::erase_if(findings, [](const Finding &finding) {
         return kindOf(finding.id).rows == Rows::Needed && finding.rows == 0;
     });
     const Report report = {.card = card,
                            .findings = findings,
-                           .counts = request.rows ? &counts : nullptr,
-                           .compared = comparison ? &comparison->asked() : nullptr,
-                           .comparison = comparison ? &comparison->result : nullptr};
+                           .counts = hasRows ? &counts : nullptr,
+                           .compared = compares ? &request.rows : nullptr,
+                           .comparison = compares ? &compared : nullptr};
     print(request, report);
-    if (page.stream && !writePage(page, report)) {
-        return fail(u"Cannot write to file '%1'."_s.arg(request.report), exitUsage);
-    }
+    if (!request.report.isEmpty()) problem = writeReport(request.report, report);
+    if (!problem.isEmpty()) return fail(problem, exitUsage);
     return request.looks && isFound(report) ? exitFound : exitNothingFound;
 }
 

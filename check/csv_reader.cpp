@@ -2,10 +2,11 @@
 
 #include "platform/platform.h"
 
+#include <QStringList>
+
 #include <cstdlib>
-#include <cstring>
-#include <exception>
 #include <new>
+#include <unordered_map>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -15,169 +16,106 @@ namespace {
 constexpr std::size_t blockSize = 1 << 16;
 constexpr std::size_t largestCell = 1 << 26;
 
-// A quotation mark that is never closed makes a cell of the rest of the file.
+// A quotation mark that is never closed makes a cell of the rest of the file. The library keeps a
+// cell at the start of a block of at least 128 bytes.
 void *resizeCell(void *cell, std::size_t size) {
     return size > largestCell ? nullptr : std::realloc(cell, size);
 }
-
-// Most cells are shorter, and are copied without a look at their size: libcsv keeps a cell at the
-// start of a block of at least 128 bytes, and the text has room for as many more.
-constexpr std::size_t shortCell = 16;
 
 // Blanks belong to their cells. The model leaves them out, but not every target does.
 int isBlank(unsigned char /*character*/) {
     return 0;
 }
 
+// Titles begin with characters that are one byte, or two of which one is 0.
+bool isUtf16(std::string_view bytes) {
+    return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
+           (bytes.size() > 1 && bytes.substr(0, 2).find('\0') != std::string_view::npos);
+}
+
 } // namespace
 
 CsvReader::~CsvReader() {
-    if (isParsing) csv_free(&parser);
+    csv_free(&parser);
 }
 
 QString CsvReader::open(const QString &fileName, char delimiter) {
     name = fileName;
-    file.reset(openFile(fileName, FileUse::Read));
-    if (!file) return u"Cannot open file '%1'."_s.arg(fileName);
+    file.stream.reset(openFile(fileName, FileUse::Read));
+    if (!file.stream) return u"Cannot open file '%1'."_s.arg(fileName);
     if (csv_init(&parser, 0) != 0) throw std::bad_alloc();
-    isParsing = true;
     csv_set_delim(&parser, static_cast<unsigned char>(delimiter));
     csv_set_space_func(&parser, isBlank);
     csv_set_realloc_func(&parser, resizeCell);
     block.resize(blockSize);
-    while (!hasHeader && readBlock()) continue;
+    fill();
+    if (isUtf16(unread)) return u"File '%1' is UTF-16; save it as UTF-8."_s.arg(name);
+    if (unread.starts_with("\xEF\xBB\xBF")) unread.remove_prefix(3); // no part of the first title
+    const auto takeTitle = [](void *bytes, std::size_t size, void *reader) {
+        CsvReader &r = *static_cast<CsvReader *>(reader);
+        r.guard([&] { r.titles.emplace_back(static_cast<const char *>(bytes), size); });
+    };
+    const auto endTitles = [](int /*terminator*/, void *reader) {
+        static_cast<CsvReader *>(reader)->hasHeader = true;
+    };
+    while (!hasHeader && parse(1, takeTitle, endTitles, this)) continue;
     if (!trouble.isEmpty()) return trouble;
     return titles.empty() ? u"File '%1' has no header line."_s.arg(fileName) : QString();
 }
 
-void CsvReader::choose(std::span<const std::size_t> columns) {
-    // What the first block holds beyond the header was taken with all of its columns.
-    const std::vector<Span> all = std::move(batch);
-    const std::size_t before = width;
-    places.assign(titles.size(), notChosen);
-    width = columns.size();
-    for (std::size_t i = 0; i < columns.size(); ++i) places[columns[i]] = i;
-    batch.clear();
-    for (std::size_t row = 0; row * before < all.size(); ++row) {
-        for (const std::size_t chosen : columns) batch.push_back(all[row * before + chosen]);
-    }
-}
-
-// The callbacks are called by C, through which no exception may pass.
-template <typename Work>
-void CsvReader::guarded(const Work &work) noexcept {
-    if (isOutOfMemory) return;
-    try {
-        work();
-    } catch (const std::exception &) {
-        isOutOfMemory = true;
-    }
-}
-
-void CsvReader::takeCell(void *bytes, std::size_t size, void *reader) {
-    CsvReader &r = *static_cast<CsvReader *>(reader);
-    r.guarded([&] { r.addCell({static_cast<const char *>(bytes), size}); });
-}
-
-void CsvReader::addCell(std::string_view cell) {
-    if (!hasHeader) {
-        titles.emplace_back(cell);
-        return;
-    }
-    const std::size_t at = column++;
-    if (at >= places.size() || places[at] == notChosen) return;
-    const std::size_t size = cell.size();
-    if (text.size() < used + size + shortCell) text.resize(2 * (used + size + shortCell));
-    char *const to = text.data() + used;
-    std::memcpy(to, cell.data(), shortCell);
-    if (size > shortCell) std::memcpy(to, cell.data(), size);
-    batch[batch.size() - width + places[at]] = {used, size};
-    used += size;
-}
-
-void CsvReader::endRow(int /*terminator*/, void *reader) {
-    CsvReader &r = *static_cast<CsvReader *>(reader);
-    r.guarded([&r] { r.addRow(); });
-}
-
-void CsvReader::addRow() {
-    if (!hasHeader) {
-        hasHeader = true;
-        width = titles.size();
-        places.resize(width);
-        for (std::size_t i = 0; i < width; ++i) places[i] = i;
-    } else {
-        ++finished;
-        if (column != titles.size() && uneven++ == 0) {
-            firstUneven = number + static_cast<std::int64_t>(finished);
+QString CsvReader::choose(std::span<const QString> names, std::vector<std::size_t> &places) {
+    std::unordered_map<std::string_view, std::vector<std::size_t>> columns;
+    for (std::size_t i = 0; i < titles.size(); ++i) {
+        columns[titles[i]].push_back(i);
+        if (const std::string_view plain = trimmed(titles[i]); plain != titles[i]) {
+            columns[plain].push_back(i);
         }
     }
-    column = 0;
-    batch.resize(batch.size() + width);
-}
-
-// Keeps the row that is not finished yet. A row that is longer than a block is moved once only.
-void CsvReader::startBatch() {
-    if (finished == 0) return;
-    batch.erase(batch.begin(), batch.end() - static_cast<std::ptrdiff_t>(width));
-    std::string kept;
-    for (Span &cell : batch) {
-        const std::size_t at = kept.size();
-        kept.append(text, cell.at, cell.size);
-        cell.at = at;
+    QString problem;
+    QStringList absent;
+    placeOf.assign(titles.size(), notChosen);
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const auto found = columns.find(names[i].toStdString());
+        places.push_back(i);
+        if (found == columns.end()) {
+            absent.append(u'\'' + names[i] + u'\'');
+        } else if (found->second.size() > 1) {
+            problem = u"File '%1' has two columns '%2'."_s.arg(name, names[i]);
+        } else if (std::size_t &place = placeOf[found->second[0]]; place == notChosen) {
+            place = i;
+        } else {
+            places[i] = place;
+        }
     }
-    used = kept.size();
-    if (text.size() < used) text.resize(used);
-    std::memcpy(text.data(), kept.data(), used);
-    finished = 0;
-    given = 0;
+    if (absent.isEmpty()) return problem;
+    return u"File '%1' lacks the column%2 %3."_s.arg(name, absent.size() > 1 ? u"s"_s : QString(),
+                                                     absent.join(u", "_s));
 }
 
-// The file's mark is no part of its first title.
-std::string_view CsvReader::startOfFile(std::string_view bytes) {
-    // Titles begin with characters that are one byte, or two of which one is 0.
-    const bool isUtf16 =
-        bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
-        (bytes.size() > 1 && bytes.substr(0, 2).find('\0') != std::string_view::npos);
-    if (isUtf16) trouble = u"File '%1' is UTF-16; save it as UTF-8."_s.arg(name);
-    if (bytes.starts_with("\xEF\xBB\xBF")) bytes.remove_prefix(3);
-    return bytes;
+void CsvReader::fill() {
+    if (!unread.empty()) return;
+    unread = {block.data(), std::fread(block.data(), 1, block.size(), file.stream.get())};
 }
 
-bool CsvReader::readBlock() {
+bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void *call) {
     if (isAtEnd) return false;
-    startBatch();
-    const std::size_t size = std::fread(block.data(), 1, block.size(), file.get());
-    std::string_view bytes(block.data(), size);
-    if (std::exchange(isAtStart, false)) bytes = startOfFile(bytes);
-    isAtEnd = size < block.size() || !trouble.isEmpty();
-    if (!trouble.isEmpty()) return false;
-    if (csv_parse(&parser, bytes.data(), bytes.size(), takeCell, endRow, this) != bytes.size()) {
-        trouble =
-            u"File '%1' has a cell of more than 64 MiB; is a quotation mark not closed?"_s.arg(
-                name);
+    fill();
+    const std::string_view piece = unread.substr(0, most);
+    unread.remove_prefix(piece.size());
+    if (csv_parse(&parser, piece.data(), piece.size(), takeCell, endRow, call) != piece.size()) {
+        trouble = u"File '%1' has a cell of more than 64 MiB; is a quotation mark not closed?"_s;
+    } else if (piece.empty()) {
         isAtEnd = true;
-    } else if (isAtEnd) {
-        if (std::ferror(file.get())) trouble = u"Cannot read file '%1'."_s.arg(name);
-        finish();
+        if (std::ferror(file.stream.get())) trouble = u"Cannot read file '%1'."_s;
+        // Only here, since strictness would refuse quotation marks within cells.
+        csv_set_opts(&parser, CSV_STRICT | CSV_STRICT_FINI);
+        if (csv_fini(&parser, takeCell, endRow, call) != 0) {
+            trouble = u"File '%1' ends within quotation marks."_s;
+        }
     }
     if (isOutOfMemory) throw std::bad_alloc();
-    return trouble.isEmpty();
-}
-
-void CsvReader::finish() {
-    // Only here, since strictness would refuse quotation marks within cells.
-    csv_set_opts(&parser, CSV_STRICT | CSV_STRICT_FINI);
-    if (csv_fini(&parser, takeCell, endRow, this) != 0) {
-        trouble = u"File '%1' ends within quotation marks."_s.arg(name);
-    }
-}
-
-bool CsvReader::next() {
-    while (given == finished) {
-        if (!readBlock()) return false;
-    }
-    ++given;
-    ++number;
-    return true;
+    if (trouble.isEmpty()) return true;
+    trouble = trouble.arg(name);
+    isAtEnd = true;
+    return false;
 }

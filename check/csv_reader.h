@@ -1,5 +1,5 @@
-// Reads a CSV file row by row: a header line, quoted cells with line ends in them, UTF-8 with or
-// without mark. Memory does not grow with the rows; a cell may take 64 MiB.
+// Reads a CSV file: a header line, quoted cells with line ends in them, UTF-8 with or without mark.
+// Memory does not grow with the rows; a cell may take 64 MiB.
 #pragma once
 
 #include "model/output_file.h"
@@ -9,19 +9,17 @@
 #include <csv.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <memory>
+#include <exception>
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
-class CsvReader {
-    struct Span {
-        std::size_t at = 0;
-        std::size_t size = 0;
-    };
+// A cell may be read up to here, even where it is shorter.
+inline constexpr std::size_t readableBytes = 16;
 
+class CsvReader {
 public:
     CsvReader() = default;
     CsvReader(const CsvReader &) = delete;
@@ -30,21 +28,19 @@ public:
 
     // Opens the file and reads its header line. Returns what is wrong, or an empty text.
     QString open(const QString &fileName, char delimiter);
-    // The titles of the columns, with the blanks around them.
-    std::span<const std::string> header() const { return titles; }
 
-    // The columns that each row is to give, by their positions in the header. No row was read yet.
-    void choose(std::span<const std::size_t> columns);
+    // Chooses the columns of these titles; blanks around a title count only where a name has them
+    // too. `places` tells for each name at which place of a row its cell comes: its own position,
+    // or that of the first name with the same column. Returns which of them are not there, or
+    // twice.
+    QString choose(std::span<const QString> names, std::vector<std::size_t> &places);
 
-    // Goes to the next row; false at the end, or where the rest cannot be read (see problem).
-    // Lines without any cell are passed over.
-    bool next();
-    // The i-th of the chosen cells of the row, empty where the row is too short; valid until the
-    // next call.
-    std::string_view cell(std::size_t i) const {
-        const Span &span = batch[(given - 1) * width + i];
-        return {text.data() + span.at, span.size};
-    }
+    // Hands the next block to the taker, of each row the chosen cells by takeCell(place, cell) and
+    // then endRow(). A cell that a short row lacks is empty; lines without any cell are passed
+    // over. Returns false when nothing is left, or where the rest cannot be read (see problem).
+    template <typename Taker>
+    bool read(Taker &taker);
+
     // The row's number, from 1.
     std::int64_t row() const { return number; }
     // How many rows have fewer or more cells than there are titles, and the first of them.
@@ -54,40 +50,37 @@ public:
     const QString &problem() const { return trouble; }
 
 private:
-    static void takeCell(void *bytes, std::size_t size, void *reader);
-    static void endRow(int terminator, void *reader);
+    using CellCall = void (*)(void *bytes, std::size_t size, void *call);
+    using RowCall = void (*)(int terminator, void *call);
+
+    // Keeps exceptions from passing through C.
     template <typename Work>
-    void guarded(const Work &work) noexcept;
-    void addCell(std::string_view cell);
-    void addRow();
-    void startBatch();
-    std::string_view startOfFile(std::string_view bytes);
-    bool readBlock();
-    void finish();
+    void guard(const Work &work) noexcept {
+        if (isOutOfMemory) return;
+        try {
+            work();
+        } catch (const std::exception &) {
+            isOutOfMemory = true;
+        }
+    }
+    void fill();
+    // Parses at most so many bytes of the block.
+    bool parse(std::size_t most, CellCall takeCell, RowCall endRow, void *call);
 
     static constexpr std::size_t notChosen = static_cast<std::size_t>(-1);
 
     QString name;
     QString trouble;
-    std::unique_ptr<std::FILE, OutputFile::Close> file;
+    OutputFile file;
     csv_parser parser{};
-    bool isParsing = false;
-    bool isAtStart = true;
+    bool hasHeader = false;
     bool isAtEnd = false;
     bool isOutOfMemory = false;
-    bool hasHeader = false;
     std::vector<char> block;
+    std::string_view unread; // of the block
     std::vector<std::string> titles;
-    std::vector<std::size_t> places; // of each column, where its cell goes in a row
-    std::size_t width = 0;           // chosen columns
-
-    // The rows of one block. The last may go on in the next block.
-    std::string text;
-    std::size_t used = 0; // of the text
-    std::vector<Span> batch;
-    std::size_t column = 0; // of the next cell
-    std::size_t finished = 0;
-    std::size_t given = 0;
+    std::vector<std::size_t> placeOf; // of each column
+    std::size_t column = 0;           // of the next cell
     std::int64_t number = 0;
     std::int64_t uneven = 0;
     std::int64_t firstUneven = 0;
@@ -99,4 +92,36 @@ inline std::string_view trimmed(std::string_view cell) {
     while (!cell.empty() && isBlank(cell.front())) cell.remove_prefix(1);
     while (!cell.empty() && isBlank(cell.back())) cell.remove_suffix(1);
     return cell;
+}
+
+template <typename Taker>
+bool CsvReader::read(Taker &taker) {
+    struct Call {
+        CsvReader &reader;
+        Taker &taker;
+    } call{*this, taker};
+    const auto takeCell = [](void *bytes, std::size_t size, void *context) {
+        auto &[reader, to] = *static_cast<Call *>(context);
+        const std::size_t at = reader.column++;
+        if (at >= reader.placeOf.size() || reader.placeOf[at] == notChosen) return;
+        const std::string_view cell(static_cast<const char *>(bytes), size);
+        reader.guard([&, &to = to] { to.takeCell(reader.placeOf[at], cell); });
+    };
+    const auto endRow = [](int /*terminator*/, void *context) {
+        auto &[reader, to] = *static_cast<Call *>(context);
+        const std::size_t cells = std::exchange(reader.column, 0);
+        ++reader.number;
+        if (cells != reader.placeOf.size() && reader.uneven++ == 0) {
+            reader.firstUneven = reader.number;
+        }
+        reader.guard([&, &reader = reader, &to = to] {
+            static constexpr char nothing[readableBytes] = {};
+            for (std::size_t i = cells; i < reader.placeOf.size(); ++i) {
+                const std::size_t place = reader.placeOf[i];
+                if (place != notChosen) to.takeCell(place, std::string_view(nothing, 0));
+            }
+            to.endRow();
+        });
+    };
+    return parse(block.size(), takeCell, endRow, &call);
 }

@@ -5,137 +5,39 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdlib>
 
 namespace {
 
 using enum FindingId;
 
-// --- Numbers
-
-// Whole numbers of few digits are most of what tables hold.
-bool readDigits(std::string_view text, double &number) {
-    constexpr std::size_t mostDigits = 15;
-    if (text.empty() || text.size() > mostDigits) return false;
-    std::int64_t value = 0;
-    for (const char c : text) {
-        if (c < '0' || c > '9') return false;
-        value = 10 * value + (c - '0');
-    }
-    number = static_cast<double>(value);
-    return true;
-}
-
-// Of a number that no double is near to: whether it is too large, and not too small.
-bool isLarge(std::string_view text) {
-    const std::size_t mark = std::min(text.find_first_of("eE"), text.size());
-    const std::string_view digits = text.substr(0, mark);
-    std::int64_t exponent = 0;
-    if (mark < text.size()) {
-        const bool hasPlus = text[mark + 1] == '+';
-        exponent = std::int64_t(1) << 60; // what is longer than that stays so
-        if (text[mark + 1] == '-') exponent = -exponent;
-        std::from_chars(text.data() + mark + 1 + hasPlus, text.data() + text.size(), exponent);
-    }
-    const std::size_t point = std::min(digits.find('.'), digits.size());
-    const std::size_t first = digits.find_first_of("123456789");
-    return static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first) + exponent > 0;
-}
-
-// --- Recodings
-
-// A set that is known to be empty costs nothing where most rows pass.
-struct NoDeviations {
-    static constexpr bool has(FindingId /*id*/) { return false; }
-};
-
-template <typename D>
-bool isCode(const Recoding &recoding, double value, const D &deviations) {
+bool isCode(const Recoding &recoding, double value, const Deviations &deviations) {
     if (deviations.has(MissingCodesUnread)) return false;
-    std::span<const double> codes = recoding.codes;
-    if constexpr (!std::is_same_v<D, NoDeviations>) {
-        const Codes &found = recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)];
-        const bool isFound = deviations.has(MissingCodesName);
-        codes = deviations.has(MissingCodesDigits)
-                    ? std::span<const double>(isFound ? found.rounded : recoding.sixDigitCodes)
-                    : (isFound ? found.exact : recoding.codes);
-    }
-    return std::ranges::find(codes, value) != codes.end();
+    const Codes &codes = deviations.has(MissingCodesName)
+                             ? recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)]
+                             : recoding.codes;
+    const std::span<const double> looked =
+        deviations.has(MissingCodesDigits) ? codes.rounded : codes.exact;
+    return std::ranges::find(looked, value) != looked.end();
 }
 
-// How many of the rising bounds are below the value. Halves without branches: which half it is
-// cannot be foreseen.
-std::size_t boundsBelow(std::span<const double> bounds, double value) {
-    const double *first = bounds.data();
-    for (std::size_t count = bounds.size(); count > 1;) {
-        const std::size_t half = count / 2;
-        first += first[half - 1] < value ? half : 0;
-        count -= half;
-    }
-    return static_cast<std::size_t>(first - bounds.data()) + (*first < value ? 1 : 0);
-}
-
-// HTML takes the last score, however many there are.
-template <typename D>
-std::size_t positionAbove(const Recoding &recoding, const D &deviations) {
-    return deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : recoding.x.size() + 1;
-}
-
-template <typename D>
-std::size_t intervalOf(const Recoding &recoding, double value, const D &deviations) {
+std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const std::span<const double> x = recoding.x;
+    // HTML takes the last score, however many there are.
+    const std::size_t above = deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : x.size() + 1;
+    const bool isText = !cell.isNumber && !cell.text.empty();
+    if (isText && deviations.has(NotANumber)) return above;
+    const double value = cell.isNumber ? cell.number : noNumber;
     if (std::isnan(value) || isCode(recoding, value, deviations)) return 0;
     if (value < x.front()) return 1;
-    if (value > x.back()) return positionAbove(recoding, deviations);
+    if (value > x.back()) return above;
     // The first bound belongs to the interval above it; a single one has none.
-    if (x.size() == 1) return deviations.has(SingleBound) ? positionAbove(recoding, deviations) : 0;
+    if (x.size() == 1) return deviations.has(SingleBound) ? above : 0;
     const auto inner = x.subspan(1);
-    if (recoding.isRising) return boundsBelow(inner, value) + 2;
-    const auto isUpTo = [&](double bound) { return value <= bound; };
-    const auto found = std::find_if(inner.begin(), inner.end(), isUpTo);
-    if (found == inner.end()) return 0;
-    return static_cast<std::size_t>(found - inner.begin()) + 2;
-}
-
-template <typename D>
-std::size_t recodeNumber(const Recoding &recoding, std::string_view text, const D &deviations) {
-    double value = noNumber;
-    if (!text.empty() && !readNumber(text, value)) {
-        return deviations.has(NotANumber) ? positionAbove(recoding, deviations) : 0;
-    }
-    return intervalOf(recoding, value, deviations);
-}
-
-// Null where the text is not listed. A short list is searched faster than a hash is made.
-const ListedValue *findValue(const Recoding &recoding, std::string_view text) {
-    constexpr std::size_t shortList = 8;
-    if (recoding.values.size() <= shortList) {
-        for (const auto &[value, places] : recoding.shortList) {
-            if (value == text) return &places;
-        }
-        return nullptr;
-    }
-    const auto found = recoding.values.find(text);
-    return found == recoding.values.end() ? nullptr : &found->second;
-}
-
-template <typename D>
-std::uint32_t listedPosition(const Recoding &recoding, std::string_view text, const D &deviations) {
-    if (deviations.has(Capitals)) { // the first that is alike counts
-        const QString small =
-            QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())).toLower();
-        const auto folded = recoding.folded.find(small.toStdString());
-        return folded == recoding.folded.end() ? 0 : folded->second;
-    }
-    const ListedValue *const listed = findValue(recoding, text);
-    if (!listed) return 0;
-    return deviations.has(ValueTwice) ? listed->first : listed->last;
-}
-
-std::uint32_t equalNumber(const Recoding &recoding, std::string_view text) {
-    double number = 0;
-    if (!readNumber(text, number)) return 0;
-    const auto found = recoding.numbers.find(number);
-    return found == recoding.numbers.end() ? 0 : found->second;
+    const auto isUpTo = [value](double bound) { return value <= bound; };
+    const auto found = recoding.isRising ? std::ranges::lower_bound(inner, value)
+                                         : std::ranges::find_if(inner, isUpTo);
+    return found == inner.end() ? 0 : static_cast<std::size_t>(found - inner.begin()) + 2;
 }
 
 // Whether Python reads one of the backslashes, and the character behind it, as another character.
@@ -148,57 +50,42 @@ bool isEscaped(std::string_view text) {
     return at < text.size() - 1;
 }
 
-template <typename D>
-std::uint32_t recodeText(const Recoding &recoding, const Cell &cell, const D &deviations) {
+std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
+    const auto deviates = [&](FindingId id, bool concerns = true) {
+        return concerns && deviations.has(id);
+    };
     std::string_view text = cell.text;
-    if (text.empty()) {
-        const ListedValue *const listed =
-            deviations.has(EmptyValue) ? findValue(recoding, text) : nullptr;
-        return listed ? listed->last : 0;
-    }
-    if (deviations.has(recoding.isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
-    if (deviations.has(TrueFalse)) {
+    if (text.empty()) return deviates(EmptyValue) ? recoding.find(text).last : 0;
+    if (deviates(recoding.isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
+    if (deviates(TrueFalse)) {
         if (text == "TRUE" || text == "FALSE") return 0;
         const std::string_view asListed = text == "True" ? "TRUE" : text == "False" ? "FALSE" : "";
-        if (!recoding.isBoolean && !asListed.empty() && findValue(recoding, asListed)) {
+        if (!recoding.isBoolean && !asListed.empty() && recoding.find(asListed).last > 0) {
             text = asListed;
         }
     }
-    if (deviations.has(FiveCategories) && !recoding.isBoolean && recoding.listed.size() == 5) {
-        return 0;
+    if (deviates(FiveCategories, !recoding.isBoolean && recoding.listed.size() == 5)) return 0;
+    if (deviates(Backslash, isEscaped(text))) return 0;
+    if (deviates(BooleanNumbers, recoding.isBoolean && recoding.y.size() > 2 && cell.isNumber)) {
+        return cell.number == 0 ? 1 : cell.number == 1 ? 2 : 0;
     }
-    if (deviations.has(ValuesAsNumbers)) return equalNumber(recoding, text);
-    if (deviations.has(Backslash) && isEscaped(text)) return 0;
-    double flag = 0;
-    if (deviations.has(BooleanNumbers) && recoding.isBoolean && recoding.y.size() > 2 &&
-        readNumber(text, flag)) {
-        return flag == 0 ? 1 : flag == 1 ? 2 : 0;
-    }
-    return listedPosition(recoding, text, deviations);
+    if (deviates(ValuesAsNumbers)) return recoding.find(text, Reading::AsNumber).first;
+    if (deviates(Capitals)) return recoding.find(text, Reading::AnyCase).first;
+    const ListedValue listed = recoding.find(text);
+    return deviates(ValueTwice) ? listed.first : listed.last;
 }
 
-// The position in the list that HTML asks for. What is shown as a list, and read as buttons, is
-// unknown.
-template <typename D>
-Recoded recodeAsked(const Recoding &recoding, const Cell &cell, const D &deviations) {
+// HTML asks for a column once, with the values of its last recoding. What is shown as a list, and
+// read as buttons, is unknown.
+std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const bool isRead = recoding.asked->listed.size() < 5 || recoding.listed.size() > 5;
-    const std::uint32_t position = isRead ? recodeText(*recoding.asked, cell, deviations) : 0;
-    return {position, position < recoding.y.size() ? recoding.y[position] : noNumber};
+    return isRead ? placeOf(*recoding.asked, cell, deviations) : 0;
 }
 
-template <typename D>
-Recoded recodeCell(const Recoding &recoding, const Cell &cell, const D &deviations) {
-    if (deviations.has(SharedValues) && recoding.asked != &recoding &&
-        recoding.variable->isCategorical && recoding.asked->variable->isCategorical &&
-        !recoding.isBoolean && !recoding.asked->isBoolean) {
-        return recodeAsked(recoding, cell, deviations);
-    }
-    const std::size_t position = recoding.variable->isCategorical
-                                     ? recodeText(recoding, cell, deviations)
-                                     : recodeNumber(recoding, cell.text, deviations);
-    const bool isRounded = deviations.has(BooleanDigits) && recoding.isBoolean && position > 0;
-    return {static_cast<std::uint32_t>(position),
-            isRounded ? recoding.sixDigitScores[position] : recoding.y[position]};
+bool isAskedOtherwise(const Recoding &recoding) {
+    const Recoding &asked = *recoding.asked;
+    return &asked != &recoding && recoding.variable->isCategorical &&
+           asked.variable->isCategorical && !recoding.isBoolean && !asked.isBoolean;
 }
 
 const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &deviations) {
@@ -211,14 +98,12 @@ const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &d
 } // namespace
 
 bool readNumber(std::string_view text, double &number) {
-    if (readDigits(text, number)) return true;
     if (text.starts_with('+') && text.size() > 1 && text[1] != '-') text.remove_prefix(1);
     const char *const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number);
     if (stop != end || text.empty()) return false;
-    if (error == std::errc::result_out_of_range) { // which leaves the number as it was
-        number = isLarge(text) ? std::numeric_limits<double>::infinity() : 0;
-        if (text.starts_with('-')) number = -number;
+    if (error == std::errc::result_out_of_range) { // too large, or too near to 0
+        number = std::strtod(std::string(text).c_str(), nullptr);
         return true;
     }
     return error == std::errc();
@@ -231,8 +116,29 @@ double sixDigits(double number) {
     return rounded;
 }
 
+Cell cellOf(std::string_view raw, std::span<const std::string> missing) {
+    Cell cell = {.raw = raw, .text = trimmed(raw)};
+    if (std::ranges::find(missing, cell.text) != missing.end()) cell.text = {};
+    cell.isNumber = readNumber(cell.text, cell.number);
+    return cell;
+}
+
+bool differ(const Recoded &a, const Recoded &b) {
+    return a.position != b.position ||
+           (a.score != b.score && !(std::isnan(a.score) && std::isnan(b.score)));
+}
+
 Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
-    return recodeCell(recoding, cell, deviations);
+    const bool isAnswer = deviations.has(SharedValues) && isAskedOtherwise(recoding);
+    const std::size_t position = !recoding.variable->isCategorical
+                                     ? intervalOf(recoding, cell, deviations)
+                                 : isAnswer ? answerOf(recoding, cell, deviations)
+                                            : placeOf(recoding, cell, deviations);
+    double score = position < recoding.y.size() ? recoding.y[position] : noNumber;
+    if (deviations.has(BooleanDigits) && recoding.isBoolean && position > 0) {
+        score = sixDigits(score);
+    }
+    return {static_cast<std::uint32_t>(position), score};
 }
 
 double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
@@ -274,17 +180,13 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
 
 Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::span<Recoded> recoded,
                     const Deviations &deviations) {
-    const bool isPlain = deviations.findings.isEmpty();
     const bool mixesColumns = deviations.has(NamesAlike);
     const auto target = static_cast<std::size_t>(deviations.target);
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const Recoding &recoding = card.recodings[i];
-        const Cell &cell = cells[mixesColumns ? recoding.lastAlike[target] : recoding.column];
-        recoded[i] = isPlain ? recodeCell(recoding, cell, NoDeviations())
-                             : recodeCell(recoding, cell, deviations);
+        const std::size_t column = mixesColumns ? recoding.lastAlike[target] : recoding.column;
+        recoded[i] = recode(recoding, cells[column], deviations);
     }
-    Prediction prediction;
-    prediction.score = scoreOf(card, recoded, deviations);
-    prediction.probability = probabilityOf(card, prediction.score, deviations);
-    return prediction;
+    const double score = scoreOf(card, recoded, deviations);
+    return {score, probabilityOf(card, score, deviations)};
 }

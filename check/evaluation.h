@@ -17,17 +17,21 @@ struct Deviations {
     bool has(FindingId id) const { return findings.has(id); }
 };
 
-// One cell, cut to what the model looks at.
+// One cell, as the model looks at it.
 struct Cell {
     std::string_view raw;
     std::string_view text; // without blanks around it; empty where it means nothing
+    double number = 0;     // NaN counts as one that is missing
+    bool isNumber = false; // the text
 };
+Cell cellOf(std::string_view raw, std::span<const std::string> missing = {});
 
 // What a recoding makes of a cell: the score at a position of its array, 0 for missing values.
 struct Recoded {
     std::uint32_t position = 0;
     double score = 0;
 };
+bool differ(const Recoded &a, const Recoded &b);
 
 // The score of a row, and its probability; NaN where the model gives none.
 struct Prediction {
@@ -36,19 +40,19 @@ struct Prediction {
 };
 
 // The number that a text holds: decimal, with an exponent or not, and nothing else. False for any
-// other text. NaN counts as a number that is missing.
+// other text.
 bool readNumber(std::string_view text, double &number);
 
 // The same number with 6 significant digits.
 double sixDigits(double number);
 
-Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations);
+Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations = {});
 
-// The cells of a row, one for each column; `recoded` has one entry for each recoding and is filled.
-Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::span<Recoded> recoded,
-                    const Deviations &deviations = {});
-
-// The score of recodings that were made already.
+// What recodings come to.
 double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
                const Deviations &deviations = {});
 double probabilityOf(const Scorecard &card, double score, const Deviations &deviations = {});
+
+// The cells of a row, one for each column; `recoded` has one entry for each recoding and is filled.
+Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::span<Recoded> recoded,
+                    const Deviations &deviations);

@@ -43,18 +43,18 @@ void inspectCodes(Notes &notes, const Scorecard &card, const Recoding &recoding)
         note(notes, MissingCodesLine, card, recoding);
     }
     const auto isRounded = [](double code) { return sixDigits(code) != code; };
-    if (std::ranges::any_of(recoding.codes, isRounded)) {
+    if (std::ranges::any_of(recoding.codes.exact, isRounded)) {
         note(notes, MissingCodesDigits, card, recoding);
     }
     Targets others;
     for (std::size_t t = 0; t < targetCount; ++t) {
-        others.set(t, !std::ranges::equal(recoding.codes, recoding.codesOfTarget[t].exact));
+        others.set(t, !std::ranges::equal(recoding.codes.exact, recoding.codesOfTarget[t].exact));
     }
     if (others.any()) note(notes, MissingCodesName, card, recoding, others);
     if (!recoding.codesOfTarget[static_cast<std::size_t>(Target::Python)].exact.empty()) {
         note(notes, MissingCodesParenthesis, card, recoding);
     }
-    if (!recoding.codes.empty()) note(notes, MissingCodesUnread, card, recoding);
+    if (!recoding.codes.exact.empty()) note(notes, MissingCodesUnread, card, recoding);
 }
 
 void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
@@ -110,7 +110,7 @@ void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &rec
     }
     if (!recoding.isBoolean || !sql.boolsAreNumbers) note(notes, Capitals, card, recoding);
     const auto isTwice = [](const auto &entry) { return entry.second.first != entry.second.last; };
-    if (std::ranges::any_of(recoding.values, isTwice)) note(notes, ValueTwice, card, recoding);
+    if (std::ranges::any_of(recoding.values[0], isTwice)) note(notes, ValueTwice, card, recoding);
 }
 
 void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
@@ -129,7 +129,7 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
             }
             numericColumns.insert(recoding.column);
         }
-        if (!isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(recoding.codes)) {
+        if (!isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(recoding.codes.exact)) {
             note(notes, NotFinite, card, recoding);
         }
         const auto isLost = [&](double score) { return isSmall(score * recoding.coefficient); };
@@ -169,7 +169,7 @@ Targets only(std::initializer_list<std::pair<Target, bool>> chosen) {
 // HTML asks a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
-           (a.isBoolean || a.listed == b.listed);
+           (a.isBoolean || std::ranges::equal(a.listed, b.listed));
 }
 
 void inspectNames(Notes &notes, const Scorecard &card) {

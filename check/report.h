@@ -11,7 +11,7 @@ struct Report {
     const Scorecard &card;
     std::span<const Finding> findings;
     const RowCounts *counts = nullptr;
-    const ComparisonOptions *compared = nullptr;
+    const RowOptions *compared = nullptr;
     const ComparisonResult *comparison = nullptr;
 };
 

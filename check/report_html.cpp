@@ -89,7 +89,7 @@ void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row) {
 
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.comparison;
-    put(out, u"<section><h2>Comparison with ", escaped(report.compared->file), u" (",
+    put(out, u"<section><h2>Comparison with ", escaped(report.compared->results), u" (",
         targetName(report.compared->target), u")</h2>\n<article><table>\n");
     if (result.equal > 0) putCount(out, {u"as the model says"_s, result.equal, {}});
     for (const ComparisonCount &count : countsOf(result)) putCount(out, count);

@@ -43,9 +43,9 @@ void putRecoding(TextBuffer &out, const Recoding &recoding) {
     put(out, u"\n  ", node.attribute(u"type"));
     if (recoding.isBoolean) put(out, u", boolean");
     put(out, u", coefficient ", recoding.coefficient, u"\n");
-    if (!recoding.codes.empty()) {
+    if (!recoding.codes.exact.empty()) {
         QStringList codes;
-        for (const double code : recoding.codes) codes.prepend(numberText(code));
+        for (const double code : recoding.codes.exact) codes.prepend(numberText(code));
         put(out, u"  missing codes: ", codes.join(u", "_s), u"\n");
     }
     Table table = {
@@ -109,24 +109,15 @@ void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row) {
     putTable(out, table);
 }
 
-template <typename Names>
-QString listed(const Names &names, std::int64_t count) {
-    QStringList texts;
-    for (const auto &name : names) {
-        if constexpr (std::is_integral_v<std::decay_t<decltype(name)>>) {
-            texts.append(QString::number(name));
-        } else {
-            texts.append(QString::fromStdString(name));
-        }
-    }
-    if (texts.isEmpty()) return {};
-    if (texts.size() < count) texts.append(u"…"_s);
-    return u": "_s + texts.join(u", "_s);
+QString listed(const QStringList &names, std::int64_t count) {
+    if (names.isEmpty()) return {};
+    const QString more = names.size() < count ? u", …"_s : QString();
+    return u": "_s + names.join(u", "_s) + more;
 }
 
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.comparison;
-    put(out, u"\nComparison with ", report.compared->file, u" (",
+    put(out, u"\nComparison with ", report.compared->results, u" (",
         targetName(report.compared->target), u")\n");
     put(out, u"  ", rowsOf(result.rows), u" in both files, ", qsizetype(result.equal),
         u" as the model says\n");
@@ -150,25 +141,19 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
                                   numberText(x[position - 1]));
     }
     if (position == 0) return u"missing or not listed"_s;
-    const auto quoted = [](QStringView value) { return u'\'' + value.toString() + u'\''; };
-    if (!recoding.isBoolean) {
-        const bool isListed = position <= recoding.listed.size();
-        return isListed ? quoted(recoding.listed[position - 1]) : u"never"_s;
-    }
-    constexpr std::size_t falseValues = 5;
+    const auto quoted = [&](std::size_t i) {
+        return u'\'' + recoding.listed[i].toString() + u'\'';
+    };
+    if (!recoding.isBoolean)
+        return position <= recoding.listed.size() ? quoted(position - 1) : u"never"_s;
     if (position > 2) return u"never"_s;
-    const bool isFalse = position == 1;
-    const std::size_t first = isFalse ? 0 : falseValues;
-    const std::size_t end =
-        isFalse ? std::min(falseValues, recoding.listed.size()) : recoding.listed.size();
-    QSet<QStringView> seen;
     QStringList values;
-    for (std::size_t i = first; i < end; ++i) {
-        if (seen.contains(recoding.listed[i])) continue;
-        seen.insert(recoding.listed[i]);
-        values.append(quoted(recoding.listed[i]));
+    const CategoricalRecoding arrays = {recoding.listed, recoding.y, true};
+    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
+        if (arrays.place(i) == position) values.append(quoted(i));
     }
-    return (isFalse ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
+    values.removeDuplicates();
+    return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
 }
 
 std::vector<FindingGroup> groupsOf(std::span<const Finding> findings) {

@@ -1,11 +1,10 @@
 #include "check/rows.h"
 
-#include "model/output_file.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
+#include <cstring>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -14,198 +13,258 @@ namespace {
 using enum FindingId;
 
 constexpr std::size_t scoreSteps = 60;
+constexpr std::size_t noKey = static_cast<std::size_t>(-1);
 
 // --- Scores as CSV
 
-// Numbers become text where they are to stand.
-class ScoreFile {
-public:
-    bool open(const QString &fileName) {
-        file.reset(openFile(fileName, FileUse::Write));
-        return file != nullptr;
-    }
-    bool isOpen() const { return file != nullptr; }
-    void put(char c) {
-        *reserve(1) = c;
-        ++used;
-    }
-    void put(std::string_view piece) {
-        piece.copy(reserve(piece.size()), piece.size());
-        used += piece.size();
-    }
-    // Nothing for what is no number.
-    template <typename Number>
-    void put(Number number) {
-        if (std::isnan(static_cast<double>(number))) return;
-        constexpr std::size_t longest = 32;
-        char *const at = reserve(longest);
-        used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
-    }
-    void putCell(std::string_view cell, char delimiter) {
-        const std::string special = {'"', '\n', '\r', delimiter};
-        if (cell.find_first_of(special) == std::string_view::npos) {
-            put(cell);
-            return;
-        }
-        put('"');
-        for (const char c : cell) {
-            if (c == '"') put(c);
-            put(c);
-        }
-        put('"');
-    }
-    // What follows the cell of the key.
-    template <typename Score>
-    void putRow(const Score &score, const Score &probability, char delimiter) {
-        put(delimiter);
-        put(score);
-        put(delimiter);
-        put(probability);
-        put('\n');
-    }
-    // Whether the device took everything.
-    bool close() {
-        flush();
-        return std::fclose(file.release()) == 0 && isWritten;
-    }
-
-private:
-    void flush() {
-        if (used > 0)
-            isWritten = std::fwrite(text.data(), 1, used, file.get()) == used && isWritten;
-        used = 0;
-    }
-    char *reserve(std::size_t size) {
-        constexpr std::size_t block = 1 << 16;
-        if (used + size > text.size()) {
-            flush();
-            if (text.size() < size) text.resize(std::max(size, block));
-        }
-        return text.data() + used;
-    }
-
-    std::unique_ptr<std::FILE, OutputFile::Close> file;
+struct ScoreFile {
+    OutputFile file;
     std::vector<char> text;
     std::size_t used = 0;
-    bool isWritten = true;
+    bool isWritten = true; // the device took everything so far
 };
+
+void flush(ScoreFile &out) {
+    if (out.used == 0) return;
+    const std::size_t size = std::fwrite(out.text.data(), 1, out.used, out.file.stream.get());
+    out.isWritten = out.isWritten && size == out.used;
+    out.used = 0;
+}
+
+// Whether the device took everything.
+bool close(ScoreFile &out) {
+    if (!out.file.stream) return true;
+    flush(out);
+    return std::fclose(out.file.stream.release()) == 0 && out.isWritten;
+}
+
+// Where so many characters may be put; what was used of them is to be counted.
+char *roomFor(ScoreFile &out, std::size_t size) {
+    constexpr std::size_t block = 1 << 16;
+    if (out.used + size > out.text.size()) {
+        flush(out);
+        out.text.resize(std::max({size, block, out.text.size()}));
+    }
+    return out.text.data() + out.used;
+}
+
+// Nothing for what is no number. Digits are made where they stay: copying fresh ones is slow.
+template <typename Number>
+void putNumber(ScoreFile &out, Number number) {
+    if (std::isnan(static_cast<double>(number))) return;
+    constexpr std::size_t longest = 32;
+    char *const at = roomFor(out, longest);
+    out.used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
+}
+
+void put(ScoreFile &out, std::string_view text) {
+    text.copy(roomFor(out, text.size()), text.size());
+    out.used += text.size();
+}
+
+void putCell(ScoreFile &out, std::string_view cell, char delimiter) {
+    const char special[] = {'"', '\n', '\r', delimiter};
+    if (cell.find_first_of({special, sizeof special}) == std::string_view::npos) {
+        put(out, cell);
+        return;
+    }
+    put(out, "\"");
+    for (const char &c : cell) {
+        if (c == '"') put(out, "\"");
+        put(out, {&c, 1});
+    }
+    put(out, "\"");
+}
 
 // --- The findings that a row is touched by
 
-struct Counter {
-    const Scorecard &card;
-    std::vector<Finding> &findings;
-    std::vector<std::size_t> ofRecodings; // findings, by their positions
-    std::vector<std::size_t> ofTable;     // those that the score decides
+// What tells whether a cell is touched by a finding: it is recoded otherwise.
+struct Watch {
+    std::size_t finding; // its position
+    std::size_t recoding;
+    Deviations deviations;
+};
+
+struct Watches {
+    std::vector<std::vector<Watch>> ofColumns;
+    std::vector<Watch> ofRows;   // what another column decides
+    std::vector<Watch> ofScores; // what the score decides
     std::size_t ofKey = static_cast<std::size_t>(-1);
 };
 
-Counter makeCounter(const Scorecard &card, std::vector<Finding> &findings) {
-    Counter counter{.card = card, .findings = findings, .ofRecodings = {}, .ofTable = {}};
+Watches watchesOf(const Scorecard &card, std::span<const Finding> findings) {
+    Watches watches;
+    watches.ofColumns.resize(card.columns.size());
     for (std::size_t i = 0; i < findings.size(); ++i) {
-        if (!findings[i].byRows) continue;
-        if (findings[i].recoding >= 0) {
-            counter.ofRecodings.push_back(i);
-        } else if (findings[i].id == KeyLength) {
-            counter.ofKey = i;
-        } else {
-            counter.ofTable.push_back(i);
+        const Finding &finding = findings[i];
+        if (!finding.byRows) continue;
+        const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
+        // Most do the same in all targets.
+        const bool isOfTarget = finding.id == MissingCodesName || finding.id == NamesAlike;
+        for (std::size_t t = 0; t < targetCount; ++t) {
+            if (!finding.targets.test(t)) continue;
+            Watch watch = {i, recoding, {{finding.id}, static_cast<Target>(t)}};
+            // What else is taken as above all bounds takes the last of a long array too.
+            if (finding.id == ArrayTooLong) watch.deviations.findings.add(NotANumber);
+            if (finding.id == KeyLength) {
+                watches.ofKey = i;
+            } else if (finding.recoding < 0) {
+                watches.ofScores.push_back(watch);
+            } else if (finding.id == NamesAlike) {
+                watches.ofRows.push_back(watch);
+            } else {
+                watches.ofColumns[card.recodings[recoding].column].push_back(watch);
+            }
+            if (!isOfTarget) break;
         }
     }
-    return counter;
+    return watches;
 }
 
-void touch(Finding &finding, std::int64_t row, FindingSet &touched) {
-    if (finding.rows++ == 0) finding.firstRow = row;
+// --- Cells
+
+// The first characters of a cell, and how many it has.
+struct CellStart {
+    std::uint64_t first = 0;
+    std::uint64_t second = 0;
+    std::size_t size = noKey;
+
+    bool operator==(const CellStart &) const = default;
+};
+
+std::uint64_t wordAt(std::string_view cell, std::size_t at) {
+    std::uint64_t word = 0;
+    if (cell.size() <= at) return word;
+    std::memcpy(&word, cell.data() + at, sizeof word);
+    const std::size_t size = cell.size() - at;
+    return size < sizeof word ? word & ((std::uint64_t(1) << (8 * size)) - 1) : word;
+}
+
+// A cell with all that the model and the findings make of it.
+struct JudgedCell {
+    CellStart start;
+    std::int64_t rows = 0; // since it was judged
+    std::int64_t firstRow = 0;
+    std::vector<Recoded> recoded; // by each recoding of the column
+    std::string raw;
+    Cell cell;
+    std::vector<std::size_t> touched; // findings, by their positions
+};
+
+// Columns repeat their values, so that most cells were judged before. Each cell has one place among
+// those of its column, which are a power of two.
+std::size_t placesOf(std::size_t columns) {
+    constexpr std::size_t most = 1 << 16;
+    std::size_t places = 1024;
+    while (places > 1 && places * columns > most) places /= 2;
+    return places;
+}
+
+// --- Rows
+
+// Takes the columns of the model and that of the key.
+struct RowScorer {
+    const Scorecard &card;
+    std::vector<Finding> &findings;
+    const RowOptions &options;
+    RowCounts &counts;
+    Comparison comparison = {card, options};
+    CsvReader reader = {};
+    std::size_t keyAt = noKey;
+    ScoreFile out = {};
+    Watches watches = watchesOf(card, findings);
+    std::size_t places = placesOf(card.columns.size());
+    std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * places);
+    std::vector<JudgedCell *> row = std::vector<JudgedCell *>(card.columns.size());
+    std::string key = {};
+    std::vector<Recoded> recoded = std::vector<Recoded>(card.recodings.size());
+
+    void takeCell(std::size_t place, std::string_view bytes);
+    void endRow();
+};
+
+// Adds the rows of a cell to the counts.
+void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
+    if (judged.rows == 0) return;
+    for (std::size_t i = 0; i < judged.recoded.size(); ++i) {
+        const std::size_t recoding = scorer.card.recodingsOf[column][i];
+        scorer.counts.positions[recoding][judged.recoded[i].position] += judged.rows;
+    }
+    for (const std::size_t position : judged.touched) {
+        Finding &finding = scorer.findings[position];
+        const bool isFirst = finding.rows == 0 || judged.firstRow < finding.firstRow;
+        if (isFirst) finding.firstRow = judged.firstRow;
+        finding.rows += judged.rows;
+    }
+    judged.rows = 0;
+}
+
+void judge(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
+    judged.firstRow = scorer.reader.row() + 1;
+    judged.cell = cellOf(judged.raw, scorer.options.missing);
+    judged.recoded.clear();
+    for (const std::size_t i : scorer.card.recodingsOf[column]) {
+        judged.recoded.push_back(recode(scorer.card.recodings[i], judged.cell));
+    }
+    judged.touched.clear();
+    for (const Watch &watch : scorer.watches.ofColumns[column]) {
+        if (!judged.touched.empty() && judged.touched.back() == watch.finding) continue;
+        const Recoding &recoding = scorer.card.recodings[watch.recoding];
+        const Recoded other = recode(recoding, judged.cell, watch.deviations);
+        if (differ(other, judged.recoded[recoding.rank])) judged.touched.push_back(watch.finding);
+    }
+}
+
+void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
+    if (place == row.size()) {
+        key = bytes;
+        return;
+    }
+    const CellStart start = {wordAt(bytes, 0), wordAt(bytes, 8), bytes.size()};
+    const std::uint64_t mixed = (start.first ^ start.second) * 0x9E3779B97F4A7C15U;
+    JudgedCell &cell = judged[place * places + ((mixed >> 48U) & (places - 1))];
+    row[place] = &cell;
+    if (cell.start != start || (start.size > readableBytes && cell.raw != bytes)) {
+        countCell(*this, place, cell);
+        cell.start = start;
+        cell.raw = bytes;
+        judge(*this, place, cell);
+    }
+    ++cell.rows;
+}
+
+void touch(RowScorer &scorer, std::size_t position, FindingSet &touched) {
+    Finding &finding = scorer.findings[position];
+    if (finding.rows++ == 0) finding.firstRow = scorer.reader.row();
     touched.add(finding.id);
 }
 
-bool differs(double a, double b) {
-    return a != b && !(std::isnan(a) && std::isnan(b));
-}
-
-// Whether the cell could be touched at all: most findings are about few cells.
-bool mayTouch(FindingId id, const Recoding &recoding, const Cell &cell, const Recoded &recoded) {
-    switch (id) {
-    case BooleanBlanks:
-    case TextBlanks:
-        return cell.raw.size() != cell.text.size();
-    case Capitals:
-        return !cell.text.empty() &&
-               (recoded.position == 0 || recoding.folded.size() < recoding.values.size());
-    case NotANumber:
-        return recoded.position == 0 && !cell.text.empty();
-    case EmptyValue:
-        return cell.text.empty();
-    case TrueFalse:
-        return cell.text.size() == 4 || cell.text.size() == 5;
-    case SingleBound:
-        return recoded.position == 0;
-    default:
-        return true;
-    }
-}
-
-bool isTouched(const Recoding &recoding, const Finding &finding, std::span<const Cell> cells,
-               const Recoded &recoded) {
-    const bool isOther = finding.id == NamesAlike; // the cell that counts
-    if (!isOther && !mayTouch(finding.id, recoding, cells[recoding.column], recoded)) return false;
-    if (finding.id == FiveCategories) return recoded.position != 0;
-    if (finding.id == BooleanDigits) {
-        return recoded.position != 0 && recoding.sixDigitScores[recoded.position] != recoded.score;
-    }
-    const auto differsFor = [&](Target target) {
-        Deviations deviations = {{finding.id}, target};
-        // What else is taken as above all bounds takes the last of a long array too.
-        if (finding.id == ArrayTooLong) deviations.findings.add(NotANumber);
-        const std::size_t alike = recoding.lastAlike[static_cast<std::size_t>(target)];
-        const Cell &cell = cells[isOther ? alike : recoding.column];
-        const Recoded other = recode(recoding, cell, deviations);
-        return other.position != recoded.position || differs(other.score, recoded.score);
-    };
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        if (finding.targets.test(t) && differsFor(static_cast<Target>(t))) return true;
-    }
-    return false;
-}
-
-void countRow(Counter &counter, std::int64_t row, std::span<const Cell> cells,
-              std::span<const Recoded> recoded, const Prediction &prediction, FindingSet &touched) {
-    for (const std::size_t index : counter.ofRecodings) {
-        Finding &finding = counter.findings[index];
-        const auto at = static_cast<std::size_t>(finding.recoding);
-        const Recoding &recoding = counter.card.recodings[at];
-        if (isTouched(recoding, finding, cells, recoded[at])) touch(finding, row, touched);
+// Counts what no cell alone decides.
+void countFindings(RowScorer &scorer, const Prediction &prediction, FindingSet &touched) {
+    std::size_t last = scorer.findings.size(); // finding that is counted
+    for (const Watch &watch : scorer.watches.ofRows) {
+        const Recoding &recoding = scorer.card.recodings[watch.recoding];
+        const auto target = static_cast<std::size_t>(watch.deviations.target);
+        const Cell &cell = scorer.row[recoding.lastAlike[target]]->cell;
+        const bool isTouched = differ(recode(recoding, cell), scorer.recoded[watch.recoding]);
+        if (!isTouched || last == watch.finding) continue;
+        last = watch.finding;
+        touch(scorer, last, touched);
     }
     // What targets do otherwise is at the lower end of the table.
-    const std::pmr::vector<double> &x = counter.card.table.x;
+    const auto &x = scorer.card.table.x;
     if (x.size() > 1 && prediction.score > x[x.size() - 2]) return;
-    for (const std::size_t index : counter.ofTable) {
-        Finding &finding = counter.findings[index];
-        const double other =
-            probabilityOf(counter.card, prediction.score, {{finding.id}, Target::Sas});
-        if (differs(other, prediction.probability)) touch(finding, row, touched);
+    for (const Watch &watch : scorer.watches.ofScores) {
+        const double other = probabilityOf(scorer.card, prediction.score, watch.deviations);
+        if (differ({0, other}, {0, prediction.probability})) touch(scorer, watch.finding, touched);
     }
 }
 
-void countKey(Counter &counter, std::int64_t row, std::string_view key, FindingSet &touched) {
+void countKey(RowScorer &scorer, std::string_view key, FindingSet &touched) {
     constexpr qsizetype longest = 20;
-    if (counter.ofKey >= counter.findings.size() || key.size() <= longest) return;
+    if (scorer.watches.ofKey >= scorer.findings.size() || key.size() <= longest) return;
     const auto size = QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())).size();
-    if (size > longest) touch(counter.findings[counter.ofKey], row, touched);
-}
-
-// --- Counts for reports
-
-void findScoreRange(const Scorecard &card, RowCounts &counts) {
-    counts.lowestScore = counts.highestScore = card.regression.constant;
-    for (const Recoding &recoding : card.recodings) {
-        const auto [least, most] = std::ranges::minmax(recoding.y);
-        const double a = recoding.coefficient * least;
-        const double b = recoding.coefficient * most;
-        counts.lowestScore += std::min(a, b);
-        counts.highestScore += std::max(a, b);
-    }
+    if (size > longest) touch(scorer, scorer.watches.ofKey, touched);
 }
 
 void countScore(RowCounts &counts, double score) {
@@ -216,79 +275,104 @@ void countScore(RowCounts &counts, double score) {
     ++counts.scores[static_cast<std::size_t>(std::min(step, last))];
 }
 
-// The columns of the model, and that of the key, which may be one of them.
-QString chooseColumns(CsvReader &reader, const Scorecard &card, const RowOptions &options,
-                      std::size_t &keyAt) {
-    QString problem;
-    std::vector<QString> wanted = card.columns;
-    if (!options.key.isEmpty()) wanted.push_back(options.key);
-    std::vector<std::size_t> chosen = findColumns(reader, wanted, options.file, problem);
-    if (!problem.isEmpty()) return problem;
-    if (!options.key.isEmpty()) {
-        keyAt = static_cast<std::size_t>(std::ranges::find(chosen, chosen.back()) - chosen.begin());
-        if (keyAt < card.columns.size()) chosen.pop_back();
+void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
+    ScoreFile &out = scorer.out;
+    if (scorer.keyAt == noKey) {
+        putNumber(out, scorer.reader.row());
+    } else {
+        putCell(out, key, scorer.options.delimiter);
     }
-    reader.choose(chosen);
-    return {};
+    for (const double number : {prediction.score, prediction.probability}) {
+        put(out, {&scorer.options.delimiter, 1});
+        putNumber(out, number);
+    }
+    put(out, "\n");
 }
+
+void RowScorer::endRow() {
+    for (std::size_t i = 0; i < recoded.size(); ++i) {
+        recoded[i] = row[card.recodings[i].column]->recoded[card.recodings[i].rank];
+    }
+    const double score = scoreOf(card, recoded);
+    const Prediction prediction = {score, probabilityOf(card, score)};
+    FindingSet touched;
+    countFindings(*this, prediction, touched);
+    const std::string_view cell = keyAt < row.size() ? row[keyAt]->raw : key;
+    countKey(*this, trimmed(cell), touched);
+    countScore(counts, score);
+    if (out.file.stream) putRow(*this, cell, prediction);
+    if (options.results.isEmpty()) return;
+    std::vector<Cell> cells;
+    for (const JudgedCell *const judgedCell : row) {
+        cells.push_back(judgedCell->cell);
+        for (const std::size_t position : judgedCell->touched) touched.add(findings[position].id);
+    }
+    compareRow(comparison, {reader.row(), trimmed(cell), cells, recoded, prediction, touched});
+}
+
+// --- Counts for reports
 
 void startCounts(const Scorecard &card, RowCounts &counts) {
     counts.scores.assign(scoreSteps, 0);
-    findScoreRange(card, counts);
+    counts.lowestScore = counts.highestScore = card.regression.constant;
     for (const Recoding &recoding : card.recodings) {
         counts.positions.emplace_back(recoding.y.size());
+        const auto [least, most] = std::ranges::minmax(recoding.y);
+        const double a = recoding.coefficient * least;
+        const double b = recoding.coefficient * most;
+        counts.lowestScore += std::min(a, b);
+        counts.highestScore += std::max(a, b);
     }
+}
+
+// Opens the files, the results before anything is written. Returns what is wrong, or an empty text.
+QString start(RowScorer &scorer) {
+    const RowOptions &options = scorer.options;
+    QString problem;
+    if (!options.results.isEmpty()) problem = openResults(scorer.comparison, scorer.findings);
+    if (problem.isEmpty()) problem = scorer.reader.open(options.file, options.delimiter);
+    if (!problem.isEmpty()) return problem;
+    std::vector<QString> wanted = scorer.card.columns;
+    if (!options.key.isEmpty()) wanted.push_back(options.key);
+    std::vector<std::size_t> places;
+    const QString absent = scorer.reader.choose(wanted, places);
+    if (!absent.isEmpty()) return absent;
+    if (!options.key.isEmpty()) scorer.keyAt = places.back();
+    if (options.scores.isEmpty()) return {};
+    scorer.out.file.stream.reset(openFile(options.scores, FileUse::Write));
+    if (!scorer.out.file.stream) {
+        return u"Cannot open file '%1' for writing."_s.arg(options.scores);
+    }
+    ScoreFile &out = scorer.out;
+    putCell(out, options.key.isEmpty() ? "row" : options.key.toStdString(), options.delimiter);
+    for (const std::string_view title : {"score", "probability"}) {
+        put(out, {&options.delimiter, 1});
+        put(out, title);
+    }
+    put(out, "\n");
+    return {};
 }
 
 } // namespace
 
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
-                  Comparison *comparison, RowCounts &counts) {
-    CsvReader reader;
-    QString problem = reader.open(options.file, options.delimiter);
+                  RowCounts &counts, ComparisonResult &compared) {
+    RowScorer scorer = {card, findings, options, counts};
+    const QString problem = start(scorer);
     if (!problem.isEmpty()) return problem;
-    const bool hasKey = !options.key.isEmpty();
-    std::size_t keyAt = 0;
-    problem = chooseColumns(reader, card, options, keyAt);
-    if (!problem.isEmpty()) return problem;
-    ScoreFile out;
-    if (!options.scores.isEmpty()) {
-        if (!out.open(options.scores)) {
-            return u"Cannot open file '%1' for writing."_s.arg(options.scores);
-        }
-        out.putCell(hasKey ? options.key.toStdString() : "row", options.delimiter);
-        out.putRow<std::string_view>("score", "probability", options.delimiter);
-    }
     startCounts(card, counts);
-    Counter counter = makeCounter(card, findings);
-    std::vector<Cell> cells(card.columns.size());
-    std::vector<Recoded> recoded(card.recodings.size());
-    while (reader.next()) {
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            cells[i] = cellOf(reader.cell(i), options.missing);
-        }
-        const Prediction prediction = evaluate(card, cells, recoded);
-        FindingSet touched;
-        countRow(counter, reader.row(), cells, recoded, prediction, touched);
-        const std::string_view key = hasKey ? trimmed(reader.cell(keyAt)) : std::string_view();
-        countKey(counter, reader.row(), key, touched);
-        for (std::size_t i = 0; i < recoded.size(); ++i) ++counts.positions[i][recoded[i].position];
-        countScore(counts, prediction.score);
-        if (comparison) {
-            comparison->compare({reader.row(), key, cells, recoded, prediction, touched});
-        }
-        if (!out.isOpen()) continue;
-        if (hasKey) {
-            out.putCell(reader.cell(keyAt), options.delimiter);
-        } else {
-            out.put(reader.row());
-        }
-        out.putRow(prediction.score, prediction.probability, options.delimiter);
+    while (scorer.reader.read(scorer)) continue;
+    for (std::size_t i = 0; i < scorer.judged.size(); ++i) {
+        countCell(scorer, i / scorer.places, scorer.judged[i]);
     }
-    counts.rows = reader.row();
-    counts.uneven = reader.unevenRows();
-    counts.firstUneven = reader.firstUnevenRow();
-    if (out.isOpen() && !out.close()) return u"Cannot write to file '%1'."_s.arg(options.scores);
-    if (!reader.problem().isEmpty()) return reader.problem();
-    return comparison ? comparison->finish() : QString();
+    counts.rows = scorer.reader.row();
+    counts.uneven = scorer.reader.unevenRows();
+    counts.firstUneven = scorer.reader.firstUnevenRow();
+    if (!close(scorer.out)) return u"Cannot write to file '%1'."_s.arg(options.scores);
+    if (!scorer.reader.problem().isEmpty() || options.results.isEmpty()) {
+        return scorer.reader.problem();
+    }
+    const QString unread = finishComparison(scorer.comparison);
+    compared = std::move(scorer.comparison.result);
+    return unread;
 }

@@ -3,10 +3,6 @@
 
 #include "check/comparison.h"
 
-struct RowOptions : CsvOptions {
-    QString scores; // file for the scores; may be empty
-};
-
 // What the rows came to.
 struct RowCounts {
     std::int64_t rows = 0;
@@ -20,7 +16,7 @@ struct RowCounts {
     double highestScore = 0;
 };
 
-// Counts the rows in the findings. `comparison` may be null. Returns what is wrong with the call or
-// a file, or an empty text.
+// Counts the rows in the findings, and compares them where results are given. Returns what is wrong
+// with the call or a file, or an empty text.
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
-                  Comparison *comparison, RowCounts &counts);
+                  RowCounts &counts, ComparisonResult &compared);

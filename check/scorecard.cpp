@@ -25,10 +25,10 @@ bool isFalling(std::span<const double> x) {
            x.end();
 }
 
-std::vector<double> rounded(std::span<const double> numbers) {
-    std::vector<double> result;
-    for (const double number : numbers) result.push_back(sixDigits(number));
-    return result;
+Codes codesOf(const Scorecard &card, QStringView name) {
+    Codes codes = {.exact = card.dictionary.lists[card.dictionary.find(name)].codes, .rounded = {}};
+    for (const double code : codes.exact) codes.rounded.push_back(sixDigits(code));
+    return codes;
 }
 
 void readNumeric(Recoding &recoding, const Scorecard &card) {
@@ -36,46 +36,44 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
     recoding.x = arrays.x;
     recoding.y = arrays.y;
     recoding.isRising = isRising(arrays.x);
-    const auto codesOf = [&](QStringView name) -> std::span<const double> {
-        return card.dictionary.lists[card.dictionary.find(name)].codes;
-    };
     const QStringView field = recoding.variable->field;
-    recoding.codes = codesOf(cleanName(field, cleanedInDocuments));
-    recoding.sixDigitCodes = rounded(recoding.codes);
+    recoding.codes = codesOf(card, cleanName(field, cleanedInDocuments));
     for (std::size_t t = 0; t < targetCount; ++t) {
-        const auto codes = codesOf(cleanedFor(static_cast<Target>(t), field));
-        recoding.codesOfTarget[t] = {codes, rounded(codes)};
+        recoding.codesOfTarget[t] = codesOf(card, cleanedFor(static_cast<Target>(t), field));
     }
+}
+
+// What is the same for all texts that the reading takes for equal.
+std::string keyOf(std::string_view text, Reading reading) {
+    double number = 0;
+    if (reading == Reading::AnyCase) {
+        const auto size = static_cast<qsizetype>(text.size());
+        return QString::fromUtf8(text.data(), size).toLower().toStdString();
+    }
+    const bool isNumber = reading == Reading::AsNumber && readNumber(text, number);
+    return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : std::string(text);
 }
 
 void readCategorical(Recoding &recoding, const Scorecard &card) {
     const CategoricalRecoding arrays = card.arrays.categorical(*recoding.variable);
     recoding.y = arrays.y;
     recoding.isBoolean = arrays.isBoolean;
-    recoding.listed.assign(arrays.values.begin(), arrays.values.end());
-    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
-        const auto position = static_cast<std::uint32_t>(!recoding.isBoolean ? i + 1
-                                                         : i < 5             ? 1
-                                                                             : 2);
-        const QStringView value = recoding.listed[i];
-        const std::string text = value.toUtf8().toStdString();
-        ListedValue &places = recoding.values[text];
-        if (places.first == 0) places.first = position;
-        places.last = position;
-        double number = 0;
-        if (readNumber(text, number)) recoding.numbers.try_emplace(number, position);
-        recoding.folded.try_emplace(value.toString().toLower().toStdString(), position);
+    recoding.listed = arrays.values;
+    for (std::size_t i = 0; i < arrays.values.size(); ++i) {
+        const auto position = static_cast<std::uint32_t>(arrays.place(i));
+        const std::string text = arrays.values[i].toUtf8().toStdString();
+        for (std::size_t reading = 0; reading < readings; ++reading) {
+            const std::string key = keyOf(text, static_cast<Reading>(reading));
+            ListedValue &places = recoding.values[reading][key];
+            if (places.first == 0) places.first = position;
+            places.last = position;
+        }
     }
-    for (const auto &[value, places] : recoding.values) {
-        recoding.shortList.emplace_back(value, places);
-    }
-    if (recoding.isBoolean) recoding.sixDigitScores = rounded(recoding.y);
 }
 
 void readRecodingsOf(Scorecard &card) {
     QHash<QStringView, std::size_t> columns;
     std::array<QHash<QString, std::size_t>, targetCount> lastAlike;
-    std::vector<const Recoding *> lastOfColumn;
     const auto nameIn = [](std::size_t t, const Recoding &recoding) {
         return cleanedFor(static_cast<Target>(t), recoding.variable->field);
     };
@@ -88,9 +86,10 @@ void readRecodingsOf(Scorecard &card) {
         if (recoding.column == next) {
             columns.insert(variable.field, next);
             card.columns.push_back(variable.field.toString());
-            lastOfColumn.push_back(nullptr);
+            card.recodingsOf.emplace_back();
         }
-        lastOfColumn[recoding.column] = &recoding;
+        recoding.rank = card.recodingsOf[recoding.column].size();
+        card.recodingsOf[recoding.column].push_back(variable.position);
         for (std::size_t t = 0; t < targetCount; ++t) {
             lastAlike[t][nameIn(t, recoding)] = recoding.column;
         }
@@ -101,7 +100,7 @@ void readRecodingsOf(Scorecard &card) {
         }
     }
     for (Recoding &recoding : card.recodings) {
-        recoding.asked = lastOfColumn[recoding.column];
+        recoding.asked = &card.recodings[card.recodingsOf[recoding.column].back()];
         for (std::size_t t = 0; t < targetCount; ++t) {
             recoding.lastAlike[t] = lastAlike[t][nameIn(t, recoding)];
         }
@@ -134,6 +133,12 @@ void readTerms(Scorecard &card) {
 }
 
 } // namespace
+
+ListedValue Recoding::find(std::string_view text, Reading reading) const {
+    const auto &places = values[static_cast<std::size_t>(reading)];
+    const auto found = places.find(keyOf(text, reading));
+    return found == places.end() ? ListedValue() : found->second;
+}
 
 QString cleanedFor(Target target, QStringView field) {
     return cleanName(field, cleanedCharacters[static_cast<std::size_t>(target)]);

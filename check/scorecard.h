@@ -7,24 +7,20 @@
 #include "model/regression.h"
 
 #include <array>
-#include <functional>
-#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
-// Where a value stands among the scores of its list. A value that is listed twice has two places.
+// Where a value stands among the scores of its list, 0 where it is not listed. A value that is
+// listed twice has two places.
 struct ListedValue {
     std::uint32_t first = 0;
     std::uint32_t last = 0; // which is what counts
 };
 
-struct HashOfBytes {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const {
-        return std::hash<std::string_view>()(text);
-    }
-};
+// What makes texts equal.
+enum class Reading { Exact, AnyCase, AsNumber };
+inline constexpr std::size_t readings = 3;
 
 // Missing codes, in full and with 6 significant digits.
 struct Codes {
@@ -35,6 +31,7 @@ struct Codes {
 struct Recoding {
     const Variable *variable = nullptr;
     std::size_t column = 0; // among the columns of the scorecard
+    std::size_t rank = 0;   // among the recodings of the column
     // The last column whose name becomes the same in each target.
     std::array<std::size_t, targetCount> lastAlike{};
     const Recoding *asked = nullptr; // the last one of the column, whose values HTML asks for
@@ -42,16 +39,13 @@ struct Recoding {
     std::span<const double> y;       // a score for each position
     bool isRising = true;            // the bounds
     bool isBoolean = false;
-    std::vector<QStringView> listed; // the values of a list, as the document has them
-    std::unordered_map<std::string, ListedValue, HashOfBytes, std::equal_to<>> values; // in UTF-8
-    std::vector<std::pair<std::string_view, ListedValue>> shortList; // the same, for a few of them
-    std::unordered_map<std::string, std::uint32_t> folded; // in small letters, the first of each
-    std::unordered_map<double, std::uint32_t> numbers;     // likewise, of values that are numbers
-    std::span<const double> codes;                         // that count as missing
-    std::vector<double> sixDigitCodes;                     // the same, rounded
-    std::array<Codes, targetCount> codesOfTarget;          // that each target finds
-    std::vector<double> sixDigitScores;                    // of a boolean column
-    double coefficient = 0;                                // the sum of those of its terms
+    std::span<const QStringView> listed; // the values of a list, as the document has them
+    std::array<std::unordered_map<std::string, ListedValue>, readings> values;
+    Codes codes;                                  // that count as missing
+    std::array<Codes, targetCount> codesOfTarget; // that each target finds
+    double coefficient = 0;                       // the sum of those of its terms
+
+    ListedValue find(std::string_view text, Reading reading = Reading::Exact) const;
 };
 
 struct ScoreTerm {
@@ -66,6 +60,7 @@ struct Scorecard {
     MissingDictionary dictionary;
     std::vector<QString> columns; // the fields, each once, in the order of the document
     std::vector<Recoding> recodings;
+    std::vector<std::vector<std::size_t>> recodingsOf; // each column
     Regression regression;
     // What is added up: the terms that have a recoding; one of each recoding, with the first or the
     // last coefficient of its number; and with coefficients without a recoding as factors of the

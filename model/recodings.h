@@ -85,10 +85,11 @@ struct CategoricalRecoding {
     std::span<const double> y;
     bool isBoolean;
 
-    // The score of the value at `position`, from 0.
-    double score(std::size_t position) const {
-        return y[!isBoolean ? position + 1 : position < 5 ? 1 : 2];
+    // Where in y the score of the value at `position`, from 0, stands.
+    std::size_t place(std::size_t position) const {
+        return !isBoolean ? position + 1 : position < 5 ? 1 : 2;
     }
+    double score(std::size_t position) const { return y[place(position)]; }
 };
 
 // The recodings of all variables. Their numbers and values stand one after the other.

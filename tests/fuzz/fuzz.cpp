@@ -117,24 +117,22 @@ void checkRows(const QString &model, const QString &rows) {
     if (!card.document.problem.isEmpty()) return;
     std::vector<Finding> findings = inspect(card, {});
     for (const Target target : {Target::Sql, Target::Vba, Target::Python, Target::Html}) {
-        ComparisonOptions options;
-        options.file = rows;
-        options.key = target == Target::Sql ? (card.columns.empty() ? QString() : card.columns[0])
-                                            : QString();
+        RowOptions options;
+        options.file = options.results = rows;
+        if (target == Target::Sql && !card.columns.empty()) options.key = card.columns[0];
         options.score = QStringLiteral("score");
         options.target = target;
-        Comparison comparison(card, findings, options);
-        const bool isOpen = comparison.open().isEmpty();
-        RowOptions rowOptions;
-        rowOptions.file = rows;
-        rowOptions.key = options.key;
         RowCounts counts;
-        scoreRows(card, findings, rowOptions, isOpen ? &comparison : nullptr, counts);
+        ComparisonResult compared;
+        if (!scoreRows(card, findings, options, counts, compared).isEmpty()) {
+            options.results.clear(); // few inputs have a column of that name
+            scoreRows(card, findings, options, counts = {}, compared = {});
+        }
         const Report report = {.card = card,
                                .findings = findings,
                                .counts = counts.scores.empty() ? nullptr : &counts,
-                               .compared = &comparison.asked(),
-                               .comparison = &comparison.result};
+                               .compared = &options,
+                               .comparison = &compared};
         TextBuffer out;
         putModel(out, card);
         putReport(out, report);
