@@ -11,6 +11,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <bit>
 #include <new>
 #include <stdexcept>
 
@@ -26,7 +27,7 @@ struct Request {
     bool looks = true; // for findings
     bool asJson = false;
     QString report;
-    Targets targets = Targets().set();
+    Targets targets = allTargets;
     QString sql;
     QString canvas;
     RowOptions rows; // without a file, none are asked for
@@ -87,15 +88,11 @@ void addOptions(QCommandLineParser &parser) {
 // --- Arguments
 
 QString readTargets(const QString &list, Targets &targets) {
-    targets.reset();
+    targets = 0;
+    const QStringList known = targetNames(allTargets);
     for (const QString &name : list.split(u',')) {
-        bool isKnown = false;
-        for (std::size_t t = 0; t < targetCount; ++t) {
-            if (name != targetName(static_cast<Target>(t))) continue;
-            targets.set(t);
-            isKnown = true;
-        }
-        if (!isKnown) return u"There is no target '%1'."_s.arg(name);
+        if (!known.contains(name)) return u"There is no target '%1'."_s.arg(name);
+        targets |= only(static_cast<Target>(known.indexOf(name)));
     }
     return {};
 }
@@ -123,13 +120,11 @@ QString readRowOptions(const QCommandLineParser &parser, RowOptions &rows) {
     return readDelimiter(parser.value(u"delimiter"_s), rows.delimiter);
 }
 
-QString readComparison(const QCommandLineParser &parser, const Targets &targets, RowOptions &rows) {
-    if (!parser.isSet(u"target"_s) || targets.count() != 1) {
+QString readComparison(const QCommandLineParser &parser, Targets targets, RowOptions &rows) {
+    if (!parser.isSet(u"target"_s) || !std::has_single_bit(targets)) {
         return u"--compare wants the one --target that the results are of."_s;
     }
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        if (targets.test(t)) rows.target = static_cast<Target>(t);
-    }
+    rows.target = listTargets(targets).front();
     QStringList columns = {rows.key, rows.score, rows.probability};
     columns.removeAll(QString());
     if (rows.score.isEmpty() && rows.probability.isEmpty()) {

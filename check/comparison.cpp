@@ -32,14 +32,10 @@ bool hasCodeOnBound(const Recoding &recoding) {
     return recoding.x.size() == 1 && std::ranges::find(codes, recoding.x.front()) != codes.end();
 }
 
-bool isKnownBy(const Finding &finding, Target target) {
-    const Targets deviates = finding.targets & kindOf(finding.id).deviates;
-    return deviates.test(static_cast<std::size_t>(target));
-}
-
 void findDeviations(Comparison &c, std::span<const Finding> findings) {
     for (const Finding &finding : findings) {
-        if (!isKnownBy(finding, c.options.target)) continue;
+        const Targets deviates = finding.targets & kindOf(finding.id).deviates;
+        if ((deviates & only(c.options.target)) == 0) continue;
         if (std::ranges::find(c.known, finding.id) == c.known.end()) c.known.push_back(finding.id);
         // What the score decides may be so only once another deviation has moved it.
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));

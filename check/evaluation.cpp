@@ -11,6 +11,8 @@ namespace {
 
 using enum FindingId;
 
+constexpr std::uint32_t noPlace = static_cast<std::uint32_t>(-1); // without a score
+
 bool isCode(const Recoding &recoding, double value, const Deviations &deviations) {
     if (deviations.has(MissingCodesUnread)) return false;
     const Codes &codes = deviations.has(MissingCodesName)
@@ -27,7 +29,8 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
     const std::size_t above = deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : x.size() + 1;
     const bool isText = !cell.isNumber && !cell.text.empty();
     if (isText && deviations.has(NotANumber)) return above;
-    const double value = cell.isNumber ? cell.number : noNumber;
+    const bool isZero = cell.text.empty() && deviations.has(EmptyField);
+    const double value = cell.isNumber ? cell.number : isZero ? 0 : noNumber;
     if (std::isnan(value) || isCode(recoding, value, deviations)) return 0;
     if (value < x.front()) return 1;
     if (value > x.back()) return above;
@@ -50,23 +53,30 @@ bool isEscaped(std::string_view text) {
     return at < text.size() - 1;
 }
 
+// The value of the document that Excel VBA takes the text for. A truth value of a cell shows as
+// True or False, and TRUE or FALSE of a list is written so too; a text TRUE is none of a list then.
+std::string_view shownTruth(const Recoding &recoding, std::string_view text) {
+    const bool isTrue = text == "TRUE" || text == "True";
+    if (!isTrue && text != "FALSE" && text != "False") return text;
+    const std::string_view upper = isTrue ? "TRUE" : "FALSE";
+    const bool isListed = !recoding.isBoolean && recoding.find(upper).last > 0;
+    if (!isListed) return isTrue ? "True" : "False";
+    return text == upper ? std::string_view() : upper;
+}
+
 std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const auto deviates = [&](FindingId id, bool concerns = true) {
         return concerns && deviations.has(id);
     };
+    const bool isBoolean = recoding.isBoolean;
     std::string_view text = cell.text;
     if (text.empty()) return deviates(EmptyValue) ? recoding.find(text).last : 0;
-    if (deviates(recoding.isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
-    if (deviates(TrueFalse)) {
-        if (text == "TRUE" || text == "FALSE") return 0;
-        const std::string_view asListed = text == "True" ? "TRUE" : text == "False" ? "FALSE" : "";
-        if (!recoding.isBoolean && !asListed.empty() && recoding.find(asListed).last > 0) {
-            text = asListed;
-        }
-    }
-    if (deviates(FiveCategories, !recoding.isBoolean && recoding.listed.size() == 5)) return 0;
-    if (deviates(Backslash, isEscaped(text))) return 0;
-    if (deviates(BooleanNumbers, recoding.isBoolean && recoding.y.size() > 2 && cell.isNumber)) {
+    if (deviates(isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
+    if (deviates(TrueFalse)) text = shownTruth(recoding, text);
+    if (text.empty()) return 0;
+    if (deviates(FiveCategories, !isBoolean && recoding.listed.size() == 5)) return 0;
+    if (deviates(Backslash) && isEscaped(text)) return 0;
+    if (deviates(BooleanNumbers, isBoolean && recoding.y.size() > 2 && cell.isNumber)) {
         return cell.number == 0 ? 1 : cell.number == 1 ? 2 : 0;
     }
     if (deviates(ValuesAsNumbers)) return recoding.find(text, Reading::AsNumber).first;
@@ -75,17 +85,19 @@ std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations
     return deviates(ValueTwice) ? listed.first : listed.last;
 }
 
-// HTML asks for a column once, with the values of its last recoding. What is shown as a list, and
-// read as buttons, is unknown.
+// HTML asks for a column once, with a field or with the values of its last recoding. What is shown
+// as a list and read as buttons is unknown, and so is a field that is read as buttons; read as a
+// list, its number is taken for the position.
 std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
-    const bool isRead = recoding.asked->listed.size() < 5 || recoding.listed.size() > 5;
-    return isRead ? placeOf(*recoding.asked, cell, deviations) : 0;
-}
-
-bool isAskedOtherwise(const Recoding &recoding) {
     const Recoding &asked = *recoding.asked;
-    return &asked != &recoding && recoding.variable->isCategorical &&
-           asked.variable->isCategorical && !recoding.isBoolean && !asked.isBoolean;
+    const bool readsList = recoding.listed.size() > 5;
+    if (!asked.variable->isCategorical) {
+        const double place = cell.isNumber ? cell.number : -1;
+        const bool isPlace = place == std::floor(place) && place >= 0 && place < noPlace;
+        return !readsList ? 0 : isPlace ? static_cast<std::size_t>(place) : noPlace;
+    }
+    const bool isList = !asked.isBoolean && asked.listed.size() > 4;
+    return readsList || !isList ? placeOf(asked, cell, deviations) : 0;
 }
 
 const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &deviations) {
@@ -129,7 +141,7 @@ bool differ(const Recoded &a, const Recoded &b) {
 }
 
 Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
-    const bool isAnswer = deviations.has(SharedValues) && isAskedOtherwise(recoding);
+    const bool isAnswer = deviations.has(SharedValues) && recoding.asked != &recoding;
     const std::size_t position = !recoding.variable->isCategorical
                                      ? intervalOf(recoding, cell, deviations)
                                  : isAnswer ? answerOf(recoding, cell, deviations)

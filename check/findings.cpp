@@ -7,16 +7,13 @@ namespace {
 
 using enum FindingId;
 
-constexpr unsigned bit(Target target) {
-    return 1U << static_cast<unsigned>(target);
-}
-constexpr unsigned sas = bit(Target::Sas);
-constexpr unsigned sql = bit(Target::Sql);
-constexpr unsigned vba = bit(Target::Vba);
-constexpr unsigned python = bit(Target::Python);
-constexpr unsigned html = bit(Target::Html);
-constexpr unsigned none = 0;
-constexpr unsigned all = sas | sql | vba | python | html;
+constexpr Targets none = 0;
+constexpr Targets sas = only(Target::Sas);
+constexpr Targets sql = only(Target::Sql);
+constexpr Targets vba = only(Target::Vba);
+constexpr Targets python = only(Target::Python);
+constexpr Targets html = only(Target::Html);
+constexpr Targets all = allTargets;
 
 constexpr Rows untold = Rows::Untold;
 constexpr Rows counted = Rows::Counted;
@@ -85,7 +82,7 @@ constexpr FindingKind kinds[] = {
      u"The name holds characters that the target keeps and cannot read, or begins with a digit: the code does not run.",
      u"Rename the column.", u"python.md"},
     {NamesAlike, u"names-alike", sas | python, sas | python, counted,
-     u"The names of several columns become the same: all their recodings read the last one.",
+     u"The names of several columns become the same, in SAS also where only capitals differ: all their recodings read the last one.",
      u"Rename the columns.", u"python.md"},
     // --- SQL
     {NoProbability, u"no-probability", sql, sql, untold,
@@ -111,6 +108,9 @@ constexpr FindingKind kinds[] = {
     {Capitals, u"capitals", sql, sql, needed,
      u"A text differs from a listed value in capitals only: whether it counts is up to the collation.",
      u"Choose a collation that tells capitals apart, or make the data uniform.", u"sql.md"},
+    {RowsAdded, u"rows-added", sql, none, untold,
+     u"The rows of the prediction table stay, and a second run adds its own to them.",
+     u"Delete them in the same transaction before.", u"sql.md"},
     {SecondRun, u"second-run", sql, none, untold,
      u"A second run fails: the line that would drop the table is a comment.",
      u"Drop the table by hand before.", u"sql.md"},
@@ -140,7 +140,7 @@ constexpr FindingKind kinds[] = {
     {QuoteInTitle, u"quote-in-title", vba, none, untold,
      u"A quotation mark in a title keeps the module from compiling.", u"Rename the column.", u"vba.md"},
     {TrueFalse, u"true-false", vba, vba, counted,
-     u"TRUE and FALSE of a list are compared as True and False, as truth values show; those of boolean columns are not.",
+     u"Truth values of cells show as True and False. TRUE and FALSE of a list are compared so, those of boolean columns are not.",
      u"Let the column hold truth values for a list, and texts for a boolean column.", u"vba.md"},
     // --- Python
     {MissingCodesParenthesis, u"missing-codes-parenthesis", python, none, untold,
@@ -165,6 +165,9 @@ constexpr FindingKind kinds[] = {
      u"Set tkind to T where the result is a probability.", u"html.md"},
     {MissingCodesUnread, u"missing-codes-unread", html, html, counted,
      u"Missing codes are not read: a code scores as a number.",
+     u"Let the visitor tick the box for unknown.", u"html.md"},
+    {EmptyField, u"empty-field", html, html, needed,
+     u"A number is missing. An empty field of the page counts as 0.",
      u"Let the visitor tick the box for unknown.", u"html.md"},
     {NotANumber, u"not-a-number", all, html, needed,
      u"A cell of a numeric column is no number. It scores as missing; Python stops at it, HTML takes it as above the last bound.",
@@ -267,10 +270,39 @@ constexpr QStringView names[targetCount] = {u"sas", u"sql", u"vba", u"python", u
 
 } // namespace
 
-QStringView targetName(Target target) {
-    return names[static_cast<std::size_t>(target)];
+std::vector<Target> listTargets(Targets targets) {
+    std::vector<Target> list;
+    for (std::size_t t = 0; t < targetCount; ++t) {
+        const auto target = static_cast<Target>(t);
+        if ((targets & only(target)) != 0) list.push_back(target);
+    }
+    return list;
+}
+
+QStringList targetNames(Targets targets) {
+    QStringList list;
+    for (const Target target : listTargets(targets)) {
+        list.append(names[static_cast<std::size_t>(target)].toString());
+    }
+    return list;
 }
 
 const FindingKind &kindOf(FindingId id) {
     return kinds[static_cast<std::size_t>(id)];
+}
+
+Notes &Notes::at(const QString &newPlace, int newRecoding) {
+    place = newPlace;
+    recoding = newRecoding;
+    return *this;
+}
+
+void Notes::add(FindingId id, bool isFound, Targets limit) {
+    const Targets concerned = kindOf(id).targets & asked & limit;
+    if (!isFound || concerned == 0) return;
+    findings.push_back({.id = id,
+                        .targets = concerned,
+                        .place = place,
+                        .recoding = recoding,
+                        .byRows = kindOf(id).rows != Rows::Untold});
 }

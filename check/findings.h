@@ -2,7 +2,7 @@
 // the model says, or that makes the model itself doubtful.
 #pragma once
 
-#include <QString>
+#include <QStringList>
 #include <QStringView>
 
 #include <bitset>
@@ -12,8 +12,15 @@
 
 enum class Target : std::uint8_t { Sas, Sql, Vba, Python, Html };
 inline constexpr std::size_t targetCount = 5;
-QStringView targetName(Target target); // as on the command line
-using Targets = std::bitset<targetCount>;
+
+// A set of targets.
+using Targets = unsigned;
+constexpr Targets only(Target target) {
+    return 1U << static_cast<unsigned>(target);
+}
+inline constexpr Targets allTargets = (1U << targetCount) - 1;
+std::vector<Target> listTargets(Targets targets);
+QStringList targetNames(Targets targets); // as on the command line
 
 // In the order of the manual. Each is a row of the table in findings.cpp.
 // clang-format off
@@ -24,12 +31,12 @@ enum class FindingId : std::uint8_t {
     EmptyNumber, QuoteInValue, LongName, LogisticParenthesis, NoTerms, LabelEndsComment,
     UnsupportedType, NameCharacters, NamesAlike,
     NoProbability, SqlName, QuotedName, ApostropheInValue, BooleanNumbers, BooleanBlanks,
-    TextBlanks, Capitals, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
+    TextBlanks, Capitals, RowsAdded, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
     DebugRecoding, DebugColumnsAlike, SmallNumber,
     LogisticAbsent, QuoteInTitle, TrueFalse,
     MissingCodesParenthesis, NoCategories, LogisticLastRow, Backslash,
-    FiveCategories, LowestNan, TableUnread, MissingCodesUnread, NotANumber, PageError, CanvasScale, BarScale,
-    ConstantMisplaced, PercentSign, SharedValues, ArrayTooLong,
+    FiveCategories, LowestNan, TableUnread, MissingCodesUnread, EmptyField, NotANumber,
+    PageError, CanvasScale, BarScale, ConstantMisplaced, PercentSign, SharedValues, ArrayTooLong,
     UnknownSetting, UnknownDialect, FlagText, TableNameCut, EmptyName, PasswordInClear,
     CanvasNotRead, CanvasTagMissing, CanvasNumber, CanvasQuestion, CanvasAnswer, CanvasForm,
     CanvasColours,
@@ -78,4 +85,15 @@ struct Finding {
     bool byRows = false;   // rows are told apart by it
     std::int64_t rows = 0; // that it touches
     std::int64_t firstRow = 0;
+};
+
+// Collects findings, and leaves out those that concern none of the targets.
+struct Notes {
+    Targets asked = allTargets;
+    std::vector<Finding> findings = {};
+    QString place = {}; // of what is added next
+    int recoding = -1;
+
+    Notes &at(const QString &newPlace, int newRecoding = -1);
+    void add(FindingId id, bool isFound = true, Targets limit = allTargets);
 };

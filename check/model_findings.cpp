@@ -14,17 +14,6 @@ namespace {
 
 using enum FindingId;
 
-QString placeOf(const Recoding &recoding) {
-    return u"recoding %1 (column %2)"_s.arg(recoding.variable->node.attribute(u"name"),
-                                            recoding.variable->field);
-}
-
-void note(Notes &notes, FindingId id, const Scorecard &card, const Recoding &recoding,
-          const Targets &targets = Targets().set()) {
-    Finding *const finding = notes.add(id, placeOf(recoding), targets);
-    if (finding) finding->recoding = static_cast<int>(&recoding - card.recodings.data());
-}
-
 bool isFinite(std::span<const double> numbers) {
     return std::ranges::all_of(numbers, [](double v) { return std::isfinite(v); });
 }
@@ -36,119 +25,76 @@ bool isSmall(double number) {
 
 // --- Recodings
 
-void inspectCodes(Notes &notes, const Scorecard &card, const Recoding &recoding) {
-    const QStringView field = recoding.variable->field;
-    const MissingDictionary &dictionary = card.dictionary;
-    if (dictionary.lists[dictionary.find(cleanedFor(Target::Sas, field))].isListed) {
-        note(notes, MissingCodesLine, card, recoding);
-    }
-    const auto isRounded = [](double code) { return sixDigits(code) != code; };
-    if (std::ranges::any_of(recoding.codes.exact, isRounded)) {
-        note(notes, MissingCodesDigits, card, recoding);
-    }
-    Targets others;
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        others.set(t, !std::ranges::equal(recoding.codes.exact, recoding.codesOfTarget[t].exact));
-    }
-    if (others.any()) note(notes, MissingCodesName, card, recoding, others);
-    if (!recoding.codesOfTarget[static_cast<std::size_t>(Target::Python)].exact.empty()) {
-        note(notes, MissingCodesParenthesis, card, recoding);
-    }
-    if (!recoding.codes.exact.empty()) note(notes, MissingCodesUnread, card, recoding);
-}
-
 void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
-    inspectCodes(notes, card, recoding);
-    if (recoding.x.size() == 1) note(notes, SingleBound, card, recoding);
-    if (!recoding.isRising) note(notes, BoundsNotRising, card, recoding);
-    if (recoding.y.size() > recoding.x.size() + 2) note(notes, ArrayTooLong, card, recoding);
+    const QStringView field = recoding.variable->field;
     const QStringView type = recoding.variable->node.attribute(u"type");
-    if (type != u"NormContinuous" && type != u"Discretize") {
-        note(notes, UnsupportedType, card, recoding);
+    const MissingDictionary &dictionary = card.dictionary;
+    const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
+    const std::span<const double> codes = recoding.codes.exact;
+    const auto codesIn = [&](Target target) {
+        return recoding.codesOfTarget[static_cast<std::size_t>(target)].exact;
+    };
+    Targets others = 0;
+    for (const Target target : listTargets(allTargets)) {
+        if (!std::ranges::equal(codes, codesIn(target))) others |= only(target);
     }
+    notes.add(MissingCodesLine, dictionary.lists[listOfSas].isListed);
+    notes.add(MissingCodesDigits, !std::ranges::equal(codes, recoding.codes.rounded));
+    notes.add(MissingCodesName, true, others);
+    notes.add(MissingCodesParenthesis, !codesIn(Target::Python).empty());
+    notes.add(MissingCodesUnread, !codes.empty());
+    notes.add(SingleBound, recoding.x.size() == 1);
+    notes.add(BoundsNotRising, !recoding.isRising);
+    notes.add(ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
+    notes.add(UnsupportedType, type != u"NormContinuous" && type != u"Discretize");
+    const auto isNumeric = [&](std::size_t i) {
+        return !card.recodings[i].variable->isCategorical;
+    };
+    const auto first = std::ranges::find_if(card.recodingsOf[recoding.column], isNumeric);
+    const bool isFirst = *first == recoding.variable->position;
+    notes.add(EmptyField, isFirst);
+    notes.add(NotANumber, isFirst);
+    notes.add(NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
 }
 
-// What the targets make of the values as texts.
-void inspectValues(Notes &notes, const Scorecard &card, const Recoding &recoding,
-                   const SqlUse &sql) {
-    const auto anyValue = [&](auto test) { return std::ranges::any_of(recoding.listed, test); };
+void inspectCategorical(Notes &notes, const Recoding &recoding, const SqlUse &sql) {
+    const bool isBoolean = recoding.isBoolean;
+    const auto any = [&](auto test) { return std::ranges::any_of(recoding.listed, test); };
     const auto holds = [&](QChar c) {
-        return anyValue([c](QStringView value) { return value.contains(c); });
+        return any([c](QStringView value) { return value.contains(c); });
     };
-    const auto isPlain = [](QStringView value) {
+    const auto isOfDigits = [](QStringView value) {
         return std::all_of(value.begin(), value.end(),
                            [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; });
     };
-    const auto isEmpty = [](QStringView value) { return value.isEmpty(); };
-    const bool isNumbers = !recoding.isBoolean && !recoding.listed.empty() &&
-                           std::ranges::all_of(recoding.listed, isPlain);
-    if (isNumbers) note(notes, ValuesAsNumbers, card, recoding);
-    if (isNumbers && anyValue(isEmpty)) note(notes, EmptyNumber, card, recoding);
-    if (holds(u'"')) note(notes, QuoteInValue, card, recoding);
-    if (holds(u'\'') && !sql.readsBackslashes) note(notes, ApostropheInValue, card, recoding);
-    if (holds(u'\\')) note(notes, Backslash, card, recoding);
-    if (anyValue([](QStringView v) { return v == u"TRUE" || v == u"FALSE"; })) {
-        note(notes, TrueFalse, card, recoding);
-    }
-    if (anyValue([](QStringView v) { return v.size() != v.trimmed().size(); })) {
-        note(notes, ValueBlanks, card, recoding);
-    }
-    if (anyValue(isEmpty)) note(notes, EmptyValue, card, recoding);
-}
-
-void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &recoding,
-                        const SqlUse &sql) {
-    inspectValues(notes, card, recoding, sql);
-    if (recoding.isBoolean) {
-        const auto used = recoding.y.subspan(1, std::min<std::size_t>(recoding.y.size() - 1, 2));
-        const auto isRounded = [](double score) { return sixDigits(score) != score; };
-        if (std::ranges::any_of(used, isRounded)) note(notes, BooleanDigits, card, recoding);
-        note(notes, sql.boolsAreNumbers ? BooleanNumbers : BooleanBlanks, card, recoding);
-    } else {
-        if (recoding.listed.size() == 5) note(notes, FiveCategories, card, recoding);
-        if (!sql.trimsTexts) note(notes, TextBlanks, card, recoding);
-    }
-    if (!recoding.isBoolean || !sql.boolsAreNumbers) note(notes, Capitals, card, recoding);
+    const auto isTruth = [](QStringView value) {
+        return value == u"TRUE" || value == u"FALSE" || value == u"True" || value == u"False";
+    };
+    const auto hasBlanks = [](QStringView v) { return v.size() != v.trimmed().size(); };
     const auto isTwice = [](const auto &entry) { return entry.second.first != entry.second.last; };
-    if (std::ranges::any_of(recoding.values[0], isTwice)) note(notes, ValueTwice, card, recoding);
-}
+    const auto isRounded = [](double score) { return sixDigits(score) != score; };
+    const bool hasEmpty = any([](QStringView value) { return value.isEmpty(); });
+    const bool isNumbers =
+        !isBoolean && !recoding.listed.empty() && std::ranges::all_of(recoding.listed, isOfDigits);
+    const auto used = recoding.y.subspan(1, std::min<std::size_t>(recoding.y.size() - 1, 2));
 
-void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
-    QSet<int> numbers;
-    for (const RegressionTerm &term : card.regression.terms) numbers.insert(term.number);
-    QSet<int> ofRecodings;
-    QSet<std::size_t> numericColumns; // whose cells are looked at already
-    for (const Recoding &recoding : card.recodings) {
-        const Variable &variable = *recoding.variable;
-        if (variable.isCategorical) {
-            inspectCategorical(notes, card, recoding, sql);
-        } else {
-            inspectNumeric(notes, card, recoding);
-            if (!numericColumns.contains(recoding.column)) {
-                note(notes, NotANumber, card, recoding);
-            }
-            numericColumns.insert(recoding.column);
-        }
-        if (!isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(recoding.codes.exact)) {
-            note(notes, NotFinite, card, recoding);
-        }
-        const auto isLost = [&](double score) { return isSmall(score * recoding.coefficient); };
-        if (std::ranges::any_of(recoding.x, isSmall) || std::ranges::any_of(recoding.y, isLost)) {
-            note(notes, SmallNumber, card, recoding);
-        }
-        if (variable.node.attribute(u"displayName").contains(u"*/"_s)) {
-            note(notes, LabelEndsComment, card, recoding);
-        }
-        if (!numbers.contains(variable.number)) {
-            note(notes, RecodingWithoutCoefficient, card, recoding);
-        } else if (ofRecodings.contains(variable.number)) {
-            note(notes, EqualNumbers, card, recoding);
-        }
-        ofRecodings.insert(variable.number);
-    }
+    notes.add(BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
+    notes.add(BooleanNumbers, isBoolean && sql.boolsAreNumbers);
+    notes.add(BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
+    notes.add(FiveCategories, !isBoolean && recoding.listed.size() == 5);
+    notes.add(TextBlanks, !isBoolean && !sql.trimsTexts);
+    notes.add(Capitals, !isBoolean || !sql.boolsAreNumbers);
+    notes.add(ValuesAsNumbers, isNumbers);
+    notes.add(EmptyNumber, isNumbers && hasEmpty);
+    notes.add(QuoteInValue, holds(u'"'));
+    notes.add(ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
+    notes.add(Backslash, holds(u'\\'));
+    notes.add(TrueFalse, any(isTruth));
+    notes.add(ValueBlanks, any(hasBlanks));
+    notes.add(EmptyValue, hasEmpty);
+    notes.add(ValueTwice, std::ranges::any_of(recoding.values[0], isTwice));
+    notes.add(NotFinite, !isFinite(recoding.y));
 }
-
-// --- Names of columns
 
 bool isName(QStringView name, Target target) {
     const auto isAllowed = [target](QChar c) {
@@ -158,149 +104,134 @@ bool isName(QStringView name, Target target) {
            std::all_of(name.begin(), name.end(), isAllowed);
 }
 
-Targets only(std::initializer_list<std::pair<Target, bool>> chosen) {
-    Targets targets;
-    for (const auto &[target, isChosen] : chosen) {
-        targets.set(static_cast<std::size_t>(target), isChosen);
-    }
-    return targets;
-}
-
 // HTML asks a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
            (a.isBoolean || std::ranges::equal(a.listed, b.listed));
 }
 
-void inspectNames(Notes &notes, const Scorecard &card) {
+void inspectNames(Notes &notes, const Recoding &recoding) {
     constexpr qsizetype longestName = 31;
-    std::vector<bool> isSeen(card.columns.size());
+    const Variable &variable = *recoding.variable;
+    const bool isFirst = recoding.rank == 0;
+    const QString recodingName = u"R%1_%2"_s.arg(variable.position).arg(variable.field);
+    Targets alike = 0;
+    Targets broken = 0;
+    for (const Target target : {Target::Sas, Target::Python}) {
+        const std::size_t last = recoding.lastAlike[static_cast<std::size_t>(target)];
+        if (last != recoding.column) alike |= only(target);
+        if (!isName(cleanedFor(target, variable.field), target)) broken |= only(target);
+    }
+    notes.add(NamesAlike, true, alike);
+    notes.add(NameCharacters, isFirst, broken);
+    notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
+    notes.add(LongName, recodingName.size() > longestName);
+    notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
+    notes.add(LabelEndsComment, variable.node.attribute(u"displayName").contains(u"*/"_s));
+}
+
+void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
+    QSet<int> numbers;
+    for (const RegressionTerm &term : card.regression.terms) numbers.insert(term.number);
+    QSet<int> ofRecodings;
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
-        Targets alike;
-        Targets broken;
-        for (const Target target : {Target::Sas, Target::Python}) {
-            const auto t = static_cast<std::size_t>(target);
-            alike.set(t, recoding.lastAlike[t] != recoding.column);
-            broken.set(t, !isName(cleanedFor(target, variable.field), target));
+        notes.at(u"recoding %1 (column %2)"_s.arg(variable.node.attribute(u"name"), variable.field),
+                 static_cast<int>(variable.position));
+        if (variable.isCategorical) {
+            inspectCategorical(notes, recoding, sql);
+        } else {
+            inspectNumeric(notes, card, recoding);
         }
-        if (alike.any()) note(notes, NamesAlike, card, recoding, alike);
-        if (QString::number(variable.position).size() + 2 + variable.field.size() > longestName) {
-            note(notes, LongName, card, recoding);
-        }
-        if (!sharesItsAnswers(*recoding.asked, recoding)) {
-            note(notes, SharedValues, card, recoding);
-        }
-        if (isSeen[recoding.column]) continue;
-        isSeen[recoding.column] = true;
-        if (broken.any()) note(notes, NameCharacters, card, recoding, broken);
-        if (variable.field.contains(u'"')) note(notes, QuoteInTitle, card, recoding);
-    }
-    const QString prefix = targetPrefix(card.document, u" .");
-    if (!prefix.isEmpty() && !isName(prefix, Target::Sas)) {
-        notes.add(NameCharacters, u"target %1"_s.arg(prefix.chopped(1)),
-                  only({{Target::Sas, true}}));
+        inspectNames(notes, recoding);
+        const auto isLost = [&](double score) { return isSmall(score * recoding.coefficient); };
+        notes.add(SmallNumber, std::ranges::any_of(recoding.x, isSmall) ||
+                                   std::ranges::any_of(recoding.y, isLost));
+        const bool hasCoefficient = numbers.contains(variable.number);
+        notes.add(RecodingWithoutCoefficient, !hasCoefficient);
+        notes.add(EqualNumbers, hasCoefficient && ofRecodings.contains(variable.number));
+        ofRecodings.insert(variable.number);
     }
 }
 
 // --- Regression and table
 
 void inspectRegression(Notes &notes, const Scorecard &card) {
+    const Regression &regression = card.regression;
     QSet<int> seen;
-    for (const RegressionTerm &term : card.regression.terms) {
-        const QString place = u"coefficient of number %1"_s.arg(term.number);
-        if (term.position < 0) notes.add(CoefficientWithoutRecoding, place);
-        if (seen.contains(term.number)) notes.add(EqualCoefficients, place);
+    for (const RegressionTerm &term : regression.terms) {
+        notes.at(u"coefficient of number %1"_s.arg(term.number));
+        notes.add(CoefficientWithoutRecoding, term.position < 0);
+        notes.add(EqualCoefficients, seen.contains(term.number));
+        notes.add(NotFinite, !std::isfinite(term.coefficient));
         seen.insert(term.number);
-        if (!std::isfinite(term.coefficient)) notes.add(NotFinite, place);
     }
-    if (card.regression.terms.empty()) notes.add(NoTerms, u"RegressionModel"_s);
-    if (!std::isfinite(card.regression.constant)) notes.add(NotFinite, u"constant"_s);
-    if (isSmall(card.regression.constant)) notes.add(SmallNumber, u"constant"_s);
-    if (card.regression.terms.size() != card.variables.size()) {
-        notes.add(ConstantMisplaced, u"constant"_s);
-    }
-    if (std::ranges::none_of(card.variables, &Variable::isCategorical)) {
-        notes.add(NoCategories, u"model"_s);
-    }
-}
-
-QString pointOf(const Scorecard &card, std::size_t i) {
-    return u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(card.table.x[i]));
-}
-
-QStringView kindOfTarget(const Scorecard &card) {
-    return card.document.root.childNode(u"MetaData").attribute(u"tkind");
+    notes.at(u"RegressionModel"_s).add(NoTerms, regression.terms.empty());
+    notes.at(u"constant"_s).add(NotFinite, !std::isfinite(regression.constant));
+    notes.add(SmallNumber, isSmall(regression.constant));
+    notes.add(ConstantMisplaced, regression.terms.size() != card.variables.size());
+    notes.at(u"model"_s)
+        .add(NoCategories, std::ranges::none_of(card.variables, &Variable::isCategorical));
+    const QString prefix = targetPrefix(card.document, u" .");
+    notes.at(u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1))))
+        .add(NameCharacters, !prefix.isEmpty() && !isName(prefix, Target::Sas), only(Target::Sas));
 }
 
 void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
-    const std::span<const double> x = card.table.x;
-    const std::span<const double> y = std::span<const double>(card.table.y).first(x.size());
     if (!card.table.exists) return;
-    const std::size_t last = x.size() - 1;
-    const Targets probabilities =
-        sql.hasProbability ? Targets().set() : ~only({{Target::Sql, true}});
-    if (last > 0 && x[last] != x[last - 1]) {
-        notes.add(LowestSegment, pointOf(card, last), probabilities);
-    }
-    notes.add(LowestPoint, pointOf(card, last), probabilities);
-    if (equalsIgnoringCase(kindOfTarget(card), u"T")) notes.add(LowestNan, pointOf(card, last));
+    const auto &x = card.table.x;
+    const auto &y = card.table.y;
+    const Targets probabilities = sql.hasProbability ? allTargets : ~only(Target::Sql);
     bool rises = true;
     bool falls = true;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        if (!std::isfinite(x[i]) || !std::isfinite(y[i])) notes.add(NotFinite, pointOf(card, i));
-        if (isSmall(x[i]) || isSmall(y[i])) notes.add(SmallNumber, pointOf(card, i));
-        if (y[i] < 0 || y[i] > 1) notes.add(ProbabilityRange, pointOf(card, i));
+        notes.at(u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(x[i])));
+        notes.add(NotFinite, !std::isfinite(x[i]) || !std::isfinite(y[i]));
+        notes.add(SmallNumber, isSmall(x[i]) || isSmall(y[i]));
+        notes.add(ProbabilityRange, y[i] < 0 || y[i] > 1);
         if (i == 0) continue;
-        if (x[i] > x[i - 1]) notes.add(TableNotFalling, pointOf(card, i));
+        notes.add(TableNotFalling, x[i] > x[i - 1]);
         rises = rises && y[i] >= y[i - 1];
         falls = falls && y[i] <= y[i - 1];
-        if (!rises && !falls) {
-            notes.add(ProbabilityOrder, pointOf(card, i));
-            rises = falls = true; // from here on
-        }
+        notes.add(ProbabilityOrder, !rises && !falls);
+        if (!rises && !falls) rises = falls = true; // from here on
     }
+    const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
+    notes.add(LowestSegment, hasSegment, probabilities);
+    notes.add(LowestPoint, true, probabilities);
+    notes.add(LowestNan, isOfKind(card, u"T"));
 }
 
 void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
-    const QStringView kind = kindOfTarget(card);
-    const bool isProbability = equalsIgnoringCase(kind, u"T");
-    const bool isPrediction = equalsIgnoringCase(kind, u"C");
-    const QString place = u"tkind '%1'"_s.arg(kind);
-    if (card.isLogistic) {
-        const QString method = u"normalizationMethod"_s;
-        notes.add(LogisticParenthesis, method);
-        notes.add(LogisticAbsent, method,
-                  isPrediction ? Targets().set() : ~only({{Target::Html, true}}));
-        notes.add(LogisticLastRow, method);
-    }
-    if (isProbability && !card.hasProbability()) notes.add(TableAbsent, place);
-    if (isProbability ? !card.table.exists : !isPrediction) notes.add(PageError, place);
-    if (isProbability && card.table.exists && card.table.x.size() < 3) {
-        notes.add(BarScale, u"table"_s);
-    }
-    if (isPrediction && card.table.exists) notes.add(TableUnread, place);
-    if (isPrediction && !hasCanvas) notes.add(PercentSign, place);
+    const bool isProbability = isOfKind(card, u"T");
+    const bool isPrediction = isOfKind(card, u"C");
+    const bool hasTable = card.table.exists;
+    notes.at(u"normalizationMethod"_s);
+    notes.add(LogisticParenthesis, card.isLogistic);
+    notes.add(LogisticAbsent, card.isLogistic, isPrediction ? allTargets : ~only(Target::Html));
+    notes.add(LogisticLastRow, card.isLogistic);
+    notes.at(u"tkind '%1'"_s.arg(kindOfTarget(card)));
+    notes.add(TableAbsent, isProbability && !card.hasProbability());
+    notes.add(PageError, isProbability ? !hasTable : !isPrediction);
+    notes.add(TableUnread, isPrediction && hasTable);
+    notes.add(PercentSign, isPrediction && !hasCanvas);
+    notes.at(u"table"_s).add(BarScale, isProbability && hasTable && card.table.x.size() < 3);
 }
 
 } // namespace
 
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection) {
-    Notes notes(inspection.targets);
+    Notes notes{inspection.targets};
     const SqlUse sql = inspection.sql ? useOf(inspection.sql->configuration) : SqlUse();
-    if (card.document.reading.error == XmlError::UnmatchedEndTagWarning) {
-        notes.add(DocumentCut, u"line %1, column %2"_s.arg(card.document.reading.line)
-                                   .arg(card.document.reading.column));
-    }
+    const XmlParseResult &reading = card.document.reading;
+    notes.at(u"line %1, column %2"_s.arg(reading.line).arg(reading.column))
+        .add(DocumentCut, reading.error == XmlError::UnmatchedEndTagWarning);
     inspectRecodings(notes, card, sql);
-    inspectNames(notes, card);
     inspectRegression(notes, card);
     inspectTable(notes, card, sql);
     inspectResult(notes, card, inspection.hasCanvas);
     inspectSql(notes, card, inspection.sql);
     if (inspection.hasCanvas) inspectCanvas(notes, card, inspection.canvasName, inspection.canvas);
-
-    std::vector<Finding> findings = std::move(notes.findings);
-    std::ranges::stable_sort(findings, {}, &Finding::id);
-    return findings;
+    std::ranges::stable_sort(notes.findings, {}, &Finding::id);
+    return std::move(notes.findings);
 }

@@ -7,7 +7,7 @@
 // What is to be looked at. Without a configuration, SQL is taken to have its default settings and a
 // dialect with a probability.
 struct Inspection {
-    Targets targets = Targets().set();
+    Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
     bool hasCanvas = false;
     QString canvasName;

@@ -28,8 +28,6 @@ void putHtmlReport(TextBuffer &out, const Report &report);
 // The values that have the score at this position: an interval in the notation of brackets, or
 // values of a list.
 QString valuesAt(const Recoding &recoding, std::size_t position);
-// The names of targets, with ", " between them.
-QString targetsText(const Targets &targets);
 // 6 significant digits; "none" for what is no number.
 QString shortNumber(double number);
 QString titleOf(const Recoding &recoding);

@@ -52,9 +52,10 @@ void putFindings(TextBuffer &out, const Report &report) {
     if (report.findings.empty()) put(out, u"<article>None.</article>\n");
     for (const FindingGroup &group : groupsOf(report.findings)) {
         const FindingKind &kind = *group.kind;
-        put(out, u"<article><h3>", kind.name, u" <span class=\"tag\">", targetsText(group.targets),
-            u"</span></h3>\n<p>", escaped(kind.text), u"</p>\n<p class=\"soft\">",
-            escaped(kind.remedy), u" (docs/", kind.page, u")</p>\n<ul>\n");
+        put(out, u"<article><h3>", kind.name, u" <span class=\"tag\">",
+            targetNames(group.targets).join(u", "_s), u"</span></h3>\n<p>", escaped(kind.text),
+            u"</p>\n<p class=\"soft\">", escaped(kind.remedy), u" (docs/", kind.page,
+            u")</p>\n<ul>\n");
         for (const Finding &finding : group.findings) {
             put(out, u"<li>", escaped(finding.place));
             if (report.counts && finding.byRows) put(out, u": rows ", qsizetype(finding.rows));
@@ -90,7 +91,7 @@ void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row) {
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.comparison;
     put(out, u"<section><h2>Comparison with ", escaped(report.compared->results), u" (",
-        targetName(report.compared->target), u")</h2>\n<article><table>\n");
+        targetNames(only(report.compared->target)).constFirst(), u")</h2>\n<article><table>\n");
     if (result.equal > 0) putCount(out, {u"as the model says"_s, result.equal, {}});
     for (const ComparisonCount &count : countsOf(result)) putCount(out, count);
     put(out, u"</table></article>\n");

@@ -18,12 +18,7 @@ QJsonValue count(std::int64_t value) {
 
 QJsonObject jsonOf(const Finding &finding, bool hasRows) {
     const FindingKind &kind = kindOf(finding.id);
-    QJsonArray targets;
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        if (finding.targets.test(t)) {
-            targets.append(targetName(static_cast<Target>(t)).toString());
-        }
-    }
+    const QJsonArray targets = QJsonArray::fromStringList(targetNames(finding.targets));
     QJsonObject object = {{u"name"_s, kind.name.toString()},     {u"targets"_s, targets},
                           {u"place"_s, finding.place},           {u"text"_s, kind.text.toString()},
                           {u"remedy"_s, kind.remedy.toString()}, {u"page"_s, kind.page.toString()}};
@@ -65,7 +60,7 @@ QJsonObject jsonOf(const Report &report) {
     for (const auto &[fault, rows] : result.blamed) blamed[fault] = count(rows);
     QJsonArray worst;
     for (const ComparedRow &row : result.worst) worst.append(jsonOf(report.card, row));
-    return {{u"target"_s, targetName(report.compared->target).toString()},
+    return {{u"target"_s, targetNames(only(report.compared->target)).constFirst()},
             {u"rows"_s, count(result.rows)},
             {u"equal"_s, count(result.equal)},
             {u"explained"_s, explained},

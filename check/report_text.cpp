@@ -1,7 +1,5 @@
 #include "check/report.h"
 
-#include "check/setting_findings.h"
-
 #include <QSet>
 #include <QStringList>
 
@@ -79,8 +77,8 @@ void putFindings(TextBuffer &out, const Report &report) {
         u"\n");
     for (const FindingGroup &group : groupsOf(report.findings)) {
         const FindingKind &kind = *group.kind;
-        put(out, u"\n", kind.name, u" [", targetsText(group.targets), u"] docs/", kind.page,
-            u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
+        put(out, u"\n", kind.name, u" [", targetNames(group.targets).join(u", "_s), u"] docs/",
+            kind.page, u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
         for (const Finding &finding : group.findings) {
             putPlace(out, finding, report.counts != nullptr);
         }
@@ -118,7 +116,7 @@ QString listed(const QStringList &names, std::int64_t count) {
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.comparison;
     put(out, u"\nComparison with ", report.compared->results, u" (",
-        targetName(report.compared->target), u")\n");
+        targetNames(only(report.compared->target)).constFirst(), u")\n");
     put(out, u"  ", rowsOf(result.rows), u" in both files, ", qsizetype(result.equal),
         u" as the model says\n");
     for (const ComparisonCount &count : countsOf(result)) {
@@ -159,7 +157,7 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
 std::vector<FindingGroup> groupsOf(std::span<const Finding> findings) {
     std::vector<FindingGroup> groups;
     for (std::size_t first = 0; first < findings.size();) {
-        Targets targets;
+        Targets targets = 0;
         std::size_t end = first;
         for (; end < findings.size() && findings[end].id == findings[first].id; ++end) {
             targets |= findings[end].targets;
@@ -188,14 +186,6 @@ std::vector<ComparisonCount> countsOf(const ComparisonResult &result) {
         tell(u"would be right with "_s + fault, rows, {});
     }
     return counts;
-}
-
-QString targetsText(const Targets &targets) {
-    QStringList names;
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        if (targets.test(t)) names.append(targetName(static_cast<Target>(t)).toString());
-    }
-    return names.join(u", "_s);
 }
 
 QString shortNumber(double number) {

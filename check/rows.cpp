@@ -101,9 +101,8 @@ Watches watchesOf(const Scorecard &card, std::span<const Finding> findings) {
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
         // Most do the same in all targets.
         const bool isOfTarget = finding.id == MissingCodesName || finding.id == NamesAlike;
-        for (std::size_t t = 0; t < targetCount; ++t) {
-            if (!finding.targets.test(t)) continue;
-            Watch watch = {i, recoding, {{finding.id}, static_cast<Target>(t)}};
+        for (const Target target : listTargets(finding.targets)) {
+            Watch watch = {i, recoding, {{finding.id}, target}};
             // What else is taken as above all bounds takes the last of a long array too.
             if (finding.id == ArrayTooLong) watch.deviations.findings.add(NotANumber);
             if (finding.id == KeyLength) {

@@ -1,6 +1,7 @@
 #include "check/scorecard.h"
 
 #include "check/evaluation.h"
+#include "model/number_text.h"
 
 #include <QHash>
 
@@ -75,7 +76,9 @@ void readRecodingsOf(Scorecard &card) {
     QHash<QStringView, std::size_t> columns;
     std::array<QHash<QString, std::size_t>, targetCount> lastAlike;
     const auto nameIn = [](std::size_t t, const Recoding &recoding) {
-        return cleanedFor(static_cast<Target>(t), recoding.variable->field);
+        const auto target = static_cast<Target>(t);
+        const QString name = cleanedFor(target, recoding.variable->field);
+        return target == Target::Sas ? name.toLower() : name; // which knows no capitals
     };
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
@@ -138,6 +141,19 @@ ListedValue Recoding::find(std::string_view text, Reading reading) const {
     const auto &places = values[static_cast<std::size_t>(reading)];
     const auto found = places.find(keyOf(text, reading));
     return found == places.end() ? ListedValue() : found->second;
+}
+
+QStringView kindOfTarget(const Scorecard &card) {
+    return card.document.root.childNode(u"MetaData").attribute(u"tkind");
+}
+
+bool isOfKind(const Scorecard &card, QStringView kind) {
+    return equalsIgnoringCase(kindOfTarget(card), kind);
+}
+
+QString numberText(double number) {
+    const NumberText text = modelNumber(number);
+    return QString::fromLatin1(text.characters, text.size);
 }
 
 QString cleanedFor(Target target, QStringView field) {

@@ -74,6 +74,13 @@ struct Scorecard {
     bool hasProbability() const { return table.exists || isLogistic; }
 };
 
+// The kind of the target: T for a probability, C for any other number.
+QStringView kindOfTarget(const Scorecard &card);
+bool isOfKind(const Scorecard &card, QStringView kind);
+
+// A number as the generated code shows it.
+QString numberText(double number);
+
 // The name under which the target looks for missing codes.
 QString cleanedFor(Target target, QStringView field);
 

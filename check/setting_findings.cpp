@@ -44,8 +44,7 @@ std::size_t distance(QStringView a, QStringView b) {
 }
 
 // Empty when no name is near.
-template <typename Names>
-QStringView nearest(QStringView written, const Names &names) {
+QStringView nearest(QStringView written, std::span<const QStringView> names) {
     constexpr qsizetype longest = 64;
     if (written.size() > longest) return {};
     QStringView found;
@@ -59,7 +58,8 @@ QStringView nearest(QStringView written, const Names &names) {
     return found;
 }
 
-QString withMeant(const QString &place, QStringView meant) {
+QString withMeant(const QString &place, QStringView written, std::span<const QStringView> names) {
+    const QStringView meant = nearest(written, names);
     return meant.isEmpty() ? place : u"%1; %2 is meant?"_s.arg(place, meant);
 }
 
@@ -77,29 +77,28 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
         const QStringView name = root.attributeName(i);
         const QStringView value = root.attribute(name);
         const QString place = u"setting %1"_s.arg(name);
-        if (!isIn(known, name)) {
-            notes.add(UnknownSetting, withMeant(place, nearest(name, known)));
-        } else if (isIn(sqlFlags, name) && !value.isEmpty() && value != u"0" && value != u"1") {
-            notes.add(FlagText, u"%1, '%2'"_s.arg(place, value));
-        }
+        const bool isKnown = isIn(known, name);
+        const bool isOdd =
+            isIn(sqlFlags, name) && !value.isEmpty() && value != u"0" && value != u"1";
+        if (!isKnown) notes.at(withMeant(place, name, known)).add(UnknownSetting);
+        if (isOdd) notes.at(u"%1, '%2'"_s.arg(place, value)).add(FlagText);
     }
     for (const QStringView name : {u"prediction", u"dbType"}) {
-        if (root.isAttributeSet(name) && root.attribute(name).isEmpty()) {
-            notes.add(EmptyName, u"setting %1"_s.arg(name));
-        }
+        const bool isEmpty = root.isAttributeSet(name) && root.attribute(name).isEmpty();
+        notes.at(u"setting %1"_s.arg(name)).add(EmptyName, isEmpty);
     }
 }
 
-void inspectDialect(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
-    const SqlDialect &dialect = findSqlDialect(configuration.dbType);
-    const QString place = u"setting dbType, '%1'"_s.arg(configuration.dbType);
-    if (card.table.exists && !dialect.hasProbability) notes.add(NoProbability, place);
-    if (!dialect.name.isEmpty() || configuration.dbType.isEmpty()) return;
+void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) {
+    const SqlDialect &dialect = findSqlDialect(dbType);
+    const QString place = u"setting dbType, '%1'"_s.arg(dbType);
+    notes.at(place).add(NoProbability, card.table.exists && !dialect.hasProbability);
     std::vector<QStringView> names;
     for (const SqlDialect &known : sqlDialects()) {
         if (!known.name.isEmpty()) names.push_back(known.name);
     }
-    notes.add(UnknownDialect, withMeant(place, nearest(configuration.dbType, names)));
+    const bool isKnown = !dialect.name.isEmpty() || dbType.isEmpty();
+    if (!isKnown) notes.at(withMeant(place, dbType, names)).add(UnknownDialect);
 }
 
 QString keyOf(const Scorecard &card, const SqlConfiguration &configuration) {
@@ -116,32 +115,27 @@ void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &
     const bool createsTemporary =
         hasMapping && configuration.useTmpTable && configuration.createTmpTable;
     const bool creates = configuration.createPredictionTable;
-    if (creates) notes.add(SecondRun, u"setting createPredictionTable"_s);
-    if (creates && dialect.makesIndex && sqlIdentifier(dialect, table) != table) {
-        notes.add(TableNameQuoted, place);
-    }
     const QString key = keyOf(card, configuration);
-    if (dialect.distributes && (creates || createsTemporary) && key != u"id") {
-        notes.add(DistributeId, u"key %1"_s.arg(key));
-    }
-    if (createsTemporary && dialect.name == u"mysql") {
-        notes.add(CommentDashes, u"setting createTmpTable"_s);
-    }
-    const QString temporary = hasMapping && configuration.useTmpTable ? u"Qorv_TMP_"_s : QString();
-    if ((temporary + table).size() > dialect.identifierLength) notes.add(TableNameCut, place);
-    if (configuration.kestruneScript && !configuration.odbcPassword.isEmpty()) {
-        notes.add(PasswordInClear, u"setting odbcPassword"_s);
-    }
+    const bool usesTemporary = hasMapping && configuration.useTmpTable;
+    const QString temporary = usesTemporary ? u"Qorv_TMP_"_s : QString();
+    const bool isQuoted = sqlIdentifier(dialect, table) != table;
+    notes.at(u"setting createPredictionTable"_s).add(creates ? SecondRun : RowsAdded);
+    notes.at(place).add(TableNameQuoted, creates && dialect.makesIndex && isQuoted);
+    notes.add(TableNameCut, (temporary + table).size() > dialect.identifierLength);
+    notes.at(u"key %1"_s.arg(key))
+        .add(DistributeId, dialect.distributes && (creates || createsTemporary) && key != u"id");
+    notes.at(u"setting createTmpTable"_s)
+        .add(CommentDashes, createsTemporary && dialect.name == u"mysql");
+    notes.at(u"setting odbcPassword"_s)
+        .add(PasswordInClear,
+             configuration.kestruneScript && !configuration.odbcPassword.isEmpty());
 }
 
 void inspectDebugging(Notes &notes, const Scorecard &card) {
-    notes.add(DebugRecoding, u"setting debugRecoding"_s);
-    QSet<std::size_t> columns;
+    notes.at(u"setting debugRecoding"_s).add(DebugRecoding);
     for (const Recoding &recoding : card.recodings) {
-        if (columns.contains(recoding.column)) {
-            notes.add(DebugColumnsAlike, u"column %1"_s.arg(recoding.variable->field));
-        }
-        columns.insert(recoding.column);
+        notes.at(u"column %1"_s.arg(recoding.variable->field))
+            .add(DebugColumnsAlike, recoding.rank > 0);
     }
 }
 
@@ -157,29 +151,25 @@ bool needsQuotes(QStringView name, bool hasSchema) {
            !std::all_of(name.begin(), name.end(), isPlain);
 }
 
-void inspectSqlName(Notes &notes, const SqlDialect *dialect, QStringView name, const QString &place,
-                    bool hasSchema = false) {
-    const bool isQuoted = sqlIdentifier(dialect ? *dialect : sqlDialects().back(), name) != name;
-    if (!isQuoted && needsQuotes(name, hasSchema)) notes.add(SqlName, place);
-    const bool takesAnsiQuotes = !dialect || dialect->name == u"mysql";
-    const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
-    if (isQuoted && !isBracketed && (takesAnsiQuotes || name.contains(u'"'))) {
-        notes.add(QuotedName, place);
-    }
-}
-
 void inspectSqlNames(Notes &notes, const Scorecard &card, const SqlConfiguration *configuration) {
     const SqlDialect *const dialect =
         configuration ? &findSqlDialect(configuration->dbType) : nullptr;
-    for (const QString &column : card.columns) {
-        inspectSqlName(notes, dialect, column, u"column %1"_s.arg(column));
-    }
+    const bool takesAnsiQuotes = !dialect || dialect->name == u"mysql";
+    const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
+    const auto inspectName = [&](QStringView name, const QString &place, bool hasSchema = false) {
+        const bool isQuoted =
+            sqlIdentifier(dialect ? *dialect : sqlDialects().back(), name) != name;
+        notes.at(place).add(SqlName, !isQuoted && needsQuotes(name, hasSchema));
+        const bool isOdd = !isBracketed && (takesAnsiQuotes || name.contains(u'"'));
+        notes.add(QuotedName, isQuoted && isOdd);
+    };
+    for (const QString &column : card.columns) inspectName(column, u"column %1"_s.arg(column));
     if (!configuration) return;
-    inspectSqlName(notes, dialect, keyOf(card, *configuration), u"key"_s);
-    inspectSqlName(notes, dialect, configuration->prediction, u"setting prediction"_s);
-    inspectSqlName(notes, dialect, configuration->schemaName, u"setting schemaName"_s, true);
-    inspectSqlName(notes, dialect, configuration->inputTable, u"setting inputTable"_s, true);
-    inspectSqlName(notes, dialect, configuration->predictionTable, u"setting predictionTable"_s);
+    inspectName(keyOf(card, *configuration), u"key"_s);
+    inspectName(configuration->prediction, u"setting prediction"_s);
+    inspectName(configuration->schemaName, u"setting schemaName"_s, true);
+    inspectName(configuration->inputTable, u"setting inputTable"_s, true);
+    inspectName(configuration->predictionTable, u"setting predictionTable"_s);
 }
 
 // --- HTML
@@ -187,7 +177,6 @@ void inspectSqlNames(Notes &notes, const Scorecard &card, const SqlConfiguration
 struct CanvasUse {
     std::array<int, tagKinds> tags{};
     QSet<int> questions;
-    QSet<int> answers;
     bool hasOddQuestion = false;
     bool hasOddAnswer = false;
 
@@ -201,36 +190,17 @@ CanvasUse walkCanvas(CanvasTags &tags, qsizetype questions) {
         ++use.tags[static_cast<std::size_t>(kind)];
         if (kind == TagKind::Question) {
             const int number = tags.questionNumber;
-            if (number < 1 || number > questions || use.questions.contains(number)) {
-                use.hasOddQuestion = true;
-            }
+            const bool isAgain = use.questions.contains(number);
+            if (number < 1 || number > questions || isAgain) use.hasOddQuestion = true;
             use.questions.insert(number);
-        } else if (kind == TagKind::Answer) {
-            const int model = tags.answerModel;
-            if (model != 0 || use.answers.contains(model)) use.hasOddAnswer = true;
-            use.answers.insert(model);
+        } else if (kind == TagKind::Answer && (tags.answerModel != 0 || use.count(kind) > 1)) {
+            use.hasOddAnswer = true;
         }
     }
     return use;
 }
 
 } // namespace
-
-QString numberText(double number) {
-    const NumberText text = modelNumber(number);
-    return QString::fromLatin1(text.characters, text.size);
-}
-
-Finding *Notes::add(FindingId id, const QString &place, const Targets &limit) {
-    const Targets concerned = kindOf(id).targets & targets & limit;
-    if (concerned.none()) return nullptr;
-    Finding &finding = findings.emplace_back();
-    finding.id = id;
-    finding.targets = concerned;
-    finding.place = place;
-    finding.byRows = kindOf(id).rows != Rows::Untold;
-    return &finding;
-}
 
 SqlUse useOf(const SqlConfiguration &configuration) {
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
@@ -243,10 +213,10 @@ SqlUse useOf(const SqlConfiguration &configuration) {
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {
     inspectSqlNames(notes, card, file ? &file->configuration : nullptr);
-    if (!file || useOf(file->configuration).createsTables) notes.add(KeyLength, u"key"_s);
+    notes.at(u"key"_s).add(KeyLength, !file || useOf(file->configuration).createsTables);
     if (!file) return;
     inspectSettings(notes, file->root);
-    inspectDialect(notes, card, file->configuration);
+    inspectDialect(notes, card, file->configuration.dbType);
     inspectTables(notes, card, file->configuration);
     if (file->configuration.debugRecoding) inspectDebugging(notes, card);
 }
@@ -254,32 +224,27 @@ void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile 
 void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
                    const QString &canvas) {
     constexpr qsizetype shortest = 10;
-    if (canvas.size() < shortest) {
-        notes.add(CanvasNotRead, u"canvas %1"_s.arg(name));
-        return;
-    }
-    const auto warn = [&](QStringView warning) { notes.add(CanvasNumber, warning.toString()); };
-    CanvasTags tags = scanCanvas(canvas, warn);
+    const QString place = u"canvas %1"_s.arg(name);
+    notes.at(place).add(CanvasNotRead, canvas.size() < shortest);
+    if (canvas.size() < shortest) return;
+    const bool hasDoctype = canvas.contains(u"<!doctype"_s, Qt::CaseInsensitive);
+    notes.add(CanvasForm, !canvas.contains(u"QRVform"_s));
+    notes.add(CanvasColours, hasDoctype && !canvas.contains(u"QRVSpecifiedHistogramColor"_s));
+    CanvasTags tags = scanCanvas(
+        canvas, [&](QStringView warning) { notes.at(warning.toString()).add(CanvasNumber); });
     const CanvasUse use = walkCanvas(tags, std::ssize(card.columns));
-    const auto want = [&](FindingId id, TagKind kind) {
-        if (use.count(kind) == 0) notes.add(id, u"tag %1/]"_s.arg(tagOpening(kind)));
+    const auto want = [&](FindingId id, TagKind kind, bool isNeeded = true) {
+        notes.at(u"tag %1/]"_s.arg(tagOpening(kind))).add(id, isNeeded && use.count(kind) == 0);
     };
+    const int questions = use.count(TagKind::Question);
+    const bool isComplete = std::ssize(card.recodings) == use.questions.size();
+    const bool hasBars = isOfKind(card, u"T") && card.table.exists;
     want(CanvasTagMissing, TagKind::Script);
     want(CanvasTagMissing, TagKind::Answer);
-    const int questions = use.count(TagKind::Question);
-    if (questions == 0) want(CanvasTagMissing, TagKind::AllQuestions);
-    const bool isComplete = std::ssize(card.recodings) == use.questions.size();
-    if (use.hasOddQuestion || (questions > 0 && !isComplete)) {
-        notes.add(CanvasQuestion, u"tag [QRV_QUESTION"_s);
-    }
-    if (use.hasOddAnswer) notes.add(CanvasAnswer, u"tag [QRV_ANSWER"_s);
+    want(CanvasTagMissing, TagKind::AllQuestions, questions == 0);
     want(CanvasScale, TagKind::Graphics);
-    const QStringView kind = card.document.root.childNode(u"MetaData").attribute(u"tkind");
-    const bool isProbability = equalsIgnoringCase(kind, u"T");
-    if (isProbability && card.table.exists) want(CanvasScale, TagKind::DynScale);
-    if (!canvas.contains(u"QRVform"_s)) notes.add(CanvasForm, u"canvas %1"_s.arg(name));
-    if (canvas.contains(u"<!doctype"_s, Qt::CaseInsensitive) &&
-        !canvas.contains(u"QRVSpecifiedHistogramColor"_s)) {
-        notes.add(CanvasColours, u"canvas %1"_s.arg(name));
-    }
+    want(CanvasScale, TagKind::DynScale, hasBars);
+    notes.at(u"tag [QRV_QUESTION"_s)
+        .add(CanvasQuestion, use.hasOddQuestion || (questions > 0 && !isComplete));
+    notes.at(u"tag [QRV_ANSWER"_s).add(CanvasAnswer, use.hasOddAnswer);
 }

@@ -4,23 +4,6 @@
 #include "check/scorecard.h"
 #include "model/sql_configuration.h"
 
-// Collects findings, and leaves out those that concern none of the targets.
-class Notes {
-public:
-    explicit Notes(const Targets &asked) : targets(asked) {}
-
-    // The finding, until the next call; null when it was left out.
-    Finding *add(FindingId id, const QString &place, const Targets &limit = Targets().set());
-
-    std::vector<Finding> findings;
-
-private:
-    Targets targets;
-};
-
-// A number as the generated code shows it.
-QString numberText(double number);
-
 // What the script does that findings depend on. As it stands, without a configuration.
 struct SqlUse {
     bool hasProbability = true;

@@ -75,6 +75,7 @@ HAVE = {
     "boolean-blanks": (model(None, boolean(NO_YES)), sql(dbType="oracle", boolsAreNumbers="0")),
     "text-blanks": (model(), sql(dbType="teradata")),
     "capitals": (model(), {"rows": "n,c\n1,A\n"}),
+    "rows-added": (model(), sql(dbType="oracle")),
     "second-run": (model(), sql(dbType="oracle", createPredictionTable="1")),
     "key-length": (model(), {"rows": "n,c,k\n1,a,012345678901234567890\n", "key": "k"}),
     "table-name-quoted": (model(), sql(dbType="mysql", createPredictionTable="1", predictionTable="a b")),
@@ -94,6 +95,7 @@ HAVE = {
     "lowest-nan": (model(kind="T", table=TABLE), {}),
     "table-unread": (model(table=TABLE), {}),
     "missing-codes-unread": (model(missing=CODES), {}),
+    "empty-field": (model(), {"rows": "n,c\n,a\n"}),
     "not-a-number": (model(), {"rows": "n,c\n1,a\nten,b\n"}),
     "page-error": (model(kind="X"), {}),
     "canvas-scale": (model(), {"canvas": CANVAS.replace("[QRV_GRAPHICS]", "")}),
@@ -196,7 +198,7 @@ class ScoresAndFindingsTest(CheckedTest):
 
         self.assertEqual(found(model()), [])
         self.assertEqual(found(model(), canvas=ONE_BY_ONE, rows="n,c,k\n1,a,1\n", key="k"), [])
-        self.assertEqual(found(model(), **sql(dbType="oracle")), [])
+        self.assertEqual(found(model(), **sql(dbType="oracle")), ["rows-added"])
         for name, (text, more) in HAVE.items():
             with self.subTest(name):
                 names = found(text, **more)
@@ -309,7 +311,8 @@ class DeploymentTest(CheckedTest):
         five = categorical(2, "c", "abcde", [-5, 1, 1, 1, 1, 1])
         alike = [numeric(i, name, [1], [0, 0, 10**i]) for i, name in enumerate(["a b", "a.b", "a-b"], start=1)]
         listed = {values: model(None, categorical(2, "c", values.split(), [0, 1, 2]))
-                  for values in ["Rent rent", "TRUE x", "1 2.5", "a\\n x"]}
+                  for values in ["Rent rent", "TRUE x", "True x", "1 2.5", "a\\n x"]}
+        mixed = [categorical(1, "n", "abcdef", [0, 1, 2, 30, 4, 5, 6]), numeric(2, "n", [1, 2], [0, 1, 2, 3])]
         for target, text, cells, result, expected in [
             ("html", model(None, five, table=TABLE, kind="T"), ",a", "p\nNaN", ["five-categories", "lowest-nan"]),
             ("html", model(None, five, table=TABLE, kind="T"), ",a", "p\noops", []),
@@ -320,11 +323,16 @@ class DeploymentTest(CheckedTest):
             ("html", model(numeric(1, "n", [9], [0, 1, 2]), missing=CODES), "9,a", "s\n3",
              ["missing-codes-unread", "single-bound"]),
             ("sql", listed["Rent rent"], ",rent", "s\n1", ["capitals"]),
+            ("html", model(*mixed), "3", "s\n33", ["shared-values"]),
+            ("html", model(), ",b", "s\n3", ["empty-field"]),
             ("vba", listed["TRUE x"], ",True", "s\n1", ["true-false"]),
+            ("vba", listed["TRUE x"], ",TRUE", "s\n0", ["true-false"]),
+            ("vba", listed["True x"], ",TRUE", "s\n1", ["true-false"]),
             ("sas", listed["1 2.5"], ",1.0", "s\n1", ["values-as-numbers"]),
             ("python", listed["a\\n x"], ",a\\n", "s\n0", ["backslash-in-value"]),
             ("sql", model(None, boolean(["1"] * 5 + ["yes"])), ",1", "s\n2", ["boolean-numbers"]),
             ("sas", model(*alike, terms=[(1, 1), (2, 1), (3, 1)]), "0,2,2", "s\n1110", ["names-alike"]),
+            ("sas", model(None, numeric(2, "N", [1, 2], [0, 1, 2, 3])), "0,3", "s\n6", ["names-alike"]),
             ("sas", model(table=[(3, 0.9), (1, 0.6), (1, 0.2), (0, 0.1)]), ",a", "p\n0.6", None),
             ("sas", model(None, numeric(2, "n", [1, 2], [0, 5, 7, 11])), "1", "s\n14", "n read as another value"),
         ]:
