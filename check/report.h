@@ -32,13 +32,13 @@ QString valuesAt(const Recoding &recoding, std::size_t position);
 QString shortNumber(double number);
 QString titleOf(const Recoding &recoding);
 
-// The findings of one kind, which stand together, and the targets of all of them.
+// The findings of one kind, the targets of all of them, and their places with the rows.
 struct FindingGroup {
     const FindingKind *kind;
     Targets targets;
-    std::span<const Finding> findings;
+    QStringList places;
 };
-std::vector<FindingGroup> groupsOf(std::span<const Finding> findings);
+std::vector<FindingGroup> groupsOf(const Report &report);
 
 // How many rows of a comparison are of one sort; `more` names some of them.
 struct ComparisonCount {

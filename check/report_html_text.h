@@ -1,6 +1,11 @@
 // The fixed pieces of the page.
 #pragma once
 
+inline constexpr char16_t pageHead[] = uR"(<!DOCTYPE html>
+<html lang="en"><head><meta charset="utf-8">
+<meta name="viewport" content="width=device-width, initial-scale=1">
+<title>)";
+
 inline constexpr char16_t reportStyle[] = uR"(<style>
 :root { --ink: #1d2733; --soft: #5c6b7f; --line: #dfe5ec; --accent: #2563a8; --below: #b4552d; --pale: #d5e2f1; }
 * { box-sizing: border-box; print-color-adjust: exact; -webkit-print-color-adjust: exact; }

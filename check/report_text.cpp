@@ -59,29 +59,16 @@ QString rowsOf(std::int64_t rows) {
     return rows == 1 ? u"1 row"_s : u"%1 rows"_s.arg(rows);
 }
 
-void putPlace(TextBuffer &out, const Finding &finding, bool hasRows) {
-    put(out, u"  - ", finding.place);
-    if (hasRows && finding.byRows) {
-        put(out, u": ", rowsOf(finding.rows));
-        if (finding.rows > 0) put(out, u", first row ", qsizetype(finding.firstRow));
-    }
-    put(out, u"\n");
-}
-
 void putFindings(TextBuffer &out, const Report &report) {
     const std::size_t count = report.findings.size();
-    put(out,
-        count == 0   ? u"No findings"_s
-        : count == 1 ? u"1 finding"_s
-                     : u"%1 findings"_s.arg(count),
-        u"\n");
-    for (const FindingGroup &group : groupsOf(report.findings)) {
+    put(out, count == 0   ? u"No findings\n"_s
+             : count == 1 ? u"1 finding\n"_s
+                          : u"%1 findings\n"_s.arg(count));
+    for (const FindingGroup &group : groupsOf(report)) {
         const FindingKind &kind = *group.kind;
         put(out, u"\n", kind.name, u" [", targetNames(group.targets).join(u", "_s), u"] docs/",
             kind.page, u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
-        for (const Finding &finding : group.findings) {
-            putPlace(out, finding, report.counts != nullptr);
-        }
+        for (const QString &place : group.places) put(out, u"  - ", place, u"\n");
     }
 }
 
@@ -154,17 +141,16 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
     return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
 }
 
-std::vector<FindingGroup> groupsOf(std::span<const Finding> findings) {
+std::vector<FindingGroup> groupsOf(const Report &report) {
     std::vector<FindingGroup> groups;
-    for (std::size_t first = 0; first < findings.size();) {
-        Targets targets = 0;
-        std::size_t end = first;
-        for (; end < findings.size() && findings[end].id == findings[first].id; ++end) {
-            targets |= findings[end].targets;
-        }
-        groups.push_back(
-            {&kindOf(findings[first].id), targets, findings.subspan(first, end - first)});
-        first = end;
+    for (const Finding &finding : report.findings) {
+        const FindingKind &kind = kindOf(finding.id);
+        if (groups.empty() || groups.back().kind != &kind) groups.push_back({&kind, 0, {}});
+        QString place = finding.place;
+        if (report.counts && finding.byRows) place += u": "_s + rowsOf(finding.rows);
+        if (finding.rows > 0) place += u", first row %1"_s.arg(finding.firstRow);
+        groups.back().targets |= finding.targets;
+        groups.back().places.append(place);
     }
     return groups;
 }

@@ -14,6 +14,12 @@ struct RowCounts {
     std::vector<std::int64_t> scores;
     double lowestScore = 0;
     double highestScore = 0;
+
+    // Where the step begins.
+    double stepAt(std::size_t step) const {
+        const double share = static_cast<double>(step) / static_cast<double>(scores.size());
+        return lowestScore + share * (highestScore - lowestScore);
+    }
 };
 
 // Counts the rows in the findings, and compares them where results are given. Returns what is wrong
