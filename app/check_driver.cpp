@@ -3,7 +3,6 @@
 #include "check/model_findings.h"
 #include "check/report.h"
 #include "model/exit_status.h"
-#include "model/output_file.h"
 #include "platform/platform.h"
 
 #include <QCommandLineParser>
@@ -21,16 +20,14 @@ namespace {
 
 enum CheckStatus { exitNothingFound = 0, exitFound = 1, exitUsage = 2 };
 
+// What was asked for, with what the arguments say of it.
 struct Request {
-    QString model;
-    bool shows = false;
-    bool looks = true; // for findings
-    bool asJson = false;
-    QString report;
+    const QCommandLineParser &parser;
     Targets targets = allTargets;
-    QString sql;
-    QString canvas;
-    RowOptions rows; // without a file, none are asked for
+    RowOptions rows = {}; // without a file, none
+
+    bool has(const QString &option) const { return parser.isSet(option); }
+    QString operator[](const QString &option) const { return parser.value(option); }
 };
 
 // In the order of the help.
@@ -106,37 +103,38 @@ QString readDelimiter(const QString &text, char &delimiter) {
     return {};
 }
 
-QString readRowOptions(const QCommandLineParser &parser, RowOptions &rows) {
-    rows.file = parser.value(u"rows"_s);
-    rows.key = parser.value(u"key"_s);
-    rows.scores = parser.value(u"scores"_s);
-    rows.results = parser.value(u"compare"_s);
-    rows.score = parser.value(u"score"_s);
-    rows.probability = parser.value(u"probability"_s);
-    for (const QString &text : parser.values(u"missing"_s)) {
+QString readRowOptions(Request &request) {
+    RowOptions &rows = request.rows;
+    rows.file = request[u"rows"_s];
+    rows.key = request[u"key"_s];
+    rows.scores = request[u"scores"_s];
+    rows.results = request[u"compare"_s];
+    rows.score = request[u"score"_s];
+    rows.probability = request[u"probability"_s];
+    for (const QString &text : request.parser.values(u"missing"_s)) {
         rows.missing.push_back(text.toStdString());
     }
-    if (!parser.isSet(u"delimiter"_s)) return {};
-    return readDelimiter(parser.value(u"delimiter"_s), rows.delimiter);
+    if (!request.has(u"delimiter"_s)) return {};
+    return readDelimiter(request[u"delimiter"_s], rows.delimiter);
 }
 
-QString readComparison(const QCommandLineParser &parser, Targets targets, RowOptions &rows) {
-    if (!parser.isSet(u"target"_s) || !std::has_single_bit(targets)) {
+QString readComparison(Request &request) {
+    RowOptions &rows = request.rows;
+    if (!request.has(u"target"_s) || !std::has_single_bit(request.targets)) {
         return u"--compare wants the one --target that the results are of."_s;
     }
-    rows.target = listTargets(targets).front();
-    QStringList columns = {rows.key, rows.score, rows.probability};
-    columns.removeAll(QString());
+    rows.target = listTargets(request.targets).front();
     if (rows.score.isEmpty() && rows.probability.isEmpty()) {
         return u"--compare wants --score or --probability, the columns of the results."_s;
     }
-    if (columns.removeDuplicates() > 0) {
-        return u"The column '%1' is named twice."_s.arg(rows.score == rows.key ? rows.score
-                                                                               : rows.probability);
+    const auto isAgain = [](const QString &a, const QString &b) { return !a.isEmpty() && a == b; };
+    const bool isKey = isAgain(rows.score, rows.key);
+    if (isKey || isAgain(rows.probability, rows.key) || isAgain(rows.probability, rows.score)) {
+        return u"The column '%1' is named twice."_s.arg(isKey ? rows.score : rows.probability);
     }
-    if (!parser.isSet(u"tolerance"_s)) return {};
+    if (!request.has(u"tolerance"_s)) return {};
     bool isNumber = false;
-    rows.tolerance = parser.value(u"tolerance"_s).toDouble(&isNumber);
+    rows.tolerance = request[u"tolerance"_s].toDouble(&isNumber);
     if (!isNumber || !(rows.tolerance >= 0) || std::isinf(rows.tolerance)) {
         return u"The tolerance must be a number that is not below 0."_s;
     }
@@ -153,13 +151,11 @@ QString placeOf(const QString &fileName) {
 
 // Tells of a file that would be written over what is read or written too.
 QString findOverwritten(const Request &request) {
-    const RowOptions &rows = request.rows;
-    QStringList places;
-    for (const QString &input :
-         {request.model, request.sql, request.canvas, rows.file, rows.results}) {
-        places.append(placeOf(input));
+    QStringList places = {placeOf(request.parser.positionalArguments().constFirst())};
+    for (const QString &input : {u"sql"_s, u"canvas"_s, u"rows"_s, u"compare"_s}) {
+        places.append(placeOf(request[input]));
     }
-    for (const QString &output : {rows.scores, request.report}) {
+    for (const QString &output : {request[u"scores"_s], request[u"report"_s]}) {
         const QString place = placeOf(output);
         if (place.isEmpty()) continue;
         if (places.contains(place)) return u"File '%1' would be written over."_s.arg(output);
@@ -169,34 +165,33 @@ QString findOverwritten(const Request &request) {
 }
 
 // What is wrong with the call, or an empty text.
-QString readRequest(const QCommandLineParser &parser, Request &request) {
-    if (parser.positionalArguments().size() != 1) return u"One model document is needed."_s;
-    request.model = parser.positionalArguments().constFirst();
-    request.shows = parser.isSet(u"show"_s);
-    request.asJson = parser.isSet(u"json"_s);
-    request.report = parser.value(u"report"_s);
-    request.sql = parser.value(u"sql"_s);
-    request.canvas = parser.value(u"canvas"_s);
-    if (request.shows && request.asJson) return u"--show prints text, and cannot be JSON."_s;
+QString readRequest(Request &request) {
+    if (request.parser.positionalArguments().size() != 1) return u"One model document is needed."_s;
+    if (request.has(u"show"_s) && request.has(u"json"_s)) {
+        return u"--show prints text, and cannot be JSON."_s;
+    }
+    for (const auto &[name, description, value, needed] : listOptions()) {
+        if (!request.has(name)) continue;
+        if (!needed.isEmpty() && !request.has(needed)) {
+            return u"--%1 wants --%2."_s.arg(name, needed);
+        }
+        const bool isRead = name == u"rows" || name == u"compare";
+        if (isRead && request[name].isEmpty()) return u"--%1 wants a file."_s.arg(name);
+    }
     QString problem;
-    for (const Option &option : listOptions()) {
-        if (option.needed.isEmpty() || !parser.isSet(option.name)) continue;
-        if (!parser.isSet(option.needed))
-            return u"--%1 wants --%2."_s.arg(option.name, option.needed);
-    }
-    if (parser.isSet(u"target"_s))
-        problem = readTargets(parser.value(u"target"_s), request.targets);
-    if (problem.isEmpty()) problem = readRowOptions(parser, request.rows);
-    if (problem.isEmpty() && parser.isSet(u"compare"_s)) {
-        problem = readComparison(parser, request.targets, request.rows);
-    }
-    if (!problem.isEmpty()) return problem;
-    request.looks = !request.shows;
-    for (const QString &name :
-         {u"rows"_s, u"json"_s, u"report"_s, u"sql"_s, u"canvas"_s, u"target"_s}) {
-        if (parser.isSet(name)) request.looks = true;
-    }
-    return findOverwritten(request);
+    if (request.has(u"target"_s)) problem = readTargets(request[u"target"_s], request.targets);
+    if (problem.isEmpty()) problem = readRowOptions(request);
+    if (problem.isEmpty() && request.has(u"compare"_s)) problem = readComparison(request);
+    return problem.isEmpty() ? findOverwritten(request) : problem;
+}
+
+// Whether findings are looked for: the model alone may be all that is asked for.
+bool looks(const Request &request) {
+    const auto isSet = [&](const QString &option) { return request.has(option); };
+    return !request.has(u"show"_s) ||
+           std::ranges::any_of(
+               QStringList{u"rows"_s, u"json"_s, u"report"_s, u"sql"_s, u"canvas"_s, u"target"_s},
+               isSet);
 }
 
 // --- Work
@@ -221,11 +216,12 @@ bool isFound(const Report &report) {
 
 void print(const Request &request, const Report &report) {
     TextBuffer out;
-    if (request.shows) putModel(out, report.card);
-    if (request.shows && request.looks) put(out, u"\n");
-    if (request.asJson) {
+    const bool shows = request.has(u"show"_s);
+    if (shows) putModel(out, report.card);
+    if (shows && looks(request)) put(out, u"\n");
+    if (request.has(u"json"_s)) {
         put(out, QString::fromUtf8(jsonReport(report)));
-    } else if (request.looks) {
+    } else if (looks(request)) {
         putReport(out, report);
     }
     printText(out.text());
@@ -239,8 +235,7 @@ QString writeReport(const QString &fileName, const Report &report) {
     TextBuffer page;
     putHtmlReport(page, report);
     writeText(file, page.text());
-    const bool isWritten = std::fflush(file.stream.get()) == 0 && !std::ferror(file.stream.get());
-    return isWritten ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
+    return isClosed(file) ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
 }
 
 // Scores rows where that is asked for, and tells everything.
@@ -261,29 +256,26 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
                            .compared = compares ? &request.rows : nullptr,
                            .comparison = compares ? &compared : nullptr};
     print(request, report);
-    if (!request.report.isEmpty()) problem = writeReport(request.report, report);
+    if (const QString page = request[u"report"_s]; !page.isEmpty())
+        problem = writeReport(page, report);
     if (!problem.isEmpty()) return fail(problem, exitUsage);
-    return request.looks && isFound(report) ? exitFound : exitNothingFound;
+    return looks(request) && isFound(report) ? exitFound : exitNothingFound;
 }
 
 int check(const Request &request) {
-    const Scorecard card = readScorecard(request.model);
+    const Scorecard card = readScorecard(request.parser.positionalArguments().constFirst());
     if (!card.document.problem.isEmpty()) {
         printError(problemMessage(card.document.fileName, card.document.problem));
         return exitUnusableModel;
     }
-    Inspection inspection;
-    inspection.targets = request.targets;
+    Inspection inspection{.targets = request.targets, .canvasName = request[u"canvas"_s]};
     SqlConfigurationFile sql;
-    if (!request.sql.isEmpty()) {
-        sql = readSqlConfiguration(request.sql);
+    if (!request[u"sql"_s].isEmpty()) {
+        sql = readSqlConfiguration(request[u"sql"_s]);
         if (!sql.message.isEmpty()) return fail(sql.message.trimmed(), exitUnusableModel);
         inspection.sql = &sql;
     }
-    inspection.hasCanvas = !request.canvas.isEmpty();
-    inspection.canvasName = request.canvas;
-    if (inspection.hasCanvas) inspection.canvas = readCanvas(request.canvas);
-
+    if (!inspection.canvasName.isEmpty()) inspection.canvas = readCanvas(inspection.canvasName);
     return reportOn(request, card, inspect(card, inspection));
 }
 
@@ -299,8 +291,8 @@ int run(const QStringList &arguments) {
         printText(parser.helpText().replace(u"<executable_name>"_s, u"scorewright-check"_s));
         return exitNothingFound;
     }
-    Request request;
-    const QString problem = isParsed ? readRequest(parser, request) : parser.errorText();
+    Request request{parser};
+    const QString problem = isParsed ? readRequest(request) : parser.errorText();
     if (!problem.isEmpty()) {
         return fail(problem + u"\nscorewright-check --help tells the options."_s, exitUsage);
     }

@@ -28,7 +28,7 @@ void name(QStringList &names, const QString &key) {
 
 // It takes two deviations to move the score of such a code: it is not read, and its bound is above.
 bool hasCodeOnBound(const Recoding &recoding) {
-    const auto &codes = recoding.codes.exact;
+    const auto &codes = recoding.codes;
     return recoding.x.size() == 1 && std::ranges::find(codes, recoding.x.front()) != codes.end();
 }
 

@@ -15,12 +15,13 @@ constexpr std::uint32_t noPlace = static_cast<std::uint32_t>(-1); // without a s
 
 bool isCode(const Recoding &recoding, double value, const Deviations &deviations) {
     if (deviations.has(MissingCodesUnread)) return false;
-    const Codes &codes = deviations.has(MissingCodesName)
-                             ? recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)]
-                             : recoding.codes;
-    const std::span<const double> looked =
-        deviations.has(MissingCodesDigits) ? codes.rounded : codes.exact;
-    return std::ranges::find(looked, value) != looked.end();
+    const std::span<const double> codes =
+        deviations.has(MissingCodesName)
+            ? recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)]
+            : recoding.codes;
+    const bool isRounded = deviations.has(MissingCodesDigits);
+    return std::ranges::any_of(
+        codes, [&](double code) { return (isRounded ? sixDigits(code) : code) == value; });
 }
 
 std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {

@@ -23,6 +23,10 @@ bool isSmall(double number) {
     return number != 0 && std::abs(number) < smallest;
 }
 
+bool isRounded(double number) {
+    return sixDigits(number) != number;
+}
+
 // --- Recodings
 
 void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
@@ -30,16 +34,16 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
     const QStringView type = recoding.variable->node.attribute(u"type");
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
-    const std::span<const double> codes = recoding.codes.exact;
+    const std::span<const double> codes = recoding.codes;
     const auto codesIn = [&](Target target) {
-        return recoding.codesOfTarget[static_cast<std::size_t>(target)].exact;
+        return recoding.codesOfTarget[static_cast<std::size_t>(target)];
     };
     Targets others = 0;
     for (const Target target : listTargets(allTargets)) {
         if (!std::ranges::equal(codes, codesIn(target))) others |= only(target);
     }
     notes.add(MissingCodesLine, dictionary.lists[listOfSas].isListed);
-    notes.add(MissingCodesDigits, !std::ranges::equal(codes, recoding.codes.rounded));
+    notes.add(MissingCodesDigits, std::ranges::any_of(codes, isRounded));
     notes.add(MissingCodesName, true, others);
     notes.add(MissingCodesParenthesis, !codesIn(Target::Python).empty());
     notes.add(MissingCodesUnread, !codes.empty());
@@ -72,7 +76,6 @@ void inspectCategorical(Notes &notes, const Recoding &recoding, const SqlUse &sq
     };
     const auto hasBlanks = [](QStringView v) { return v.size() != v.trimmed().size(); };
     const auto isTwice = [](const auto &entry) { return entry.second.first != entry.second.last; };
-    const auto isRounded = [](double score) { return sixDigits(score) != score; };
     const bool hasEmpty = any([](QStringView value) { return value.isEmpty(); });
     const bool isNumbers =
         !isBoolean && !recoding.listed.empty() && std::ranges::all_of(recoding.listed, isOfDigits);
@@ -229,9 +232,10 @@ std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection
     inspectRecodings(notes, card, sql);
     inspectRegression(notes, card);
     inspectTable(notes, card, sql);
-    inspectResult(notes, card, inspection.hasCanvas);
+    const bool hasCanvas = !inspection.canvasName.isEmpty();
+    inspectResult(notes, card, hasCanvas);
     inspectSql(notes, card, inspection.sql);
-    if (inspection.hasCanvas) inspectCanvas(notes, card, inspection.canvasName, inspection.canvas);
+    if (hasCanvas) inspectCanvas(notes, card, inspection.canvasName, inspection.canvas);
     std::ranges::stable_sort(notes.findings, {}, &Finding::id);
     return std::move(notes.findings);
 }

@@ -9,9 +9,8 @@
 struct Inspection {
     Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
-    bool hasCanvas = false;
-    QString canvasName;
-    QString canvas; // its text
+    QString canvasName = {}; // empty without one
+    QString canvas = {};     // its text
 };
 
 // The findings in the order of the manual. Those that only rows can show are among them.

@@ -41,9 +41,9 @@ void putRecoding(TextBuffer &out, const Recoding &recoding) {
     put(out, u"\n  ", node.attribute(u"type"));
     if (recoding.isBoolean) put(out, u", boolean");
     put(out, u", coefficient ", recoding.coefficient, u"\n");
-    if (!recoding.codes.exact.empty()) {
+    if (!recoding.codes.empty()) {
         QStringList codes;
-        for (const double code : recoding.codes.exact) codes.prepend(numberText(code));
+        for (const double code : recoding.codes) codes.prepend(numberText(code));
         put(out, u"  missing codes: ", codes.join(u", "_s), u"\n");
     }
     Table table = {

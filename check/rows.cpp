@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -19,33 +20,23 @@ constexpr std::size_t noKey = static_cast<std::size_t>(-1);
 
 struct ScoreFile {
     OutputFile file;
-    std::vector<char> text;
+    std::vector<char> text = std::vector<char>(1);
     std::size_t used = 0;
-    bool isWritten = true; // the device took everything so far
 };
-
-void flush(ScoreFile &out) {
-    if (out.used == 0) return;
-    const std::size_t size = std::fwrite(out.text.data(), 1, out.used, out.file.stream.get());
-    out.isWritten = out.isWritten && size == out.used;
-    out.used = 0;
-}
-
-// Whether the device took everything.
-bool close(ScoreFile &out) {
-    if (!out.file.stream) return true;
-    flush(out);
-    return std::fclose(out.file.stream.release()) == 0 && out.isWritten;
-}
 
 // Where so many characters may be put; what was used of them is to be counted.
 char *roomFor(ScoreFile &out, std::size_t size) {
     constexpr std::size_t block = 1 << 16;
     if (out.used + size > out.text.size()) {
-        flush(out);
+        std::fwrite(out.text.data(), 1, std::exchange(out.used, 0), out.file.stream.get());
         out.text.resize(std::max({size, block, out.text.size()}));
     }
     return out.text.data() + out.used;
+}
+
+void put(ScoreFile &out, std::string_view text) {
+    text.copy(roomFor(out, text.size()), text.size());
+    out.used += text.size();
 }
 
 // Nothing for what is no number. Digits are made where they stay: copying fresh ones is slow.
@@ -57,23 +48,15 @@ void putNumber(ScoreFile &out, Number number) {
     out.used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
 }
 
-void put(ScoreFile &out, std::string_view text) {
-    text.copy(roomFor(out, text.size()), text.size());
-    out.used += text.size();
-}
-
 void putCell(ScoreFile &out, std::string_view cell, char delimiter) {
     const char special[] = {'"', '\n', '\r', delimiter};
     if (cell.find_first_of({special, sizeof special}) == std::string_view::npos) {
         put(out, cell);
         return;
     }
-    put(out, "\"");
-    for (const char &c : cell) {
-        if (c == '"') put(out, "\"");
-        put(out, {&c, 1});
-    }
-    put(out, "\"");
+    QByteArray quoted(cell.data(), std::ssize(cell));
+    quoted = '"' + quoted.replace('"', "\"\"") + '"';
+    put(out, {quoted.data(), static_cast<std::size_t>(quoted.size())});
 }
 
 // --- The findings that a row is touched by
@@ -354,6 +337,11 @@ QString start(RowScorer &scorer) {
 
 } // namespace
 
+bool isClosed(OutputFile &file) {
+    const bool isWritten = std::ferror(file.stream.get()) == 0;
+    return std::fclose(file.stream.release()) == 0 && isWritten;
+}
+
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
                   RowCounts &counts, ComparisonResult &compared) {
     RowScorer scorer = {card, findings, options, counts};
@@ -367,7 +355,10 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     counts.rows = scorer.reader.row();
     counts.uneven = scorer.reader.unevenRows();
     counts.firstUneven = scorer.reader.firstUnevenRow();
-    if (!close(scorer.out)) return u"Cannot write to file '%1'."_s.arg(options.scores);
+    if (scorer.out.file.stream) {
+        std::fwrite(scorer.out.text.data(), 1, scorer.out.used, scorer.out.file.stream.get());
+        if (!isClosed(scorer.out.file)) return u"Cannot write to file '%1'."_s.arg(options.scores);
+    }
     if (!scorer.reader.problem().isEmpty() || options.results.isEmpty()) {
         return scorer.reader.problem();
     }

@@ -26,3 +26,6 @@ struct RowCounts {
 // with the call or a file, or an empty text.
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
                   RowCounts &counts, ComparisonResult &compared);
+
+// Closes the file. Whether the device took everything.
+bool isClosed(OutputFile &file);

@@ -26,21 +26,19 @@ bool isFalling(std::span<const double> x) {
            x.end();
 }
 
-Codes codesOf(const Scorecard &card, QStringView name) {
-    Codes codes = {.exact = card.dictionary.lists[card.dictionary.find(name)].codes, .rounded = {}};
-    for (const double code : codes.exact) codes.rounded.push_back(sixDigits(code));
-    return codes;
-}
-
 void readNumeric(Recoding &recoding, const Scorecard &card) {
     const NumericRecoding arrays = card.arrays.numeric(*recoding.variable);
     recoding.x = arrays.x;
     recoding.y = arrays.y;
     recoding.isRising = isRising(arrays.x);
+    const auto codesOf = [&](const QString &name) -> std::span<const double> {
+        return card.dictionary.lists[card.dictionary.find(name)].codes;
+    };
     const QStringView field = recoding.variable->field;
-    recoding.codes = codesOf(card, cleanName(field, cleanedInDocuments));
-    for (std::size_t t = 0; t < targetCount; ++t) {
-        recoding.codesOfTarget[t] = codesOf(card, cleanedFor(static_cast<Target>(t), field));
+    recoding.codes = codesOf(cleanName(field, cleanedInDocuments));
+    for (const Target target : listTargets(allTargets)) {
+        recoding.codesOfTarget[static_cast<std::size_t>(target)] =
+            codesOf(cleanedFor(target, field));
     }
 }
 

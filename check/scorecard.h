@@ -22,12 +22,6 @@ struct ListedValue {
 enum class Reading { Exact, AnyCase, AsNumber };
 inline constexpr std::size_t readings = 3;
 
-// Missing codes, in full and with 6 significant digits.
-struct Codes {
-    std::span<const double> exact;
-    std::vector<double> rounded;
-};
-
 struct Recoding {
     const Variable *variable = nullptr;
     std::size_t column = 0; // among the columns of the scorecard
@@ -41,9 +35,9 @@ struct Recoding {
     bool isBoolean = false;
     std::span<const QStringView> listed; // the values of a list, as the document has them
     std::array<std::unordered_map<std::string, ListedValue>, readings> values;
-    Codes codes;                                  // that count as missing
-    std::array<Codes, targetCount> codesOfTarget; // that each target finds
-    double coefficient = 0;                       // the sum of those of its terms
+    std::span<const double> codes;                                  // that count as missing
+    std::array<std::span<const double>, targetCount> codesOfTarget; // that each target finds
+    double coefficient = 0;                                         // the sum of those of its terms
 
     ListedValue find(std::string_view text, Reading reading = Reading::Exact) const;
 };
