@@ -34,7 +34,6 @@ def boolean(values, scores=(0, 1, 2)):
 
 
 NO_YES = ["no", "NO", "n", "N", "0", "yes"]
-TWO_BOUNDS = numeric(1, "n", [1, 2], [0, 1, 2, 3])
 CODES = {"n": [9]}
 LOGISTIC = model(method="softmax", kind="C")
 
@@ -43,8 +42,7 @@ def sql(**settings):
     return {"sql": configuration(**settings)}
 
 
-# For each finding the smallest model that has it, with what else it takes. The plain model with a plain canvas, and
-# with what else the entry takes, has none of them, but for those in PLAIN.
+# For each finding the smallest model that has it, with what else it takes. The plain model has none of them.
 HAVE = {
     "lowest-segment": (model(table=TABLE), {}),
     "lowest-point": (model(table=[(0, 0.5)]), {}),
@@ -131,19 +129,15 @@ HAVE = {
 
 
 class ScoresAndFindingsTest(CheckedTest):
-    def scores(self, path, rows, *more):
-        self.report(path, "--rows", rows, "--scores", "scores.csv", *more)
-        with open(self.folder / "scores.csv", newline="", encoding="utf-8") as file:
-            return [tuple(float(cell) if cell else None for cell in list(row.values())[-2:])
-                    for row in csv.DictReader(file)]
-
     def assert_scores(self, path, rows, *more):
         """Equal to the last bit."""
         meant = scorer.load(path)
         with open(rows, newline="", encoding="utf-8") as file:
-            cells = list(csv.DictReader(file))
-        expected = [(score := meant.score(row), meant.probability(score)) for row in cells]
-        self.assertEqual(self.scores(path, rows, *more), expected)
+            expected = [(score := meant.score(row), meant.probability(score)) for row in csv.DictReader(file)]
+        self.report(path, "--rows", rows, "--scores", "scores.csv", *more)
+        with open(self.folder / "scores.csv", newline="", encoding="utf-8") as file:
+            found = [tuple(float(cell) if cell else None for cell in row[-2:]) for row in list(csv.reader(file))[1:]]
+        self.assertEqual(found, expected)
 
     def test_scores_are_those_of_the_scorer(self):
         self.assert_scores(CREDIT, APPLICANTS, "--missing", "NA")
@@ -169,9 +163,10 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assert_scores(path, self.folder / "rows.csv")
 
     def test_kinds_of_models(self):
-        """Several terms of a number, equal points, bounds and points out of order, the logistic form."""
+        """Several terms of a number, equal points, bounds and points out of order, the logistic form; more cells than
+        are kept, and long ones."""
         rows = self.folder / "rows.csv"
-        rows.write_text("n,c\n" + "".join(f"{n / 4},{c}\n" for n in range(-8, 20) for c in ["a", "b", "z", ""]))
+        rows.write_text("n,c\n" + "".join(f"{n / 1000},{'abz'[n % 3:][:1]}\n{n / 9e3},\n" for n in range(-2000, 4000)))
         steep = [numeric(1, "n", [0, 1, 2, 3], [0, -2, -0.5, 0, 1, 3])]
         for text in [model(terms=[(1, 0.1), (2, 0.7), (1, 1 / 3)], constant=0.3), LOGISTIC,
                      model(*steep, table=[(3, 0.9), (2, 0.9), (2, 0.8), (1, 1 / 3), (-0.5, 0.25), (-2, 0.01)]),
@@ -208,12 +203,13 @@ class ScoresAndFindingsTest(CheckedTest):
     def test_findings_say_where(self):
         self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])))
         self.write("s.xml", configuration(dbTpye="mysql", dbType="sqlservr"))
-        self.write("rows.csv", "\ufeffc;n\n\"a\nb\";1\nA;1\nb;2\n?;x\n\n;1;2", "utf-8")
+        many = "".join(f"?;x{i} with a long text\n?;y{i}\n" for i in range(3000))
+        self.write("rows.csv", "\ufeffc;n\n\"a\nb\";1\nA;1\nb;2\n?;x\n" + many + "\n;1;2", "utf-8")
         report = self.report("m.ModelXml", "--sql", "s.xml", "--rows", "rows.csv", "--delimiter", ";", "--missing", "?")
-        self.assertEqual((report["rows"], report["uneven"]), (5, 1))
+        self.assertEqual((report["rows"], report["uneven"]), (6005, 1))
         found = {f["name"]: f for f in report["findings"]}
         self.assertEqual({name: (f["rows"], f["firstRow"]) for name, f in found.items() if f.get("rows")},
-                         {"single-bound": (3, 1), "capitals": (1, 2), "five-categories": (1, 3), "not-a-number": (1, 4)})
+                         {"single-bound": (3, 1), "capitals": (1, 2), "five-categories": (1, 3), "not-a-number": (6001, 4)})
         self.assertEqual([found[name]["place"] for name in ["unknown-setting", "unknown-dialect", "single-bound"]],
                          ["setting dbTpye; dbType is meant?", "setting dbType, 'sqlservr'; sqlserver is meant?",
                           "recoding V1 (column n)"])
@@ -232,8 +228,8 @@ class ScoresAndFindingsTest(CheckedTest):
 
     def test_calls_that_are_refused(self):
         self.write("m.ModelXml", model())
-        for name, text in {"rows": "n,x,x\n1,1,1\n", "good": "n , c\n1,a\n", "open": 'n,c\n1,"a\n'}.items():
-            self.write(f"{name}.csv", text, "utf-8")
+        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x"}.items():
+            self.write(name, text, "utf-8")
         self.write("short.ModelXml", model(numeric(1, "n", [1, 2], [0, 1])))
         compare = ["--rows", "rows.csv", "--compare", "rows.csv"]
         for status, message, arguments in [
@@ -245,7 +241,8 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "--show prints text", ["m.ModelXml", "--show", "--json"]),
             (2, "File './rows.csv' would be written over.", ["m.ModelXml", "--rows", "rows.csv", "--scores", "./rows.csv"]),
             (2, "Cannot write to file '/dev/full'.", ["m.ModelXml", "--rows", "good.csv", "--scores", "/dev/full"]),
-            (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv"]),
+            (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv", "--report", "kept.html"]),
+            (2, "--rows wants a file.", ["m.ModelXml", "--rows", ""]),
             (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
             (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
             (2, "The model has no probability; use --score.", ["m.ModelXml", *compare, "--target", "sql", "--probability", "n"]),
@@ -256,6 +253,7 @@ class ScoresAndFindingsTest(CheckedTest):
             with self.subTest(arguments):
                 *found, told = self.check(*arguments)
                 self.assertEqual((found, told[:len(message)]), ([status, ""], message))
+        self.assertEqual((self.folder / "kept.html").read_text(), "x")
 
 
 class DeploymentTest(CheckedTest):
