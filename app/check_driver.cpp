@@ -1,6 +1,6 @@
 #include "app/check_driver.h"
 
-#include "check/model_findings.h"
+#include "check/inspection.h"
 #include "check/report.h"
 #include "model/exit_status.h"
 #include "platform/platform.h"

@@ -90,7 +90,7 @@ struct ResultTaker {
             std::max(row.cells, cell.text.empty() ? ResultCells::Empty : ResultCells::NoNumber);
     }
     void endRow() {
-        comparison.unfinished.row = comparison.reader.row();
+        comparison.unfinished.row = comparison.reader.row;
         comparison.entries.push_back(std::exchange(comparison.unfinished, {}));
     }
 };
@@ -111,7 +111,7 @@ QString readAll(Comparison &c) {
     ResultTaker taker{c};
     while (c.reader.read(taker)) continue;
     tellRepeated(c, c.entries, u"row %1 of the results"_s);
-    return c.reader.problem();
+    return c.reader.problem;
 }
 
 // The next row of results; false when there is none.
@@ -375,5 +375,5 @@ QString finishComparison(Comparison &c) {
     c.result.blamed.assign(c.faultCounts.begin(), c.faultCounts.end());
     std::ranges::stable_sort(c.result.blamed, std::greater(),
                              [](const auto &fault) { return fault.second; });
-    return c.reader.problem();
+    return c.reader.problem;
 }

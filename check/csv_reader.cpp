@@ -59,7 +59,7 @@ QString CsvReader::open(const QString &fileName, char delimiter) {
         static_cast<CsvReader *>(reader)->hasHeader = true;
     };
     while (!hasHeader && parse(1, takeTitle, endTitles, this)) continue;
-    if (!trouble.isEmpty()) return trouble;
+    if (!problem.isEmpty()) return problem;
     return titles.empty() ? u"File '%1' has no header line."_s.arg(fileName) : QString();
 }
 
@@ -71,7 +71,7 @@ QString CsvReader::choose(std::span<const QString> names, std::vector<std::size_
             columns[plain].push_back(i);
         }
     }
-    QString problem;
+    QString wrong;
     QStringList absent;
     placeOf.assign(titles.size(), notChosen);
     for (std::size_t i = 0; i < names.size(); ++i) {
@@ -80,14 +80,14 @@ QString CsvReader::choose(std::span<const QString> names, std::vector<std::size_
         if (found == columns.end()) {
             absent.append(u'\'' + names[i] + u'\'');
         } else if (found->second.size() > 1) {
-            problem = u"File '%1' has two columns '%2'."_s.arg(name, names[i]);
+            wrong = u"File '%1' has two columns '%2'."_s.arg(name, names[i]);
         } else if (std::size_t &place = placeOf[found->second[0]]; place == notChosen) {
             place = i;
         } else {
             places[i] = place;
         }
     }
-    if (absent.isEmpty()) return problem;
+    if (absent.isEmpty()) return wrong;
     return u"File '%1' lacks the column%2 %3."_s.arg(name, absent.size() > 1 ? u"s"_s : QString(),
                                                      absent.join(u", "_s));
 }
@@ -103,19 +103,19 @@ bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void 
     const std::string_view piece = unread.substr(0, most);
     unread.remove_prefix(piece.size());
     if (csv_parse(&parser, piece.data(), piece.size(), takeCell, endRow, call) != piece.size()) {
-        trouble = u"File '%1' has a cell of more than 64 MiB; is a quotation mark not closed?"_s;
+        problem = u"File '%1' has a cell of more than 64 MiB; is a quotation mark not closed?"_s;
     } else if (piece.empty()) {
         isAtEnd = true;
-        if (std::ferror(file.stream.get())) trouble = u"Cannot read file '%1'."_s;
+        if (std::ferror(file.stream.get())) problem = u"Cannot read file '%1'."_s;
         // Only here, since strictness would refuse quotation marks within cells.
         csv_set_opts(&parser, CSV_STRICT | CSV_STRICT_FINI);
         if (csv_fini(&parser, takeCell, endRow, call) != 0) {
-            trouble = u"File '%1' ends within quotation marks."_s;
+            problem = u"File '%1' ends within quotation marks."_s;
         }
     }
     if (isOutOfMemory) throw std::bad_alloc();
-    if (trouble.isEmpty()) return true;
-    trouble = trouble.arg(name);
+    if (problem.isEmpty()) return true;
+    problem = problem.arg(name);
     isAtEnd = true;
     return false;
 }

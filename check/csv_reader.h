@@ -41,13 +41,10 @@ public:
     template <typename Taker>
     bool read(Taker &taker);
 
-    // The row's number, from 1.
-    std::int64_t row() const { return number; }
-    // How many rows have fewer or more cells than there are titles, and the first of them.
-    std::int64_t unevenRows() const { return uneven; }
-    std::int64_t firstUnevenRow() const { return firstUneven; }
-    // What kept the file from being read to its end; else empty.
-    const QString &problem() const { return trouble; }
+    std::int64_t row = 0;    // its number, from 1
+    std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
+    std::int64_t firstUneven = 0;
+    QString problem; // what kept the file from being read to its end; else empty
 
 private:
     using CellCall = void (*)(void *bytes, std::size_t size, void *call);
@@ -70,7 +67,6 @@ private:
     static constexpr std::size_t notChosen = static_cast<std::size_t>(-1);
 
     QString name;
-    QString trouble;
     OutputFile file;
     csv_parser parser{};
     bool hasHeader = false;
@@ -81,9 +77,6 @@ private:
     std::vector<std::string> titles;
     std::vector<std::size_t> placeOf; // of each column
     std::size_t column = 0;           // of the next cell
-    std::int64_t number = 0;
-    std::int64_t uneven = 0;
-    std::int64_t firstUneven = 0;
 };
 
 // The cell without the blanks around it.
@@ -110,9 +103,9 @@ bool CsvReader::read(Taker &taker) {
     const auto endRow = [](int /*terminator*/, void *context) {
         auto &[reader, to] = *static_cast<Call *>(context);
         const std::size_t cells = std::exchange(reader.column, 0);
-        ++reader.number;
+        ++reader.row;
         if (cells != reader.placeOf.size() && reader.uneven++ == 0) {
-            reader.firstUneven = reader.number;
+            reader.firstUneven = reader.row;
         }
         reader.guard([&, &reader = reader, &to = to] {
             static constexpr char nothing[readableBytes] = {};

@@ -1,8 +1,7 @@
-#include "check/model_findings.h"
+#include "check/inspection.h"
 
 #include "check/csv_reader.h"
 #include "check/evaluation.h"
-#include "check/setting_findings.h"
 
 #include <QSet>
 

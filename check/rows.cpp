@@ -182,7 +182,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
 }
 
 void judge(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
-    judged.firstRow = scorer.reader.row() + 1;
+    judged.firstRow = scorer.reader.row + 1;
     judged.cell = cellOf(judged.raw, scorer.options.missing);
     judged.recoded.clear();
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
@@ -217,7 +217,7 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
 
 void touch(RowScorer &scorer, std::size_t position, FindingSet &touched) {
     Finding &finding = scorer.findings[position];
-    if (finding.rows++ == 0) finding.firstRow = scorer.reader.row();
+    if (finding.rows++ == 0) finding.firstRow = scorer.reader.row;
     touched.add(finding.id);
 }
 
@@ -260,7 +260,7 @@ void countScore(RowCounts &counts, double score) {
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
     ScoreFile &out = scorer.out;
     if (scorer.keyAt == noKey) {
-        putNumber(out, scorer.reader.row());
+        putNumber(out, scorer.reader.row);
     } else {
         putCell(out, key, scorer.options.delimiter);
     }
@@ -289,7 +289,7 @@ void RowScorer::endRow() {
         cells.push_back(judgedCell->cell);
         for (const std::size_t position : judgedCell->touched) touched.add(findings[position].id);
     }
-    compareRow(comparison, {reader.row(), trimmed(cell), cells, recoded, prediction, touched});
+    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, touched});
 }
 
 // --- Counts for reports
@@ -352,15 +352,15 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     for (std::size_t i = 0; i < scorer.judged.size(); ++i) {
         countCell(scorer, i / scorer.places, scorer.judged[i]);
     }
-    counts.rows = scorer.reader.row();
-    counts.uneven = scorer.reader.unevenRows();
-    counts.firstUneven = scorer.reader.firstUnevenRow();
+    counts.rows = scorer.reader.row;
+    counts.uneven = scorer.reader.uneven;
+    counts.firstUneven = scorer.reader.firstUneven;
     if (scorer.out.file.stream) {
         std::fwrite(scorer.out.text.data(), 1, scorer.out.used, scorer.out.file.stream.get());
         if (!isClosed(scorer.out.file)) return u"Cannot write to file '%1'."_s.arg(options.scores);
     }
-    if (!scorer.reader.problem().isEmpty() || options.results.isEmpty()) {
-        return scorer.reader.problem();
+    if (!scorer.reader.problem.isEmpty() || options.results.isEmpty()) {
+        return scorer.reader.problem;
     }
     const QString unread = finishComparison(scorer.comparison);
     compared = std::move(scorer.comparison.result);

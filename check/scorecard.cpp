@@ -6,7 +6,7 @@
 #include <QHash>
 
 #include <algorithm>
-#include <unordered_map>
+#include <utility>
 
 namespace {
 
@@ -72,12 +72,6 @@ void readCategorical(Recoding &recoding, const Scorecard &card) {
 
 void readRecodingsOf(Scorecard &card) {
     QHash<QStringView, std::size_t> columns;
-    std::array<QHash<QString, std::size_t>, targetCount> lastAlike;
-    const auto nameIn = [](std::size_t t, const Recoding &recoding) {
-        const auto target = static_cast<Target>(t);
-        const QString name = cleanedFor(target, recoding.variable->field);
-        return target == Target::Sas ? name.toLower() : name; // which knows no capitals
-    };
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
         Recoding &recoding = card.recodings[variable.position];
@@ -91,9 +85,6 @@ void readRecodingsOf(Scorecard &card) {
         }
         recoding.rank = card.recodingsOf[recoding.column].size();
         card.recodingsOf[recoding.column].push_back(variable.position);
-        for (std::size_t t = 0; t < targetCount; ++t) {
-            lastAlike[t][nameIn(t, recoding)] = recoding.column;
-        }
         if (variable.isCategorical) {
             readCategorical(recoding, card);
         } else {
@@ -102,34 +93,40 @@ void readRecodingsOf(Scorecard &card) {
     }
     for (Recoding &recoding : card.recodings) {
         recoding.asked = &card.recodings[card.recodingsOf[recoding.column].back()];
-        for (std::size_t t = 0; t < targetCount; ++t) {
-            recoding.lastAlike[t] = lastAlike[t][nameIn(t, recoding)];
-        }
+    }
+}
+
+void findAlike(Scorecard &card, Target target) {
+    QHash<QString, std::size_t> last;
+    const auto columnOf = [&](const Recoding &recoding) -> std::size_t & {
+        const QString name = cleanedFor(target, recoding.variable->field);
+        return last[target == Target::Sas ? name.toLower() : name]; // SAS knows no capitals
+    };
+    for (const Recoding &recoding : card.recodings) columnOf(recoding) = recoding.column;
+    for (Recoding &recoding : card.recodings) {
+        recoding.lastAlike[static_cast<std::size_t>(target)] = columnOf(recoding);
     }
 }
 
 void readTerms(Scorecard &card) {
-    std::unordered_map<int, std::pair<double, double>> coefficients; // first and last of a number
+    QHash<int, double> first; // by number
+    QHash<int, double> last;
     double factor = 1;
-    for (const RegressionTerm &term : card.regression.terms) {
-        const double coefficient = term.coefficient;
-        coefficients.try_emplace(term.number, coefficient, coefficient).first->second.second =
-            coefficient;
-        if (term.position < 0) { // written without a name, it multiplies what follows
-            factor *= coefficient;
-            continue;
-        }
-        const auto recoding = static_cast<std::size_t>(term.position);
+    for (const auto &[coefficient, number, position] : card.regression.terms) {
+        if (!first.contains(number)) first[number] = coefficient;
+        last[number] = coefficient;
+        factor *= coefficient;
+        if (position < 0) continue; // written without a name, it multiplies what follows
+        const auto recoding = static_cast<std::size_t>(position);
         card.recodings[recoding].coefficient += coefficient;
         card.terms.push_back({coefficient, recoding});
-        card.factorTerms.push_back({factor * coefficient, recoding});
-        factor = 1;
+        card.factorTerms.push_back({std::exchange(factor, 1), recoding});
     }
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
-        const auto found = coefficients.find(card.recodings[i].variable->number);
-        if (found == coefficients.end()) continue;
-        card.firstTerms.push_back({found->second.first, i});
-        card.lastTerms.push_back({found->second.second, i});
+        const int number = card.recodings[i].variable->number;
+        if (!first.contains(number)) continue;
+        card.firstTerms.push_back({first[number], i});
+        card.lastTerms.push_back({last[number], i});
     }
 }
 
@@ -175,6 +172,7 @@ Scorecard readScorecard(const QString &fileName) {
                 betas);
     if (card.variables.size() < betas.size()) card.htmlConstant = betas[card.variables.size()];
     readRecodingsOf(card);
+    for (const Target target : listTargets(allTargets)) findAlike(card, target);
     readTerms(card);
     return card;
 }

@@ -1,4 +1,4 @@
-#include "check/setting_findings.h"
+#include "check/inspection.h"
 
 #include "model/canvas_tags.h"
 #include "model/sql_dialect.h"

@@ -1,5 +1,5 @@
 // All fuzz targets. A program of them runs one, whose name it is compiled with as FUZZ_TARGET.
-#include "check/model_findings.h"
+#include "check/inspection.h"
 #include "check/report.h"
 #include "exporters/html/html_exporter.h"
 #include "exporters/python/python_exporter.h"
