@@ -332,13 +332,13 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     if (hasProbability(c) && !c.card.hasProbability()) {
         return u"The model has no probability; use --score."_s;
     }
-    const QString problem = c.reader.open(c.options.results, c.options.delimiter);
+    QString problem = c.reader.open(c.options.results, c.options.delimiter);
     if (!problem.isEmpty()) return problem;
     QStringList wanted = {c.options.key, c.options.score, c.options.probability};
     wanted.removeAll(QString());
     std::vector<std::size_t> places;
-    const QString absent = c.reader.choose(wanted, places);
-    return absent.isEmpty() && !c.options.key.isEmpty() ? readAll(c) : absent;
+    problem = c.reader.choose(wanted, places);
+    return problem.isEmpty() && !c.options.key.isEmpty() ? readAll(c) : problem;
 }
 
 void compareRow(Comparison &c, const RowFacts &facts) {

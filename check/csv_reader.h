@@ -92,29 +92,26 @@ bool CsvReader::read(Taker &taker) {
     struct Call {
         CsvReader &reader;
         Taker &taker;
-    } call{*this, taker};
-    const auto takeCell = [](void *bytes, std::size_t size, void *context) {
-        auto &[reader, to] = *static_cast<Call *>(context);
-        const std::size_t at = reader.column++;
-        if (at >= reader.placeOf.size() || reader.placeOf[at] == notChosen) return;
-        const std::string_view cell(static_cast<const char *>(bytes), size);
-        reader.guard([&, &to = to] { to.takeCell(reader.placeOf[at], cell); });
-    };
-    const auto endRow = [](int /*terminator*/, void *context) {
-        auto &[reader, to] = *static_cast<Call *>(context);
-        const std::size_t cells = std::exchange(reader.column, 0);
-        ++reader.row;
-        if (cells != reader.placeOf.size() && reader.uneven++ == 0) {
-            reader.firstUneven = reader.row;
+
+        void hand(std::string_view cell) {
+            const std::size_t at = reader.column++;
+            if (at >= reader.placeOf.size() || reader.placeOf[at] == notChosen) return;
+            reader.guard([&] { taker.takeCell(reader.placeOf[at], cell); });
         }
-        reader.guard([&, &reader = reader, &to = to] {
-            static constexpr char nothing[readableBytes] = {};
-            for (std::size_t i = cells; i < reader.placeOf.size(); ++i) {
-                const std::size_t place = reader.placeOf[i];
-                if (place != notChosen) to.takeCell(place, std::string_view(nothing, 0));
+        void endRow() {
+            ++reader.row;
+            if (reader.column != reader.placeOf.size() && reader.uneven++ == 0) {
+                reader.firstUneven = reader.row;
             }
-            to.endRow();
-        });
+            static constexpr char nothing[readableBytes] = {};
+            while (reader.column < reader.placeOf.size()) hand(nothing);
+            reader.column = 0;
+            reader.guard([&] { taker.endRow(); });
+        }
+    } call{*this, taker};
+    const auto takeCell = [](void *bytes, std::size_t size, void *to) {
+        static_cast<Call *>(to)->hand({static_cast<const char *>(bytes), size});
     };
+    const auto endRow = [](int /*terminator*/, void *to) { static_cast<Call *>(to)->endRow(); };
     return parse(block.size(), takeCell, endRow, &call);
 }

@@ -317,8 +317,8 @@ QString start(RowScorer &scorer) {
     std::vector<QString> wanted = scorer.card.columns;
     if (!options.key.isEmpty()) wanted.push_back(options.key);
     std::vector<std::size_t> places;
-    const QString absent = scorer.reader.choose(wanted, places);
-    if (!absent.isEmpty()) return absent;
+    problem = scorer.reader.choose(wanted, places);
+    if (!problem.isEmpty()) return problem;
     if (!options.key.isEmpty()) scorer.keyAt = places.back();
     if (options.scores.isEmpty()) return {};
     scorer.out.file.stream.reset(openFile(options.scores, FileUse::Write));
@@ -345,7 +345,7 @@ bool isClosed(OutputFile &file) {
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
                   RowCounts &counts, ComparisonResult &compared) {
     RowScorer scorer = {card, findings, options, counts};
-    const QString problem = start(scorer);
+    QString problem = start(scorer);
     if (!problem.isEmpty()) return problem;
     startCounts(card, counts);
     while (scorer.reader.read(scorer)) continue;
@@ -362,7 +362,7 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     if (!scorer.reader.problem.isEmpty() || options.results.isEmpty()) {
         return scorer.reader.problem;
     }
-    const QString unread = finishComparison(scorer.comparison);
+    problem = finishComparison(scorer.comparison);
     compared = std::move(scorer.comparison.result);
-    return unread;
+    return problem;
 }
