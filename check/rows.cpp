@@ -20,15 +20,20 @@ constexpr std::size_t noKey = static_cast<std::size_t>(-1);
 
 struct ScoreFile {
     OutputFile file;
-    std::vector<char> text = std::vector<char>(1);
+    std::vector<char> text;
     std::size_t used = 0;
 };
+
+void flush(ScoreFile &out) {
+    const std::size_t size = std::exchange(out.used, 0);
+    if (size > 0) std::fwrite(out.text.data(), 1, size, out.file.stream.get());
+}
 
 // Where so many characters may be put; what was used of them is to be counted.
 char *roomFor(ScoreFile &out, std::size_t size) {
     constexpr std::size_t block = 1 << 16;
     if (out.used + size > out.text.size()) {
-        std::fwrite(out.text.data(), 1, std::exchange(out.used, 0), out.file.stream.get());
+        flush(out);
         out.text.resize(std::max({size, block, out.text.size()}));
     }
     return out.text.data() + out.used;
@@ -356,7 +361,7 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     counts.uneven = scorer.reader.uneven;
     counts.firstUneven = scorer.reader.firstUneven;
     if (scorer.out.file.stream) {
-        std::fwrite(scorer.out.text.data(), 1, scorer.out.used, scorer.out.file.stream.get());
+        flush(scorer.out);
         if (!isClosed(scorer.out.file)) return u"Cannot write to file '%1'."_s.arg(options.scores);
     }
     if (!scorer.reader.problem.isEmpty() || options.results.isEmpty()) {
