@@ -44,13 +44,13 @@ void put(ScoreFile &out, std::string_view text) {
     out.used += text.size();
 }
 
+constexpr std::ptrdiff_t longestNumber = 32;
+
 // Nothing for what is no number. Digits are made where they stay: copying fresh ones is slow.
 template <typename Number>
-void putNumber(ScoreFile &out, Number number) {
-    if (std::isnan(static_cast<double>(number))) return;
-    constexpr std::size_t longest = 32;
-    char *const at = roomFor(out, longest);
-    out.used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
+char *numberAt(char *at, Number number) {
+    const bool isNumber = !std::isnan(static_cast<double>(number));
+    return isNumber ? std::to_chars(at, at + longestNumber, number).ptr : at;
 }
 
 void putCell(ScoreFile &out, std::string_view cell, char delimiter) {
@@ -264,16 +264,16 @@ void countScore(RowCounts &counts, double score) {
 
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
     ScoreFile &out = scorer.out;
-    if (scorer.keyAt == noKey) {
-        putNumber(out, scorer.reader.row);
-    } else {
-        putCell(out, key, scorer.options.delimiter);
-    }
+    const bool hasKey = scorer.keyAt != noKey;
+    if (hasKey) putCell(out, key, scorer.options.delimiter);
+    char *at = roomFor(out, 4 * longestNumber);
+    if (!hasKey) at = numberAt(at, scorer.reader.row);
     for (const double number : {prediction.score, prediction.probability}) {
-        put(out, {&scorer.options.delimiter, 1});
-        putNumber(out, number);
+        *at++ = scorer.options.delimiter;
+        at = numberAt(at, number);
     }
-    put(out, "\n");
+    *at++ = '\n';
+    out.used = static_cast<std::size_t>(at - out.text.data());
 }
 
 void RowScorer::endRow() {
