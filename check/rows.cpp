@@ -186,7 +186,12 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     judged.rows = 0;
 }
 
-void judge(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
+// Takes the place of another cell. Kept apart, so that a cell that was judged needs few registers.
+[[gnu::noinline]] void judge(RowScorer &scorer, std::size_t column, JudgedCell &judged,
+                             const CellStart &start, std::string_view bytes) {
+    countCell(scorer, column, judged);
+    judged.start = start;
+    judged.raw = bytes;
     judged.firstRow = scorer.reader.row + 1;
     judged.cell = cellOf(judged.raw, scorer.options.missing);
     judged.recoded.clear();
@@ -211,12 +216,8 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
     const std::uint64_t mixed = (start.first ^ start.second) * 0x9E3779B97F4A7C15U;
     JudgedCell &cell = judged[place * places + ((mixed >> 48U) & (places - 1))];
     row[place] = &cell;
-    if (cell.start != start || (start.size > readableBytes && cell.raw != bytes)) {
-        countCell(*this, place, cell);
-        cell.start = start;
-        cell.raw = bytes;
-        judge(*this, place, cell);
-    }
+    const bool isOther = cell.start != start || (start.size > readableBytes && cell.raw != bytes);
+    if (isOther) judge(*this, place, cell, start, bytes);
     ++cell.rows;
 }
 
