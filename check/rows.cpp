@@ -142,7 +142,7 @@ struct JudgedCell {
 // those of its column, which are a power of two.
 std::size_t placesOf(std::size_t columns) {
     constexpr std::size_t most = 1 << 16;
-    std::size_t places = 1024;
+    std::size_t places = 2048;
     while (places > 1 && places * columns > most) places /= 2;
     return places;
 }
