@@ -30,7 +30,7 @@ bool isRounded(double number) {
 
 void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
     const QStringView field = recoding.variable->field;
-    const QStringView type = recoding.variable->node.attribute(u"type");
+    const QStringView type = recoding.variable->type;
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
     const std::span<const double> codes = recoding.codes;
@@ -129,7 +129,7 @@ void inspectNames(Notes &notes, const Recoding &recoding) {
     notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
     notes.add(LongName, recodingName.size() > longestName);
     notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
-    notes.add(LabelEndsComment, variable.node.attribute(u"displayName").contains(u"*/"_s));
+    notes.add(LabelEndsComment, variable.label.contains(u"*/"_s));
 }
 
 void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {

@@ -33,12 +33,10 @@ void putTable(TextBuffer &out, const Table &table) {
 }
 
 void putRecoding(TextBuffer &out, const Recoding &recoding) {
-    const XmlNode &node = recoding.variable->node;
+    const Variable &variable = *recoding.variable;
     put(out, u"\n", titleOf(recoding));
-    if (const QStringView label = node.attribute(u"displayName"); !label.isEmpty()) {
-        put(out, u" (", label, u")");
-    }
-    put(out, u"\n  ", node.attribute(u"type"));
+    if (!variable.label.isEmpty()) put(out, u" (", variable.label, u")");
+    put(out, u"\n  ", variable.type);
     if (recoding.isBoolean) put(out, u", boolean");
     put(out, u", coefficient ", recoding.coefficient, u"\n");
     if (!recoding.codes.empty()) {
@@ -180,7 +178,7 @@ QString shortNumber(double number) {
 }
 
 QString titleOf(const Recoding &recoding) {
-    return u"%1 %2"_s.arg(recoding.variable->node.attribute(u"name"), recoding.variable->field);
+    return u"%1 %2"_s.arg(recoding.variable->name, recoding.variable->field);
 }
 
 std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row) {

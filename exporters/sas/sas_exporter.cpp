@@ -26,13 +26,9 @@ namespace {
 constexpr int exitUnsupportedRecoding = 1;
 constexpr QStringView cleanedCharacters = u" .";
 
-QStringView typeOf(const Variable &variable) {
-    return variable.type;
-}
-
 bool isSupported(const Variable &variable) {
-    return variable.isCategorical || typeOf(variable) == u"NormContinuous" ||
-           typeOf(variable) == u"Discretize";
+    return variable.isCategorical || variable.type == u"NormContinuous" ||
+           variable.type == u"Discretize";
 }
 
 void putBanner(TextBuffer &out, const ModelDocument &document,
@@ -102,7 +98,7 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
 
 void putHeading(TextBuffer &out, const Variable &variable) {
     put(out, u"\n   /* computing recoding '", variable.recodingName, u"'\n      based on the ",
-        typeOf(variable), u" column of display name '", variable.label, u"' */\n\n");
+        variable.type, u" column of display name '", variable.label, u"' */\n\n");
 }
 
 void putRecodings(TextBuffer &out, std::span<const Variable> variables,
