@@ -39,7 +39,8 @@ void readBytes(std::FILE *input, FileBytes &file) {
         return;
     }
     std::array<char, 2> mark{};
-    const std::size_t markSize = std::fread(mark.data(), 1, mark.size(), input);
+    const std::size_t markSize =
+        std::fread(mark.data(), 1, std::min(mark.size(), file.size), input);
     const std::size_t room = roomForText(file.size);
     file.start = QByteArrayView(mark) == "\xFF\xFE" ? 0 : room;
     file.blockSize = room + zeroBytes + expectedRoom(file.size);
