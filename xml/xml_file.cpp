@@ -30,6 +30,19 @@ std::size_t roomForText(std::size_t bytes) {
     return bytes * sizeof(char16_t) + 64;
 }
 
+// Takes a block for the text and the tree or, where memory is short, for the text alone: the tree
+// then takes what it needs and no more. False when there is none for the text either.
+bool takeBlock(FileBytes &file) {
+    const std::size_t room = roomForText(file.size);
+    const std::size_t least = file.start + file.size + zeroBytes;
+    for (const std::size_t size : {room + zeroBytes + expectedRoom(file.size), least}) {
+        file.blockSize = size;
+        file.block = allocateBlock(size);
+        if (file.block) return true;
+    }
+    return false;
+}
+
 // Reads a file of `file.size` bytes, to behind the room for their text. A mark promises that they
 // are the text: it begins with the block, since from within a large page on it takes a page more.
 void readBytes(std::FILE *input, FileBytes &file) {
@@ -41,11 +54,8 @@ void readBytes(std::FILE *input, FileBytes &file) {
     std::array<char, 2> mark{};
     const std::size_t markSize =
         std::fread(mark.data(), 1, std::min(mark.size(), file.size), input);
-    const std::size_t room = roomForText(file.size);
-    file.start = QByteArrayView(mark) == "\xFF\xFE" ? 0 : room;
-    file.blockSize = room + zeroBytes + expectedRoom(file.size);
-    file.block = allocateBlock(file.blockSize);
-    if (!file.block) {
+    file.start = QByteArrayView(mark) == "\xFF\xFE" ? 0 : roomForText(file.size);
+    if (!takeBlock(file)) {
         file.error = XmlError::WideCharConversionError;
         return;
     }
@@ -109,11 +119,12 @@ Source utf16Source(const FileBytes &file) {
             block.subspan(file.start + file.size + zeroBytes)};
 }
 
-// Without a text when the bytes are none.
+// Without a text when the bytes are none, or memory is too short to decode them.
 Source narrowSource(FileBytes &file) {
     const std::span block(file.block.get(), file.blockSize);
     if (file.start == 0) { // marked, but not taken for UTF-16 by the system
         file.start = roomForText(file.size);
+        if (file.start + file.size + zeroBytes > file.blockSize) return {};
         std::memmove(block.data() + file.start, block.data(), file.size);
     }
     auto *const text = reinterpret_cast<char16_t *>(block.data());
