@@ -11,6 +11,7 @@
 
 #include <QString>
 
+#include <memory_resource>
 #include <vector>
 
 struct ModelDocument {

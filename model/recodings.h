@@ -26,7 +26,8 @@ struct Variable {
     bool isBoolean = false;     // a list of spellings of false and true
 };
 
-// All variables in document order, their fields cleaned of the characters of `replaced`.
+// All variables in document order, their fields cleaned of the characters of `replaced`. The list
+// stands in the document's memory: it must not outlive the document.
 std::pmr::vector<Variable> readVariables(ModelDocument &document, QStringView replaced);
 
 // The numbers that stand for a missing value of a numeric column, in the order in which all targets
@@ -105,12 +106,13 @@ struct Recodings {
     std::pmr::vector<Record> records{}; // of each variable
     std::pmr::vector<double> numbers{};
     std::pmr::vector<QStringView> values{};
-    std::vector<MissingCodes> missingCodes{}; // each list once; the first is none
+    std::vector<MissingCodes> missingCodes{}; // each list once; the first says that there is none
 
     NumericRecoding numeric(const Variable &variable) const;
     CategoricalRecoding categorical(const Variable &variable) const;
 };
 // Whether a boolean column needs only the scores that its values take, or both even without values.
 enum class BooleanScores { OfValues, Both };
+// They stand in the document's memory, as the variables do.
 Recodings readRecodings(ModelDocument &document, std::span<const Variable> variables,
                         BooleanScores booleanScores = BooleanScores::OfValues);

@@ -30,10 +30,11 @@ char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text);
 struct ReleaseMemory {
     void operator()(std::byte *block) const;
 };
-// A block of memory, in large pages where it is large and the system has them: a page that is
-// touched for the first time costs more than filling it. Only pages that are touched take memory.
+// A block of memory, aligned for every type, in large pages where it is large and the system has
+// them: a page that is touched for the first time costs more than filling it. Only pages that are
+// touched take memory.
 using MemoryBlock = std::unique_ptr<std::byte[], ReleaseMemory>;
-// Null when memory is short.
+// A block of so many bytes, at least one. Null when memory is short.
 MemoryBlock allocateBlock(std::size_t bytes);
 
 // Writes to standard output. A file or a pipe gets UTF-8 on every system, and line feeds as they

@@ -44,7 +44,7 @@ bool takeBlock(FileBytes &file) {
 }
 
 // Reads a file of `file.size` bytes, to behind the room for their text. A mark promises that they
-// are the text: it begins with the block, since from within a large page on it takes a page more.
+// are the text: it begins with the block, since within a large page it would touch a page more.
 void readBytes(std::FILE *input, FileBytes &file) {
     constexpr std::size_t largest = PTRDIFF_MAX / 8; // of which the sums below are no overflow
     if (file.size > largest) {

@@ -139,8 +139,8 @@ public:
 
     // The length of the text that the whole tree was read from, in units.
     qsizetype sourceLength() const;
-    // Memory for what is read from the tree, which lives as long as the tree. That of the empty node
-    // is the system's.
+    // Memory for what is read from the tree. It lives as long as the tree, and what is given back
+    // is used again only after that. That of the empty node is the system's.
     std::pmr::memory_resource *memory() const;
 
 private:
