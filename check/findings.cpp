@@ -47,7 +47,7 @@ constexpr FindingKind kinds[] = {
     // --- SAS
     {MissingCodesLine, u"missing-codes-line", sas, none, untold,
      u"The line of missing values lacks its beginning, and the last code of the list is not in it.",
-     u"Replace the line as the manual shows.", u"sas.md"},
+     u"Replace the line with examples/repair.py.", u"sas.md"},
     {MissingCodesDigits, u"missing-codes-digits", sas | vba | python, sas | vba | python, counted,
      u"A missing code is written with 6 significant digits, so that another number is looked for.",
      u"Write the code in full by hand.", u"sas.md"},
@@ -96,7 +96,7 @@ constexpr FindingKind kinds[] = {
      u"Set that mode, or name the column otherwise in a view.", u"sql.md"},
     {ApostropheInValue, u"apostrophe-in-value", sql, none, untold,
      u"An apostrophe in a value is written \\', which MySQL and MariaDB read, while others want ''.",
-     u"Write '' by hand for other databases.", u"sql.md"},
+     u"Write '' for other databases with examples/repair.py.", u"sql.md"},
     {BooleanNumbers, u"boolean-numbers", sql, sql, counted,
      u"The boolean column is compared with the numbers 0 and 1.",
      u"Set boolsAreNumbers to 0 where it holds the texts of the document.", u"sql.md"},
@@ -145,7 +145,7 @@ constexpr FindingKind kinds[] = {
     // --- Python
     {MissingCodesParenthesis, u"missing-codes-parenthesis", python, none, untold,
      u"The line of missing codes lacks a closing parenthesis: the module does not compile.",
-     u"Close it with the command that the manual shows.", u"python.md"},
+     u"Close it with examples/repair.py.", u"python.md"},
     {NoCategories, u"no-categories", python, none, untold,
      u"A model without categorical columns does not compile: its __init__ is empty.", u"Write pass there.", u"python.md"},
     {LogisticLastRow, u"logistic-last-row", python, python, untold,
