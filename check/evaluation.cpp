@@ -77,8 +77,9 @@ std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations
     if (text.empty()) return 0;
     if (deviates(FiveCategories, !isBoolean && recoding.listed.size() == 5)) return 0;
     if (deviates(Backslash) && isEscaped(text)) return 0;
-    if (deviates(BooleanNumbers, isBoolean && recoding.y.size() > 2 && cell.isNumber)) {
-        return cell.number == 0 ? 1 : cell.number == 1 ? 2 : 0;
+    if (deviates(BooleanNumbers, isBoolean && recoding.y.size() > 2)) {
+        const double number = cell.isNumber ? cell.number : 0; // as in MySQL and MariaDB
+        return number == 0 ? 1 : number == 1 ? 2 : 0;
     }
     if (deviates(ValuesAsNumbers)) return recoding.find(text, Reading::AsNumber).first;
     if (deviates(Capitals)) return recoding.find(text, Reading::AnyCase).first;

@@ -98,7 +98,7 @@ constexpr FindingKind kinds[] = {
      u"An apostrophe in a value is written \\', which MySQL and MariaDB read, while others want ''.",
      u"Write '' for other databases with examples/repair.py.", u"sql.md"},
     {BooleanNumbers, u"boolean-numbers", sql, sql, counted,
-     u"The boolean column is compared with the numbers 0 and 1.",
+     u"The boolean column is compared with the numbers 0 and 1: texts are all false in MySQL and MariaDB, unknown or refused elsewhere.",
      u"Set boolsAreNumbers to 0 where it holds the texts of the document.", u"sql.md"},
     {BooleanBlanks, u"boolean-blanks", sql, sql, counted,
      u"Texts of the boolean column are compared with the blanks around them.",

@@ -202,8 +202,13 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     for (const Watch &watch : scorer.watches.ofColumns[column]) {
         if (!judged.touched.empty() && judged.touched.back() == watch.finding) continue;
         const Recoding &recoding = scorer.card.recodings[watch.recoding];
-        const Recoded other = recode(recoding, judged.cell, watch.deviations);
-        if (differ(other, judged.recoded[recoding.rank])) judged.touched.push_back(watch.finding);
+        const Recoded &meant = judged.recoded[recoding.rank];
+        // A text of the document is none of the numbers, also where it happens to score the same.
+        const bool isListedText =
+            watch.deviations.has(BooleanNumbers) && meant.position > 0 && !judged.cell.isNumber;
+        if (isListedText || differ(recode(recoding, judged.cell, watch.deviations), meant)) {
+            judged.touched.push_back(watch.finding);
+        }
     }
 }
 

@@ -201,15 +201,17 @@ class ScoresAndFindingsTest(CheckedTest):
                 self.assertEqual(sorted(names, key=list(HAVE).index), names)  # in the manual's order
 
     def test_findings_say_where(self):
-        self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])))
+        self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5]),
+                                       categorical(3, "yn", NO_YES, [0, 1, 2], tname="bb64"), terms=[(1, 1), (2, 1), (3, 1)]))
         self.write("s.xml", configuration(dbTpye="mysql", dbType="sqlservr"))
-        many = "".join(f"?;x{i} with a long text\n?;y{i}\n" for i in range(3000))
-        self.write("rows.csv", "\ufeffc;n\n\"a\nb\";1\nA;1\nb;2\n?;x\n" + many + "\n;1;2", "utf-8")
+        many = "".join(f"?;x{i} with a long text;0\n?;y{i};\n" for i in range(3000))
+        self.write("rows.csv", "\ufeffc;n;yn\n\"a\nb\";1;yes\nA;1;no\nb;2;1\n?;x;maybe\n" + many + "\n;1;2;3", "utf-8")
         report = self.report("m.ModelXml", "--sql", "s.xml", "--rows", "rows.csv", "--delimiter", ";", "--missing", "?")
         self.assertEqual((report["rows"], report["uneven"]), (6005, 1))
         found = {f["name"]: f for f in report["findings"]}
         self.assertEqual({name: (f["rows"], f["firstRow"]) for name, f in found.items() if f.get("rows")},
-                         {"single-bound": (3, 1), "capitals": (1, 2), "five-categories": (1, 3), "not-a-number": (6001, 4)})
+                         {"single-bound": (3, 1), "boolean-numbers": (4, 1), "capitals": (1, 2), "five-categories": (1, 3),
+                          "not-a-number": (6001, 4)})
         self.assertEqual([found[name]["place"] for name in ["unknown-setting", "unknown-dialect", "single-bound"]],
                          ["setting dbTpye; dbType is meant?", "setting dbType, 'sqlservr'; sqlserver is meant?",
                           "recoding V1 (column n)"])
@@ -329,6 +331,7 @@ class DeploymentTest(CheckedTest):
             ("sas", listed["1 2.5"], ",1.0", "s\n1", ["values-as-numbers"]),
             ("python", listed["a\\n x"], ",a\\n", "s\n0", ["backslash-in-value"]),
             ("sql", model(None, boolean(["1"] * 5 + ["yes"])), ",1", "s\n2", ["boolean-numbers"]),
+            ("sql", model(None, boolean(NO_YES)), ",yes", "s\n1", ["boolean-numbers"]),
             ("sas", model(*alike, terms=[(1, 1), (2, 1), (3, 1)]), "0,2,2", "s\n1110", ["names-alike"]),
             ("sas", model(None, numeric(2, "N", [1, 2], [0, 1, 2, 3])), "0,3", "s\n6", ["names-alike"]),
             ("sas", model(table=[(3, 0.9), (1, 0.6), (1, 0.2), (0, 0.1)]), ",a", "p\n0.6", None),
