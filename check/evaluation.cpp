@@ -165,6 +165,16 @@ double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
     return score;
 }
 
+ScoreRange scoreRange(const Scorecard &card) {
+    ScoreRange range = {card.regression.constant, card.regression.constant};
+    for (const auto &[coefficient, recoding] : card.terms) {
+        const auto [least, most] = std::ranges::minmax(card.recodings[recoding].y);
+        range.least += std::min(coefficient * least, coefficient * most);
+        range.most += std::max(coefficient * least, coefficient * most);
+    }
+    return range;
+}
+
 double probabilityOf(const Scorecard &card, double score, const Deviations &deviations) {
     for (const FindingId id : {NoProbability, LogisticAbsent, TableUnread}) {
         if (deviations.has(id)) return score;

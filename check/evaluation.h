@@ -53,6 +53,13 @@ double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
                const Deviations &deviations = {});
 double probabilityOf(const Scorecard &card, double score, const Deviations &deviations = {});
 
+// The least and the highest score that a row can have: of the same sum, rounded in the same order.
+struct ScoreRange {
+    double least;
+    double most;
+};
+ScoreRange scoreRange(const Scorecard &card);
+
 // The cells of a row, one for each column; `recoded` has one entry for each recoding and is filled.
 Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::span<Recoded> recoded,
                     const Deviations &deviations);

@@ -179,6 +179,14 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
         .add(NameCharacters, !prefix.isEmpty() && !isName(prefix, Target::Sas), only(Target::Sas));
 }
 
+bool hasOtherSums(const Notes &notes) {
+    constexpr FindingId others[] = {CoefficientWithoutRecoding, EqualCoefficients, EqualNumbers,
+                                    ConstantMisplaced, DebugRecoding};
+    return std::ranges::any_of(notes.findings, [&](const Finding &finding) {
+        return std::ranges::find(others, finding.id) != std::end(others);
+    });
+}
+
 void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     if (!card.table.exists) return;
     const auto &x = card.table.x;
@@ -198,10 +206,12 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
         notes.add(ProbabilityOrder, !rises && !falls);
         if (!rises && !falls) rises = falls = true; // from here on
     }
+    // The least score is that of the model: a target with another sum may go below it.
+    const double least = hasOtherSums(notes) ? -HUGE_VAL : scoreRange(card).least;
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
-    notes.add(LowestSegment, hasSegment, probabilities);
-    notes.add(LowestPoint, true, probabilities);
-    notes.add(LowestNan, isOfKind(card, u"T"));
+    notes.add(LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);
+    notes.add(LowestPoint, least <= x.back(), probabilities);
+    notes.add(LowestNan, least <= x.back() && isOfKind(card, u"T"));
 }
 
 void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
@@ -230,10 +240,10 @@ std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection
         .add(DocumentCut, reading.error == XmlError::UnmatchedEndTagWarning);
     inspectRecodings(notes, card, sql);
     inspectRegression(notes, card);
-    inspectTable(notes, card, sql);
     const bool hasCanvas = !inspection.canvasName.isEmpty();
     inspectResult(notes, card, hasCanvas);
     inspectSql(notes, card, inspection.sql);
+    inspectTable(notes, card, sql);
     if (hasCanvas) inspectCanvas(notes, card, inspection.canvasName, inspection.canvas);
     std::ranges::stable_sort(notes.findings, {}, &Finding::id);
     return std::move(notes.findings);

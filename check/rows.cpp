@@ -261,8 +261,8 @@ void countKey(RowScorer &scorer, std::string_view key, FindingSet &touched) {
 }
 
 void countScore(RowCounts &counts, double score) {
-    const double width = counts.highestScore - counts.lowestScore;
-    const double step = (score - counts.lowestScore) / width * scoreSteps;
+    const auto [least, most] = counts.range;
+    const double step = (score - least) / (most - least) * scoreSteps;
     if (!(step >= 0)) return; // no number, or a model of one score
     const auto last = static_cast<double>(scoreSteps - 1);
     ++counts.scores[static_cast<std::size_t>(std::min(step, last))];
@@ -307,14 +307,9 @@ void RowScorer::endRow() {
 
 void startCounts(const Scorecard &card, RowCounts &counts) {
     counts.scores.assign(scoreSteps, 0);
-    counts.lowestScore = counts.highestScore = card.regression.constant;
+    counts.range = scoreRange(card);
     for (const Recoding &recoding : card.recodings) {
         counts.positions.emplace_back(recoding.y.size());
-        const auto [least, most] = std::ranges::minmax(recoding.y);
-        const double a = recoding.coefficient * least;
-        const double b = recoding.coefficient * most;
-        counts.lowestScore += std::min(a, b);
-        counts.highestScore += std::max(a, b);
     }
 }
 

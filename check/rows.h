@@ -9,16 +9,14 @@ struct RowCounts {
     std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
     std::int64_t firstUneven = 0;
     std::vector<std::vector<std::int64_t>> positions; // of each recoding, rows by position
-    // Rows by score: as many steps of the same width between the lowest and the highest score that
-    // the model can give.
+    // Rows by score, in steps of the same width through the range.
     std::vector<std::int64_t> scores;
-    double lowestScore = 0;
-    double highestScore = 0;
+    ScoreRange range{};
 
     // Where the step begins.
     double stepAt(std::size_t step) const {
         const double share = static_cast<double>(step) / static_cast<double>(scores.size());
-        return lowestScore + share * (highestScore - lowestScore);
+        return range.least + share * (range.most - range.least);
     }
 };
 

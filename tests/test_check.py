@@ -90,7 +90,7 @@ HAVE = {
     "logistic-last-row": (LOGISTIC, {}),
     "backslash-in-value": (model(None, categorical(2, "c", ["a\\n"], [0, 1])), {}),
     "five-categories": (model(None, categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])), {}),
-    "lowest-nan": (model(kind="T", table=TABLE), {}),
+    "lowest-nan": (model(kind="T", table=TABLE, constant=-2), {}),
     "table-unread": (model(table=TABLE), {}),
     "missing-codes-unread": (model(missing=CODES), {}),
     "empty-field": (model(), {"rows": "n,c\n,a\n"}),
@@ -192,6 +192,7 @@ class ScoresAndFindingsTest(CheckedTest):
                     self.report("m.ModelXml", *arguments, *(["--key", key] if key else []))["findings"]]
 
         self.assertEqual(found(model()), [])
+        self.assertEqual(found(model(kind="T", table=[(3, 0.9), (-1, 0.5), (-2, 0.1)])), [])  # ends below all scores
         self.assertEqual(found(model(), canvas=ONE_BY_ONE, rows="n,c,k\n1,a,1\n", key="k"), [])
         self.assertEqual(found(model(), **sql(dbType="oracle")), ["rows-added"])
         for name, (text, more) in HAVE.items():
@@ -370,7 +371,7 @@ class DeploymentTest(CheckedTest):
 
     def test_pages_and_reports(self):
         """The report needs no other file, and shows the texts of the document as texts."""
-        self.write("m.ModelXml", model(None, categorical(2, "c", ["<script>", "b&b"], [0, 1, 2]), kind="T", table=TABLE))
+        self.write("m.ModelXml", model(None, categorical(2, "c", ["<script>", "b&b"], [-5, 1, 2]), kind="T", table=TABLE))
         self.write("rows.csv", "n,c\n1,b&b\n2,<script>\n")
         self.write("results.csv", "p\n0.1\n0.2\n")
         self.compare("m.ModelXml", "rows.csv", "results.csv", "html", "--probability", "p", "--report", "report.html")
