@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 
 using namespace Qt::Literals::StringLiterals;
@@ -266,7 +267,9 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
             }
         }
     }
-    std::ranges::sort(points);
+    // Some may be no numbers, which have no order of their own.
+    std::ranges::sort(points, {},
+                      [](double number) { return std::bit_cast<std::uint64_t>(number); });
     points.erase(std::unique(points.begin(), points.end()), points.end());
     return points;
 }
@@ -336,8 +339,7 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     if (!problem.isEmpty()) return problem;
     QStringList wanted = {c.options.key, c.options.score, c.options.probability};
     wanted.removeAll(QString());
-    std::vector<std::size_t> places;
-    problem = c.reader.choose(wanted, places);
+    problem = c.reader.choose(wanted);
     return problem.isEmpty() && !c.options.key.isEmpty() ? readAll(c) : problem;
 }
 

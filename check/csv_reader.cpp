@@ -63,28 +63,33 @@ QString CsvReader::open(const QString &fileName, char delimiter) {
     return titles.empty() ? u"File '%1' has no header line."_s.arg(fileName) : QString();
 }
 
-QString CsvReader::choose(std::span<const QString> names, std::vector<std::size_t> &places) {
-    std::unordered_map<std::string_view, std::vector<std::size_t>> columns;
+QString CsvReader::choose(std::span<const QString> names) {
+    std::unordered_map<std::string_view, std::vector<std::size_t>> exact;
+    std::unordered_map<std::string_view, std::vector<std::size_t>> plain;
     for (std::size_t i = 0; i < titles.size(); ++i) {
-        columns[titles[i]].push_back(i);
-        if (const std::string_view plain = trimmed(titles[i]); plain != titles[i]) {
-            columns[plain].push_back(i);
-        }
+        exact[titles[i]].push_back(i);
+        plain[trimmed(titles[i])].push_back(i);
     }
+    const auto columnsOf = [&](const std::string &wanted) -> std::span<const std::size_t> {
+        for (const auto *const of : {&exact, &plain}) {
+            if (const auto found = of->find(wanted); found != of->end()) return found->second;
+        }
+        return {};
+    };
     QString wrong;
     QStringList absent;
     placeOf.assign(titles.size(), notChosen);
     for (std::size_t i = 0; i < names.size(); ++i) {
-        const auto found = columns.find(names[i].toStdString());
-        places.push_back(i);
-        if (found == columns.end()) {
+        const std::span<const std::size_t> columns = columnsOf(names[i].toStdString());
+        if (columns.empty()) {
             absent.append(u'\'' + names[i] + u'\'');
-        } else if (found->second.size() > 1) {
+        } else if (columns.size() > 1) {
             wrong = u"File '%1' has two columns '%2'."_s.arg(name, names[i]);
-        } else if (std::size_t &place = placeOf[found->second[0]]; place == notChosen) {
-            place = i;
+        } else if (std::size_t &place = placeOf[columns[0]]; place != notChosen) {
+            wrong =
+                u"File '%1' has one column for '%2' and '%3'."_s.arg(name, names[place], names[i]);
         } else {
-            places[i] = place;
+            place = i;
         }
     }
     if (absent.isEmpty()) return wrong;

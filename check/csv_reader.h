@@ -29,11 +29,10 @@ public:
     // Opens the file and reads its header line. Returns what is wrong, or an empty text.
     QString open(const QString &fileName, char delimiter);
 
-    // Chooses the columns of these titles; blanks around a title count only where a name has them
-    // too. `places` tells for each name at which place of a row its cell comes: its own position,
-    // or that of the first name with the same column. Returns which of them are not there, or
-    // twice.
-    QString choose(std::span<const QString> names, std::vector<std::size_t> &places);
+    // Chooses the columns of these titles, whose positions are the places of their cells; blanks
+    // around a title count only where a name has them too. Returns what is wrong: each name needs
+    // one column of its own.
+    QString choose(std::span<const QString> names);
 
     // Hands the next block to the taker, of each row the chosen cells by takeCell(place, cell) and
     // then endRow(). A cell that a short row lacks is empty; lines without any cell are passed
@@ -41,7 +40,7 @@ public:
     template <typename Taker>
     bool read(Taker &taker);
 
-    std::int64_t row = 0;    // its number, from 1
+    std::int64_t row = 0;    // how many were handed over
     std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
     std::int64_t firstUneven = 0;
     QString problem; // what kept the file from being read to its end; else empty
@@ -99,13 +98,13 @@ bool CsvReader::read(Taker &taker) {
             reader.guard([&] { taker.takeCell(reader.placeOf[at], cell); });
         }
         void endRow() {
-            ++reader.row;
             if (reader.column != reader.placeOf.size() && reader.uneven++ == 0) {
-                reader.firstUneven = reader.row;
+                reader.firstUneven = reader.row + 1;
             }
             static constexpr char nothing[readableBytes] = {};
             while (reader.column < reader.placeOf.size()) hand(nothing);
             reader.column = 0;
+            ++reader.row;
             reader.guard([&] { taker.endRow(); });
         }
     } call{*this, taker};

@@ -321,11 +321,13 @@ QString start(RowScorer &scorer) {
     if (problem.isEmpty()) problem = scorer.reader.open(options.file, options.delimiter);
     if (!problem.isEmpty()) return problem;
     std::vector<QString> wanted = scorer.card.columns;
-    if (!options.key.isEmpty()) wanted.push_back(options.key);
-    std::vector<std::size_t> places;
-    problem = scorer.reader.choose(wanted, places);
+    if (!options.key.isEmpty()) {
+        const auto at = std::ranges::find(wanted, options.key);
+        scorer.keyAt = static_cast<std::size_t>(at - wanted.begin());
+        if (at == wanted.end()) wanted.push_back(options.key);
+    }
+    problem = scorer.reader.choose(wanted);
     if (!problem.isEmpty()) return problem;
-    if (!options.key.isEmpty()) scorer.keyAt = places.back();
     if (options.scores.isEmpty()) return {};
     scorer.out.file.stream.reset(openFile(options.scores, FileUse::Write));
     if (!scorer.out.file.stream) {

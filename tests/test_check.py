@@ -206,13 +206,13 @@ class ScoresAndFindingsTest(CheckedTest):
                                        categorical(3, "yn", NO_YES, [0, 1, 2], tname="bb64"), terms=[(1, 1), (2, 1), (3, 1)]))
         self.write("s.xml", configuration(dbTpye="mysql", dbType="sqlservr"))
         many = "".join(f"?;x{i} with a long text;0\n?;y{i};\n" for i in range(3000))
-        self.write("rows.csv", "\ufeffc;n;yn\n\"a\nb\";1;yes\nA;1;no\nb;2;1\n?;x;maybe\n" + many + "\n;1;2;3", "utf-8")
+        self.write("rows.csv", "\ufeffc;n;yn\n\"a\nb\";1;yes\nA;1;no\nb;2;1\n?;x;maybe\n" + many + "\n;1;2;3\nz", "utf-8")
         report = self.report("m.ModelXml", "--sql", "s.xml", "--rows", "rows.csv", "--delimiter", ";", "--missing", "?")
-        self.assertEqual((report["rows"], report["uneven"]), (6005, 1))
+        self.assertEqual((report["rows"], report["uneven"]), (6006, 2))
         found = {f["name"]: f for f in report["findings"]}
         self.assertEqual({name: (f["rows"], f["firstRow"]) for name, f in found.items() if f.get("rows")},
                          {"single-bound": (3, 1), "boolean-numbers": (4, 1), "capitals": (1, 2), "five-categories": (1, 3),
-                          "not-a-number": (6001, 4)})
+                          "empty-field": (1, 6006), "not-a-number": (6001, 4)})
         self.assertEqual([found[name]["place"] for name in ["unknown-setting", "unknown-dialect", "single-bound"]],
                          ["setting dbTpye; dbType is meant?", "setting dbType, 'sqlservr'; sqlserver is meant?",
                           "recoding V1 (column n)"])
@@ -231,8 +231,9 @@ class ScoresAndFindingsTest(CheckedTest):
 
     def test_calls_that_are_refused(self):
         self.write("m.ModelXml", model())
-        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x"}.items():
+        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x", "twin.csv": " n\n1\n"}.items():
             self.write(name, text, "utf-8")
+        self.write("twins.ModelXml", model(None, categorical(2, " n", ["a"], [0, 1])))
         self.write("short.ModelXml", model(numeric(1, "n", [1, 2], [0, 1])))
         compare = ["--rows", "rows.csv", "--compare", "rows.csv"]
         for status, message, arguments in [
@@ -248,6 +249,7 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "--rows wants a file.", ["m.ModelXml", "--rows", ""]),
             (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
             (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
+            (2, "File 'twin.csv' has one column for 'n' and ' n'.", ["twins.ModelXml", "--rows", "twin.csv"]),
             (2, "The model has no probability; use --score.", ["m.ModelXml", *compare, "--target", "sql", "--probability", "n"]),
             (8, "Cannot convert model 'none': Error: File not found.", ["none"]),
             (8, "Cannot convert model 'short.ModelXml': model 'V1' (field 'n'): array 'y' has 2 values, 4 needed.", ["short.ModelXml"]),
