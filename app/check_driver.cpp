@@ -210,8 +210,8 @@ QString readCanvas(const QString &fileName) {
 bool isFound(const Report &report) {
     if (!report.findings.empty()) return true;
     const ComparisonResult *const result = report.comparison;
-    return result && (result->equal != result->rows || result->missing > 0 || result->extra > 0 ||
-                      result->repeated > 0);
+    return result && (result->equal != result->rows || result->missing.rows > 0 ||
+                      result->extra.rows > 0 || result->repeated.rows > 0);
 }
 
 void print(const Request &request, const Report &report) {

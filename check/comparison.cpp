@@ -13,7 +13,7 @@ namespace {
 using enum FindingId;
 
 constexpr std::size_t mostWorst = 10;
-constexpr qsizetype mostNamed = 5;
+constexpr std::int64_t mostNamed = 5;
 constexpr std::int64_t mostBlamed = 1000;  // rows that are looked into for a column at fault
 constexpr std::size_t mostTried = 1 << 20; // values of one column, by the recodings that read it
 constexpr std::size_t mostCombined = 8;    // findings of which all sets are tried; else up to three
@@ -23,8 +23,8 @@ constexpr std::size_t mostExchanged = 64;  // columns, of which all pairs are tr
 constexpr FindingId ofScore[] = {LowestSegment,  LowestPoint,     LowestNan,  NoProbability,
                                  LogisticAbsent, LogisticLastRow, TableUnread};
 
-void name(QStringList &names, const QString &key) {
-    if (names.size() < mostNamed) names.append(key);
+void tell(ToldRows &told, const QString &key) {
+    if (++told.rows <= mostNamed) told.first.append(key);
 }
 
 // It takes two deviations to move the score of such a code: it is not read, and its bound is above.
@@ -69,33 +69,6 @@ bool hasProbability(const Comparison &c) {
     return !c.options.probability.isEmpty();
 }
 
-// Takes the columns of results, which are named in the order of key, score and probability.
-struct ResultTaker {
-    Comparison &comparison;
-
-    void takeCell(std::size_t place, std::string_view bytes) {
-        ResultRow &row = comparison.unfinished;
-        const bool hasKey = !comparison.options.key.isEmpty();
-        if (hasKey && place == 0) {
-            const ResultRow key = rowOf(trimmed(bytes));
-            row.hash = key.hash;
-            row.check = key.check;
-            return;
-        }
-        const Cell cell = cellOf(bytes, comparison.options.missing);
-        const bool isScore = place == (hasKey ? 1 : 0) && hasScore(comparison);
-        (isScore ? row.numbers.score : row.numbers.probability) =
-            cell.isNumber ? cell.number : noNumber;
-        if (cell.isNumber) return;
-        row.cells =
-            std::max(row.cells, cell.text.empty() ? ResultCells::Empty : ResultCells::NoNumber);
-    }
-    void endRow() {
-        comparison.unfinished.row = comparison.reader.row;
-        comparison.entries.push_back(std::exchange(comparison.unfinished, {}));
-    }
-};
-
 // Marks rows whose key occurred before, and sorts all of them by keys.
 void tellRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &place) {
     std::ranges::sort(rows, {},
@@ -103,23 +76,20 @@ void tellRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &pla
     for (std::size_t i = 1; i < rows.size(); ++i) {
         if (identityOf(rows[i]) != identityOf(rows[i - 1])) continue;
         rows[i].isSeen = true; // the first of them is the one that counts
-        ++c.result.repeated;
-        name(c.result.firstRepeated, place.arg(rows[i].row));
+        tell(c.result.repeated, place.arg(rows[i].row));
     }
 }
 
 QString readAll(Comparison &c) {
-    ResultTaker taker{c};
-    while (c.reader.read(taker)) continue;
+    while (c.reader.read(c)) continue;
     tellRepeated(c, c.entries, u"row %1 of the results"_s);
     return c.reader.problem;
 }
 
 // The next row of results; false when there is none.
 bool takeNext(Comparison &c, ResultRow &found) {
-    ResultTaker taker{c};
     while (c.entries.empty()) {
-        if (!c.reader.read(taker)) return false;
+        if (!c.reader.read(c)) return false;
     }
     found = c.entries.front();
     c.entries.pop_front();
@@ -140,10 +110,7 @@ bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
         c.absent.back().row = facts.row;
         return false;
     }
-    if (at->isSeen) {
-        ++c.result.repeated;
-        name(c.result.firstRepeated, describe(facts));
-    }
+    if (at->isSeen) tell(c.result.repeated, describe(facts));
     at->isSeen = true;
     found = *at;
     return true;
@@ -191,7 +158,7 @@ bool explain(Comparison &c, const RowFacts &facts, const Test &test) {
             for (std::size_t i = 0; i < possible.size(); ++i) {
                 if (isChosen[i]) deviations.findings.add(possible[i]);
             }
-            if (!test(evaluate(c.card, facts.cells, c.scratch, deviations), deviations)) continue;
+            if (!test(evaluate(c.card, facts.cells, deviations), deviations)) continue;
             for (const FindingId id : possible) {
                 if (!deviations.has(id)) continue;
                 Explained &explained = c.result.explained[id];
@@ -329,9 +296,30 @@ void blame(Comparison &c, const RowFacts &facts, const Prediction &found) {
 
 } // namespace
 
+void Comparison::takeCell(std::size_t place, std::string_view bytes) {
+    const bool hasKey = !options.key.isEmpty();
+    if (hasKey && place == 0) {
+        const ResultRow key = rowOf(trimmed(bytes));
+        unfinished.hash = key.hash;
+        unfinished.check = key.check;
+        return;
+    }
+    const Cell cell = cellOf(bytes, options.missing);
+    const bool isScore = place == (hasKey ? 1 : 0) && hasScore(*this);
+    (isScore ? unfinished.numbers.score : unfinished.numbers.probability) =
+        cell.isNumber ? cell.number : noNumber;
+    if (cell.isNumber) return;
+    const ResultCells holds = cell.text.empty() ? ResultCells::Empty : ResultCells::NoNumber;
+    unfinished.cells = std::max(unfinished.cells, holds);
+}
+
+void Comparison::endRow() {
+    unfinished.row = reader.row;
+    entries.push_back(std::exchange(unfinished, {}));
+}
+
 QString openResults(Comparison &c, std::span<const Finding> findings) {
     findDeviations(c, findings);
-    c.scratch.resize(c.card.recodings.size());
     if (hasProbability(c) && !c.card.hasProbability()) {
         return u"The model has no probability; use --score."_s;
     }
@@ -346,8 +334,7 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
 void compareRow(Comparison &c, const RowFacts &facts) {
     ResultRow found;
     if (!find(c, facts, found)) {
-        ++c.result.missing;
-        name(c.result.firstMissing, describe(facts));
+        tell(c.result.missing, describe(facts));
         return;
     }
     ++c.result.rows;
@@ -365,9 +352,7 @@ void compareRow(Comparison &c, const RowFacts &facts) {
 
 QString finishComparison(Comparison &c) {
     const auto isExtra = [&](const ResultRow &row) {
-        if (row.isSeen) return;
-        ++c.result.extra;
-        name(c.result.firstExtra, QString::number(row.row));
+        if (!row.isSeen) tell(c.result.extra, QString::number(row.row));
     };
     std::ranges::sort(c.entries, {}, &ResultRow::row);
     std::ranges::for_each(std::exchange(c.entries, {}), isExtra);

@@ -39,18 +39,21 @@ struct Explained {
     std::int64_t firstRow = 0;
 };
 
+// Rows of one sort, and the keys or numbers of the first of them.
+struct ToldRows {
+    std::int64_t rows = 0;
+    QStringList first = {};
+};
+
 struct ComparisonResult {
     std::int64_t rows = 0; // in both files
     std::int64_t equal = 0;
     std::int64_t explainedRows = 0;
     std::map<FindingId, Explained> explained; // a row that several explain counts for each
     std::int64_t unexplained = 0;
-    std::int64_t missing = 0;       // rows without a result
-    std::int64_t extra = 0;         // results without a row
-    std::int64_t repeated = 0;      // keys that occurred before, in either file
-    QStringList firstMissing;       // the keys or numbers of some
-    QStringList firstExtra;         // the numbers of some rows of the results
-    QStringList firstRepeated;      // likewise keys
+    ToldRows missing;               // without a result
+    ToldRows extra;                 // in the results only
+    ToldRows repeated;              // whose key occurred before, in either file
     std::vector<ComparedRow> worst; // of the unexplained rows, the largest differences first
     // What would explain unexplained rows, were it so, and how many; the most likely first.
     std::vector<std::pair<QString, std::int64_t>> blamed;
@@ -93,9 +96,12 @@ struct Comparison {
     std::vector<FindingId> known = {};  // all deviations that may explain a row
     Deviations ofTable = {};            // those that only the score decides
     std::vector<std::vector<double>> pointsOfColumns =
-        {}; // that cells may have; from the first blame
-    std::vector<Recoded> scratch = {};
+        {};                                           // that cells may have; from the first blame
     std::map<QString, std::int64_t> faultCounts = {}; // by what they are
+
+    // Take the columns of results, which are in the order of key, score and probability.
+    void takeCell(std::size_t place, std::string_view bytes);
+    void endRow();
 };
 
 // Opens the results; with a key, reads them. The findings are those of the document for the target.

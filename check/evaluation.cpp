@@ -202,14 +202,14 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
     return y[i] + (score - x[i]) * (y[i - 1] - y[i]) / (x[i - 1] - x[i]);
 }
 
-Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::span<Recoded> recoded,
+Prediction evaluate(const Scorecard &card, std::span<const Cell> cells,
                     const Deviations &deviations) {
+    std::vector<Recoded> recoded;
     const bool mixesColumns = deviations.has(NamesAlike);
     const auto target = static_cast<std::size_t>(deviations.target);
-    for (std::size_t i = 0; i < card.recodings.size(); ++i) {
-        const Recoding &recoding = card.recodings[i];
+    for (const Recoding &recoding : card.recodings) {
         const std::size_t column = mixesColumns ? recoding.lastAlike[target] : recoding.column;
-        recoded[i] = recode(recoding, cells[column], deviations);
+        recoded.push_back(recode(recoding, cells[column], deviations));
     }
     const double score = scoreOf(card, recoded, deviations);
     return {score, probabilityOf(card, score, deviations)};

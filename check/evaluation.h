@@ -60,6 +60,6 @@ struct ScoreRange {
 };
 ScoreRange scoreRange(const Scorecard &card);
 
-// The cells of a row, one for each column; `recoded` has one entry for each recoding and is filled.
-Prediction evaluate(const Scorecard &card, std::span<const Cell> cells, std::span<Recoded> recoded,
+// What becomes of the cells of a row, one for each column.
+Prediction evaluate(const Scorecard &card, std::span<const Cell> cells,
                     const Deviations &deviations);

@@ -55,7 +55,6 @@ public:
     }
     bool has(FindingId id) const { return bits[static_cast<std::size_t>(id)]; }
     void add(FindingId id) { bits.set(static_cast<std::size_t>(id)); }
-    bool isEmpty() const { return bits.none(); }
 
 private:
     std::bitset<findingCount> bits;

@@ -66,9 +66,9 @@ QJsonObject jsonOf(const Report &report) {
             {u"explained"_s, explained},
             {u"explainedRows"_s, count(result.explainedRows)},
             {u"unexplained"_s, count(result.unexplained)},
-            {u"missing"_s, count(result.missing)},
-            {u"extra"_s, count(result.extra)},
-            {u"repeated"_s, count(result.repeated)},
+            {u"missing"_s, count(result.missing.rows)},
+            {u"extra"_s, count(result.extra.rows)},
+            {u"repeated"_s, count(result.repeated.rows)},
             {u"blamed"_s, blamed},
             {u"worst"_s, worst}};
 }

@@ -92,12 +92,6 @@ void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row) {
     putTable(out, table);
 }
 
-QString listed(const QStringList &names, std::int64_t count) {
-    if (names.isEmpty()) return {};
-    const QString more = names.size() < count ? u", …"_s : QString();
-    return u": "_s + names.join(u", "_s) + more;
-}
-
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.comparison;
     put(out, u"\nComparison with ", report.compared->results, u" (",
@@ -163,9 +157,13 @@ std::vector<ComparisonCount> countsOf(const ComparisonResult &result) {
              u", first row %1"_s.arg(explained.firstRow));
     }
     tell(u"without explanation"_s, result.unexplained, {});
-    tell(u"without a result"_s, result.missing, listed(result.firstMissing, result.missing));
-    tell(u"in the results only"_s, result.extra, listed(result.firstExtra, result.extra));
-    tell(u"key occurs again"_s, result.repeated, listed(result.firstRepeated, result.repeated));
+    const auto tellFirst = [&](const QString &label, const ToldRows &told) {
+        const QString more = told.first.size() < told.rows ? u", …"_s : QString();
+        tell(label, told.rows, u": "_s + told.first.join(u", "_s) + more);
+    };
+    tellFirst(u"without a result"_s, result.missing);
+    tellFirst(u"in the results only"_s, result.extra);
+    tellFirst(u"key occurs again"_s, result.repeated);
     for (const auto &[fault, rows] : result.blamed) {
         tell(u"would be right with "_s + fault, rows, {});
     }
