@@ -19,10 +19,6 @@ constexpr std::size_t mostTried = 1 << 20; // values of one column, by the recod
 constexpr std::size_t mostCombined = 8;    // findings of which all sets are tried; else up to three
 constexpr std::size_t mostExchanged = 64;  // columns, of which all pairs are tried
 
-// What only the score decides.
-constexpr FindingId ofScore[] = {LowestSegment,  LowestPoint,     LowestNan,  NoProbability,
-                                 LogisticAbsent, LogisticLastRow, TableUnread};
-
 void tell(ToldRows &told, const QString &key) {
     if (++told.rows <= mostNamed) told.first.append(key);
 }
@@ -34,19 +30,17 @@ bool hasCodeOnBound(const Recoding &recoding) {
 }
 
 void findDeviations(Comparison &c, std::span<const Finding> findings) {
+    c.deviating.target = c.options.target;
     for (const Finding &finding : findings) {
         const Targets deviates = finding.targets & kindOf(finding.id).deviates;
         if ((deviates & only(c.options.target)) == 0) continue;
         if (std::ranges::find(c.known, finding.id) == c.known.end()) c.known.push_back(finding.id);
         // What the score decides may be so only once another deviation has moved it.
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
-        const bool isOfCell = finding.byRows && finding.recoding >= 0;
+        const bool isOfCell = finding.byRows() && finding.recoding >= 0;
         if (isOfCell && !hasCodeOnBound(c.card.recodings[recoding])) continue;
-        c.deviating.add(finding.id);
-        if (std::ranges::find(ofScore, finding.id) == std::end(ofScore)) continue;
-        c.ofTable.findings.add(finding.id);
+        c.deviating.findings.add(finding.id);
     }
-    c.ofTable.target = c.options.target;
 }
 
 // --- Reading results
@@ -80,12 +74,6 @@ void tellRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &pla
     }
 }
 
-QString readAll(Comparison &c) {
-    while (c.reader.read(c)) continue;
-    tellRepeated(c, c.entries, u"row %1 of the results"_s);
-    return c.reader.problem;
-}
-
 // The next row of results; false when there is none.
 bool takeNext(Comparison &c, ResultRow &found) {
     while (c.entries.empty()) {
@@ -98,7 +86,7 @@ bool takeNext(Comparison &c, ResultRow &found) {
 
 QString describe(const RowFacts &facts) {
     if (facts.key.empty()) return QString::number(facts.row);
-    return QString::fromUtf8(facts.key.data(), std::ssize(facts.key));
+    return QString::fromUtf8(facts.key);
 }
 
 bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
@@ -142,9 +130,8 @@ bool isBesideJump(const Comparison &c, const Prediction &expected, const Predict
     return isAt(score - slack) || isAt(score + slack) || (isNear(c, score, lowest) && isAt(lowest));
 }
 
-// Finds the smallest set of deviations that explains the row by the test.
-template <typename Test>
-bool explain(Comparison &c, const RowFacts &facts, const Test &test) {
+// Finds the smallest set of deviations that explains the row, or one for a score beside a jump.
+bool explain(Comparison &c, const RowFacts &facts, const Prediction &found, bool isBeside) {
     std::vector<FindingId> possible;
     for (const FindingId id : c.known) {
         if (facts.touched.has(id) || c.deviating.has(id)) possible.push_back(id);
@@ -158,7 +145,11 @@ bool explain(Comparison &c, const RowFacts &facts, const Test &test) {
             for (std::size_t i = 0; i < possible.size(); ++i) {
                 if (isChosen[i]) deviations.findings.add(possible[i]);
             }
-            if (!test(evaluate(c.card, facts.cells, deviations), deviations)) continue;
+            const Prediction expected = evaluate(c.card, facts.cells, deviations);
+            if (isBeside ? !isBesideJump(c, expected, found, deviations)
+                         : !matches(c, expected, found)) {
+                continue;
+            }
             for (const FindingId id : possible) {
                 if (!deviations.has(id)) continue;
                 Explained &explained = c.result.explained[id];
@@ -172,13 +163,7 @@ bool explain(Comparison &c, const RowFacts &facts, const Test &test) {
 }
 
 bool isExplained(Comparison &c, const RowFacts &facts, const Prediction &found) {
-    const auto isExact = [&](const Prediction &expected, const Deviations &) {
-        return matches(c, expected, found);
-    };
-    const auto isBeside = [&](const Prediction &expected, const Deviations &deviations) {
-        return isBesideJump(c, expected, found, deviations);
-    };
-    return explain(c, facts, isExact) || (hasProbability(c) && explain(c, facts, isBeside));
+    return explain(c, facts, found, false) || (hasProbability(c) && explain(c, facts, found, true));
 }
 
 void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
@@ -243,7 +228,7 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
 
 bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
     return matches(c, {score, probabilityOf(c.card, score)}, found) ||
-           matches(c, {score, probabilityOf(c.card, score, c.ofTable)}, found);
+           matches(c, {score, probabilityOf(c.card, score, c.deviating)}, found);
 }
 
 void blameColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
@@ -328,7 +313,10 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     QStringList wanted = {c.options.key, c.options.score, c.options.probability};
     wanted.removeAll(QString());
     problem = c.reader.choose(wanted);
-    return problem.isEmpty() && !c.options.key.isEmpty() ? readAll(c) : problem;
+    if (!problem.isEmpty() || c.options.key.isEmpty()) return problem;
+    while (c.reader.read(c)) continue;
+    tellRepeated(c, c.entries, u"row %1 of the results"_s);
+    return c.reader.problem;
 }
 
 void compareRow(Comparison &c, const RowFacts &facts) {

@@ -92,9 +92,8 @@ struct Comparison {
     ResultRow unfinished = {};          // may go on in the next block
     std::deque<ResultRow> entries = {}; // with a key all of them by hash, else those of a block
     std::deque<ResultRow> absent = {};  // keys of rows without a result
-    FindingSet deviating = {};          // of the document, or of a score that others may move
+    Deviations deviating = {};          // of the document, or of a score that others may move
     std::vector<FindingId> known = {};  // all deviations that may explain a row
-    Deviations ofTable = {};            // those that only the score decides
     std::vector<std::vector<double>> pointsOfColumns =
         {};                                           // that cells may have; from the first blame
     std::map<QString, std::int64_t> faultCounts = {}; // by what they are

@@ -300,9 +300,5 @@ Notes &Notes::at(const QString &newPlace, int newRecoding) {
 void Notes::add(FindingId id, bool isFound, Targets limit) {
     const Targets concerned = kindOf(id).targets & asked & limit;
     if (!isFound || concerned == 0) return;
-    findings.push_back({.id = id,
-                        .targets = concerned,
-                        .place = place,
-                        .recoding = recoding,
-                        .byRows = kindOf(id).rows != Rows::Untold});
+    findings.push_back({id, concerned, place, recoding});
 }

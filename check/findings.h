@@ -81,9 +81,10 @@ struct Finding {
     Targets targets; // those of the kind that were asked for
     QString place;
     int recoding = -1;     // its position, where the place is a recoding
-    bool byRows = false;   // rows are told apart by it
     std::int64_t rows = 0; // that it touches
     std::int64_t firstRow = 0;
+
+    bool byRows() const { return kindOf(id).rows != Rows::Untold; } // rows are told apart by it
 };
 
 // Collects findings, and leaves out those that concern none of the targets.

@@ -23,7 +23,6 @@ struct SqlUse {
     bool hasProbability = true;
     bool trimsTexts = true;
     bool boolsAreNumbers = true;
-    bool createsTables = true;
     bool readsBackslashes = false; // as escapes in texts
 };
 SqlUse useOf(const SqlConfiguration &configuration);

@@ -22,7 +22,7 @@ QJsonObject jsonOf(const Finding &finding, bool hasRows) {
     QJsonObject object = {{u"name"_s, kind.name.toString()},     {u"targets"_s, targets},
                           {u"place"_s, finding.place},           {u"text"_s, kind.text.toString()},
                           {u"remedy"_s, kind.remedy.toString()}, {u"page"_s, kind.page.toString()}};
-    if (hasRows && finding.byRows) {
+    if (hasRows && finding.byRows()) {
         object[u"rows"_s] = count(finding.rows);
         object[u"firstRow"_s] = finding.rows > 0 ? count(finding.firstRow) : QJsonValue();
     }

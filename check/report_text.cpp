@@ -139,7 +139,7 @@ std::vector<FindingGroup> groupsOf(const Report &report) {
         const FindingKind &kind = kindOf(finding.id);
         if (groups.empty() || groups.back().kind != &kind) groups.push_back({&kind, 0, {}});
         QString place = finding.place;
-        if (report.counts && finding.byRows) place += u": "_s + rowsOf(finding.rows);
+        if (report.counts && finding.byRows()) place += u": "_s + rowsOf(finding.rows);
         if (finding.rows > 0) place += u", first row %1"_s.arg(finding.firstRow);
         groups.back().targets |= finding.targets;
         groups.back().places.append(place);

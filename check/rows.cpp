@@ -14,7 +14,7 @@ namespace {
 using enum FindingId;
 
 constexpr std::size_t scoreSteps = 60;
-constexpr std::size_t noKey = static_cast<std::size_t>(-1);
+constexpr std::size_t noPosition = static_cast<std::size_t>(-1);
 
 // --- Scores as CSV
 
@@ -77,7 +77,7 @@ struct Watches {
     std::vector<std::vector<Watch>> ofColumns;
     std::vector<Watch> ofRows;   // what another column decides
     std::vector<Watch> ofScores; // what the score decides
-    std::size_t ofKey = static_cast<std::size_t>(-1);
+    std::size_t ofKey = noPosition;
 };
 
 Watches watchesOf(const Scorecard &card, std::span<const Finding> findings) {
@@ -85,7 +85,7 @@ Watches watchesOf(const Scorecard &card, std::span<const Finding> findings) {
     watches.ofColumns.resize(card.columns.size());
     for (std::size_t i = 0; i < findings.size(); ++i) {
         const Finding &finding = findings[i];
-        if (!finding.byRows) continue;
+        if (!finding.byRows()) continue;
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
         // Most do the same in all targets.
         const bool isOfTarget = finding.id == MissingCodesName || finding.id == NamesAlike;
@@ -114,7 +114,7 @@ Watches watchesOf(const Scorecard &card, std::span<const Finding> findings) {
 struct CellStart {
     std::uint64_t first = 0;
     std::uint64_t second = 0;
-    std::size_t size = noKey;
+    std::size_t size = noPosition;
 
     bool operator==(const CellStart &) const = default;
 };
@@ -157,7 +157,7 @@ struct RowScorer {
     RowCounts &counts;
     Comparison comparison = {card, options};
     CsvReader reader = {};
-    std::size_t keyAt = noKey;
+    std::size_t keyAt = noPosition;
     ScoreFile out = {};
     Watches watches = watchesOf(card, findings);
     std::size_t places = placesOf(card.columns.size());
@@ -255,9 +255,8 @@ void countFindings(RowScorer &scorer, const Prediction &prediction, FindingSet &
 
 void countKey(RowScorer &scorer, std::string_view key, FindingSet &touched) {
     constexpr qsizetype longest = 20;
-    if (scorer.watches.ofKey >= scorer.findings.size() || key.size() <= longest) return;
-    const auto size = QString::fromUtf8(key.data(), static_cast<qsizetype>(key.size())).size();
-    if (size > longest) touch(scorer, scorer.watches.ofKey, touched);
+    if (scorer.watches.ofKey == noPosition || key.size() <= longest) return;
+    if (QString::fromUtf8(key).size() > longest) touch(scorer, scorer.watches.ofKey, touched);
 }
 
 void countScore(RowCounts &counts, double score) {
@@ -270,7 +269,7 @@ void countScore(RowCounts &counts, double score) {
 
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
     ScoreFile &out = scorer.out;
-    const bool hasKey = scorer.keyAt != noKey;
+    const bool hasKey = scorer.keyAt != noPosition;
     if (hasKey) putCell(out, key, scorer.options.delimiter);
     char *at = roomFor(out, 4 * longestNumber);
     if (!hasKey) at = numberAt(at, scorer.reader.row);
@@ -335,11 +334,7 @@ QString start(RowScorer &scorer) {
     }
     ScoreFile &out = scorer.out;
     putCell(out, options.key.isEmpty() ? "row" : options.key.toStdString(), options.delimiter);
-    for (const std::string_view title : {"score", "probability"}) {
-        put(out, {&options.delimiter, 1});
-        put(out, title);
-    }
-    put(out, "\n");
+    put(out, std::string{options.delimiter} + "score" + options.delimiter + "probability\n");
     return {};
 }
 

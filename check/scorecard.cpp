@@ -6,6 +6,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace {
@@ -15,22 +16,17 @@ constexpr QStringView cleanedInDocuments = u" .";
 constexpr std::array<QStringView, targetCount> cleanedCharacters = {u" .", u"", u"\"%'-() /.",
                                                                     u" .'-", u""};
 
-// Strictly, and without anything that is no number.
-bool isRising(std::span<const double> x) {
-    return std::adjacent_find(x.begin(), x.end(), [](double a, double b) { return !(a < b); }) ==
-           x.end();
-}
-
-bool isFalling(std::span<const double> x) {
-    return std::adjacent_find(x.begin(), x.end(), [](double a, double b) { return !(a >= b); }) ==
-           x.end();
+// Without anything that is no number, for which no order holds.
+template <typename Order>
+bool isInOrder(std::span<const double> x, Order order) {
+    return std::ranges::adjacent_find(x, std::not_fn(order)) == x.end();
 }
 
 void readNumeric(Recoding &recoding, const Scorecard &card) {
     const NumericRecoding arrays = card.arrays.numeric(*recoding.variable);
     recoding.x = arrays.x;
     recoding.y = arrays.y;
-    recoding.isRising = isRising(arrays.x);
+    recoding.isRising = isInOrder(arrays.x, std::less());
     const auto codesOf = [&](const QString &name) -> std::span<const double> {
         return card.dictionary.lists[card.dictionary.find(name)].codes;
     };
@@ -46,8 +42,7 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
 std::string keyOf(std::string_view text, Reading reading) {
     double number = 0;
     if (reading == Reading::AnyCase) {
-        const auto size = static_cast<qsizetype>(text.size());
-        return QString::fromUtf8(text.data(), size).toLower().toStdString();
+        return QString::fromUtf8(text).toLower().toStdString();
     }
     const bool isNumber = reading == Reading::AsNumber && readNumber(text, number);
     return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : std::string(text);
@@ -165,7 +160,7 @@ Scorecard readScorecard(const QString &fileName) {
     card.regression = readRegression(card.document, card.variables);
     card.table = readProbabilityTable(card.document);
     if (!card.document.problem.isEmpty()) return card;
-    card.isFalling = isFalling(card.table.x);
+    card.isFalling = isInOrder(card.table.x, std::greater_equal());
     card.isLogistic = !card.table.exists && hasLogisticProbability(card.document);
     std::pmr::vector<double> betas;
     readNumbers(card.document, card.document.root.childNode(u"RegressionModel"), u"betas", 0,

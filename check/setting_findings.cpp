@@ -207,13 +207,14 @@ SqlUse useOf(const SqlConfiguration &configuration) {
     return {.hasProbability = dialect.hasProbability,
             .trimsTexts = !dialect.textTrim.opening.isEmpty(),
             .boolsAreNumbers = configuration.boolsAreNumbers,
-            .createsTables = configuration.createPredictionTable || configuration.createTmpTable,
             .readsBackslashes = dialect.name == u"mysql"};
 }
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {
     inspectSqlNames(notes, card, file ? &file->configuration : nullptr);
-    notes.at(u"key"_s).add(KeyLength, !file || useOf(file->configuration).createsTables);
+    const bool createsTables =
+        !file || file->configuration.createPredictionTable || file->configuration.createTmpTable;
+    notes.at(u"key"_s).add(KeyLength, createsTables);
     if (!file) return;
     inspectSettings(notes, file->root);
     inspectDialect(notes, card, file->configuration.dbType);
