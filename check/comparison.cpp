@@ -151,9 +151,7 @@ bool explain(Comparison &c, const RowFacts &facts, const Prediction &found, bool
                 continue;
             }
             for (const FindingId id : possible) {
-                if (!deviations.has(id)) continue;
-                Explained &explained = c.result.explained[id];
-                if (explained.rows++ == 0) explained.firstRow = facts.row;
+                if (deviations.has(id)) tell(c.result.explained[id], QString::number(facts.row));
             }
             ++c.result.explainedRows;
             return true;

@@ -34,11 +34,6 @@ struct ComparedRow {
     std::vector<std::string> cells; // one for each column of the scorecard
 };
 
-struct Explained {
-    std::int64_t rows = 0;
-    std::int64_t firstRow = 0;
-};
-
 // Rows of one sort, and the keys or numbers of the first of them.
 struct ToldRows {
     std::int64_t rows = 0;
@@ -49,7 +44,7 @@ struct ComparisonResult {
     std::int64_t rows = 0; // in both files
     std::int64_t equal = 0;
     std::int64_t explainedRows = 0;
-    std::map<FindingId, Explained> explained; // a row that several explain counts for each
+    std::map<FindingId, ToldRows> explained; // a row that several explain counts for each
     std::int64_t unexplained = 0;
     ToldRows missing;               // without a result
     ToldRows extra;                 // in the results only

@@ -28,11 +28,11 @@ void putRow(TextBuffer &out, const QStringList &cells) {
 
 void putHead(TextBuffer &out, const Report &report) {
     const XmlNode &root = report.card.document.root;
-    const XmlNode metaData = root.childNode(u"MetaData");
     const QString name = escaped(report.card.document.fileName);
     put(out, pageHead, name, u"</title>\n", reportStyle, u"</head><body><main>\n<h1>", name,
-        u"</h1>\n<p class=\"soft\">Target ", escaped(metaData.childNode(u"Target").text()),
-        u", kind ", escaped(kindOfTarget(report.card)), u", version ",
+        u"</h1>\n<p class=\"soft\">Target ",
+        escaped(root.childNode(u"MetaData").childNode(u"Target").text()), u", kind ",
+        escaped(kindOfTarget(report.card)), u", version ",
         escaped(root.childNode(u"Header").attribute(u"version")), u"</p>\n<div class=\"tiles\">\n");
     std::vector<std::pair<std::int64_t, QStringView>> tiles = {
         {std::ssize(report.card.recodings), u"recodings"},

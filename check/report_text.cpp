@@ -58,10 +58,9 @@ QString rowsOf(std::int64_t rows) {
 }
 
 void putFindings(TextBuffer &out, const Report &report) {
-    const std::size_t count = report.findings.size();
-    put(out, count == 0   ? u"No findings\n"_s
-             : count == 1 ? u"1 finding\n"_s
-                          : u"%1 findings\n"_s.arg(count));
+    const auto count = std::ssize(report.findings);
+    put(out, count == 0 ? u"No"_s : QString::number(count), u" finding",
+        count == 1 ? u"\n"_s : u"s\n"_s);
     for (const FindingGroup &group : groupsOf(report)) {
         const FindingKind &kind = *group.kind;
         put(out, u"\n", kind.name, u" [", targetNames(group.targets).join(u", "_s), u"] docs/",
@@ -154,7 +153,7 @@ std::vector<ComparisonCount> countsOf(const ComparisonResult &result) {
     };
     for (const auto &[id, explained] : result.explained) {
         tell(u"explained by %1"_s.arg(kindOf(id).name), explained.rows,
-             u", first row %1"_s.arg(explained.firstRow));
+             u", first row "_s + explained.first.constFirst());
     }
     tell(u"without explanation"_s, result.unexplained, {});
     const auto tellFirst = [&](const QString &label, const ToldRows &told) {
@@ -196,11 +195,10 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
 
 void putModel(TextBuffer &out, const Scorecard &card) {
     const XmlNode &root = card.document.root;
-    const XmlNode metaData = root.childNode(u"MetaData");
-    const QStringView target = metaData.childNode(u"Target").text();
+    const QStringView target = root.childNode(u"MetaData").childNode(u"Target").text();
     put(out, u"Model ", card.document.fileName, u", version ",
         root.childNode(u"Header").attribute(u"version"), u"\nTarget ", target, u", kind ",
-        metaData.attribute(u"tkind"), u"\n", std::ssize(card.recodings), u" recodings of ",
+        kindOfTarget(card), u"\n", std::ssize(card.recodings), u" recodings of ",
         std::ssize(card.columns), u" columns\n");
     for (const Recoding &recoding : card.recodings) putRecoding(out, recoding);
     put(out, u"\nConstant ", card.regression.constant, u"\n");

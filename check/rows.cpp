@@ -3,6 +3,7 @@
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstring>
 #include <utility>
@@ -142,9 +143,8 @@ struct JudgedCell {
 // those of its column, which are a power of two.
 std::size_t placesOf(std::size_t columns) {
     constexpr std::size_t most = 1 << 16;
-    std::size_t places = 2048;
-    while (places > 1 && places * columns > most) places /= 2;
-    return places;
+    return std::bit_floor(
+        std::clamp<std::size_t>(most / std::max<std::size_t>(columns, 1), 1, 2048));
 }
 
 // --- Rows
@@ -165,6 +165,7 @@ struct RowScorer {
     std::vector<JudgedCell *> row = std::vector<JudgedCell *>(card.columns.size());
     std::string key = {};
     std::vector<Recoded> recoded = std::vector<Recoded>(card.recodings.size());
+    std::vector<Cell> cells = {};
 
     void takeCell(std::size_t place, std::string_view bytes);
     void endRow();
@@ -179,8 +180,8 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     }
     for (const std::size_t position : judged.touched) {
         Finding &finding = scorer.findings[position];
-        const bool isFirst = finding.rows == 0 || judged.firstRow < finding.firstRow;
-        if (isFirst) finding.firstRow = judged.firstRow;
+        if (finding.rows == 0) finding.firstRow = judged.firstRow;
+        finding.firstRow = std::min(finding.firstRow, judged.firstRow);
         finding.rows += judged.rows;
     }
     judged.rows = 0;
@@ -294,22 +295,12 @@ void RowScorer::endRow() {
     countScore(counts, score);
     if (out.file.stream) putRow(*this, cell, prediction);
     if (options.results.isEmpty()) return;
-    std::vector<Cell> cells;
+    cells.clear();
     for (const JudgedCell *const judgedCell : row) {
         cells.push_back(judgedCell->cell);
         for (const std::size_t position : judgedCell->touched) touched.add(findings[position].id);
     }
     compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, touched});
-}
-
-// --- Counts for reports
-
-void startCounts(const Scorecard &card, RowCounts &counts) {
-    counts.scores.assign(scoreSteps, 0);
-    counts.range = scoreRange(card);
-    for (const Recoding &recoding : card.recodings) {
-        counts.positions.emplace_back(recoding.y.size());
-    }
 }
 
 // Opens the files, the results before anything is written. Returns what is wrong, or an empty text.
@@ -350,7 +341,11 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     RowScorer scorer = {card, findings, options, counts};
     QString problem = start(scorer);
     if (!problem.isEmpty()) return problem;
-    startCounts(card, counts);
+    counts.scores.assign(scoreSteps, 0);
+    counts.range = scoreRange(card);
+    for (const Recoding &recoding : card.recodings) {
+        counts.positions.emplace_back(recoding.y.size());
+    }
     while (scorer.reader.read(scorer)) continue;
     for (std::size_t i = 0; i < scorer.judged.size(); ++i) {
         countCell(scorer, i / scorer.places, scorer.judged[i]);

@@ -110,25 +110,24 @@ QString keyOf(const Scorecard &card, const SqlConfiguration &configuration) {
 void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
     const QString &table = configuration.predictionTable;
-    const QString place = u"setting predictionTable, '%1'"_s.arg(table);
-    const bool hasMapping = card.table.exists && dialect.hasProbability;
-    const bool createsTemporary =
-        hasMapping && configuration.useTmpTable && configuration.createTmpTable;
     const bool creates = configuration.createPredictionTable;
-    const QString key = keyOf(card, configuration);
-    const bool usesTemporary = hasMapping && configuration.useTmpTable;
-    const QString temporary = usesTemporary ? u"Qorv_TMP_"_s : QString();
+    const bool usesTemporary =
+        configuration.useTmpTable && card.table.exists && dialect.hasProbability;
+    const bool createsTemporary = usesTemporary && configuration.createTmpTable;
     const bool isQuoted = sqlIdentifier(dialect, table) != table;
+    const QString temporary = usesTemporary ? u"Qorv_TMP_"_s : QString();
+    const QString key = keyOf(card, configuration);
     notes.at(u"setting createPredictionTable"_s).add(creates ? SecondRun : RowsAdded);
-    notes.at(place).add(TableNameQuoted, creates && dialect.makesIndex && isQuoted);
+    notes.at(u"setting predictionTable, '%1'"_s.arg(table))
+        .add(TableNameQuoted, creates && dialect.makesIndex && isQuoted);
     notes.add(TableNameCut, (temporary + table).size() > dialect.identifierLength);
     notes.at(u"key %1"_s.arg(key))
         .add(DistributeId, dialect.distributes && (creates || createsTemporary) && key != u"id");
     notes.at(u"setting createTmpTable"_s)
         .add(CommentDashes, createsTemporary && dialect.name == u"mysql");
-    notes.at(u"setting odbcPassword"_s)
-        .add(PasswordInClear,
-             configuration.kestruneScript && !configuration.odbcPassword.isEmpty());
+    const bool showsPassword =
+        configuration.kestruneScript && !configuration.odbcPassword.isEmpty();
+    notes.at(u"setting odbcPassword"_s).add(PasswordInClear, showsPassword);
 }
 
 void inspectDebugging(Notes &notes, const Scorecard &card) {
