@@ -55,14 +55,6 @@ std::pair<std::uint64_t, std::uint32_t> identityOf(const ResultRow &row) {
     return {row.hash, row.check};
 }
 
-bool hasScore(const Comparison &c) {
-    return !c.options.score.isEmpty();
-}
-
-bool hasProbability(const Comparison &c) {
-    return !c.options.probability.isEmpty();
-}
-
 // Marks rows whose key occurred before, and sorts all of them by keys.
 void tellRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &place) {
     std::ranges::sort(rows, {},
@@ -85,8 +77,7 @@ bool takeNext(Comparison &c, ResultRow &found) {
 }
 
 QString describe(const RowFacts &facts) {
-    if (facts.key.empty()) return QString::number(facts.row);
-    return QString::fromUtf8(facts.key);
+    return facts.key.empty() ? QString::number(facts.row) : QString::fromUtf8(facts.key);
 }
 
 bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
@@ -114,8 +105,8 @@ bool isNear(const Comparison &c, double expected, double found) {
 }
 
 bool matches(const Comparison &c, const Prediction &expected, const Prediction &found) {
-    return (!hasScore(c) || isNear(c, expected.score, found.score)) &&
-           (!hasProbability(c) || isNear(c, expected.probability, found.probability));
+    return (!c.options.hasScore() || isNear(c, expected.score, found.score)) &&
+           (!c.options.hasProbability() || isNear(c, expected.probability, found.probability));
 }
 
 // Whether the probability is that of a score within the tolerance: the table may jump in between.
@@ -161,12 +152,13 @@ bool explain(Comparison &c, const RowFacts &facts, const Prediction &found, bool
 }
 
 bool isExplained(Comparison &c, const RowFacts &facts, const Prediction &found) {
-    return explain(c, facts, found, false) || (hasProbability(c) && explain(c, facts, found, true));
+    return explain(c, facts, found, false) ||
+           (c.options.hasProbability() && explain(c, facts, found, true));
 }
 
 void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
-    const bool isByScore =
-        hasScore(c) && !(hasProbability(c) && isNear(c, facts.expected.score, found.score));
+    const bool isByScore = c.options.hasScore() && !(c.options.hasProbability() &&
+                                                     isNear(c, facts.expected.score, found.score));
     double difference = isByScore ? found.score - facts.expected.score
                                   : found.probability - facts.expected.probability;
     if (std::isnan(difference)) difference = std::numeric_limits<double>::infinity();
@@ -175,15 +167,11 @@ void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
         return std::abs(row.difference) < std::abs(difference);
     });
     if (at == worst.end() && worst.size() >= mostWorst) return;
-    ComparedRow row{.row = facts.row,
-                    .key = std::string(facts.key),
-                    .expected = facts.expected,
-                    .found = found,
-                    .difference = difference,
-                    .recoded = {facts.recoded.begin(), facts.recoded.end()},
-                    .cells = {}};
-    for (const Cell &cell : facts.cells) row.cells.emplace_back(cell.raw);
-    worst.insert(at, std::move(row));
+    std::vector<std::string> cells;
+    for (const Cell &cell : facts.cells) cells.emplace_back(cell.raw);
+    const std::vector<Recoded> recoded(facts.recoded.begin(), facts.recoded.end());
+    worst.insert(
+        at, {facts.row, std::string(facts.key), facts.expected, found, difference, recoded, cells});
     if (worst.size() > mostWorst) worst.pop_back();
 }
 
@@ -265,8 +253,8 @@ void blame(Comparison &c, const RowFacts &facts, const Prediction &found) {
         c.pointsOfColumns.push_back(possiblePoints(c.card, i));
     }
     QStringList faults;
-    const bool hasBoth = hasScore(c) && hasProbability(c);
-    if (hasBoth && matches(c, facts.expected, {found.probability, found.score})) {
+    if (c.options.hasScore() && c.options.hasProbability() &&
+        matches(c, facts.expected, {found.probability, found.score})) {
         faults.append(u"score and probability exchanged in the results"_s);
     } else {
         blameColumns(c, facts, found, faults);
@@ -288,7 +276,7 @@ void Comparison::takeCell(std::size_t place, std::string_view bytes) {
         return;
     }
     const Cell cell = cellOf(bytes, options.missing);
-    const bool isScore = place == (hasKey ? 1 : 0) && hasScore(*this);
+    const bool isScore = place == (hasKey ? 1 : 0) && options.hasScore();
     (isScore ? unfinished.numbers.score : unfinished.numbers.probability) =
         cell.isNumber ? cell.number : noNumber;
     if (cell.isNumber) return;
@@ -303,7 +291,7 @@ void Comparison::endRow() {
 
 QString openResults(Comparison &c, std::span<const Finding> findings) {
     findDeviations(c, findings);
-    if (hasProbability(c) && !c.card.hasProbability()) {
+    if (c.options.hasProbability() && !c.card.hasProbability()) {
         return u"The model has no probability; use --score."_s;
     }
     QString problem = c.reader.open(c.options.results, c.options.delimiter);

@@ -21,6 +21,9 @@ struct RowOptions {
     QString score;                    // their columns, one of which may be empty
     QString probability;
     double tolerance = 1e-9; // relative to the expected number where that is above 1
+
+    bool hasScore() const { return !score.isEmpty(); }
+    bool hasProbability() const { return !probability.isEmpty(); }
 };
 
 // A row without explanation, as it is shown.

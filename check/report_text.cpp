@@ -44,8 +44,7 @@ void putRecoding(TextBuffer &out, const Recoding &recoding) {
         for (const double code : recoding.codes) codes.prepend(numberText(code));
         put(out, u"  missing codes: ", codes.join(u", "_s), u"\n");
     }
-    Table table = {
-        {recoding.variable->isCategorical ? u"values"_s : u"interval"_s, u"score"_s, u"points"_s}};
+    Table table = {{variable.isCategorical ? u"values"_s : u"interval"_s, u"score"_s, u"points"_s}};
     for (std::size_t i = 0; i < recoding.y.size(); ++i) {
         table.push_back({valuesAt(recoding, i), numberText(recoding.y[i]),
                          shortNumber(recoding.coefficient * recoding.y[i])});
@@ -107,8 +106,9 @@ void putComparison(TextBuffer &out, const Report &report) {
 
 QString valuesAt(const Recoding &recoding, std::size_t position) {
     const std::span<const double> x = recoding.x;
-    if (!recoding.variable->isCategorical) {
-        if (position == 0) return u"missing"_s;
+    const bool isCategorical = recoding.variable->isCategorical;
+    if (position == 0) return isCategorical ? u"missing or not listed"_s : u"missing"_s;
+    if (!isCategorical) {
         if (position == 1) return u"(-∞, %1)"_s.arg(numberText(x[0]));
         if (position > x.size() + 1) return u"never"_s;
         if (position == x.size() + 1) return u"(%1, ∞)"_s.arg(numberText(x.back()));
@@ -116,13 +116,11 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
         return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, numberText(x[position - 2]),
                                   numberText(x[position - 1]));
     }
-    if (position == 0) return u"missing or not listed"_s;
     const auto quoted = [&](std::size_t i) {
         return u'\'' + recoding.listed[i].toString() + u'\'';
     };
-    if (!recoding.isBoolean)
-        return position <= recoding.listed.size() ? quoted(position - 1) : u"never"_s;
-    if (position > 2) return u"never"_s;
+    if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"never"_s;
+    if (!recoding.isBoolean) return quoted(position - 1);
     QStringList values;
     const CategoricalRecoding arrays = {recoding.listed, recoding.y, true};
     for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
