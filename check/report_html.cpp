@@ -95,15 +95,16 @@ void putComparison(TextBuffer &out, const Report &report) {
 
 // --- The curve
 
-// The drawing's range of scores.
+// What a drawing or its bars reach from and to.
 struct Range {
-    double from;
-    double to;
+    double from = 0;
+    double to = 0;
 
-    QString across(double score) const {
-        return place(40 + 936 * (std::clamp(score, from, to) - from) / (to - from));
-    }
     double at(double share) const { return from + share * (to - from); }
+    double shareOf(double value) const {
+        return to > from ? (std::clamp(value, from, to) - from) / (to - from) : 0;
+    }
+    QString across(double score) const { return place(40 + 936 * shareOf(score)); }
 };
 
 // Where a probability, or a share of the most rows, stands.
@@ -183,29 +184,20 @@ void putCurve(TextBuffer &out, const Report &report) {
 // --- Recodings
 
 // Bars of one model share a scale, so that recodings can be compared.
-struct Scale {
-    double least = 0;
-    double most = 0;
-
-    double across(double points) const {
-        return most > least ? 100 * (points - least) / (most - least) : 0;
-    }
-};
-
-Scale scaleOf(const Scorecard &card) {
-    Scale scale;
+Range scaleOf(const Scorecard &card) {
+    Range scale;
     for (const Recoding &recoding : card.recodings) {
         for (const double score : recoding.y) {
             const double points = recoding.coefficient * score;
             if (!std::isfinite(points)) continue;
-            scale.least = std::min(scale.least, points);
-            scale.most = std::max(scale.most, points);
+            scale.from = std::min(scale.from, points);
+            scale.to = std::max(scale.to, points);
         }
     }
     return scale;
 }
 
-void putRecoding(TextBuffer &out, const Report &report, std::size_t at, const Scale &scale) {
+void putRecoding(TextBuffer &out, const Report &report, std::size_t at, const Range &scale) {
     const Recoding &recoding = report.card.recodings[at];
     const XmlNode &node = recoding.variable->node;
     put(out, u"<article><h3>", escaped(titleOf(recoding)), u"</h3>\n<p class=\"soft\">",
@@ -213,10 +205,10 @@ void putRecoding(TextBuffer &out, const Report &report, std::size_t at, const Sc
         u", coefficient ", recoding.coefficient,
         u"</p>\n<table><tr><th>values</th><th></th><th class=\"number\">points</th>",
         report.counts ? u"<th class=\"number\">rows</th>"_s : QString(), u"</tr>\n");
-    const double zero = scale.across(0);
+    const double zero = 100 * scale.shareOf(0);
     for (std::size_t i = 0; i < recoding.y.size(); ++i) {
         const double points = recoding.coefficient * recoding.y[i];
-        const double end = scale.across(points);
+        const double end = 100 * scale.shareOf(points);
         put(out, u"<tr><td>", escaped(valuesAt(recoding, i)), u"</td><td class=\"bar\"><i",
             points < 0 ? u" class=\"below\""_s : QString(),
             u" style=\"left:%1%;width:%2%\"></i><u style=\"left:%3%\"></u></td>"_s.arg(
@@ -239,7 +231,7 @@ void putHtmlReport(TextBuffer &out, const Report &report) {
     putCurve(out, report);
     put(out, u"<section><h2>Recodings</h2>\n<p>Constant ", report.card.regression.constant,
         u"; all bars have one scale.</p>\n<div class=\"recodings\">\n");
-    const Scale scale = scaleOf(report.card);
+    const Range scale = scaleOf(report.card);
     for (std::size_t i = 0; i < report.card.recodings.size(); ++i) {
         putRecoding(out, report, i, scale);
     }
