@@ -9,24 +9,22 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-using Table = std::vector<QStringList>;
+// Not of Qt's lists, which are filled without a look whether there was memory for them.
+using Row = std::vector<QString>;
+using Table = std::vector<Row>;
 
 // Columns as wide as they need to be.
 void putTable(TextBuffer &out, const Table &table) {
     std::vector<qsizetype> widths;
-    for (const QStringList &row : table) {
-        widths.resize(std::max(widths.size(), static_cast<std::size_t>(row.size())));
-        for (qsizetype i = 0; i < row.size(); ++i) {
-            qsizetype &width = widths[static_cast<std::size_t>(i)];
-            width = std::max(width, row[i].size());
-        }
+    for (const Row &row : table) {
+        widths.resize(std::max(widths.size(), row.size()));
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
     }
-    for (const QStringList &row : table) {
+    for (const Row &row : table) {
         put(out, u" ");
-        for (qsizetype i = 0; i < row.size(); ++i) {
+        for (std::size_t i = 0; i < row.size(); ++i) {
             const bool isLast = i + 1 == row.size();
-            put(out, u" ",
-                isLast ? row[i] : row[i].leftJustified(widths[static_cast<std::size_t>(i)] + 1));
+            put(out, u" ", isLast ? row[i] : row[i].leftJustified(widths[i] + 1));
         }
         put(out, u"\n");
     }
