@@ -3,13 +3,17 @@
 #include "check/evaluation.h"
 #include "model/number_text.h"
 
-#include <QHash>
-
 #include <algorithm>
 #include <functional>
+#include <unordered_map>
 #include <utility>
 
 namespace {
+
+// For tables that are not Qt's: an insertion into those ends the program where memory runs out.
+struct HashOfText {
+    std::size_t operator()(QStringView text) const { return hashText(text); }
+};
 
 // The names of the data dictionary are those that documents are saved with.
 constexpr QStringView cleanedInDocuments = u" .";
@@ -66,15 +70,14 @@ void readCategorical(Recoding &recoding, const Scorecard &card) {
 }
 
 void readRecodingsOf(Scorecard &card) {
-    QHash<QStringView, std::size_t> columns;
+    std::unordered_map<QStringView, std::size_t, HashOfText> columns;
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
         Recoding &recoding = card.recodings[variable.position];
         recoding.variable = &variable;
         const std::size_t next = card.columns.size();
-        recoding.column = columns.value(variable.field, next);
+        recoding.column = columns.try_emplace(variable.field, next).first->second;
         if (recoding.column == next) {
-            columns.insert(variable.field, next);
             card.columns.push_back(variable.field.toString());
             card.recodingsOf.emplace_back();
         }
@@ -92,7 +95,7 @@ void readRecodingsOf(Scorecard &card) {
 }
 
 void findAlike(Scorecard &card, Target target) {
-    QHash<QString, std::size_t> last;
+    std::unordered_map<QString, std::size_t, HashOfText> last;
     const auto columnOf = [&](const Recoding &recoding) -> std::size_t & {
         const QString name = cleanedFor(target, recoding.variable->field);
         return last[target == Target::Sas ? name.toLower() : name]; // SAS knows no capitals
@@ -104,8 +107,8 @@ void findAlike(Scorecard &card, Target target) {
 }
 
 void readTerms(Scorecard &card) {
-    QHash<int, double> first; // by number
-    QHash<int, double> last;
+    NumberTable<double> first;
+    NumberTable<double> last;
     double factor = 1;
     for (const auto &[coefficient, number, position] : card.regression.terms) {
         if (!first.contains(number)) first[number] = coefficient;
