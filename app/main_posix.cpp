@@ -27,8 +27,8 @@ int main(int argc, char **argv) {
         for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
         return arguments;
     });
-    // The files are closed. What Qt's libraries would clear away, the system releases as well: 0.1 ms
-    // of the 3 ms that a small document takes.
+    // The files are closed. What Qt's libraries would clear away, the system releases as well: 0.1
+    // ms of the 3 ms that a small document takes.
     if constexpr (SCOREWRIGHT_LEAVES_AT_ONCE) {
         std::fflush(stdout);
         std::_Exit(status);
