@@ -2,6 +2,7 @@
 
 #include "check/inspection.h"
 #include "check/report.h"
+#include "model/canvas_tags.h"
 #include "model/exit_status.h"
 #include "platform/platform.h"
 
@@ -195,17 +196,6 @@ bool looks(const Request &request) {
 }
 
 // --- Work
-
-QString readCanvas(const QString &fileName) {
-    QByteArray bytes;
-    std::FILE *const file = openFile(fileName, FileUse::Read);
-    if (!file) return {};
-    bytes.resize(fileSize(file));
-    const auto size = static_cast<std::size_t>(bytes.size());
-    bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
-    std::fclose(file);
-    return QString::fromUtf8(bytes);
-}
 
 bool isFound(const Report &report) {
     if (!report.findings.empty()) return true;

@@ -3,7 +3,7 @@
 // read once for each kind.
 #include "model/canvas_tags.h"
 
-#include <QString>
+#include "platform/platform.h"
 
 #include <algorithm>
 #include <limits>
@@ -117,6 +117,17 @@ qsizetype closingEnd(QStringView canvas, qsizetype at) {
 }
 
 } // namespace
+
+QString readCanvas(const QString &fileName) {
+    std::FILE *const file = openFile(fileName, FileUse::Read);
+    if (!file) return {};
+    QByteArray bytes;
+    bytes.resize(fileSize(file)); // a device may go on for ever, but it has no size
+    const auto size = static_cast<std::size_t>(bytes.size());
+    bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
+    std::fclose(file);
+    return QString::fromUtf8(bytes);
+}
 
 QStringView tagOpening(TagKind kind) {
     return openings[static_cast<std::size_t>(kind)];

@@ -2,6 +2,7 @@
 // occurrence at a time; taking the occurrence that stands first walks through all of them in order.
 #pragma once
 
+#include <QString>
 #include <QStringView>
 
 #include <array>
@@ -23,6 +24,9 @@ enum class TagKind {
     None,
 };
 inline constexpr std::size_t tagKinds = static_cast<std::size_t>(TagKind::None);
+
+// The text of a canvas, a file in UTF-8; empty when the file cannot be read.
+QString readCanvas(const QString &fileName);
 
 // What a tag begins with, as in "[QRV_SCRIPT".
 QStringView tagOpening(TagKind kind);

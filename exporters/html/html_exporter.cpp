@@ -37,20 +37,9 @@ struct QuestionRound {
 
 // --- What goes in
 
-QByteArray readCanvasBytes(const QString &fileName) {
-    QByteArray bytes;
-    std::FILE *const file = openFile(fileName, FileUse::Read);
-    if (!file) return bytes;
-    bytes.resize(fileSize(file)); // a device may go on for ever, but it has no size
-    const auto size = static_cast<std::size_t>(bytes.size());
-    bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
-    std::fclose(file);
-    return bytes;
-}
-
-QString readCanvas(const QString &canvasPath) {
+QString canvasOf(const QString &canvasPath) {
     constexpr qsizetype shortest = 10;
-    const QString canvas = QString::fromUtf8(readCanvasBytes(canvasPath));
+    const QString canvas = readCanvas(canvasPath);
     return canvas.size() < shortest ? QStringView(defaultCanvas).toString() : canvas;
 }
 
@@ -188,7 +177,7 @@ int exportToHtml(const QString &modelPath, const QString &canvasPath, const QStr
     HtmlPage page;
     page.models = readModels(modelPath);
     if (page.models.empty()) return exitNothingToAsk;
-    const QString canvas = readCanvas(canvasPath);
+    const QString canvas = canvasOf(canvasPath);
     page.tags = scanCanvas(canvas, printText);
     if (!hasRequiredTags(page.tags)) return exitNotScorable;
     if (!readRegressions(page.models)) return exitNotScorable;
