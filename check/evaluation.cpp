@@ -168,9 +168,14 @@ double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
 ScoreRange scoreRange(const Scorecard &card) {
     ScoreRange range = {card.regression.constant, card.regression.constant};
     for (const auto &[coefficient, recoding] : card.terms) {
-        const auto [least, most] = std::ranges::minmax(card.recodings[recoding].y);
-        range.least += std::min(coefficient * least, coefficient * most);
-        range.most += std::max(coefficient * least, coefficient * most);
+        double least = HUGE_VAL;
+        double most = -HUGE_VAL;
+        for (const double score : card.recodings[recoding].y) { // what is no number changes neither
+            least = std::min(least, coefficient * score);
+            most = std::max(most, coefficient * score);
+        }
+        range.least += least;
+        range.most += most;
     }
     return range;
 }

@@ -138,7 +138,7 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     QSet<int> ofRecodings;
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
-        notes.at(u"recoding %1 (column %2)"_s.arg(variable.node.attribute(u"name"), variable.field),
+        notes.at(u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
                  static_cast<int>(variable.position));
         if (variable.isCategorical) {
             inspectCategorical(notes, recoding, sql);

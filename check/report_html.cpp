@@ -199,10 +199,10 @@ Range scaleOf(const Scorecard &card) {
 
 void putRecoding(TextBuffer &out, const Report &report, std::size_t at, const Range &scale) {
     const Recoding &recoding = report.card.recodings[at];
-    const XmlNode &node = recoding.variable->node;
+    const Variable &variable = *recoding.variable;
     put(out, u"<article><h3>", escaped(titleOf(recoding)), u"</h3>\n<p class=\"soft\">",
-        escaped(node.attribute(u"displayName")), u"; ", escaped(node.attribute(u"type")),
-        u", coefficient ", recoding.coefficient,
+        escaped(variable.label), u"; ", escaped(variable.type), u", coefficient ",
+        recoding.coefficient,
         u"</p>\n<table><tr><th>values</th><th></th><th class=\"number\">points</th>",
         report.counts ? u"<th class=\"number\">rows</th>"_s : QString(), u"</tr>\n");
     const double zero = 100 * scale.shareOf(0);

@@ -38,8 +38,7 @@ std::size_t mostFrequent(ModelDocument &document, const Variable &variable) {
 
 // The label, or where it is empty the column, or where that is empty too the variable's name.
 QStringView captionOf(const Variable &variable) {
-    const QStringView label = variable.label;
-    if (!label.isEmpty()) return label;
+    if (!variable.label.isEmpty()) return variable.label;
     return variable.field.isEmpty() ? variable.name : variable.field;
 }
 

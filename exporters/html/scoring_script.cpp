@@ -93,9 +93,8 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
         const Variable &variable = page.variable(record);
         ModelDocument &document = page.model(record).document;
         if (i == 0 || record.field != page.records[i - 1].field) {
-            const QStringView label = variable.label;
             put(out, u"//------------- Column '", record.field, u"' ");
-            if (!label.isEmpty()) put(out, u"( ", label, u" ) ");
+            if (!variable.label.isEmpty()) put(out, u"( ", variable.label, u" ) ");
             put(out, u"------------------\n");
         }
         put(out, u"var ", record.jsName, u"_score = 0;\nvar ", record.jsName, u"_scoreAr = ");
