@@ -6,6 +6,14 @@
 #include <cassert>
 #include <new>
 
+namespace {
+
+// In UTF-16 units.
+constexpr qsizetype pageSize = 4096 / sizeof(char16_t);
+constexpr qsizetype blockSize = 1 << 17;
+
+} // namespace
+
 TextBuffer::TextBuffer(qsizetype expected) {
     // Memory costs nothing until it is touched. If the system refuses it, the buffer grows later.
     static_cast<void>(resize(expected));
@@ -23,13 +31,14 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// Blocks of UTF-16 end where pages of the file do: blocks that end within a page take 1.5 times the
-// system's time for writing. In UTF-8, the first half of a surrogate pair stays behind, to be
-// converted together with the second.
+// Blocks of UTF-16 begin and end in the file where pages do, and as a rule where whole blocks do: the
+// system then takes each in one piece. Blocks that end within a page take 1.5 times the system's
+// time for writing. In UTF-8, the first half of a surrogate pair stays behind, to be converted
+// together with the second.
 void TextBuffer::writeBlock() {
-    constexpr qsizetype page = 4096 / sizeof(char16_t);
     const bool isUtf16 = file.encoding == OutputEncoding::Utf16;
-    const qsizetype kept = isUtf16 ? (position + used) % page : endsInHalfPair(text()) ? 1 : 0;
+    const qsizetype unit = used >= blockSize ? blockSize : pageSize;
+    const qsizetype kept = isUtf16 ? (position + used) % unit : endsInHalfPair(text()) ? 1 : 0;
     const qsizetype size = used - kept;
     writeText(file, text().first(size));
     std::copy_n(units + size, kept, units);
@@ -38,12 +47,14 @@ void TextBuffer::writeBlock() {
 }
 
 void TextBuffer::enlarge(qsizetype count) {
-    constexpr qsizetype smallest = 1 << 15;
     if (file.stream && used > 0) {
         writeBlock();
         if (count <= capacity - used) return;
     }
-    if (!resize(std::max({smallest, 2 * capacity, used + count}))) throw std::bad_alloc();
+    // The page more takes the piece that crosses the end of a block.
+    if (!resize(std::max({blockSize + pageSize, 2 * capacity, used + count}))) {
+        throw std::bad_alloc();
+    }
 }
 
 void TextBuffer::close() {
