@@ -14,8 +14,8 @@ int digitValue(char16_t c, int base) {
 
 } // namespace
 
-XmlDocument::XmlDocument(MemoryBlock owned, const char16_t *text, std::span<std::byte> room)
-    : block(std::move(owned)), source(text), length(QStringView(source).size()),
+XmlDocument::XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> room)
+    : block(std::move(owned)), source(text.utf16()), length(text.size()),
       blocks(room.data(), room.size()) {}
 
 bool readXmlEntity(QStringView &rest, char16_t &character) {
@@ -59,5 +59,7 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
     auto *const copy = reinterpret_cast<char16_t *>(block.get());
     *std::copy_n(text.utf16(), size, copy) = u'\0';
     const std::span room(block.get() + textBytes, roomBytes);
-    return parseXml(std::make_unique<XmlDocument>(std::move(block), copy, room), tag, results);
+    // A pointer alone makes a view that ends before the first zero unit.
+    const QStringView source(copy);
+    return parseXml(std::make_unique<XmlDocument>(std::move(block), source, room), tag, results);
 }

@@ -32,12 +32,13 @@ struct XmlElement {
 // A document has one block of memory: its text, and beside it the room for the tree and for what is
 // read from the tree. What does not fit there goes to the system's memory.
 struct XmlDocument {
-    // Takes over the block. The text, which ends in a zero unit, and the room stand in it.
-    XmlDocument(MemoryBlock owned, const char16_t *text, std::span<std::byte> room);
+    // Takes over the block. The text, with a zero unit behind it and none in it, and the room stand
+    // in it.
+    XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> room);
 
     MemoryBlock block;
     const char16_t *source;
-    qsizetype length; // units before the first zero unit
+    qsizetype length; // in units, without the zero unit
     std::pmr::monotonic_buffer_resource blocks;
     int handles = 0; // of all elements together
 };

@@ -83,8 +83,8 @@ FileBytes readFile(const QString &fileName) {
 }
 
 // Decodes 8-bit bytes up to the first zero byte, to where there is room for a unit for each and a
-// few more. False when they are no text.
-bool decodeNarrow(QByteArrayView bytes, char16_t *text) {
+// few more. Null when they are no text.
+QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
     if (isUtf8) bytes = bytes.sliced(3);
     bytes.truncate(
@@ -100,13 +100,14 @@ bool decodeNarrow(QByteArrayView bytes, char16_t *text) {
     } else {
         end = decodeAnsi(bytes, text);
     }
-    if (end) *end = u'\0';
-    return end;
+    if (!end) return {};
+    *end = u'\0';
+    return {text, end};
 }
 
 // Where the text begins that was read into the block, and the room beside it.
 struct Source {
-    const char16_t *text;
+    QStringView text;
     std::span<std::byte> room;
 };
 
@@ -115,7 +116,9 @@ Source utf16Source(const FileBytes &file) {
     // EF FF is dropped like a byte-order mark: existing documents rely on it.
     const bool isMarked = bytes.startsWith("\xEF\xFF") || bytes.startsWith("\xFF\xFE");
     const std::span block(file.block.get(), file.blockSize);
-    return {reinterpret_cast<const char16_t *>(block.data() + file.start) + (isMarked ? 1 : 0),
+    const auto *const text = reinterpret_cast<const char16_t *>(block.data() + file.start);
+    // A pointer alone makes a view that ends before the first zero unit.
+    return {QStringView(text + (isMarked ? 1 : 0)),
             block.subspan(file.start + file.size + zeroBytes)};
 }
 
@@ -128,7 +131,7 @@ Source narrowSource(FileBytes &file) {
         std::memmove(block.data() + file.start, block.data(), file.size);
     }
     auto *const text = reinterpret_cast<char16_t *>(block.data());
-    return {decodeNarrow(file.bytes(), text) ? text : nullptr, block.subspan(file.start)};
+    return {decodeNarrow(file.bytes(), text), block.subspan(file.start)};
 }
 
 } // namespace
@@ -138,7 +141,7 @@ XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseRes
     Source source{};
     if (file.error == XmlError::NoError) {
         source = isUtf16Text(file.bytes()) ? utf16Source(file) : narrowSource(file);
-        if (!source.text) file.error = XmlError::WideCharConversionError;
+        if (source.text.isNull()) file.error = XmlError::WideCharConversionError;
     }
     if (file.error != XmlError::NoError) {
         if (results) *results = {file.error};
