@@ -27,10 +27,9 @@ bool isInOrder(std::span<const double> x, Order order) {
 }
 
 void readNumeric(Recoding &recoding, const Scorecard &card) {
-    const NumericRecoding arrays = card.arrays.numeric(*recoding.variable);
-    recoding.x = arrays.x;
-    recoding.y = arrays.y;
-    recoding.isRising = isInOrder(arrays.x, std::less());
+    recoding.x = recoding.variable->x;
+    recoding.y = recoding.variable->y;
+    recoding.isRising = isInOrder(recoding.x, std::less());
     const auto codesOf = [&](const QString &name) -> std::span<const double> {
         return card.dictionary.lists[card.dictionary.find(name)].codes;
     };
@@ -52,8 +51,8 @@ std::string keyOf(std::string_view text, Reading reading) {
     return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : std::string(text);
 }
 
-void readCategorical(Recoding &recoding, const Scorecard &card) {
-    const CategoricalRecoding arrays = card.arrays.categorical(*recoding.variable);
+void readCategorical(Recoding &recoding) {
+    const CategoricalRecoding arrays = categorical(*recoding.variable);
     recoding.y = arrays.y;
     recoding.isBoolean = arrays.isBoolean;
     recoding.listed = arrays.values;
@@ -84,7 +83,7 @@ void readRecodingsOf(Scorecard &card) {
         recoding.rank = card.recodingsOf[recoding.column].size();
         card.recodingsOf[recoding.column].push_back(variable.position);
         if (variable.isCategorical) {
-            readCategorical(recoding, card);
+            readCategorical(recoding);
         } else {
             readNumeric(recoding, card);
         }
@@ -158,7 +157,7 @@ Scorecard readScorecard(const QString &fileName) {
     card.document = loadModel(fileName);
     if (!card.document.problem.isEmpty()) return card;
     card.variables = readVariables(card.document, {});
-    card.arrays = readRecodings(card.document, card.variables);
+    requireRecodings(card.document, card.variables);
     card.dictionary = readMissingDictionary(card.document);
     card.regression = readRegression(card.document, card.variables);
     card.table = readProbabilityTable(card.document);

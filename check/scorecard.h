@@ -50,7 +50,6 @@ struct ScoreTerm {
 struct Scorecard {
     ModelDocument document;
     std::pmr::vector<Variable> variables;
-    Recodings arrays;
     MissingDictionary dictionary;
     std::vector<QString> columns; // the fields, each once, in the order of the document
     std::vector<Recoding> recodings;

@@ -1,6 +1,5 @@
 // The tree stays the model: what is read are views into it and decoded arrays. Arrays are decoded
-// into one buffer and copied from there, since a text in the middle of a document is aligned to
-// nothing.
+// into one buffer and copied from there to where they are aligned.
 #include "model/model_document.h"
 
 #include "model/exit_status.h"
@@ -9,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <span>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -16,25 +16,22 @@ static_assert(std::endian::native == std::endian::little, "arrays are read as th
 
 namespace {
 
-// Appends the numbers of an array and returns how many there are.
-template <typename Values>
-std::size_t decodeArray(ModelDocument &document, QStringView text, Values &values) {
-    using T = typename Values::value_type;
+// The bytes of an array, as they were decoded, up to the last whole number of `numberSize` bytes.
+// They stay until the next array is decoded.
+std::span<const unsigned char> decodeArray(ModelDocument &document, QStringView text,
+                                           std::size_t numberSize) {
     qsizetype size = 0;
     const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
-    const std::size_t count = bytes ? static_cast<std::size_t>(size) / sizeof(T) : 0;
-    if (count > 0) {
-        values.resize(values.size() + count);
-        std::memcpy(values.data() + values.size() - count, bytes, count * sizeof(T));
-    }
-    return count;
+    const std::size_t count = bytes ? static_cast<std::size_t>(size) / numberSize : 0;
+    return {bytes, count * numberSize};
 }
 
-void noteShortArray(ModelDocument &document, const QString &owner, QStringView array,
-                    std::size_t count, std::size_t needed) {
-    const QString problem = u"%1: array '%2' has %3 values, %4 needed"_s;
-    noteProblem(document,
-                problem.arg(owner, array, QString::number(count), QString::number(needed)));
+// Puts the numbers in place of `values` and fills up with zeros to `needed`.
+template <typename Values>
+void copyNumbers(std::span<const unsigned char> bytes, std::size_t needed, Values &values) {
+    constexpr std::size_t numberSize = sizeof(typename Values::value_type);
+    values.assign(std::max(bytes.size() / numberSize, needed), 0);
+    if (!bytes.empty()) std::memcpy(values.data(), bytes.data(), bytes.size());
 }
 
 } // namespace
@@ -90,25 +87,40 @@ int reportProblem(const QString &fileName, const QString &problem) {
     return exitUnusableModel;
 }
 
-std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                          std::size_t needed, std::pmr::vector<double> &values) {
-    const std::size_t count = decodeArray(document, owner.childNode(array).text(), values);
-    if (count >= needed) return count;
-    noteShortArray(document, describe(owner), array, count, needed);
-    values.resize(values.size() + needed - count);
-    return needed;
+void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                    std::size_t count, std::size_t needed) {
+    if (count >= needed) return;
+    const QString problem = u"%1: array '%2' has %3 values, %4 needed"_s;
+    noteProblem(document, problem.arg(describe(owner), array, QString::number(count),
+                                      QString::number(needed)));
 }
 
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                  std::size_t needed, std::pmr::vector<double> &values) {
-    values.clear();
-    appendNumbers(document, owner, array, needed, values);
+    const auto bytes = decodeArray(document, owner.childNode(array).text(), sizeof(double));
+    requireNumbers(document, owner, array, bytes.size() / sizeof(double), needed);
+    copyNumbers(bytes, needed, values);
+}
+
+// The numbers take less than half of the memory of their text, which leaves room to align them. In
+// memory of their own, a SAS script would need 8 % more of it.
+std::span<const double> takeNumbers(ModelDocument &document, const XmlNode &owner,
+                                    QStringView array) {
+    const XmlNode node = owner.childNode(array);
+    const auto bytes = decodeArray(document, node.text(), sizeof(double));
+    if (bytes.empty()) return {};
+    const std::span<char16_t> text = node.takeText();
+    void *place = text.data();
+    std::size_t room = text.size_bytes();
+    std::align(alignof(double), bytes.size(), place, room);
+    std::memcpy(place, bytes.data(), bytes.size());
+    return {static_cast<const double *>(place), bytes.size() / sizeof(double)};
 }
 
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
                   std::vector<int> &values) {
-    values.clear();
-    decodeArray(document, owner.childNode(array).text(), values);
+    const auto bytes = decodeArray(document, owner.childNode(array).text(), sizeof(int));
+    copyNumbers(bytes, 0, values);
 }
 
 QString cleanName(QStringView text, QStringView replaced) {

@@ -2,8 +2,8 @@
 // rest.
 //
 // Reading does not stop at an array that is too short: the first shortage is noted in the document,
-// the missing values read as 0, and the exporter goes on and asks once, when it has read all that
-// it needs and before it writes anything, whether there was a problem.
+// and the exporter goes on and asks once, when it has read all that it needs and before it writes
+// anything, whether there was a problem.
 #pragma once
 
 #include "xml/base64.h"
@@ -12,6 +12,7 @@
 #include <QString>
 
 #include <memory_resource>
+#include <span>
 #include <vector>
 
 struct ModelDocument {
@@ -53,19 +54,23 @@ QStringView modelVersion(const ModelDocument &document);
 
 // --- Arrays
 
-// Reads the child `array` of `owner`, which holds 64-bit numbers, and appends them to `values`; an
-// absent one has none. One of less than `needed` values is a problem, and is filled up. Returns how
-// many were appended.
-std::size_t appendNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                          std::size_t needed, std::pmr::vector<double> &values);
-
-// The same, in place of the values.
+// Reads the child `array` of `owner`, which holds 64-bit numbers, in place of `values`; an absent
+// one has none. One of less than `needed` values is a problem, and is filled up with zeros.
 void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                  std::size_t needed, std::pmr::vector<double> &values);
 
 // The same for 32-bit integers, of which an array of any length will do.
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
                   std::vector<int> &values);
+
+// Decodes the child `array` of `owner`, which holds 64-bit numbers, to where its text stands: the
+// text is absent from then on. The numbers are valid as long as the document.
+std::span<const double> takeNumbers(ModelDocument &document, const XmlNode &owner,
+                                    QStringView array);
+
+// Notes a problem when the child `array` of `owner` has fewer numbers than are needed.
+void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                    std::size_t count, std::size_t needed);
 
 // --- Names
 

@@ -22,12 +22,16 @@ struct Variable {
     QStringView recodingName; // "R", the position, "_" and the clean field; at most 31 units
     int number = -1; // by which the regression calls it: what xmlToInt reads behind the first
                      // character of its name, 17 in "V17"; -1 for a shorter name
-    bool isCategorical = false; // a list of values, else intervals
-    bool isBoolean = false;     // a list of spellings of false and true
+    bool isCategorical = false;          // a list of values, else intervals
+    bool isBoolean = false;              // a list of spellings of false and true
+    std::span<const double> x;           // the bounds, however many there are
+    std::span<const double> y;           // the scores
+    std::span<const QStringView> values; // of a list, in document order; empty where absent
 };
 
-// All variables in document order, their fields cleaned of the characters of `replaced`. The list
-// stands in the document's memory: it must not outlive the document.
+// All variables in document order, their fields cleaned of the characters of `replaced`. They stand
+// in the document's memory and take their arrays out of it: read once, the texts of "x" and "y" are
+// absent. The list must not outlive the document.
 std::pmr::vector<Variable> readVariables(ModelDocument &document, QStringView replaced);
 
 // The numbers that stand for a missing value of a numeric column, in the order in which all targets
@@ -46,8 +50,9 @@ struct MissingDictionary {
     struct Equal {
         bool operator()(QStringView a, QStringView b) const { return equalsIgnoringCase(a, b); }
     };
-    std::vector<MissingCodes> lists; // each once; the first is that of a field without
-    std::unordered_map<QStringView, std::size_t, Hash, Equal> positions;
+    using Positions = std::pmr::unordered_map<QStringView, std::size_t, Hash, Equal>;
+    std::vector<MissingCodes> lists{}; // each once; the first is that of a field without
+    Positions positions{};             // of the names with a list
 
     // Where the list of the field stands.
     std::size_t find(QStringView field) const;
@@ -82,7 +87,7 @@ void forEachInnerInterval(const NumericRecoding &recoding, Write write) {
 // first five values of a boolean column are spellings of false and share y[1], all others are
 // spellings of true and share y[2].
 struct CategoricalRecoding {
-    std::span<const QStringView> values; // in document order; empty where absent
+    std::span<const QStringView> values;
     std::span<const double> y;
     bool isBoolean;
 
@@ -92,27 +97,21 @@ struct CategoricalRecoding {
     }
     double score(std::size_t position) const { return y[place(position)]; }
 };
+CategoricalRecoding categorical(const Variable &variable);
 
-// The recodings of all variables. Their numbers and values stand one after the other.
-struct Recodings {
-    struct Record {
-        std::size_t firstNumber = 0; // the bounds, and after them the scores
-        std::size_t boundCount = 0;
-        std::size_t scoreCount = 0;
-        std::size_t firstValue = 0;
-        std::size_t valueCount = 0;
-        std::size_t missingList = 0; // position in missingCodes
-    };
-    std::pmr::vector<Record> records{}; // of each variable
-    std::pmr::vector<double> numbers{};
-    std::pmr::vector<QStringView> values{};
-    std::vector<MissingCodes> missingCodes{}; // each list once; the first says that there is none
-
-    NumericRecoding numeric(const Variable &variable) const;
-    CategoricalRecoding categorical(const Variable &variable) const;
-};
 // Whether a boolean column needs only the scores that its values take, or both even without values.
 enum class BooleanScores { OfValues, Both };
-// They stand in the document's memory, as the variables do.
+// Notes a problem when an array of a variable is too short; its recoding may then not be asked for.
+void requireRecodings(ModelDocument &document, std::span<const Variable> variables,
+                      BooleanScores booleanScores = BooleanScores::OfValues);
+
+// Where a target finds the recodings of numeric columns.
+struct Recodings {
+    std::pmr::vector<std::size_t> missingLists; // of each variable, the position in missingCodes
+    std::vector<MissingCodes> missingCodes;     // each list once; the first says that there is none
+
+    NumericRecoding numeric(const Variable &variable) const;
+};
+// Does what requireRecodings does, too. The recodings are valid as long as variables and document.
 Recodings readRecodings(ModelDocument &document, std::span<const Variable> variables,
                         BooleanScores booleanScores = BooleanScores::OfValues);

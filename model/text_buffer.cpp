@@ -31,10 +31,10 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// Blocks of UTF-16 begin and end in the file where pages do, and as a rule where whole blocks do: the
-// system then takes each in one piece. Blocks that end within a page take 1.5 times the system's
-// time for writing. In UTF-8, the first half of a surrogate pair stays behind, to be converted
-// together with the second.
+// Blocks of UTF-16 begin and end in the file where pages do, and as a rule where whole blocks do:
+// the system then takes each in one piece. Blocks that end within a page take 1.5 times the
+// system's time for writing. In UTF-8, the first half of a surrogate pair stays behind, to be
+// converted together with the second.
 void TextBuffer::writeBlock() {
     const bool isUtf16 = file.encoding == OutputEncoding::Utf16;
     const qsizetype unit = used >= blockSize ? blockSize : pageSize;

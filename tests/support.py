@@ -123,7 +123,8 @@ DOCUMENTS = {
         ],
         [(7, 0.5), (4, -1.25), (1, 2), (3, 1e-13), (2, 1), (12, -10)], 1 / 3,
         table=[(3, 0.9), (2, 0.9), (2, 0.8), (1, 1 / 3), (-0.5, 0.25), (-2, 0.01)]),
-    # Lists of missing codes, and no table: one code, several, a list that decodes to none, none.
+    # Lists of missing codes, and no table: one code, several, a list that decodes to none, none
+    # since the first field of two with one name counts.
     "missing": document(
         [
             numeric(1, "one", [1, 2], [5, 6, 7, 8]),
@@ -133,7 +134,9 @@ DOCUMENTS = {
         ],
         [(1, 1), (2, 2), (3, 3), (4, 4)], -1,
         missing={"One": [-1], "many_codes": [-999.5, 1e6, 1.5e-07, 99], "many codes": [98, 97], "nothing": []},
-        kind="C").replace("<Missing></Missing>", "<Missing>QQ==</Missing>"),
+        kind="C").replace("<Missing></Missing>", "<Missing>QQ==</Missing>").replace("</DataDictionary>", (
+            f'<DataField name="NONE"/><DataField name="none"><Missing>{doubles([1])}</Missing></DataField>'
+            "</DataDictionary>")),
     # The logistic form, no target, and a coefficient after the constant.
     "logistic": document([numeric(1, "a", [0, 1], [0, 1, 2, 3]), categorical(2, "b", ["x"], [0, 1])],
                          [(2, 0.5), (1, 1)], 0, target="", method="softmax").replace(

@@ -172,6 +172,12 @@ QStringView XmlNode::text(int i) const {
     return i >= 0 && i < textCount() ? element->texts[i] : QStringView();
 }
 
+std::span<char16_t> XmlNode::takeText(int i) const {
+    if (i < 0 || i >= textCount()) return {};
+    const QStringView text = std::exchange(element->texts[i], {});
+    return {const_cast<char16_t *>(text.utf16()), static_cast<std::size_t>(text.size())};
+}
+
 XmlClear XmlNode::clear(int i) const {
     return i >= 0 && i < clearCount() ? element->clears[i] : XmlClear();
 }

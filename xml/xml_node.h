@@ -20,6 +20,7 @@
 #include <iterator>
 #include <memory>
 #include <memory_resource>
+#include <span>
 
 // The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
 // Base64LengthNotMultipleOf4 and Base64Truncated are warnings: there is a result all the same.
@@ -123,6 +124,8 @@ public:
 
     // The i-th text piece (from 0) in document order, or null.
     QStringView text(int i = 0) const;
+    // The memory where that text stands, to be written to. The text is absent from then on.
+    std::span<char16_t> takeText(int i = 0) const;
     // The i-th section that is kept as it stands; its views are null when there is none.
     XmlClear clear(int i) const;
 

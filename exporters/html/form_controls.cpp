@@ -117,8 +117,7 @@ void putRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &cat
 } // namespace
 
 SliderRange computeSliderRange(ModelDocument &document, const Variable &variable) {
-    std::pmr::vector<double> bounds;
-    readNumbers(document, variable.node, u"x", 0, bounds);
+    const std::span<const double> bounds = variable.x;
     SliderRange range;
     if (!bounds.empty()) {
         range.min = toInt(std::floor(bounds.front()));

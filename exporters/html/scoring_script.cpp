@@ -91,17 +91,16 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
     for (std::size_t i = 0; i < page.records.size(); ++i) {
         const VariableRecord &record = page.records[i];
         const Variable &variable = page.variable(record);
-        ModelDocument &document = page.model(record).document;
         if (i == 0 || record.field != page.records[i - 1].field) {
             put(out, u"//------------- Column '", record.field, u"' ");
             if (!variable.label.isEmpty()) put(out, u"( ", variable.label, u" ) ");
             put(out, u"------------------\n");
         }
         put(out, u"var ", record.jsName, u"_score = 0;\nvar ", record.jsName, u"_scoreAr = ");
-        writeNumberArray(out, document, variable.node, u"y");
+        writeNumberArray(out, variable.y);
         if (!variable.isCategorical) {
             put(out, u"var ", record.jsName, u"_boundAr = ");
-            writeNumberArray(out, document, variable.node, u"x");
+            writeNumberArray(out, variable.x);
         }
     }
 }
@@ -182,10 +181,7 @@ void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t 
     }
 }
 
-void writeNumberArray(TextBuffer &out, ModelDocument &document, const XmlNode &node,
-                      QStringView childName) {
-    std::pmr::vector<double> values;
-    readNumbers(document, node, childName, 0, values);
+void writeNumberArray(TextBuffer &out, std::span<const double> values) {
     put(out, u"[");
     putNumbers(out, values);
     put(out, u"];\n\n");

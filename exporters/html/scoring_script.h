@@ -3,6 +3,8 @@
 
 #include "exporters/html/html_page.h"
 
+#include <span>
+
 // How the script reads a form control.
 enum class ControlKind { NumberField, List, Integer, RadioButtons };
 
@@ -19,6 +21,5 @@ void writeHtmlScript(TextBuffer &out, HtmlPage &page);
 void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t index,
                              ControlKind kind);
 
-// Writes the array `childName` of the node as a literal, and what ends the statement.
-void writeNumberArray(TextBuffer &out, ModelDocument &document, const XmlNode &node,
-                      QStringView childName);
+// Writes an array as a literal, and what ends the statement.
+void writeNumberArray(TextBuffer &out, std::span<const double> values);

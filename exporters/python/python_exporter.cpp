@@ -46,11 +46,10 @@ void putBanner(TextBuffer &out, const ModelDocument &document,
     put(out, u"'''\n");
 }
 
-void putDictionaries(TextBuffer &out, std::span<const Variable> variables,
-                     const Recodings &recodings) {
+void putDictionaries(TextBuffer &out, std::span<const Variable> variables) {
     for (const Variable &variable : variables) {
         if (!variable.isCategorical) continue;
-        const CategoricalRecoding recoding = recodings.categorical(variable);
+        const CategoricalRecoding recoding = categorical(variable);
         // A boolean column's entries end in a comma, another's are separated by one.
         const QStringView separator = recoding.isBoolean ? u"" : u",";
         const QStringView end = recoding.isBoolean ? u"," : u"";
@@ -121,7 +120,7 @@ void putRecodings(TextBuffer &out, std::span<const Variable> variables,
     for (const Variable &variable : variables) {
         putHeading(out, variable);
         if (variable.isCategorical) {
-            putCategorical(out, variable, recodings.categorical(variable));
+            putCategorical(out, variable, categorical(variable));
         } else {
             putNumeric(out, variable, recodings.numeric(variable));
         }
@@ -178,7 +177,7 @@ int exportToPython(const QString &modelFile, const QString &moduleFile, const QS
         put(out, pythonImports);
         put(out, u"class QORVModel_", name, u":\n");
         put(out, u"    def __init__(self):\n");
-        putDictionaries(out, variables, recodings);
+        putDictionaries(out, variables);
         put(out, pythonApply);
         putColumnLookups(out, variables);
         put(out, u"        for line in range(len(df.index)):\n");

@@ -106,7 +106,7 @@ void putRecodings(TextBuffer &out, std::span<const Variable> variables,
     for (const Variable &variable : variables) {
         putHeading(out, variable);
         if (variable.isCategorical) {
-            putCategorical(out, variable, recodings.categorical(variable));
+            putCategorical(out, variable, categorical(variable));
         } else {
             putNumeric(out, variable, recodings.numeric(variable));
         }

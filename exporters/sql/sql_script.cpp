@@ -163,7 +163,7 @@ void putContributions(TextBuffer &out, const SqlScript &script) {
         const double coefficient = script.coefficients[variable.position];
         put(out, isDebug ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
         if (variable.isCategorical) {
-            const CategoricalRecoding recoding = recodings.categorical(variable);
+            const CategoricalRecoding recoding = categorical(variable);
             const bool isNumber = recoding.isBoolean && script.configuration.boolsAreNumbers;
             putCategoricalCase(out, dialect, field, recoding, isNumber, coefficient);
         } else {

@@ -108,7 +108,7 @@ void putRecodings(TextBuffer &out, std::span<const Variable> variables,
     for (const Variable &variable : variables) {
         putHeading(out, variable);
         if (variable.isCategorical) {
-            putCategorical(out, variable, recodings.categorical(variable));
+            putCategorical(out, variable, categorical(variable));
         } else {
             putNumeric(out, variable, recodings.numeric(variable));
         }
@@ -159,16 +159,14 @@ void putProbability(TextBuffer &out, const ProbabilityTable &table) {
     put(out, u"End Select\n  QorvPrediction_1 = proba\n");
 }
 
-void putRangeChecks(TextBuffer &out, std::span<const Variable> variables,
-                    const Recodings &recodings) {
+void putRangeChecks(TextBuffer &out, std::span<const Variable> variables) {
     for (const Variable &variable : variables) {
         if (variable.isCategorical) continue;
-        const std::span<const double> bounds = recodings.numeric(variable).x;
         fill(out, vbaRangeCheck,
              {{u"recoding", variable.recodingName},
               {u"slot", slotOf(variable)},
-              {u"lowest", bounds.front()},
-              {u"highest", bounds.back()}});
+              {u"lowest", variable.x.front()},
+              {u"highest", variable.x.back()}});
     }
 }
 
@@ -195,7 +193,7 @@ int exportToVba(const QString &modelFile, const QString &moduleFile) {
         put(out, vbaRangeHead);
         putInitialisation(out, variables, u"Sub");
         put(out, vbaRangeRows);
-        putRangeChecks(out, variables, recodings);
+        putRangeChecks(out, variables);
         put(out, vbaRangeEnd);
     });
 }
