@@ -10,7 +10,7 @@ static_assert(std::endian::native == std::endian::little, "UTF-16 texts are writ
 namespace {
 
 void writeUtf8(std::FILE *stream, QStringView text) {
-    constexpr qsizetype most = 1 << 14;
+    constexpr qsizetype most = 1 << 15;
     while (!text.isEmpty()) {
         QStringView piece = text.first(std::min(most, text.size()));
         if (piece.size() < text.size() && endsInHalfPair(piece)) piece.chop(1);
