@@ -7,12 +7,16 @@ int main(int argc, char **argv) {
     if (argc < 2) return 1;
     ModelDocument document = loadModel(QString::fromLocal8Bit(argv[1]));
     const std::pmr::vector<Variable> variables = readVariables(document, u" .");
+    const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
     qsizetype size = 0;
     for (const Variable &variable : variables) {
         for (const double number : variable.x) size += modelNumber(number).size;
         for (const double number : variable.y) size += modelNumber(number).size;
+    }
+    for (const MissingCodes &missing : recodings.missingCodes) {
+        for (const double code : missing.codes) size += modelNumber(code).size;
     }
     for (const RegressionTerm &term : regression.terms) size += modelNumber(term.coefficient).size;
     for (const double number : table.x) size += modelNumber(number).size;

@@ -1,5 +1,6 @@
-// The tree stays the model: what is read are views into it and decoded arrays. Arrays are decoded
-// into one buffer and copied from there to where they are aligned.
+// The tree stays the model: what is read are views into it and decoded arrays, some of them in
+// place of their texts. Arrays are decoded into one buffer and copied from there to where they are
+// aligned.
 #include "model/model_document.h"
 
 #include "model/exit_status.h"

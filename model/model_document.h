@@ -63,8 +63,9 @@ void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView arra
 void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
                   std::vector<int> &values);
 
-// Decodes the child `array` of `owner`, which holds 64-bit numbers, to where its text stands: the
-// text is absent from then on. The numbers are valid as long as the document.
+// Decodes the child `array` of `owner`, which holds 64-bit numbers, to where its text stands: where
+// there was a number, the text is absent from then on. The numbers are valid as long as the
+// document.
 std::span<const double> takeNumbers(ModelDocument &document, const XmlNode &owner,
                                     QStringView array);
 

@@ -30,8 +30,8 @@ struct Variable {
 };
 
 // All variables in document order, their fields cleaned of the characters of `replaced`. They stand
-// in the document's memory and take their arrays out of it: read once, the texts of "x" and "y" are
-// absent. The list must not outlive the document.
+// in the document's memory, which the list must not outlive, and take their arrays out of the tree:
+// a document's variables are read once.
 std::pmr::vector<Variable> readVariables(ModelDocument &document, QStringView replaced);
 
 // The numbers that stand for a missing value of a numeric column, in the order in which all targets

@@ -1,5 +1,5 @@
-// A buffer before a file is one block, which stays in the processor's cache while it is filled and
-// written. A buffer in memory grows by doubling.
+// A buffer before a file holds little more than one block, which stays in the processor's cache
+// while it is filled and written. A buffer in memory grows by doubling.
 #include "model/text_buffer.h"
 
 #include <algorithm>
@@ -8,8 +8,7 @@
 
 namespace {
 
-// In UTF-16 units.
-constexpr qsizetype pageSize = 4096 / sizeof(char16_t);
+// What a file takes at once, in units.
 constexpr qsizetype blockSize = 1 << 17;
 
 } // namespace
@@ -31,14 +30,12 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// Blocks of UTF-16 begin and end in the file where pages do, and as a rule where whole blocks do:
-// the system then takes each in one piece. Blocks that end within a page take 1.5 times the
-// system's time for writing. In UTF-8, the first half of a surrogate pair stays behind, to be
-// converted together with the second.
+// In UTF-16, what is written ends where a block of the file does, and the system takes each block
+// in one piece: blocks that end within a page take 1.5 times the system's time for writing. In
+// UTF-8, the first half of a surrogate pair stays behind, to be converted together with the second.
 void TextBuffer::writeBlock() {
     const bool isUtf16 = file.encoding == OutputEncoding::Utf16;
-    const qsizetype unit = used >= blockSize ? blockSize : pageSize;
-    const qsizetype kept = isUtf16 ? (position + used) % unit : endsInHalfPair(text()) ? 1 : 0;
+    const qsizetype kept = isUtf16 ? (position + used) % blockSize : endsInHalfPair(text()) ? 1 : 0;
     const qsizetype size = used - kept;
     writeText(file, text().first(size));
     std::copy_n(units + size, kept, units);
@@ -51,8 +48,8 @@ void TextBuffer::enlarge(qsizetype count) {
         writeBlock();
         if (count <= capacity - used) return;
     }
-    // The page more takes the piece that crosses the end of a block.
-    if (!resize(std::max({blockSize + pageSize, 2 * capacity, used + count}))) {
+    // With room for the piece that crosses the end of a block.
+    if (!resize(std::max({blockSize + longestPiece, 2 * capacity, used + count}))) {
         throw std::bad_alloc();
     }
 }

@@ -77,15 +77,18 @@ inline EscapedText escapeQuotes(QStringView text) {
     return {text, u'"'};
 }
 
+// Texts go to a buffer in pieces of so many units at most, which its block has room for: a buffer
+// before a file needs no more than the block, however long a name is.
+constexpr qsizetype longestPiece = 1 << 14;
+
 template <std::size_t size>
 void put(TextBuffer &out, const char16_t (&literal)[size]) {
+    static_assert(size <= longestPiece);
     std::memcpy(out.extend(size - 1), literal, (size - 1) * sizeof(char16_t));
 }
 inline void put(TextBuffer &out, QStringView text) {
-    // Piece by piece, so that even the longest name needs no more than the block before a file.
-    constexpr qsizetype most = 1 << 14;
-    for (; !text.isEmpty(); text = text.sliced(std::min(most, text.size()))) {
-        const qsizetype size = std::min(most, text.size());
+    for (; !text.isEmpty(); text = text.sliced(std::min(longestPiece, text.size()))) {
+        const qsizetype size = std::min(longestPiece, text.size());
         std::memcpy(out.extend(size), text.utf16(),
                     static_cast<std::size_t>(size) * sizeof(char16_t));
     }

@@ -102,7 +102,8 @@ QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     }
     if (!end) return {};
     *end = u'\0';
-    return {text, end};
+    // A code page may turn bytes into a zero unit, where a pointer alone ends the view.
+    return isUtf8 ? QStringView(text, end) : QStringView(text);
 }
 
 // Where the text begins that was read into the block, and the room beside it.

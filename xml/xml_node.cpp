@@ -172,9 +172,10 @@ QStringView XmlNode::text(int i) const {
     return i >= 0 && i < textCount() ? element->texts[i] : QStringView();
 }
 
-std::span<char16_t> XmlNode::takeText(int i) const {
-    if (i < 0 || i >= textCount()) return {};
-    const QStringView text = std::exchange(element->texts[i], {});
+// Every text stands in the document's own memory, so that it may be written to.
+std::span<char16_t> XmlNode::takeText() const {
+    if (textCount() == 0) return {};
+    const QStringView text = std::exchange(element->texts[0], {});
     return {const_cast<char16_t *>(text.utf16()), static_cast<std::size_t>(text.size())};
 }
 

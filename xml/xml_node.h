@@ -124,8 +124,9 @@ public:
 
     // The i-th text piece (from 0) in document order, or null.
     QStringView text(int i = 0) const;
-    // The memory where that text stands, to be written to. The text is absent from then on.
-    std::span<char16_t> takeText(int i = 0) const;
+    // The memory where the first text piece stands, to be written to: views of that text are no
+    // longer valid, and it is absent from then on. The memory is aligned to units.
+    std::span<char16_t> takeText() const;
     // The i-th section that is kept as it stands; its views are null when there is none.
     XmlClear clear(int i) const;
 

@@ -83,8 +83,10 @@ void walk(const XmlNode &top) {
 void putSql(const SqlConfiguration &configuration, const QString &model) {
     ModelDocument document = loadModel(model);
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
+    const SqlScript read = readSqlScript(document, configuration, dialect);
+    if (!document.problem.isEmpty()) return;
     TextBuffer script;
-    putSqlScript(script, readSqlScript(document, configuration, dialect));
+    putSqlScript(script, read);
     TextBuffer etl;
     putEtlDocument(etl,
                    {configuration.odbcLink, configuration.odbcLogin, configuration.odbcPassword},
