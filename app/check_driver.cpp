@@ -1,7 +1,7 @@
 #include "app/check_driver.h"
 
-#include "check/inspection.h"
-#include "check/report.h"
+#include "check/inspection/inspection.h"
+#include "check/reports/report.h"
 #include "model/canvas_tags.h"
 #include "model/exit_status.h"
 #include "platform/platform.h"
@@ -238,7 +238,7 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
     if (hasRows) problem = scoreRows(card, findings, request.rows, counts, compared);
     if (!problem.isEmpty()) return fail(problem, exitUsage);
     std::erase_if(findings, [](const Finding &finding) {
-        return kindOf(finding.id).rows == Rows::Needed && finding.rows == 0;
+        return kindOf(finding.id).scope == RowScope::Required && finding.rows == 0;
     });
     const Report report = {.card = card,
                            .findings = findings,

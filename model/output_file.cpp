@@ -31,3 +31,8 @@ void writeText(const OutputFile &file, QStringView text) {
                     file.stream.get());
     }
 }
+
+bool isClosed(OutputFile &file) {
+    const bool isWritten = std::ferror(file.stream.get()) == 0;
+    return std::fclose(file.stream.release()) == 0 && isWritten;
+}

@@ -24,3 +24,6 @@ inline bool endsInHalfPair(QStringView text) {
 
 // Appends the text to the file. Whether the device takes the text is not tested.
 void writeText(const OutputFile &file, QStringView text);
+
+// Closes the file; false where the device did not take everything.
+bool isClosed(OutputFile &file);

@@ -177,7 +177,7 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assert_scores(self.folder / "m.ModelXml", rows)
 
     def test_every_finding(self):
-        source = (TESTS.parent / "check" / "findings.cpp").read_text()
+        source = (TESTS.parent / "check" / "findings" / "findings.cpp").read_text()
         self.assertEqual(list(HAVE), re.findall(r'^    {\w+, u"([\w-]+)"', source, re.M))
         manual = (TESTS.parent / "docs" / "check.md").read_text()
         self.assertEqual(list(HAVE), re.findall(r"^\| `([\w-]+)` \| (?:all|[a-z, ]+) \| \[", manual, re.M))

@@ -1,6 +1,6 @@
 // All fuzz targets. A program of them runs one, whose name it is compiled with as FUZZ_TARGET.
-#include "check/inspection.h"
-#include "check/report.h"
+#include "check/inspection/inspection.h"
+#include "check/reports/report.h"
 #include "exporters/html/html_exporter.h"
 #include "exporters/python/python_exporter.h"
 #include "exporters/sas/sas_exporter.h"
@@ -79,7 +79,7 @@ void walk(const XmlNode &top) {
     if (sum < 0) std::abort();
 }
 
-// The files that a configuration names are not touched.
+// The files that a configuration names are not affected.
 void putSql(const SqlConfiguration &configuration, const QString &model) {
     ModelDocument document = loadModel(model);
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);

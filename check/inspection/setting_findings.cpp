@@ -1,4 +1,4 @@
-#include "check/inspection.h"
+#include "check/inspection/inspection.h"
 
 #include "model/canvas_tags.h"
 #include "model/sql_dialect.h"

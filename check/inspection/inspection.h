@@ -1,7 +1,7 @@
 // Looks a model, a configuration and a canvas through for findings.
 #pragma once
 
-#include "check/scorecard.h"
+#include "check/evaluation/scorecard.h"
 #include "model/sql_configuration.h"
 
 // What is to be looked at. Without a configuration, SQL is taken to have its default settings and a

@@ -2,7 +2,7 @@
 // need to do otherwise.
 #pragma once
 
-#include "check/findings.h"
+#include "check/findings/findings.h"
 #include "model/recodings.h"
 #include "model/regression.h"
 

@@ -1,8 +1,8 @@
 // Holds the results of a deployment against the model, and tells what explains the difference.
 #pragma once
 
-#include "check/csv_reader.h"
-#include "check/evaluation.h"
+#include "check/evaluation/evaluation.h"
+#include "check/rows/csv_reader.h"
 
 #include <QStringList>
 
@@ -38,7 +38,7 @@ struct ComparedRow {
 };
 
 // Rows of one sort, and the keys or numbers of the first of them.
-struct ToldRows {
+struct RowSample {
     std::int64_t rows = 0;
     QStringList first = {};
 };
@@ -47,14 +47,14 @@ struct ComparisonResult {
     std::int64_t rows = 0; // in both files
     std::int64_t equal = 0;
     std::int64_t explainedRows = 0;
-    std::map<FindingId, ToldRows> explained; // a row that several explain counts for each
+    std::map<FindingId, RowSample> explained; // a row that several explain counts for each
     std::int64_t unexplained = 0;
-    ToldRows missing;               // without a result
-    ToldRows extra;                 // in the results only
-    ToldRows repeated;              // whose key occurred before, in either file
+    RowSample missing;              // without a result
+    RowSample extra;                // in the results only
+    RowSample repeated;             // whose key occurred before, in either file
     std::vector<ComparedRow> worst; // of the unexplained rows, the largest differences first
     // What would explain unexplained rows, were it so, and how many; the most likely first.
-    std::vector<std::pair<QString, std::int64_t>> blamed;
+    std::vector<std::pair<QString, std::int64_t>> suspected;
 };
 
 // A row as the model scores it.
@@ -64,7 +64,7 @@ struct RowFacts {
     std::span<const Cell> cells;
     std::span<const Recoded> recoded;
     Prediction expected;
-    FindingSet touched; // findings by rows
+    FindingSet affected; // findings by rows
 };
 
 // What the cells of a result hold; the worse of them. A number may be NaN.
@@ -87,11 +87,11 @@ struct Comparison {
     ComparisonResult result = {};
 
     CsvReader reader = {};
-    ResultRow unfinished = {};          // may go on in the next block
-    std::deque<ResultRow> entries = {}; // with a key all of them by hash, else those of a block
-    std::deque<ResultRow> absent = {};  // keys of rows without a result
-    Deviations deviating = {};          // of the document, or of a score that others may move
-    std::vector<FindingId> known = {};  // all deviations that may explain a row
+    ResultRow unfinished = {};              // may go on in the next block
+    std::deque<ResultRow> entries = {};     // with a key all of them by hash, else those of a block
+    std::deque<ResultRow> absent = {};      // keys of rows without a result
+    Deviations always = {};                 // apply to every row
+    std::vector<FindingId> candidates = {}; // all deviations that may explain a row
     std::vector<std::vector<double>> pointsOfColumns =
         {};                                           // that cells may have; from the first blame
     std::map<QString, std::int64_t> faultCounts = {}; // by what they are

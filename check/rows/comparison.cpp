@@ -1,4 +1,4 @@
-#include "check/comparison.h"
+#include "check/rows/comparison.h"
 
 #include <QStringList>
 
@@ -14,32 +14,34 @@ using enum FindingId;
 
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
-constexpr std::int64_t mostBlamed = 1000;  // rows that are looked into for a column at fault
-constexpr std::size_t mostTried = 1 << 20; // values of one column, by the recodings that read it
-constexpr std::size_t mostCombined = 8;    // findings of which all sets are tried; else up to three
-constexpr std::size_t mostExchanged = 64;  // columns, of which all pairs are tried
+constexpr std::int64_t mostSuspected = 1000; // rows that are looked into for a column at fault
+constexpr std::size_t mostTried = 1 << 20;   // values of one column, by the recodings that read it
+constexpr std::size_t mostCombined = 8;   // findings of which all sets are tried; else up to three
+constexpr std::size_t mostExchanged = 64; // columns, of which all pairs are tried
 
-void tell(ToldRows &told, const QString &key) {
-    if (++told.rows <= mostNamed) told.first.append(key);
+void count(RowSample &sample, const QString &key) {
+    if (++sample.rows <= mostNamed) sample.first.append(key);
 }
 
-// It takes two deviations to move the score of such a code: it is not read, and its bound is above.
+// HTML ignores missing codes and puts the only bound above: a code equal to that bound needs both
+// deviations at once.
 bool hasCodeOnBound(const Recoding &recoding) {
     const auto &codes = recoding.codes;
     return recoding.x.size() == 1 && std::ranges::find(codes, recoding.x.front()) != codes.end();
 }
 
 void findDeviations(Comparison &c, std::span<const Finding> findings) {
-    c.deviating.target = c.options.target;
+    c.always.target = c.options.target;
     for (const Finding &finding : findings) {
-        const Targets deviates = finding.targets & kindOf(finding.id).deviates;
+        const Targets deviates = finding.targets & kindOf(finding.id).simulated;
         if ((deviates & only(c.options.target)) == 0) continue;
-        if (std::ranges::find(c.known, finding.id) == c.known.end()) c.known.push_back(finding.id);
-        // What the score decides may be so only once another deviation has moved it.
+        if (std::ranges::find(c.candidates, finding.id) == c.candidates.end())
+            c.candidates.push_back(finding.id);
+        // A finding decided by the score may apply only after another deviation has changed it.
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
-        const bool isOfCell = finding.byRows() && finding.recoding >= 0;
+        const bool isOfCell = finding.countsRows() && finding.recoding >= 0;
         if (isOfCell && !hasCodeOnBound(c.card.recodings[recoding])) continue;
-        c.deviating.findings.add(finding.id);
+        c.always.findings.add(finding.id);
     }
 }
 
@@ -56,13 +58,13 @@ std::pair<std::uint64_t, std::uint32_t> identityOf(const ResultRow &row) {
 }
 
 // Marks rows whose key occurred before, and sorts all of them by keys.
-void tellRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &place) {
+void countRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &place) {
     std::ranges::sort(rows, {},
                       [](const ResultRow &row) { return std::pair(identityOf(row), row.row); });
     for (std::size_t i = 1; i < rows.size(); ++i) {
         if (identityOf(rows[i]) != identityOf(rows[i - 1])) continue;
         rows[i].isSeen = true; // the first of them is the one that counts
-        tell(c.result.repeated, place.arg(rows[i].row));
+        count(c.result.repeated, place.arg(rows[i].row));
     }
 }
 
@@ -89,7 +91,7 @@ bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
         c.absent.back().row = facts.row;
         return false;
     }
-    if (at->isSeen) tell(c.result.repeated, describe(facts));
+    if (at->isSeen) count(c.result.repeated, describe(facts));
     at->isSeen = true;
     found = *at;
     return true;
@@ -124,8 +126,8 @@ bool isBesideJump(const Comparison &c, const Prediction &expected, const Predict
 // Finds the smallest set of deviations that explains the row, or one for a score beside a jump.
 bool explain(Comparison &c, const RowFacts &facts, const Prediction &found, bool isBeside) {
     std::vector<FindingId> possible;
-    for (const FindingId id : c.known) {
-        if (facts.touched.has(id) || c.deviating.has(id)) possible.push_back(id);
+    for (const FindingId id : c.candidates) {
+        if (facts.affected.has(id) || c.always.has(id)) possible.push_back(id);
     }
     const std::size_t most = possible.size() > mostCombined ? 3 : possible.size();
     for (std::size_t size = 1; size <= most; ++size) {
@@ -142,7 +144,7 @@ bool explain(Comparison &c, const RowFacts &facts, const Prediction &found, bool
                 continue;
             }
             for (const FindingId id : possible) {
-                if (deviations.has(id)) tell(c.result.explained[id], QString::number(facts.row));
+                if (deviations.has(id)) count(c.result.explained[id], QString::number(facts.row));
             }
             ++c.result.explainedRows;
             return true;
@@ -214,11 +216,11 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
 
 bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
     return matches(c, {score, probabilityOf(c.card, score)}, found) ||
-           matches(c, {score, probabilityOf(c.card, score, c.deviating)}, found);
+           matches(c, {score, probabilityOf(c.card, score, c.always)}, found);
 }
 
-void blameColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
-                  QStringList &faults) {
+void suspectColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
+                    QStringList &faults) {
     for (std::size_t i = 0; i < c.card.columns.size(); ++i) {
         const double others = facts.expected.score - pointsOf(c.card, i, facts.cells[i]);
         const auto isRight = [&](double points) { return wouldBeRight(c, others + points, found); };
@@ -230,8 +232,8 @@ void blameColumns(const Comparison &c, const RowFacts &facts, const Prediction &
     }
 }
 
-void blamePairs(const Comparison &c, const RowFacts &facts, const Prediction &found,
-                QStringList &faults) {
+void suspectPairs(const Comparison &c, const RowFacts &facts, const Prediction &found,
+                  QStringList &faults) {
     const std::vector<QString> &columns = c.card.columns;
     const auto points = [&](std::size_t column, std::size_t cell) {
         return pointsOf(c.card, column, facts.cells[cell]);
@@ -248,7 +250,7 @@ void blamePairs(const Comparison &c, const RowFacts &facts, const Prediction &fo
 
 // Tries whether the row would be right if one column had been read as missing or as some other
 // value, or if two columns had been exchanged.
-void blame(Comparison &c, const RowFacts &facts, const Prediction &found) {
+void suspect(Comparison &c, const RowFacts &facts, const Prediction &found) {
     for (std::size_t i = c.pointsOfColumns.size(); i < c.card.columns.size(); ++i) {
         c.pointsOfColumns.push_back(possiblePoints(c.card, i));
     }
@@ -257,8 +259,8 @@ void blame(Comparison &c, const RowFacts &facts, const Prediction &found) {
         matches(c, facts.expected, {found.probability, found.score})) {
         faults.append(u"score and probability exchanged in the results"_s);
     } else {
-        blameColumns(c, facts, found, faults);
-        blamePairs(c, facts, found, faults);
+        suspectColumns(c, facts, found, faults);
+        suspectPairs(c, facts, found, faults);
     }
     // What fits everything tells nothing.
     if (faults.size() > 3) return;
@@ -301,14 +303,14 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     problem = c.reader.choose(wanted);
     if (!problem.isEmpty() || c.options.key.isEmpty()) return problem;
     while (c.reader.read(c)) continue;
-    tellRepeated(c, c.entries, u"row %1 of the results"_s);
+    countRepeated(c, c.entries, u"row %1 of the results"_s);
     return c.reader.problem;
 }
 
 void compareRow(Comparison &c, const RowFacts &facts) {
     ResultRow found;
     if (!find(c, facts, found)) {
-        tell(c.result.missing, describe(facts));
+        count(c.result.missing, describe(facts));
         return;
     }
     ++c.result.rows;
@@ -319,22 +321,22 @@ void compareRow(Comparison &c, const RowFacts &facts) {
         (matches(c, facts.expected, numbers) || isBesideJump(c, facts.expected, numbers))) {
         ++c.result.equal;
     } else if (!isReadable || !isExplained(c, facts, numbers)) {
-        if (++c.result.unexplained <= mostBlamed && isReadable) blame(c, facts, numbers);
+        if (++c.result.unexplained <= mostSuspected && isReadable) suspect(c, facts, numbers);
         keepWorst(c, facts, numbers);
     }
 }
 
 QString finishComparison(Comparison &c) {
     const auto isExtra = [&](const ResultRow &row) {
-        if (!row.isSeen) tell(c.result.extra, QString::number(row.row));
+        if (!row.isSeen) count(c.result.extra, QString::number(row.row));
     };
     std::ranges::sort(c.entries, {}, &ResultRow::row);
     std::ranges::for_each(std::exchange(c.entries, {}), isExtra);
     ResultRow row;
     while (takeNext(c, row)) isExtra(row);
-    tellRepeated(c, c.absent, u"row %1"_s);
-    c.result.blamed.assign(c.faultCounts.begin(), c.faultCounts.end());
-    std::ranges::stable_sort(c.result.blamed, std::greater(),
+    countRepeated(c, c.absent, u"row %1"_s);
+    c.result.suspected.assign(c.faultCounts.begin(), c.faultCounts.end());
+    std::ranges::stable_sort(c.result.suspected, std::greater(),
                              [](const auto &fault) { return fault.second; });
     return c.reader.problem;
 }

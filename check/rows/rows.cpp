@@ -1,4 +1,4 @@
-#include "check/rows.h"
+#include "check/rows/rows.h"
 
 #include "platform/platform.h"
 
@@ -65,48 +65,48 @@ void putCell(ScoreFile &out, std::string_view cell, char delimiter) {
     put(out, {quoted.data(), static_cast<std::size_t>(quoted.size())});
 }
 
-// --- The findings that a row is touched by
+// --- Findings that affect a row
 
-// What tells whether a cell is touched by a finding: it is recoded otherwise.
-struct Watch {
+// What tells whether a cell is affected by a finding: it is recoded otherwise.
+struct RowTest {
     std::size_t finding; // its position
     std::size_t recoding;
     Deviations deviations;
 };
 
-struct Watches {
-    std::vector<std::vector<Watch>> ofColumns;
-    std::vector<Watch> ofRows;   // what another column decides
-    std::vector<Watch> ofScores; // what the score decides
+struct RowTests {
+    std::vector<std::vector<RowTest>> ofColumns;
+    std::vector<RowTest> ofRows;   // what another column decides
+    std::vector<RowTest> ofScores; // what the score decides
     std::size_t ofKey = noPosition;
 };
 
-Watches watchesOf(const Scorecard &card, std::span<const Finding> findings) {
-    Watches watches;
-    watches.ofColumns.resize(card.columns.size());
+RowTests testsOf(const Scorecard &card, std::span<const Finding> findings) {
+    RowTests tests;
+    tests.ofColumns.resize(card.columns.size());
     for (std::size_t i = 0; i < findings.size(); ++i) {
         const Finding &finding = findings[i];
-        if (!finding.byRows()) continue;
+        if (!finding.countsRows()) continue;
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
         // Most do the same in all targets.
         const bool isOfTarget = finding.id == MissingCodesName || finding.id == NamesAlike;
         for (const Target target : listTargets(finding.targets)) {
-            Watch watch = {i, recoding, {{finding.id}, target}};
+            RowTest test = {i, recoding, {{finding.id}, target}};
             // What else is taken as above all bounds takes the last of a long array too.
-            if (finding.id == ArrayTooLong) watch.deviations.findings.add(NotANumber);
+            if (finding.id == ArrayTooLong) test.deviations.findings.add(NotANumber);
             if (finding.id == KeyLength) {
-                watches.ofKey = i;
+                tests.ofKey = i;
             } else if (finding.recoding < 0) {
-                watches.ofScores.push_back(watch);
+                tests.ofScores.push_back(test);
             } else if (finding.id == NamesAlike) {
-                watches.ofRows.push_back(watch);
+                tests.ofRows.push_back(test);
             } else {
-                watches.ofColumns[card.recodings[recoding].column].push_back(watch);
+                tests.ofColumns[card.recodings[recoding].column].push_back(test);
             }
             if (!isOfTarget) break;
         }
     }
-    return watches;
+    return tests;
 }
 
 // --- Cells
@@ -136,7 +136,7 @@ struct JudgedCell {
     std::vector<Recoded> recoded; // by each recoding of the column
     std::string raw;
     Cell cell;
-    std::vector<std::size_t> touched; // findings, by their positions
+    std::vector<std::size_t> affected; // findings, by their positions
 };
 
 // Columns repeat their values, so that most cells were judged before. Each cell has one place among
@@ -159,7 +159,7 @@ struct RowScorer {
     CsvReader reader = {};
     std::size_t keyAt = noPosition;
     ScoreFile out = {};
-    Watches watches = watchesOf(card, findings);
+    RowTests tests = testsOf(card, findings);
     std::size_t places = placesOf(card.columns.size());
     std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * places);
     std::vector<JudgedCell *> row = std::vector<JudgedCell *>(card.columns.size());
@@ -178,7 +178,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
         const std::size_t recoding = scorer.card.recodingsOf[column][i];
         scorer.counts.positions[recoding][judged.recoded[i].position] += judged.rows;
     }
-    for (const std::size_t position : judged.touched) {
+    for (const std::size_t position : judged.affected) {
         Finding &finding = scorer.findings[position];
         if (finding.rows == 0) finding.firstRow = judged.firstRow;
         finding.firstRow = std::min(finding.firstRow, judged.firstRow);
@@ -199,16 +199,16 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
         judged.recoded.push_back(recode(scorer.card.recodings[i], judged.cell));
     }
-    judged.touched.clear();
-    for (const Watch &watch : scorer.watches.ofColumns[column]) {
-        if (!judged.touched.empty() && judged.touched.back() == watch.finding) continue;
-        const Recoding &recoding = scorer.card.recodings[watch.recoding];
+    judged.affected.clear();
+    for (const RowTest &test : scorer.tests.ofColumns[column]) {
+        if (!judged.affected.empty() && judged.affected.back() == test.finding) continue;
+        const Recoding &recoding = scorer.card.recodings[test.recoding];
         const Recoded &meant = judged.recoded[recoding.rank];
         // A text of the document is none of the numbers, also where it happens to score the same.
         const bool isListedText =
-            watch.deviations.has(BooleanNumbers) && meant.position > 0 && !judged.cell.isNumber;
-        if (isListedText || differ(recode(recoding, judged.cell, watch.deviations), meant)) {
-            judged.touched.push_back(watch.finding);
+            test.deviations.has(BooleanNumbers) && meant.position > 0 && !judged.cell.isNumber;
+        if (isListedText || differ(recode(recoding, judged.cell, test.deviations), meant)) {
+            judged.affected.push_back(test.finding);
         }
     }
 }
@@ -227,37 +227,37 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
     ++cell.rows;
 }
 
-void touch(RowScorer &scorer, std::size_t position, FindingSet &touched) {
+void affect(RowScorer &scorer, std::size_t position, FindingSet &affected) {
     Finding &finding = scorer.findings[position];
     if (finding.rows++ == 0) finding.firstRow = scorer.reader.row;
-    touched.add(finding.id);
+    affected.add(finding.id);
 }
 
 // Counts what no cell alone decides.
-void countFindings(RowScorer &scorer, const Prediction &prediction, FindingSet &touched) {
+void countFindings(RowScorer &scorer, const Prediction &prediction, FindingSet &affected) {
     std::size_t last = scorer.findings.size(); // finding that is counted
-    for (const Watch &watch : scorer.watches.ofRows) {
-        const Recoding &recoding = scorer.card.recodings[watch.recoding];
-        const auto target = static_cast<std::size_t>(watch.deviations.target);
+    for (const RowTest &test : scorer.tests.ofRows) {
+        const Recoding &recoding = scorer.card.recodings[test.recoding];
+        const auto target = static_cast<std::size_t>(test.deviations.target);
         const Cell &cell = scorer.row[recoding.lastAlike[target]]->cell;
-        const bool isTouched = differ(recode(recoding, cell), scorer.recoded[watch.recoding]);
-        if (!isTouched || last == watch.finding) continue;
-        last = watch.finding;
-        touch(scorer, last, touched);
+        const bool isAffected = differ(recode(recoding, cell), scorer.recoded[test.recoding]);
+        if (!isAffected || last == test.finding) continue;
+        last = test.finding;
+        affect(scorer, last, affected);
     }
     // What targets do otherwise is at the lower end of the table.
     const auto &x = scorer.card.table.x;
     if (x.size() > 1 && prediction.score > x[x.size() - 2]) return;
-    for (const Watch &watch : scorer.watches.ofScores) {
-        const double other = probabilityOf(scorer.card, prediction.score, watch.deviations);
-        if (differ({0, other}, {0, prediction.probability})) touch(scorer, watch.finding, touched);
+    for (const RowTest &test : scorer.tests.ofScores) {
+        const double other = probabilityOf(scorer.card, prediction.score, test.deviations);
+        if (differ({0, other}, {0, prediction.probability})) affect(scorer, test.finding, affected);
     }
 }
 
-void countKey(RowScorer &scorer, std::string_view key, FindingSet &touched) {
+void countKey(RowScorer &scorer, std::string_view key, FindingSet &affected) {
     constexpr qsizetype longest = 20;
-    if (scorer.watches.ofKey == noPosition || key.size() <= longest) return;
-    if (QString::fromUtf8(key).size() > longest) touch(scorer, scorer.watches.ofKey, touched);
+    if (scorer.tests.ofKey == noPosition || key.size() <= longest) return;
+    if (QString::fromUtf8(key).size() > longest) affect(scorer, scorer.tests.ofKey, affected);
 }
 
 void countScore(RowCounts &counts, double score) {
@@ -288,19 +288,19 @@ void RowScorer::endRow() {
     }
     const double score = scoreOf(card, recoded);
     const Prediction prediction = {score, probabilityOf(card, score)};
-    FindingSet touched;
-    countFindings(*this, prediction, touched);
+    FindingSet affected;
+    countFindings(*this, prediction, affected);
     const std::string_view cell = keyAt < row.size() ? row[keyAt]->raw : key;
-    countKey(*this, trimmed(cell), touched);
+    countKey(*this, trimmed(cell), affected);
     countScore(counts, score);
     if (out.file.stream) putRow(*this, cell, prediction);
     if (options.results.isEmpty()) return;
     cells.clear();
     for (const JudgedCell *const judgedCell : row) {
         cells.push_back(judgedCell->cell);
-        for (const std::size_t position : judgedCell->touched) touched.add(findings[position].id);
+        for (const std::size_t position : judgedCell->affected) affected.add(findings[position].id);
     }
-    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, touched});
+    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, affected});
 }
 
 // Opens the files, the results before anything is written. Returns what is wrong, or an empty text.
@@ -330,11 +330,6 @@ QString start(RowScorer &scorer) {
 }
 
 } // namespace
-
-bool isClosed(OutputFile &file) {
-    const bool isWritten = std::ferror(file.stream.get()) == 0;
-    return std::fclose(file.stream.release()) == 0 && isWritten;
-}
 
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
                   RowCounts &counts, ComparisonResult &compared) {

@@ -78,14 +78,6 @@ private:
     std::size_t column = 0;           // of the next cell
 };
 
-// The cell without the blanks around it.
-inline std::string_view trimmed(std::string_view cell) {
-    const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
-    while (!cell.empty() && isBlank(cell.front())) cell.remove_prefix(1);
-    while (!cell.empty() && isBlank(cell.back())) cell.remove_suffix(1);
-    return cell;
-}
-
 template <typename Taker>
 bool CsvReader::read(Taker &taker) {
     struct Call {

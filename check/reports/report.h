@@ -1,7 +1,7 @@
 // What the program found, as text, as JSON and as a page.
 #pragma once
 
-#include "check/rows.h"
+#include "check/rows/rows.h"
 #include "model/text_buffer.h"
 
 #include <QByteArray>

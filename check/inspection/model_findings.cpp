@@ -1,7 +1,7 @@
-#include "check/inspection.h"
+#include "check/inspection/inspection.h"
 
-#include "check/csv_reader.h"
-#include "check/evaluation.h"
+#include "check/evaluation/evaluation.h"
+#include "check/rows/csv_reader.h"
 
 #include <QSet>
 

@@ -1,4 +1,4 @@
-#include "check/report.h"
+#include "check/reports/report.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -22,7 +22,7 @@ QJsonObject jsonOf(const Finding &finding, bool hasRows) {
     QJsonObject object = {{u"name"_s, kind.name.toString()},     {u"targets"_s, targets},
                           {u"place"_s, finding.place},           {u"text"_s, kind.text.toString()},
                           {u"remedy"_s, kind.remedy.toString()}, {u"page"_s, kind.page.toString()}};
-    if (hasRows && finding.byRows()) {
+    if (hasRows && finding.countsRows()) {
         object[u"rows"_s] = count(finding.rows);
         object[u"firstRow"_s] = finding.rows > 0 ? count(finding.firstRow) : QJsonValue();
     }
@@ -57,7 +57,7 @@ QJsonObject jsonOf(const Report &report) {
         explained[kindOf(id).name.toString()] = count(rows.rows);
     }
     QJsonObject blamed;
-    for (const auto &[fault, rows] : result.blamed) blamed[fault] = count(rows);
+    for (const auto &[fault, rows] : result.suspected) blamed[fault] = count(rows);
     QJsonArray worst;
     for (const ComparedRow &row : result.worst) worst.append(jsonOf(report.card, row));
     return {{u"target"_s, targetNames(only(report.compared->target)).constFirst()},

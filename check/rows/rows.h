@@ -1,7 +1,7 @@
 // Scores the rows of a file, counts what touches them, and hands each to the comparison.
 #pragma once
 
-#include "check/comparison.h"
+#include "check/rows/comparison.h"
 
 // What the rows came to.
 struct RowCounts {
@@ -24,6 +24,3 @@ struct RowCounts {
 // with the call or a file, or an empty text.
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
                   RowCounts &counts, ComparisonResult &compared);
-
-// Closes the file. Whether the device took everything.
-bool isClosed(OutputFile &file);

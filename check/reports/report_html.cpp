@@ -1,6 +1,6 @@
-#include "check/report.h"
+#include "check/reports/report.h"
 
-#include "check/report_html_text.h"
+#include "check/reports/report_html_text.h"
 
 #include <algorithm>
 

@@ -60,15 +60,15 @@ private:
     std::bitset<findingCount> bits;
 };
 
-// Whether rows are told apart by a finding, and whether it is none unless a row is touched.
-enum class Rows : std::uint8_t { Untold, Counted, Needed };
+// Whether a finding counts the rows that it affects; Required: reported only if a row is affected.
+enum class RowScope : std::uint8_t { None, Counted, Required };
 
 struct FindingKind {
     FindingId id;
     QStringView name;
     Targets targets;
-    Targets deviates; // those of which evaluate() knows what they do
-    Rows rows;
+    Targets simulated; // those whose behaviour evaluate() reproduces
+    RowScope scope;
     QStringView text;
     QStringView remedy;
     QStringView page; // of the manual
@@ -81,10 +81,10 @@ struct Finding {
     Targets targets; // those of the kind that were asked for
     QString place;
     int recoding = -1;     // its position, where the place is a recoding
-    std::int64_t rows = 0; // that it touches
+    std::int64_t rows = 0; // that it affects
     std::int64_t firstRow = 0;
 
-    bool byRows() const { return kindOf(id).rows != Rows::Untold; } // rows are told apart by it
+    bool countsRows() const { return kindOf(id).scope != RowScope::None; }
 };
 
 // Collects findings, and leaves out those that concern none of the targets.

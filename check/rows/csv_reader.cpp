@@ -1,5 +1,6 @@
-#include "check/csv_reader.h"
+#include "check/rows/csv_reader.h"
 
+#include "check/evaluation/cell.h"
 #include "platform/platform.h"
 
 #include <QStringList>

@@ -1,4 +1,4 @@
-#include "check/report.h"
+#include "check/reports/report.h"
 
 #include <QSet>
 #include <QStringList>
@@ -134,7 +134,7 @@ std::vector<FindingGroup> groupsOf(const Report &report) {
         const FindingKind &kind = kindOf(finding.id);
         if (groups.empty() || groups.back().kind != &kind) groups.push_back({&kind, 0, {}});
         QString place = finding.place;
-        if (report.counts && finding.byRows()) place += u": "_s + rowsOf(finding.rows);
+        if (report.counts && finding.countsRows()) place += u": "_s + rowsOf(finding.rows);
         if (finding.rows > 0) place += u", first row %1"_s.arg(finding.firstRow);
         groups.back().targets |= finding.targets;
         groups.back().places.append(place);
@@ -152,14 +152,14 @@ std::vector<ComparisonCount> countsOf(const ComparisonResult &result) {
              u", first row "_s + explained.first.constFirst());
     }
     tell(u"without explanation"_s, result.unexplained, {});
-    const auto tellFirst = [&](const QString &label, const ToldRows &told) {
+    const auto tellFirst = [&](const QString &label, const RowSample &told) {
         const QString more = told.first.size() < told.rows ? u", …"_s : QString();
         tell(label, told.rows, u": "_s + told.first.join(u", "_s) + more);
     };
     tellFirst(u"without a result"_s, result.missing);
     tellFirst(u"in the results only"_s, result.extra);
     tellFirst(u"key occurs again"_s, result.repeated);
-    for (const auto &[fault, rows] : result.blamed) {
+    for (const auto &[fault, rows] : result.suspected) {
         tell(u"would be right with "_s + fault, rows, {});
     }
     return counts;

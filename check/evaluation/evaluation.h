@@ -2,12 +2,8 @@
 // otherwise. There is one evaluation; what a target does otherwise is a set of named deviations.
 #pragma once
 
-#include "check/scorecard.h"
-
-#include <cmath>
-#include <limits>
-
-inline constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+#include "check/evaluation/cell.h"
+#include "check/evaluation/scorecard.h"
 
 // What a target is taken to do otherwise than the model means.
 struct Deviations {
@@ -16,15 +12,6 @@ struct Deviations {
 
     bool has(FindingId id) const { return findings.has(id); }
 };
-
-// One cell, as the model looks at it.
-struct Cell {
-    std::string_view raw;
-    std::string_view text; // without blanks around it; empty where it means nothing
-    double number = 0;     // NaN counts as one that is missing
-    bool isNumber = false; // the text
-};
-Cell cellOf(std::string_view raw, std::span<const std::string> missing = {});
 
 // What a recoding makes of a cell: the score at a position of its array, 0 for missing values.
 struct Recoded {
@@ -38,13 +25,6 @@ struct Prediction {
     double score = noNumber;
     double probability = noNumber;
 };
-
-// The number that a text holds: decimal, with an exponent or not, and nothing else. False for any
-// other text.
-bool readNumber(std::string_view text, double &number);
-
-// The same number with 6 significant digits.
-double sixDigits(double number);
 
 Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations = {});
 

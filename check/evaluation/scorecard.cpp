@@ -1,6 +1,6 @@
-#include "check/scorecard.h"
+#include "check/evaluation/scorecard.h"
 
-#include "check/evaluation.h"
+#include "check/evaluation/cell.h"
 #include "model/number_text.h"
 
 #include <algorithm>

@@ -1,0 +1,34 @@
+// A cell of a row, and the numbers that texts hold.
+#pragma once
+
+#include <limits>
+#include <span>
+#include <string>
+#include <string_view>
+
+inline constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
+
+// One cell, as the model looks at it.
+struct Cell {
+    std::string_view raw;
+    std::string_view text; // without blanks around it; empty where it means nothing
+    double number = 0;     // NaN counts as one that is missing
+    bool isNumber = false; // the text
+};
+// `missing` are texts that mean a missing value, as an empty cell does.
+Cell cellOf(std::string_view raw, std::span<const std::string> missing = {});
+
+// The number that a text holds: decimal, with an exponent or not, and nothing else. False for any
+// other text.
+bool readNumber(std::string_view text, double &number);
+
+// The same number with 6 significant digits.
+double sixDigits(double number);
+
+// The cell without the blanks around it.
+inline std::string_view trimmed(std::string_view cell) {
+    const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
+    while (!cell.empty() && isBlank(cell.front())) cell.remove_prefix(1);
+    while (!cell.empty() && isBlank(cell.back())) cell.remove_suffix(1);
+    return cell;
+}
