@@ -238,7 +238,8 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
     if (hasRows) problem = scoreRows(card, findings, request.rows, counts, compared);
     if (!problem.isEmpty()) return fail(problem, exitUsage);
     std::erase_if(findings, [](const Finding &finding) {
-        return kindOf(finding.id).scope == RowScope::Required && finding.rows == 0;
+        return kindOf(finding.id).scope == RowScope::Required && finding.rows == 0 &&
+               finding.togetherRows == 0;
     });
     const Report report = {.card = card,
                            .findings = findings,
@@ -252,7 +253,7 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
     return looks(request) && isFound(report) ? exitFound : exitNothingFound;
 }
 
-int check(const Request &request) {
+int check(Request &request) {
     const Scorecard card = readScorecard(request.parser.positionalArguments().constFirst());
     if (!card.document.problem.isEmpty()) {
         printError(problemMessage(card.document.fileName, card.document.problem));
@@ -264,6 +265,7 @@ int check(const Request &request) {
         sql = readSqlConfiguration(request[u"sql"_s]);
         if (!sql.message.isEmpty()) return fail(sql.message.trimmed(), exitUnusableModel);
         inspection.sql = &sql;
+        request.rows.sql = useOf(sql.configuration).reading;
     }
     if (!inspection.canvasName.isEmpty()) inspection.canvas = readCanvas(inspection.canvasName);
     return reportOn(request, card, inspect(card, inspection));

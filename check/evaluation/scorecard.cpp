@@ -4,6 +4,7 @@
 #include "model/number_text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 #include <unordered_map>
 #include <utility>
@@ -41,14 +42,93 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
     }
 }
 
+bool isAscii(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
+}
+
+// Most texts are ASCII and need no conversion.
+std::string foldedCase(std::string_view text) {
+    if (!isAscii(text)) return QString::fromUtf8(text).toLower().toStdString();
+    std::string folded(text);
+    for (char &c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    return folded;
+}
+
+std::string withoutAccents(std::string_view text) {
+    if (isAscii(text)) return foldedCase(text);
+    QString plain = QString::fromUtf8(text).normalized(QString::NormalizationForm_D).toLower();
+    plain.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
+    return plain.toStdString();
+}
+
+// The text that a literal of these characters stands for; a byte that no text holds where it is
+// none of the plain escapes, so that it equals nothing.
+std::string unescaped(std::string_view literal, Reading reading) {
+    const bool isPython = reading == Reading::PythonText;
+    const std::string_view escapes = isPython ? "\\'\"abfnrtv\n" : "'\"bnrtZ0\\";
+    const std::string_view meanings = isPython ? "\\'\"\a\b\f\n\r\t\v" : "'\"\b\n\r\t\x1A";
+    std::string text;
+    for (std::size_t i = 0; i < literal.size(); ++i) {
+        // A backslash at the end keeps the code from running at all.
+        if (literal[i] != '\\' || i + 1 == literal.size()) {
+            text += literal[i];
+            continue;
+        }
+        const char c = literal[++i];
+        const std::size_t at = escapes.find(c);
+        if (at < meanings.size()) {
+            text += meanings[at];
+        } else if (isPython && (at != std::string_view::npos || c == '\n')) {
+            continue; // a line that goes on
+        } else if (isPython && std::string_view("01234567xNuU").find(c) != std::string_view::npos) {
+            return "\xFF";
+        } else if (!isPython && c == '0') {
+            text += '\0';
+        } else if (isPython || c == '%' || c == '_') {
+            text += {'\\', c};
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
 // What is the same for all texts that the reading takes for equal.
 std::string keyOf(std::string_view text, Reading reading) {
-    double number = 0;
-    if (reading == Reading::AnyCase) {
-        return QString::fromUtf8(text).toLower().toStdString();
+    switch (reading) {
+    case Reading::AnyCase:
+        return foldedCase(text);
+    case Reading::AnyAccent:
+        return withoutAccents(text);
+    case Reading::AsNumber: {
+        double number = 0;
+        const bool isNumber = readNumber(text, number) && std::isfinite(number);
+        return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : ".";
     }
-    const bool isNumber = reading == Reading::AsNumber && readNumber(text, number);
-    return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : std::string(text);
+    case Reading::Padded:
+        return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
+    case Reading::Exact:
+    case Reading::PythonText:
+    case Reading::MySqlText:
+        break;
+    }
+    return std::string(text);
+}
+
+// Those that a target may have, of this list.
+std::vector<Reading> readingsOf(const Recoding &recoding) {
+    std::vector<Reading> list = {Reading::Exact, Reading::AnyCase, Reading::AnyAccent};
+    if (recoding.isOfNumbers) list.push_back(Reading::AsNumber);
+    if (recoding.holdsEndBlank) list.push_back(Reading::Padded);
+    if (recoding.holdsBackslash) {
+        list.insert(list.end(), {Reading::PythonText, Reading::MySqlText});
+    }
+    return list;
+}
+
+bool isOfDigits(QStringView value) {
+    return std::all_of(value.begin(), value.end(),
+                       [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; });
 }
 
 void readCategorical(Recoding &recoding) {
@@ -56,14 +136,21 @@ void readCategorical(Recoding &recoding) {
     recoding.y = arrays.y;
     recoding.isBoolean = arrays.isBoolean;
     recoding.listed = arrays.values;
-    for (std::size_t i = 0; i < arrays.values.size(); ++i) {
-        const auto position = static_cast<std::uint32_t>(arrays.place(i));
-        const std::string text = arrays.values[i].toUtf8().toStdString();
-        for (std::size_t reading = 0; reading < readings; ++reading) {
-            const std::string key = keyOf(text, static_cast<Reading>(reading));
-            ListedValue &places = recoding.values[reading][key];
-            if (places.first == 0) places.first = position;
-            places.last = position;
+    const auto any = [&](auto test) { return std::ranges::any_of(arrays.values, test); };
+    recoding.isOfNumbers = !arrays.isBoolean && !arrays.values.empty() &&
+                           std::ranges::all_of(arrays.values, isOfDigits);
+    recoding.holdsBackslash = any([](QStringView value) { return value.contains(u'\\'); });
+    recoding.holdsEndBlank = any([](QStringView value) { return value.endsWith(u' '); });
+    const std::vector<Reading> used = readingsOf(recoding);
+    for (std::uint32_t place = 1; place <= arrays.values.size(); ++place) {
+        const std::string text = arrays.values[place - 1].toUtf8().toStdString();
+        for (const Reading reading : used) {
+            const bool isLiteral = reading >= Reading::PythonText;
+            std::string key = isLiteral ? unescaped(text, reading) : keyOf(text, reading);
+            ListedValue &places =
+                recoding.values[static_cast<std::size_t>(reading)][std::move(key)];
+            if (places.first == 0) places.first = place;
+            places.last = place;
         }
     }
 }

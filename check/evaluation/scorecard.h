@@ -11,16 +11,24 @@
 #include <string_view>
 #include <unordered_map>
 
-// Where a value stands among the scores of its list, 0 where it is not listed. A value that is
-// listed twice has two places.
+// Where in its list a value stands, counted from 1; 0 where it is unlisted. A value that is listed
+// twice has two places.
 struct ListedValue {
     std::uint32_t first = 0;
     std::uint32_t last = 0; // which is what counts
 };
 
-// What makes texts equal.
-enum class Reading { Exact, AnyCase, AsNumber };
-inline constexpr std::size_t readings = 3;
+// What makes a text equal to a listed value.
+enum class Reading {
+    Exact,
+    AnyCase,
+    AnyAccent,  // nor any case
+    AsNumber,   // all texts that are not numbers are equal
+    Padded,     // blanks at the end do not count
+    PythonText, // the value stands in a literal of Python
+    MySqlText,  // or of MySQL
+};
+inline constexpr std::size_t readings = 7;
 
 struct Recoding {
     const Variable *variable = nullptr;
@@ -33,6 +41,9 @@ struct Recoding {
     std::span<const double> y;       // a score for each position
     bool isRising = true;            // the bounds
     bool isBoolean = false;
+    bool isOfNumbers = false;    // all values are digits and full stops, which SAS takes as numbers
+    bool holdsBackslash = false; // one of the values
+    bool holdsEndBlank = false;  // one of the values ends with a blank
     std::span<const QStringView> listed; // the values of a list, as the document has them
     std::array<std::unordered_map<std::string, ListedValue>, readings> values;
     std::span<const double> codes;                                  // that count as missing
@@ -40,6 +51,10 @@ struct Recoding {
     double coefficient = 0;                                         // the sum of those of its terms
 
     ListedValue find(std::string_view text, Reading reading = Reading::Exact) const;
+    // The position in `y` of the value at a place; 0 for place 0.
+    std::uint32_t positionAt(std::uint32_t place) const {
+        return !isBoolean || place == 0 ? place : place <= 5 ? 1 : 2;
+    }
 };
 
 struct ScoreTerm {

@@ -26,12 +26,12 @@ QStringList targetNames(Targets targets); // as on the command line
 // clang-format off
 enum class FindingId : std::uint8_t {
     LowestSegment, LowestPoint, RecodingWithoutCoefficient, CoefficientWithoutRecoding,
-    EqualCoefficients, EqualNumbers, SingleBound,
+    EqualCoefficients, EqualNumbers, SingleBound, BoundDigits, OtherBlanks, NanCell, NotListed,
     MissingCodesLine, MissingCodesDigits, MissingCodesName, BooleanDigits, ValuesAsNumbers,
-    EmptyNumber, QuoteInValue, LongName, LogisticParenthesis, NoTerms, LabelEndsComment,
+    EmptyNumber, QuoteInValue, LongName, LogisticParenthesis, LogisticOverflow, NoTerms, LabelEndsComment,
     UnsupportedType, NameCharacters, NamesAlike,
-    NoProbability, SqlName, QuotedName, ApostropheInValue, BooleanNumbers, BooleanBlanks,
-    TextBlanks, Capitals, RowsAdded, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
+    NoProbability, SqlName, QuotedName, ApostropheInValue, BackslashEscape, BooleanNumbers, BooleanBlanks,
+    TextBlanks, Capitals, Accents, SinglePrecision, RowsAdded, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
     DebugRecoding, DebugColumnsAlike, SmallNumber,
     LogisticAbsent, QuoteInTitle, TrueFalse,
     MissingCodesParenthesis, NoCategories, LogisticLastRow, Backslash,
@@ -55,6 +55,9 @@ public:
     }
     bool has(FindingId id) const { return bits[static_cast<std::size_t>(id)]; }
     void add(FindingId id) { bits.set(static_cast<std::size_t>(id)); }
+    void add(const FindingSet &others) { bits |= others.bits; }
+    void remove(FindingId id) { bits.reset(static_cast<std::size_t>(id)); }
+    bool isWithin(const FindingSet &other) const { return (bits & ~other.bits).none(); }
 
 private:
     std::bitset<findingCount> bits;
@@ -81,11 +84,15 @@ struct Finding {
     Targets targets; // those of the kind that were asked for
     QString place;
     int recoding = -1;     // its position, where the place is a recoding
-    std::int64_t rows = 0; // that it affects
+    std::int64_t rows = 0; // that it affects alone
     std::int64_t firstRow = 0;
+    std::int64_t togetherRows = 0; // more of them, that it affects only together with others
 
     bool countsRows() const { return kindOf(id).scope != RowScope::None; }
 };
+
+// "1 row", "2 rows".
+QString rowsText(std::int64_t rows);
 
 // Collects findings, and leaves out those that concern none of the targets.
 struct Notes {

@@ -1,7 +1,7 @@
 // Looks a model, a configuration and a canvas through for findings.
 #pragma once
 
-#include "check/evaluation/scorecard.h"
+#include "check/evaluation/evaluation.h"
 #include "model/sql_configuration.h"
 
 // What is to be looked at. Without a configuration, SQL is taken to have its default settings and a
@@ -24,6 +24,8 @@ struct SqlUse {
     bool trimsTexts = true;
     bool boolsAreNumbers = true;
     bool readsBackslashes = false; // as escapes in texts
+    bool mayEscape = true;         // the server may read a backslash in a text as an escape
+    SqlReading reading = {};
 };
 SqlUse useOf(const SqlConfiguration &configuration);
 

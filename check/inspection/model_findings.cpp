@@ -1,6 +1,7 @@
 #include "check/inspection/inspection.h"
 
 #include "check/evaluation/evaluation.h"
+#include "check/evaluation/target_texts.h"
 #include "check/rows/csv_reader.h"
 
 #include <QSet>
@@ -23,12 +24,28 @@ bool isSmall(double number) {
 }
 
 bool isRounded(double number) {
-    return sixDigits(number) != number;
+    return withDigits(number, 6) != number;
+}
+
+// Whether so many digits make another number of one of them.
+bool isInexact(std::span<const double> numbers, int digits) {
+    return std::ranges::any_of(numbers,
+                               [&](double number) { return withDigits(number, digits) != number; });
 }
 
 // --- Recodings
 
-void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
+// Whether the recoding is the first of its column among those of numbers, or of lists.
+bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
+    const auto isAlike = [&](std::size_t i) {
+        return card.recodings[i].variable->isCategorical == recoding.variable->isCategorical;
+    };
+    return *std::ranges::find_if(card.recodingsOf[recoding.column], isAlike) ==
+           recoding.variable->position;
+}
+
+void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding,
+                    const SqlUse &sql) {
     const QStringView field = recoding.variable->field;
     const QStringView type = recoding.variable->type;
     const MissingDictionary &dictionary = card.dictionary;
@@ -38,11 +55,18 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
         return recoding.codesOfTarget[static_cast<std::size_t>(target)];
     };
     Targets others = 0;
+    Targets rounding = std::ranges::any_of(codes, isRounded) ? allTargets : 0;
     for (const Target target : listTargets(allTargets)) {
         if (!std::ranges::equal(codes, codesIn(target))) others |= only(target);
+        if (std::ranges::any_of(codesIn(target), isRounded)) rounding |= only(target);
+    }
+    Targets inexact = isInexact(recoding.x, SqlReading().digits) ? allTargets : 0;
+    if (isInexact(recoding.x, sql.reading.digits) ||
+        isInexact(codesIn(Target::Sql), sql.reading.digits)) {
+        inexact |= only(Target::Sql);
     }
     notes.add(MissingCodesLine, dictionary.lists[listOfSas].isListed);
-    notes.add(MissingCodesDigits, std::ranges::any_of(codes, isRounded));
+    notes.add(MissingCodesDigits, true, rounding);
     notes.add(MissingCodesName, true, others);
     notes.add(MissingCodesParenthesis, !codesIn(Target::Python).empty());
     notes.add(MissingCodesUnread, !codes.empty());
@@ -50,34 +74,40 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
     notes.add(BoundsNotRising, !recoding.isRising);
     notes.add(ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
     notes.add(UnsupportedType, type != u"NormContinuous" && type != u"Discretize");
-    const auto isNumeric = [&](std::size_t i) {
-        return !card.recodings[i].variable->isCategorical;
-    };
-    const auto first = std::ranges::find_if(card.recodingsOf[recoding.column], isNumeric);
-    const bool isFirst = *first == recoding.variable->position;
+    notes.add(BoundDigits, true, inexact);
+    const bool isFirst = isFirstOfKind(card, recoding);
     notes.add(EmptyField, isFirst);
     notes.add(NotANumber, isFirst);
+    notes.add(NanCell, isFirst);
     notes.add(NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
 }
 
-void inspectCategorical(Notes &notes, const Recoding &recoding, const SqlUse &sql) {
+// Whether SAS takes the value as a number where it stands without quotation marks. A full stop is a
+// missing value.
+bool isNumberOfSas(QStringView value) {
+    const auto stops = std::ranges::count(value, u'.');
+    return value == u"." || (stops <= 1 && value.size() > stops);
+}
+
+void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &recoding,
+                        const SqlUse &sql) {
     const bool isBoolean = recoding.isBoolean;
     const auto any = [&](auto test) { return std::ranges::any_of(recoding.listed, test); };
     const auto holds = [&](QChar c) {
         return any([c](QStringView value) { return value.contains(c); });
     };
-    const auto isOfDigits = [](QStringView value) {
-        return std::all_of(value.begin(), value.end(),
-                           [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; });
-    };
     const auto isTruth = [](QStringView value) {
         return value == u"TRUE" || value == u"FALSE" || value == u"True" || value == u"False";
     };
     const auto hasBlanks = [](QStringView v) { return v.size() != v.trimmed().size(); };
-    const auto isTwice = [](const auto &entry) { return entry.second.first != entry.second.last; };
+    const auto isTwice = [&](const auto &entry) {
+        return recoding.positionAt(entry.second.first) != recoding.positionAt(entry.second.last);
+    };
     const bool hasEmpty = any([](QStringView value) { return value.isEmpty(); });
-    const bool isNumbers =
-        !isBoolean && !recoding.listed.empty() && std::ranges::all_of(recoding.listed, isOfDigits);
+    // What is compared as 0 and 1 has no texts in the script.
+    const bool hasTexts = !isBoolean || !sql.boolsAreNumbers;
+    const Targets texts = hasTexts ? allTargets : ~only(Target::Sql);
+    const bool isTrimmed = !isBoolean && sql.trimsTexts;
     const auto used = recoding.y.subspan(1, std::min<std::size_t>(recoding.y.size() - 1, 2));
 
     notes.add(BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
@@ -85,49 +115,59 @@ void inspectCategorical(Notes &notes, const Recoding &recoding, const SqlUse &sq
     notes.add(BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
     notes.add(FiveCategories, !isBoolean && recoding.listed.size() == 5);
     notes.add(TextBlanks, !isBoolean && !sql.trimsTexts);
-    notes.add(Capitals, !isBoolean || !sql.boolsAreNumbers);
-    notes.add(ValuesAsNumbers, isNumbers);
-    notes.add(EmptyNumber, isNumbers && hasEmpty);
+    notes.add(Capitals, hasTexts);
+    notes.add(Accents, hasTexts);
+    notes.add(OtherBlanks, true, isTrimmed ? allTargets : ~only(Target::Sql));
+    notes.add(NotListed, isFirstOfKind(card, recoding));
+    notes.add(ValuesAsNumbers, recoding.isOfNumbers);
+    notes.add(EmptyNumber,
+              recoding.isOfNumbers && !std::ranges::all_of(recoding.listed, isNumberOfSas));
     notes.add(QuoteInValue, holds(u'"'));
     notes.add(ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
-    notes.add(Backslash, holds(u'\\'));
+    notes.add(Backslash, recoding.holdsBackslash);
+    notes.add(BackslashEscape, recoding.holdsBackslash && hasTexts && sql.mayEscape);
     notes.add(TrueFalse, any(isTruth));
-    notes.add(ValueBlanks, any(hasBlanks));
+    notes.add(ValueBlanks, any(hasBlanks), texts);
     notes.add(EmptyValue, hasEmpty);
     notes.add(ValueTwice, std::ranges::any_of(recoding.values[0], isTwice));
     notes.add(NotFinite, !isFinite(recoding.y));
 }
 
+// Whether the target takes the name; in Excel VBA it has a beginning of its own.
 bool isName(QStringView name, Target target) {
+    constexpr qsizetype longestOfSas = 32;
     const auto isAllowed = [target](QChar c) {
-        return c == u'_' || (c.isLetterOrNumber() && (target == Target::Python || c < u'\x80'));
+        return c == u'_' || (c.isLetterOrNumber() && (target != Target::Sas || c < u'\x80'));
     };
-    return !name.isEmpty() && !name[0].isDigit() &&
-           std::all_of(name.begin(), name.end(), isAllowed);
+    if (target == Target::Sas && name.size() > longestOfSas) return false;
+    const bool begins = target == Target::Vba || (!name.isEmpty() && !name[0].isDigit());
+    return begins && std::all_of(name.begin(), name.end(), isAllowed);
 }
 
 // HTML asks a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
-           (a.isBoolean || std::ranges::equal(a.listed, b.listed));
+           std::ranges::equal(a.listed, b.listed);
 }
 
 void inspectNames(Notes &notes, const Recoding &recoding) {
     constexpr qsizetype longestName = 31;
     const Variable &variable = *recoding.variable;
     const bool isFirst = recoding.rank == 0;
-    const QString recodingName = u"R%1_%2"_s.arg(variable.position).arg(variable.field);
+    const QString prefix = u"R%1_"_s.arg(variable.position);
     Targets alike = 0;
     Targets broken = 0;
-    for (const Target target : {Target::Sas, Target::Python}) {
+    for (const Target target : {Target::Sas, Target::Vba, Target::Python}) {
         const std::size_t last = recoding.lastAlike[static_cast<std::size_t>(target)];
         if (last != recoding.column) alike |= only(target);
-        if (!isName(cleanedFor(target, variable.field), target)) broken |= only(target);
+        QString name = cleanedFor(target, variable.field);
+        if (target == Target::Vba) name.truncate(longestName - prefix.size());
+        if (!isName(name, target)) broken |= only(target);
     }
     notes.add(NamesAlike, true, alike);
     notes.add(NameCharacters, isFirst, broken);
     notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
-    notes.add(LongName, recodingName.size() > longestName);
+    notes.add(LongName, prefix.size() + variable.field.size() > longestName);
     notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
     notes.add(LabelEndsComment, variable.label.contains(u"*/"_s));
 }
@@ -141,9 +181,9 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
         notes.at(u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
                  static_cast<int>(variable.position));
         if (variable.isCategorical) {
-            inspectCategorical(notes, recoding, sql);
+            inspectCategorical(notes, card, recoding, sql);
         } else {
-            inspectNumeric(notes, card, recoding);
+            inspectNumeric(notes, card, recoding, sql);
         }
         inspectNames(notes, recoding);
         const auto isLost = [&](double score) { return isSmall(score * recoding.coefficient); };
@@ -176,7 +216,8 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
         .add(NoCategories, std::ranges::none_of(card.variables, &Variable::isCategorical));
     const QString prefix = targetPrefix(card.document, u" .");
     notes.at(u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1))))
-        .add(NameCharacters, !prefix.isEmpty() && !isName(prefix, Target::Sas), only(Target::Sas));
+        .add(NameCharacters, !prefix.isEmpty() && !isName(prefix + u"score"_s, Target::Sas),
+             only(Target::Sas));
 }
 
 bool hasOtherSums(const Notes &notes) {
@@ -185,6 +226,17 @@ bool hasOtherSums(const Notes &notes) {
     return std::ranges::any_of(notes.findings, [&](const Finding &finding) {
         return std::ranges::find(others, finding.id) != std::end(others);
     });
+}
+
+// Whether a point of the table where the probability jumps is shown as another number; where the
+// table ends, targets make jumps of their own.
+bool hasInexactJump(const Scorecard &card, int digits) {
+    const std::span<const double> x = card.table.x;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const bool isJump = i + 2 >= x.size() || (i > 0 && x[i] == x[i - 1]) || x[i] == x[i + 1];
+        if (isJump && isInexact(x.subspan(i, 1), digits)) return true;
+    }
+    return false;
 }
 
 void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
@@ -211,6 +263,7 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
     notes.add(LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);
     notes.add(LowestPoint, least <= x.back(), probabilities);
+    notes.at(u"table"_s).add(BoundDigits, hasInexactJump(card, sql.reading.digits));
     notes.add(LowestNan, least <= x.back() && isOfKind(card, u"T"));
 }
 
@@ -220,6 +273,7 @@ void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
     const bool hasTable = card.table.exists;
     notes.at(u"normalizationMethod"_s);
     notes.add(LogisticParenthesis, card.isLogistic);
+    notes.add(LogisticOverflow, card.isLogistic);
     notes.add(LogisticAbsent, card.isLogistic, isPrediction ? allTargets : ~only(Target::Html));
     notes.add(LogisticLastRow, card.isLogistic);
     notes.at(u"tkind '%1'"_s.arg(kindOfTarget(card)));

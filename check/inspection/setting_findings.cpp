@@ -89,6 +89,14 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
     }
 }
 
+// Names of servers for which general SQL is meant.
+bool isGeneral(QStringView dbType) {
+    constexpr QStringView servers[] = {u"",       u"postgresql", u"postgres",
+                                       u"sqlite", u"sqlite3",    u"duckdb"};
+    return std::ranges::any_of(
+        servers, [&](QStringView name) { return name.compare(dbType, Qt::CaseInsensitive) == 0; });
+}
+
 void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) {
     const SqlDialect &dialect = findSqlDialect(dbType);
     const QString place = u"setting dbType, '%1'"_s.arg(dbType);
@@ -97,8 +105,10 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     for (const SqlDialect &known : sqlDialects()) {
         if (!known.name.isEmpty()) names.push_back(known.name);
     }
-    const bool isKnown = !dialect.name.isEmpty() || dbType.isEmpty();
-    if (!isKnown) notes.at(withMeant(place, dbType, names)).add(UnknownDialect);
+    notes.at(place).add(SinglePrecision, !dialect.columnCast.opening.isEmpty());
+    const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
+    const bool isMeant = !isKnown && !nearest(dbType, names).isEmpty();
+    notes.at(withMeant(place, dbType, names)).add(UnknownDialect, isMeant);
 }
 
 QString keyOf(const Scorecard &card, const SqlConfiguration &configuration) {
@@ -206,7 +216,11 @@ SqlUse useOf(const SqlConfiguration &configuration) {
     return {.hasProbability = dialect.hasProbability,
             .trimsTexts = !dialect.textTrim.opening.isEmpty(),
             .boolsAreNumbers = configuration.boolsAreNumbers,
-            .readsBackslashes = dialect.name == u"mysql"};
+            .readsBackslashes = dialect.name == u"mysql",
+            // The servers of the other names are known.
+            .mayEscape =
+                dialect.name == u"mysql" || dialect.name == u"default" || dialect.name.isEmpty(),
+            .reading = {.digits = dialect.digits, .padsTexts = dialect.name == u"mysql"}};
 }
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {

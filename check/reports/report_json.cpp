@@ -23,8 +23,12 @@ QJsonObject jsonOf(const Finding &finding, bool hasRows) {
                           {u"place"_s, finding.place},           {u"text"_s, kind.text.toString()},
                           {u"remedy"_s, kind.remedy.toString()}, {u"page"_s, kind.page.toString()}};
     if (hasRows && finding.countsRows()) {
-        object[u"rows"_s] = count(finding.rows);
-        object[u"firstRow"_s] = finding.rows > 0 ? count(finding.firstRow) : QJsonValue();
+        const bool isTogether = finding.togetherRows > 0;
+        if (isTogether) object[u"together"_s] = count(finding.togetherRows);
+        if (finding.rows > 0 || !isTogether) {
+            object[u"rows"_s] = count(finding.rows);
+            object[u"firstRow"_s] = finding.rows > 0 ? count(finding.firstRow) : QJsonValue();
+        }
     }
     return object;
 }

@@ -136,6 +136,10 @@ std::vector<FindingGroup> groupsOf(const Report &report) {
         QString place = finding.place;
         if (report.counts && finding.countsRows()) place += u": "_s + rowsOf(finding.rows);
         if (finding.rows > 0) place += u", first row %1"_s.arg(finding.firstRow);
+        if (finding.togetherRows > 0) {
+            place +=
+                u"; %1 only together with other findings"_s.arg(rowsText(finding.togetherRows));
+        }
         groups.back().targets |= finding.targets;
         groups.back().places.append(place);
     }

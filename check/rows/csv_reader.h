@@ -16,9 +16,6 @@
 #include <utility>
 #include <vector>
 
-// A cell may be read up to here, even where it is shorter.
-inline constexpr std::size_t readableBytes = 16;
-
 class CsvReader {
 public:
     CsvReader() = default;
@@ -93,8 +90,7 @@ bool CsvReader::read(Taker &taker) {
             if (reader.column != reader.placeOf.size() && reader.uneven++ == 0) {
                 reader.firstUneven = reader.row + 1;
             }
-            static constexpr char nothing[readableBytes] = {};
-            while (reader.column < reader.placeOf.size()) hand(nothing);
+            while (reader.column < reader.placeOf.size()) hand({});
             reader.column = 0;
             ++reader.row;
             reader.guard([&] { taker.endRow(); });
