@@ -3,6 +3,7 @@
 #include "check/evaluation/target_texts.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -11,6 +12,7 @@ namespace {
 
 using enum FindingId;
 
+constexpr double smallestSingle = 1e-37; // what is nearer to 0 may be 0 in 32 bits
 constexpr std::size_t noPlace = static_cast<std::uint32_t>(-1); // without a score
 
 // --- Intervals
@@ -28,10 +30,9 @@ bool isCode(const Recoding &recoding, double value, const Deviations &deviations
         deviations.has(MissingCodesName)
             ? recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)]
             : recoding.codes;
-    const bool isSingle = deviations.has(SinglePrecision);
     return std::ranges::any_of(codes, [&](double code) {
-        if (deviations.has(MissingCodesDigits)) return withDigits(code, 6) == value;
-        return (isSingle ? inSinglePrecision(code) : shown(code, deviations)) == value;
+        const bool isRounded = deviations.has(MissingCodesDigits);
+        return (isRounded ? withDigits(code, 6) : shown(code, deviations)) == value;
     });
 }
 
@@ -84,7 +85,8 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
 // Whether a number is so near to a bound that fewer digits or bits may part them.
 bool isNearBound(const Recoding &recoding, double value) {
     const auto isNear = [&](double bound) {
-        return std::abs(value - bound) <= 1e-6 * std::max(std::abs(bound), std::abs(value));
+        return std::abs(value - bound) <=
+               1e-6 * std::max(std::abs(bound), std::abs(value)) + smallestSingle;
     };
     if (!recoding.isRising) return std::ranges::any_of(recoding.x, isNear);
     const auto above = std::ranges::lower_bound(recoding.x, value);
@@ -94,7 +96,8 @@ bool isNearBound(const Recoding &recoding, double value) {
 
 bool isNearCode(const Recoding &recoding, double value, Target target) {
     const auto isNear = [&](double code) {
-        return std::abs(value - code) <= 1e-5 * std::max(std::abs(code), std::abs(value));
+        return std::abs(value - code) <=
+               1e-5 * std::max(std::abs(code), std::abs(value)) + smallestSingle;
     };
     return std::ranges::any_of(recoding.codes, isNear) ||
            std::ranges::any_of(recoding.codesOfTarget[static_cast<std::size_t>(target)], isNear);
@@ -166,7 +169,9 @@ std::size_t positionOfNumber(const Cell &cell, int variant) {
 std::string_view comparedText(const Recoding &recoding, const Cell &cell,
                               const Deviations &deviations) {
     if (deviations.has(recoding.isBoolean ? BooleanBlanks : TextBlanks)) {
-        return deviations.sql.padsTexts ? withoutEndBlanks(cell.raw) : cell.raw;
+        // The script may run on another server than its dialect is for.
+        const bool isPadded = deviations.sql.padsTexts && deviations.variant == 0;
+        return isPadded ? withoutEndBlanks(cell.raw) : cell.raw;
     }
     if (!deviations.has(OtherBlanks)) return cell.text;
     return deviations.target == Target::Python ? withoutUnicodeBlanks(cell.raw)
@@ -295,7 +300,11 @@ double constantOf(const Scorecard &card, const Deviations &deviations) {
 int variantsOf(const FindingSet &findings, Target target) {
     if (findings.has(BooleanNumbers)) return 4;
     if (findings.has(NotANumber) && target == Target::Vba) return 4;
-    return findings.has(SinglePrecision) || findings.has(TrueFalse) ? 2 : 1;
+    const auto has = [&](FindingId id) { return findings.has(id); };
+    return std::ranges::any_of(std::array{SinglePrecision, TrueFalse, BooleanBlanks, TextBlanks},
+                               has)
+               ? 2
+               : 1;
 }
 
 bool differ(const Recoded &a, const Recoded &b) {

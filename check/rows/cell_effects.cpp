@@ -149,8 +149,8 @@ CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::si
         if (ids.empty()) continue;
         FindingSet all;
         for (const FindingId id : ids) all.add(id);
-        // Servers differ in how they compare a boolean with numbers; the commonest way counts.
-        const int variants = all.has(BooleanNumbers) ? 1 : variantsOf(all, target);
+        // Servers differ in how they compare texts; what the dialect's own does counts.
+        const int variants = target == Target::Sql ? 1 : variantsOf(all, target);
         for (int variant = 0; variant < variants; ++variant) {
             deviations.variant = variant;
             const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);

@@ -203,11 +203,12 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     // An empty cell is right where the model gives no number, and is never NaN that a target shows.
     const Prediction &numbers = found.numbers;
     const bool isReadable = found.cells == ResultCells::Numbers;
+    const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;
     const Deviations none = {{}, c.options.target, c.options.sql};
     if (found.cells != ResultCells::NoNumber &&
         (matches(c, facts.expected, numbers) || fits(c, facts.recoded, none, numbers))) {
         ++c.result.equal;
-    } else if (!isReadable || !explain(c, facts, numbers)) {
+    } else if (!(isReadable || mayBeMissing) || !explain(c, facts, numbers)) {
         if (++c.result.unexplained <= mostSuspected && isReadable) suspect(c, facts, numbers);
         keepWorst(c, facts, numbers);
     }

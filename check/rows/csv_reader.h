@@ -2,6 +2,7 @@
 // Memory does not grow with the rows; a cell may take 64 MiB.
 #pragma once
 
+#include "check/rows/utf8_check.h"
 #include "model/output_file.h"
 
 #include <QString>
@@ -68,6 +69,7 @@ private:
     bool hasHeader = false;
     bool isAtEnd = false;
     bool isOutOfMemory = false;
+    Utf8Check utf8;
     std::vector<char> block;
     std::string_view unread; // of the block
     std::vector<std::string> titles;
