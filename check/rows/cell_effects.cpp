@@ -93,8 +93,8 @@ bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest 
         }
         return !cell.text.empty();
     case BooleanNumbers:
-        // A text of the document is none of the numbers, also where it happens to score the same.
-        return meant[test.rank].position > 0 && !cell.isNumber;
+        // A text is none of the numbers, also where it happens to score the same.
+        return !cell.text.empty() && !cell.isNumber;
     default:
         return false;
     }

@@ -13,7 +13,11 @@ using enum FindingId;
 constexpr std::size_t mostCombined = 8; // findings of which all sets are tried; else up to three
 constexpr std::size_t mostOutcomes = 1 << 12; // of the columns of a row, under one set of findings
 
-constexpr FindingId uncertain[] = {Capitals, Accents, SinglePrecision};
+// Up to the server, its collation or what a workbook makes of a text.
+constexpr FindingId uncertain[] = {Capitals, Accents, SinglePrecision, TrueFalse};
+
+// How a set of findings explains a row: where all cells that it concerns deviate, or some of them.
+enum class Fit { None, Partial, Whole };
 
 // A column of the row whose cell the target may read differently.
 struct OpenColumn {
@@ -123,7 +127,7 @@ std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set) {
     return wheels;
 }
 
-bool turn(Search &s, std::vector<Wheel> &wheels) {
+bool turn(Search &s, std::span<Wheel> wheels) {
     for (Wheel &wheel : wheels) {
         wheel.at = (wheel.at + 1) % wheel.choices.size();
         putChoice(s, *wheel.column, wheel.choices[wheel.at]);
@@ -132,44 +136,52 @@ bool turn(Search &s, std::vector<Wheel> &wheels) {
     return false;
 }
 
-// Whether the result is that of some outcome of the columns. Of too many, those are left out in
+// How the result is that of some outcome of the columns. Of too many, those are left out in
 // which only some of the last columns deviate.
-bool fitsSomehow(Search &s, const Deviations &deviations, std::vector<Wheel> &wheels) {
+Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
     std::size_t outcomes = 1;
     std::size_t turned = 0;
     while (turned < wheels.size() && outcomes * wheels[turned].choices.size() <= mostOutcomes) {
         outcomes *= wheels[turned++].choices.size();
     }
-    const std::vector<Wheel> last(wheels.begin() + static_cast<std::ptrdiff_t>(turned),
-                                  wheels.end());
-    std::vector<Wheel> first(wheels.begin(), wheels.begin() + static_cast<std::ptrdiff_t>(turned));
+    const std::span<Wheel> first = wheels.first(turned);
+    const std::span<Wheel> last = wheels.subspan(turned);
     for (const bool deviates : {true, false}) {
         for (const Wheel &wheel : last) {
             putChoice(s, *wheel.column, deviates ? wheel.choices.front() : nullptr);
         }
         for (const Wheel &wheel : first) putChoice(s, *wheel.column, wheel.choices.front());
         do {
-            if (fits(s.c, s.recoded, deviations, s.found)) return true;
+            if (!fits(s.c, s.recoded, deviations, s.found)) continue;
+            const bool isWhole = deviates && std::ranges::none_of(first, [](const Wheel &wheel) {
+                                     return wheel.choices[wheel.at] == nullptr;
+                                 });
+            return isWhole ? Fit::Whole : Fit::Partial;
         } while (turn(s, first));
-        if (last.empty()) return false;
+        if (last.empty()) break;
     }
-    return false;
+    return Fit::None;
 }
 
-bool isReason(Search &s, const FindingSet &set) {
+Fit fitOf(Search &s, const FindingSet &set) {
     std::vector<Wheel> wheels = wheelsOf(s, set);
     FindingSet always;
     for (const FindingId id : s.c.always) always.add(id);
-    if (wheels.empty() && !set.isWithin(always)) return false;
+    if (wheels.empty() && !set.isWithin(always)) return Fit::None;
     s.recoded.assign(s.facts.recoded.begin(), s.facts.recoded.end());
-    return fitsSomehow(s, {set, s.c.options.target, s.c.options.sql}, wheels);
+    return fitOf(s, {set, s.c.options.target, s.c.options.sql}, wheels);
 }
 
+struct Reason {
+    FindingSet set;
+    Fit fit;
+};
+
 // The smallest sets that explain the row.
-std::vector<FindingSet> reasonsOf(Search &s) {
+std::vector<Reason> reasonsOf(Search &s) {
     const std::size_t count = s.possible.size();
     const std::size_t most = count > mostCombined ? 3 : count;
-    std::vector<FindingSet> reasons;
+    std::vector<Reason> reasons;
     for (std::size_t size = 1; size <= most && reasons.empty(); ++size) {
         std::vector<char> isChosen(count);
         std::fill_n(isChosen.begin(), size, 1);
@@ -178,21 +190,23 @@ std::vector<FindingSet> reasonsOf(Search &s) {
             for (std::size_t i = 0; i < count; ++i) {
                 if (isChosen[i]) set.add(s.possible[i]);
             }
-            if (isReason(s, set)) reasons.push_back(set);
+            if (const Fit fit = fitOf(s, set); fit != Fit::None) reasons.push_back({set, fit});
         } while (std::ranges::prev_permutation(isChosen).found);
     }
     return reasons;
 }
 
-// Of sets of one size, those with the fewest findings that are up to the server or its collation:
-// where another cause fits, nothing speaks for them.
-void preferCertain(std::vector<FindingSet> &reasons) {
-    const auto doubts = [](const FindingSet &set) {
-        return std::ranges::count_if(uncertain, [&](FindingId id) { return set.has(id); });
+// Of sets of one size, those that hold for all columns, and then those with the fewest findings
+// that are up to the server: where another cause fits, nothing speaks for these.
+void keepLikeliest(std::vector<Reason> &reasons) {
+    const auto rank = [](const Reason &reason) {
+        const auto doubts =
+            std::ranges::count_if(uncertain, [&](FindingId id) { return reason.set.has(id); });
+        return std::pair(reason.fit == Fit::Partial, doubts);
     };
-    if (reasons.size() < 2) return;
-    const auto least = doubts(*std::ranges::min_element(reasons, {}, doubts));
-    std::erase_if(reasons, [&](const FindingSet &set) { return doubts(set) > least; });
+    if (reasons.empty()) return;
+    const auto least = rank(*std::ranges::min_element(reasons, {}, rank));
+    std::erase_if(reasons, [&](const Reason &reason) { return rank(reason) != least; });
 }
 
 QString namesOf(const FindingSet &set) {
@@ -210,14 +224,14 @@ bool explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
     Search search = {c, facts, found};
     openColumns(search);
     findPossible(search);
-    std::vector<FindingSet> reasons = reasonsOf(search);
+    std::vector<Reason> reasons = reasonsOf(search);
     if (reasons.empty()) return false;
-    preferCertain(reasons);
+    keepLikeliest(reasons);
     QStringList names;
     FindingSet all;
-    for (const FindingSet &reason : reasons) {
-        names.append(namesOf(reason));
-        all.add(reason);
+    for (const Reason &reason : reasons) {
+        names.append(namesOf(reason.set));
+        all.add(reason.set);
     }
     const QString row = QString::number(facts.row);
     for (const FindingId id : search.possible) {
