@@ -28,6 +28,9 @@ inline constexpr std::size_t tagKinds = static_cast<std::size_t>(TagKind::None);
 // The text of a canvas, a file in UTF-8; empty when the file cannot be read.
 QString readCanvas(const QString &fileName);
 
+// A page is laid out by the built-in canvas where the canvas's text is shorter, in UTF-16 units.
+inline constexpr qsizetype shortestCanvas = 10;
+
 // What a tag begins with, as in "[QRV_SCRIPT".
 QStringView tagOpening(TagKind kind);
 

@@ -2,6 +2,7 @@
 
 import re
 import shutil
+import string
 import subprocess
 import unittest
 
@@ -14,6 +15,7 @@ from sql_program import SqlProgramTest, configuration
 from support import EXAMPLES, TESTS
 import score  # support has told where it is, and the next
 from scorewright import Scorecard, logistic_table
+from scorewright.document import names
 
 APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=False,
                          na_values={"Home": "NA", "Income": "NA"})
@@ -93,6 +95,22 @@ class PackageTest(SqlProgramTest):
             expected = [*map(score.load(path).score, text.to_dict("records"))]
             for one in [card, Scorecard.read(self.folder / "again.ModelXml")]:
                 self.assertEqual([*one.score(text).score], expected)
+
+    def test_names(self):
+        """The package knows what each target makes of a name, and each finds the missing codes under its own."""
+        column = "a 1" + string.punctuation
+        card = Scorecard(missing={column: [77, 88]})
+        card.add_numeric(column, [1, 2], [0, 1, 2], closed="left")
+        card.write(self.folder / "model.ModelXml")
+        self.assertEqual(self.run_configuration(configuration(dbType="sqlserver"))[0], 0)
+        outputs = ["out", "m.sas", "m.py", "m.bas"]
+        for option, output in zip("ape", outputs[1:]):
+            self.run_program("-" + option, "model.ModelXml", output)
+        for output, name in zip(outputs, names(column)):
+            code = self.read(output)
+            with self.subTest(output):
+                self.assertIn(f"[{name}]" if output == "out" else f"  {name}  <->  R0_{name[:28]}", code)
+                self.assertIn("=77", code.replace(" ", ""))
 
     def test_mends(self):
         """Lists of five become lists of six, and no row has the lowest segment's 0."""

@@ -71,7 +71,7 @@ std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations
     if (deviates(isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
     if (deviates(TrueFalse)) text = shownTruth(recoding, text);
     if (text.empty()) return 0;
-    if (deviates(FiveCategories, !isBoolean && recoding.listed.size() == 5)) return 0;
+    if (deviates(FiveCategories, !isBoolean && htmlMisreadsList(recoding.listed.size()))) return 0;
     if (deviates(Backslash) && isEscaped(text)) return 0;
     if (deviates(BooleanNumbers, isBoolean && recoding.y.size() > 2)) {
         const double number = cell.isNumber ? cell.number : 0; // as in MySQL and MariaDB
@@ -88,13 +88,13 @@ std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations
 // list, its number is taken for the position.
 std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const Recoding &asked = *recoding.asked;
-    const bool readsList = recoding.listed.size() > 5;
+    const bool readsList = htmlReadsList(recoding.listed.size());
     if (!asked.variable->isCategorical) {
         const double place = cell.isNumber ? cell.number : -1;
         const bool isPlace = place == std::floor(place) && place >= 0 && place < noPlace;
         return !readsList ? 0 : isPlace ? static_cast<std::size_t>(place) : noPlace;
     }
-    const bool isList = !asked.isBoolean && asked.listed.size() > 4;
+    const bool isList = !asked.isBoolean && htmlShowsList(asked.listed.size());
     return readsList || !isList ? placeOf(asked, cell, deviations) : 0;
 }
 

@@ -10,17 +10,16 @@
 
 namespace {
 
-// For tables that are not Qt's: an insertion into those ends the program where memory runs out.
+// For tables of the standard library, which throw std::bad_alloc. Qt's own end the program if there
+// is no memory left.
 struct HashOfText {
     std::size_t operator()(QStringView text) const { return hashText(text); }
 };
 
-// The names of the data dictionary are those that documents are saved with.
-constexpr QStringView cleanedInDocuments = u" .";
-constexpr std::array<QStringView, targetCount> cleanedCharacters = {u" .", u"", u"\"%'-() /.",
-                                                                    u" .'-", u""};
+// The characters that become "_" in names of the data dictionary when a document is saved.
+constexpr QStringView replacedInDictionary = u" .";
 
-// Without anything that is no number, for which no order holds.
+// False if any number is NaN.
 template <typename Order>
 bool isInOrder(std::span<const double> x, Order order) {
     return std::ranges::adjacent_find(x, std::not_fn(order)) == x.end();
@@ -34,7 +33,7 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
         return card.dictionary.lists[card.dictionary.find(name)].codes;
     };
     const QStringView field = recoding.variable->field;
-    recoding.codes = codesOf(cleanName(field, cleanedInDocuments));
+    recoding.codes = codesOf(cleanName(field, replacedInDictionary));
     for (const Target target : listTargets(allTargets)) {
         recoding.codesOfTarget[static_cast<std::size_t>(target)] =
             codesOf(cleanedFor(target, field));
@@ -149,7 +148,7 @@ QString numberText(double number) {
 }
 
 QString cleanedFor(Target target, QStringView field) {
-    return cleanName(field, cleanedCharacters[static_cast<std::size_t>(target)]);
+    return cleanName(field, replacedCharacters(target));
 }
 
 Scorecard readScorecard(const QString &fileName) {

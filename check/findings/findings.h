@@ -2,16 +2,13 @@
 // the model says, or that makes the model itself doubtful.
 #pragma once
 
+#include "model/target_rules.h"
+
 #include <QStringList>
-#include <QStringView>
 
 #include <bitset>
 #include <cstdint>
-#include <span>
 #include <vector>
-
-enum class Target : std::uint8_t { Sas, Sql, Vba, Python, Html };
-inline constexpr std::size_t targetCount = 5;
 
 // A set of targets.
 using Targets = unsigned;

@@ -1,7 +1,7 @@
 #include "check/inspection/inspection.h"
 
 #include "check/evaluation/evaluation.h"
-#include "check/rows/csv_reader.h"
+#include "model/sql_dialect.h"
 
 #include <QSet>
 
@@ -18,8 +18,7 @@ bool isFinite(std::span<const double> numbers) {
 }
 
 bool isSmall(double number) {
-    constexpr double smallest = 1e-12;
-    return number != 0 && std::abs(number) < smallest;
+    return number != 0 && std::abs(number) < smallestSqlNumber;
 }
 
 bool isRounded(double number) {
@@ -30,7 +29,6 @@ bool isRounded(double number) {
 
 void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
     const QStringView field = recoding.variable->field;
-    const QStringView type = recoding.variable->type;
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
     const std::span<const double> codes = recoding.codes;
@@ -49,7 +47,7 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
     notes.add(SingleBound, recoding.x.size() == 1);
     notes.add(BoundsNotRising, !recoding.isRising);
     notes.add(ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
-    notes.add(UnsupportedType, type != u"NormContinuous" && type != u"Discretize");
+    notes.add(UnsupportedType, !sasSupports(recoding.variable->type));
     const auto isNumeric = [&](std::size_t i) {
         return !card.recodings[i].variable->isCategorical;
     };
@@ -66,24 +64,19 @@ void inspectCategorical(Notes &notes, const Recoding &recoding, const SqlUse &sq
     const auto holds = [&](QChar c) {
         return any([c](QStringView value) { return value.contains(c); });
     };
-    const auto isOfDigits = [](QStringView value) {
-        return std::all_of(value.begin(), value.end(),
-                           [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; });
-    };
     const auto isTruth = [](QStringView value) {
         return value == u"TRUE" || value == u"FALSE" || value == u"True" || value == u"False";
     };
     const auto hasBlanks = [](QStringView v) { return v.size() != v.trimmed().size(); };
     const auto isTwice = [](const auto &entry) { return entry.second.first != entry.second.last; };
     const bool hasEmpty = any([](QStringView value) { return value.isEmpty(); });
-    const bool isNumbers =
-        !isBoolean && !recoding.listed.empty() && std::ranges::all_of(recoding.listed, isOfDigits);
+    const bool isNumbers = !isBoolean && sasComparesNumbers(recoding.listed);
     const auto used = recoding.y.subspan(1, std::min<std::size_t>(recoding.y.size() - 1, 2));
 
     notes.add(BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
     notes.add(BooleanNumbers, isBoolean && sql.boolsAreNumbers);
     notes.add(BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
-    notes.add(FiveCategories, !isBoolean && recoding.listed.size() == 5);
+    notes.add(FiveCategories, !isBoolean && htmlMisreadsList(recoding.listed.size()));
     notes.add(TextBlanks, !isBoolean && !sql.trimsTexts);
     notes.add(Capitals, !isBoolean || !sql.boolsAreNumbers);
     notes.add(ValuesAsNumbers, isNumbers);
@@ -113,7 +106,6 @@ bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
 }
 
 void inspectNames(Notes &notes, const Recoding &recoding) {
-    constexpr qsizetype longestName = 31;
     const Variable &variable = *recoding.variable;
     const bool isFirst = recoding.rank == 0;
     const QString recodingName = u"R%1_%2"_s.arg(variable.position).arg(variable.field);
@@ -127,7 +119,7 @@ void inspectNames(Notes &notes, const Recoding &recoding) {
     notes.add(NamesAlike, true, alike);
     notes.add(NameCharacters, isFirst, broken);
     notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
-    notes.add(LongName, recodingName.size() > longestName);
+    notes.add(LongName, recodingName.size() > longestRecodingName);
     notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
     notes.add(LabelEndsComment, variable.label.contains(u"*/"_s));
 }
@@ -174,7 +166,7 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
     notes.add(ConstantMisplaced, regression.terms.size() != card.variables.size());
     notes.at(u"model"_s)
         .add(NoCategories, std::ranges::none_of(card.variables, &Variable::isCategorical));
-    const QString prefix = targetPrefix(card.document, u" .");
+    const QString prefix = targetPrefix(card.document, replacedCharacters(Target::Sas));
     notes.at(u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1))))
         .add(NameCharacters, !prefix.isEmpty() && !isName(prefix, Target::Sas), only(Target::Sas));
 }

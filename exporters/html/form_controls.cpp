@@ -7,6 +7,7 @@
 #include "exporters/html/form_controls.h"
 
 #include "exporters/html/form_controls_text.h"
+#include "model/target_rules.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,9 +15,6 @@
 #include <map>
 
 namespace {
-
-// Categories are shown as a list once there are this many of them, else each has a radio button.
-constexpr int listShownFrom = 5;
 
 int toInt(double value) {
     constexpr double lowest = std::numeric_limits<int>::min();
@@ -152,7 +150,7 @@ void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIn
     if (modalities.isEmpty()) return;
     if (variable.isBoolean) {
         putYesNoControl(out, labels, formName, range.defaultValue);
-    } else if (modalities.childCount(u"Mod") >= listShownFrom) {
+    } else if (htmlShowsList(variable.values.size())) {
         putList(out, sortCategories(modalities), labels.unknown, formName, range.defaultValue);
     } else {
         putRadioButtons(out, sortCategories(modalities), labels.unknown, formName,

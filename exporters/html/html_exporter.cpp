@@ -38,9 +38,8 @@ struct QuestionRound {
 // --- What goes in
 
 QString canvasOf(const QString &canvasPath) {
-    constexpr qsizetype shortest = 10;
     const QString canvas = readCanvas(canvasPath);
-    return canvas.size() < shortest ? QStringView(defaultCanvas).toString() : canvas;
+    return canvas.size() < shortestCanvas ? QStringView(defaultCanvas).toString() : canvas;
 }
 
 // Prints a message when a tag is missing without which there is no page.

@@ -3,6 +3,7 @@
 // document, arrays that are too short.
 #include "exporters/html/html_models.h"
 
+#include "model/target_rules.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype po
     model.position = static_cast<int>(position);
     model.document.fileName = fileName;
     model.document.root = rootElement(parsed, u"QRV_Model");
-    model.variables = readVariables(model.document, {});
+    model.variables = readVariables(model.document, replacedCharacters(Target::Html));
     return model;
 }
 

@@ -12,6 +12,7 @@
 #include "exporters/html/scoring_script.h"
 
 #include "exporters/html/scoring_script_text.h"
+#include "model/target_rules.h"
 
 #include <algorithm>
 #include <optional>
@@ -20,10 +21,6 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-// Categories are read from a list once there are this many of them. The page shows a list already
-// for one less; existing pages do so too, and read five categories as unknown.
-constexpr int listReadFrom = 6;
 
 // What the score lines may come to: their number, and the characters of the names in them. Lists of
 // hundreds of models stay below; one step further no browser takes the page.
@@ -35,8 +32,7 @@ std::optional<ControlKind> controlKind(const Variable &variable) {
     if (!variable.isCategorical) return ControlKind::NumberField;
     const XmlNode modalities = variable.node.childNode(u"Modalities");
     if (modalities.isEmpty()) return {};
-    return modalities.childCount(u"Mod") >= listReadFrom ? ControlKind::List
-                                                         : ControlKind::RadioButtons;
+    return htmlReadsList(variable.values.size()) ? ControlKind::List : ControlKind::RadioButtons;
 }
 
 void putScoreLines(TextBuffer &out, HtmlPage &page) {

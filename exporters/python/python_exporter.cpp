@@ -14,7 +14,9 @@
 #include "exporters/python/python_exporter.h"
 
 #include "exporters/python/python_text.h"
+#include "model/banner.h"
 #include "model/regression.h"
+#include "model/target_rules.h"
 #include "model/text_buffer.h"
 #include "model/write_output.h"
 
@@ -22,7 +24,7 @@
 
 namespace {
 
-constexpr QStringView cleanedCharacters = u" .'-";
+constexpr BannerText banner = {pythonBanner, u"  ", u"\n", u"'''\n"};
 
 // The last component of the path, its solidus included, up to the last full stop; all that follows
 // the solidus when the full stop stands before it.
@@ -32,18 +34,6 @@ QString classNameOf(const QString &modelFile) {
     const qsizetype start = std::max<qsizetype>(path.lastIndexOf(u'/'), 0);
     const qsizetype end = path.lastIndexOf(u'.');
     return path.mid(start, end < start ? -1 : end - start);
-}
-
-void putBanner(TextBuffer &out, const ModelDocument &document,
-               std::span<const Variable> variables) {
-    fill(out, pythonBanner,
-         {{u"version", modelVersion(document)},
-          {u"file", document.fileName},
-          {u"count", std::ssize(variables)}});
-    for (const Variable &variable : variables) {
-        put(out, u"  ", variable.cleanField, u"  <->  ", variable.recodingName, u"\n");
-    }
-    put(out, u"'''\n");
 }
 
 void putDictionaries(TextBuffer &out, std::span<const Variable> variables) {
@@ -163,17 +153,18 @@ void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const QStringView replaced = replacedCharacters(Target::Python);
+    const std::pmr::vector<Variable> variables = readVariables(document, replaced);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
-    const QString prefix = targetPrefix(document, cleanedCharacters);
+    const QString prefix = targetPrefix(document, replaced);
     const QString name = className.isEmpty() ? classNameOf(modelFile) : className;
     const bool isLogistic = !table.exists && hasLogisticProbability(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     return writeOutput(moduleFile, OutputEncoding::Utf8, [&](TextBuffer &out) {
-        putBanner(out, document, variables);
+        putBanner(out, document, variables, banner);
         put(out, pythonImports);
         put(out, u"class QORVModel_", name, u":\n");
         put(out, u"    def __init__(self):\n");

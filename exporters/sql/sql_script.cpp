@@ -13,17 +13,13 @@
 // DROP TABLE Qorv_TMP_predictions;                            putTemporaryMapping
 #include "exporters/sql/sql_script.h"
 
+#include "model/target_rules.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
 // --- What is written
-
-QString keyName(const ModelDocument &document, const SqlConfiguration &configuration) {
-    if (!configuration.keyName.isEmpty()) return configuration.keyName;
-    const QStringView key = document.root.childNode(u"MetaData").childNode(u"Key").text();
-    return key.isEmpty() ? u"id"_s : key.toString();
-}
 
 // Before the name of each table.
 QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &dialect) {
@@ -70,8 +66,8 @@ QStringView tableClause(const SqlScript &script) {
 void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     if (!script.configuration.createPredictionTable) return;
     put(out, u"-- drop table ", script.predictionTable, u";\n");
-    put(out, u"create table ", script.predictionTable, u"(", script.key, u" VARCHAR(20), ",
-        script.prediction, u" FLOAT(53))", tableClause(script), u";\n");
+    put(out, u"create table ", script.predictionTable, u"(", script.key, u" VARCHAR(",
+        longestSqlKey, u"), ", script.prediction, u" FLOAT(53))", tableClause(script), u";\n");
     if (script.dialect.makesIndex) {
         const QString indexed = sqlTableName(script.dialect, script.configuration.predictionTable);
         put(out, u"CREATE INDEX ", indexed, u"_index ON ", script.predictionTable, u"(", script.key,
@@ -89,7 +85,8 @@ void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     } else {
         put(out, u"-- ");
     }
-    put(out, u"create table ", table, u"(", script.key, u" VARCHAR(20), score FLOAT(53)");
+    put(out, u"create table ", table, u"(", script.key, u" VARCHAR(", longestSqlKey,
+        u"), score FLOAT(53)");
     for (const QString &column : script.debugColumns) put(out, u",\n", column, u" FLOAT(53)");
     put(out, u")", tableClause(script), u";\n");
     if (!creates) put(out, u"delete from ", table, u";\n");
@@ -231,8 +228,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
                         const SqlDialect &dialect) {
     const QString schema = schemaPrefix(configuration, dialect);
     const QString &target = configuration.predictionTable;
-    const QString temporary = u"Qorv_TMP_"_s + target;
-    std::pmr::vector<Variable> variables = readVariables(document, {});
+    std::pmr::vector<Variable> variables = readVariables(document, replacedCharacters(Target::Sql));
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);
@@ -250,11 +246,11 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
         .configuration = configuration,
         .dialect = dialect,
         .plan = plan,
-        .key = sqlIdentifier(dialect, keyName(document, configuration)),
+        .key = sqlIdentifier(dialect, keyColumn(configuration, document)),
         .prediction = sqlIdentifier(dialect, configuration.prediction),
         .predictionTable = schema + sqlTableName(dialect, target),
         .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
-        .temporaryTable = schema + sqlTableName(dialect, temporary),
+        .temporaryTable = schema + sqlTableName(dialect, temporaryTableName(configuration)),
         .variables = std::move(variables),
         .fields = std::move(fields),
         .debugColumns = std::move(columns),

@@ -14,31 +14,20 @@
 #include "exporters/vba/vba_exporter.h"
 
 #include "exporters/vba/vba_text.h"
+#include "model/banner.h"
 #include "model/regression.h"
+#include "model/target_rules.h"
 #include "model/text_buffer.h"
 #include "model/write_output.h"
 
 namespace {
 
-constexpr QStringView cleanedCharacters = u"\"%'-() /.";
+constexpr BannerText banner = {vbaBanner, u"' *  ", u"            *\n", vbaBannerEnd};
 constexpr int mostLinesOfStatement = 24;
 
 // Where the module's arrays, which count from 1, keep the variable's column.
 std::ptrdiff_t slotOf(const Variable &variable) {
     return static_cast<std::ptrdiff_t>(variable.position) + 1;
-}
-
-void putBanner(TextBuffer &out, const ModelDocument &document,
-               std::span<const Variable> variables) {
-    fill(out, vbaBanner,
-         {{u"version", modelVersion(document)},
-          {u"file", document.fileName},
-          {u"count", std::ssize(variables)}});
-    for (const Variable &variable : variables) {
-        put(out, u"' *  ", variable.cleanField, u"  <->  ", variable.recodingName,
-            u"            *\n");
-    }
-    put(out, vbaBannerEnd);
 }
 
 // `routine` is what the block leaves when a sheet or a title is not found: "Function" or "Sub".
@@ -175,7 +164,8 @@ void putRangeChecks(TextBuffer &out, std::span<const Variable> variables) {
 int exportToVba(const QString &modelFile, const QString &moduleFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const std::pmr::vector<Variable> variables =
+        readVariables(document, replacedCharacters(Target::Vba));
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
@@ -183,7 +173,7 @@ int exportToVba(const QString &modelFile, const QString &moduleFile) {
 
     return writeScript(moduleFile, [&](TextBuffer &out) {
         put(out, vbaDeclarations);
-        putBanner(out, document, variables);
+        putBanner(out, document, variables, banner);
         put(out, vbaFunctionHead);
         putInitialisation(out, variables, u"Function");
         put(out, vbaRowDeclarations);
