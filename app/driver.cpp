@@ -49,7 +49,7 @@ int runOption(const std::vector<QString> &arguments) {
         if (arguments.size() < 2 || arguments[1] != option.name || given < option.leastOperands)
             continue;
         Operands operands;
-        operands.fill(u""_s); // a null text would stand for an argument that is none
+        operands.fill(u""_s); // a null text would be an argument that is not valid
         for (std::size_t i = 0; i < std::min(given, option.mostOperands); ++i) {
             operands[i] = arguments[2 + i];
             if (operands[i].isNull()) {

@@ -19,7 +19,7 @@ enum ConfigurationStatus {
     exitBadConfiguration = 10,
 };
 
-// Messages about the settings; they end without a line end.
+// Messages about absent settings. By contract they have no line end.
 constexpr char16_t sqlNoInputFile[] =
     u"Error: cannot convert model: no XML model to convert! ('inputFile' field is empty or mising)";
 constexpr char16_t sqlNoOutputFile[] =

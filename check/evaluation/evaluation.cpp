@@ -22,7 +22,7 @@ bool isCode(const Recoding &recoding, double value, const Deviations &deviations
 
 std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const std::span<const double> x = recoding.x;
-    // HTML takes the last score, however many there are.
+    // HTML uses the last score, even if the array is too long.
     const std::size_t above = deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : x.size() + 1;
     const bool isText = !cell.isNumber && !cell.text.empty();
     if (isText && deviations.has(NotANumber)) return above;
@@ -31,7 +31,7 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
     if (std::isnan(value) || isCode(recoding, value, deviations)) return 0;
     if (value < x.front()) return 1;
     if (value > x.back()) return above;
-    // The first bound belongs to the interval above it; a single one has none.
+    // The first bound belongs to the interval above it; there is none above a single bound.
     if (x.size() == 1) return deviations.has(SingleBound) ? above : 0;
     const auto inner = x.subspan(1);
     const auto isUpTo = [value](double bound) { return value <= bound; };
@@ -40,7 +40,7 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
     return found == inner.end() ? 0 : static_cast<std::size_t>(found - inner.begin()) + 2;
 }
 
-// Whether Python reads one of the backslashes, and the character behind it, as another character.
+// Whether Python reads a backslash in the text, with the character after it, as an escape.
 bool isEscaped(std::string_view text) {
     constexpr std::string_view escapes = "\\'\"abfnrtv01234567xNuU";
     std::size_t at = text.find('\\');
@@ -50,8 +50,9 @@ bool isEscaped(std::string_view text) {
     return at < text.size() - 1;
 }
 
-// The value of the document that Excel VBA takes the text for. A truth value of a cell shows as
-// True or False, and TRUE or FALSE of a list is written so too; a text TRUE is none of a list then.
+// The listed value with which Excel VBA matches the text. A truth value in a cell shows as True or
+// False, and the module compares with these instead of a listed TRUE or FALSE; the text TRUE then
+// matches no listed value.
 std::string_view shownTruth(const Recoding &recoding, std::string_view text) {
     const bool isTrue = text == "TRUE" || text == "True";
     if (!isTrue && text != "FALSE" && text != "False") return text;
@@ -83,9 +84,9 @@ std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations
     return deviates(ValueTwice) ? listed.first : listed.last;
 }
 
-// HTML asks for a column once, with a field or with the values of its last recoding. What is shown
-// as a list and read as buttons is unknown, and so is a field that is read as buttons; read as a
-// list, its number is taken for the position.
+// HTML asks for a column once, with a field or with the values of its last recoding. A list or a
+// field that is read as radio buttons is unknown. If a field is read as a list, its number is used
+// as the position.
 std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const Recoding &asked = *recoding.asked;
     const bool readsList = htmlReadsList(recoding.listed.size());
@@ -140,7 +141,7 @@ ScoreRange scoreRange(const Scorecard &card) {
     for (const auto &[coefficient, recoding] : card.terms) {
         double least = HUGE_VAL;
         double most = -HUGE_VAL;
-        for (const double score : card.recodings[recoding].y) { // what is no number changes neither
+        for (const double score : card.recodings[recoding].y) { // NaN changes neither
             least = std::min(least, coefficient * score);
             most = std::max(most, coefficient * score);
         }
@@ -156,7 +157,7 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
     }
     if (!card.table.exists) {
         if (!card.isLogistic) return noNumber;
-        // Of the last row, it is what the model says.
+        // Only the last row gets the probability of the model.
         return deviations.has(LogisticLastRow) ? 0 : 1 / (1 + std::exp(-score));
     }
     const std::pmr::vector<double> &x = card.table.x;
@@ -171,7 +172,7 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
     const auto found = card.isFalling
                            ? std::partition_point(x.begin() + 1, x.end(), std::not_fn(isBelow))
                            : std::find_if(x.begin() + 1, x.end(), isBelow);
-    if (found == x.end()) return noNumber; // the score is no number
+    if (found == x.end()) return noNumber; // the score is NaN
     const auto i = static_cast<std::size_t>(found - x.begin());
     if (i == last && deviations.has(LowestSegment)) return 0;
     return y[i] + (score - x[i]) * (y[i - 1] - y[i]) / (x[i - 1] - x[i]);

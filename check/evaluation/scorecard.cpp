@@ -40,7 +40,7 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
     }
 }
 
-// What is the same for all texts that the reading takes for equal.
+// A text that is the same for all texts that are equal in this reading.
 std::string keyOf(std::string_view text, Reading reading) {
     double number = 0;
     if (reading == Reading::AnyCase) {
@@ -96,7 +96,7 @@ void findAlike(Scorecard &card, Target target) {
     std::unordered_map<QString, std::size_t, HashOfText> last;
     const auto columnOf = [&](const Recoding &recoding) -> std::size_t & {
         const QString name = cleanedFor(target, recoding.variable->field);
-        return last[target == Target::Sas ? name.toLower() : name]; // SAS knows no capitals
+        return last[target == Target::Sas ? name.toLower() : name]; // SAS ignores case
     };
     for (const Recoding &recoding : card.recodings) columnOf(recoding) = recoding.column;
     for (Recoding &recoding : card.recodings) {
@@ -112,7 +112,7 @@ void readTerms(Scorecard &card) {
         if (!first.contains(number)) first[number] = coefficient;
         last[number] = coefficient;
         factor *= coefficient;
-        if (position < 0) continue; // written without a name, it multiplies what follows
+        if (position < 0) continue; // without a name in the code, it multiplies the next term
         const auto recoding = static_cast<std::size_t>(position);
         card.recodings[recoding].coefficient += coefficient;
         card.terms.push_back({coefficient, recoding});

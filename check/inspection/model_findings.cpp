@@ -99,7 +99,7 @@ bool isName(QStringView name, Target target) {
            std::all_of(name.begin(), name.end(), isAllowed);
 }
 
-// HTML asks a column once.
+// HTML asks for a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
            (a.isBoolean || std::ranges::equal(a.listed, b.listed));
@@ -196,9 +196,9 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
         rises = rises && y[i] >= y[i - 1];
         falls = falls && y[i] <= y[i - 1];
         notes.add(ProbabilityOrder, !rises && !falls);
-        if (!rises && !falls) rises = falls = true; // from here on
+        if (!rises && !falls) rises = falls = true; // reports one place, and goes on from there
     }
-    // The least score is that of the model: a target with another sum may go below it.
+    // The least score of the model; a target with another sum may go below it.
     const double least = hasOtherSums(notes) ? -HUGE_VAL : scoreRange(card).least;
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
     notes.add(LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);

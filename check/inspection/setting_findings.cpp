@@ -15,7 +15,7 @@ namespace {
 
 using enum FindingId;
 
-// Words that most databases do not take as names.
+// Words that most databases reject as names.
 constexpr QStringView sqlWords[] = {
     u"all",    u"alter",  u"and",    u"as",      u"between", u"by",    u"case",     u"check",
     u"column", u"create", u"cross",  u"default", u"delete",  u"desc",  u"distinct", u"drop",
@@ -25,9 +25,9 @@ constexpr QStringView sqlWords[] = {
     u"select", u"set",    u"size",   u"table",   u"then",    u"to",    u"union",    u"unique",
     u"update", u"use",    u"user",   u"using",   u"values",  u"when",  u"where",    u"with"};
 
-// --- Names that were meant
+// --- Misspelled names
 
-// The steps from one text to the other: characters added, left out or changed.
+// The number of characters to add, leave out or change to make one text of the other.
 std::size_t distance(QStringView a, QStringView b) {
     std::vector<std::size_t> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), std::size_t(0));
@@ -43,7 +43,7 @@ std::size_t distance(QStringView a, QStringView b) {
     return row.back();
 }
 
-// Empty when no name is near.
+// The most similar name; empty if none is similar.
 QStringView nearest(QStringView written, std::span<const QStringView> names) {
     constexpr qsizetype longest = 64;
     if (written.size() > longest) return {};
@@ -133,7 +133,7 @@ void inspectDebugging(Notes &notes, const Scorecard &card) {
     }
 }
 
-// Characters that names have without quotes in all databases, and "." where it parts them.
+// Whether databases need quotes around the name. With a schema, a full stop separates two names.
 bool needsQuotes(QStringView name, bool hasSchema) {
     const auto isWord = [&](QStringView word) {
         return word.compare(name, Qt::CaseInsensitive) == 0;

@@ -1,4 +1,4 @@
-// A module, with the function that puts each stretch of it:
+// A module, and the function that puts each part of it:
 //
 //    QORVALIS v4.2.1 auto-generated model                            putBanner
 //         self.dict_R1_job = {"":0.25,"clerk":2}                     putDictionaries
@@ -26,8 +26,8 @@ namespace {
 
 constexpr BannerText banner = {pythonBanner, u"  ", u"\n", u"'''\n"};
 
-// The last component of the path, its solidus included, up to the last full stop; all that follows
-// the solidus when the full stop stands before it.
+// The last component of the path, with the slash before it, up to the last full stop; the whole
+// component if it has no full stop.
 QString classNameOf(const QString &modelFile) {
     QString path = modelFile;
     path.replace(u'\\', u'/');
@@ -40,7 +40,7 @@ void putDictionaries(TextBuffer &out, std::span<const Variable> variables) {
     for (const Variable &variable : variables) {
         if (!variable.isCategorical) continue;
         const CategoricalRecoding recoding = categorical(variable);
-        // A boolean column's entries end in a comma, another's are separated by one.
+        // Each entry of a boolean column ends with a comma; others have commas between them.
         const QStringView separator = recoding.isBoolean ? u"" : u",";
         const QStringView end = recoding.isBoolean ? u"," : u"";
         put(out, u"        self.dict_", variable.recodingName, u" = {\"\":", recoding.y[0], end);
@@ -68,7 +68,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
         u"\n\n");
 }
 
-// With codes the parenthesis after "if" is never closed: existing modules look like this.
+// If there are codes, the parenthesis after "if" is never closed: existing modules are like this.
 void putMissingTest(TextBuffer &out, std::span<const double> codes) {
     if (codes.empty()) {
         put(out, u"            if isnan(data):\n");

@@ -1,4 +1,4 @@
-// A script, with the function that puts each stretch of it:
+// A script, and the function that puts each part of it:
 //
 //  *  QORVALIS v4.2.1 auto-generated model        *    putBanner
 //    /* computing recoding 'R0_Age'                     putHeading
@@ -45,8 +45,8 @@ void putCategorical(TextBuffer &out, const Variable &variable,
     put(out, u"   else ", name, u"=", recoding.y[0], u";\n");
 }
 
-// Opens the test for a missing value. With a list of codes the opening "if" is not written, and the
-// document's last code, which stands first here, is left out: existing scripts look like this.
+// Begins the test for a missing value. If there is a list of codes, the test lacks its opening "if"
+// and the document's last code, which is the first here: existing scripts are like this.
 void putMissingTest(TextBuffer &out, QStringView field, const MissingCodes &missing) {
     if (!missing.isListed) {
         put(out, u"   if (", field, u"=.");

@@ -1,4 +1,4 @@
-// A script with a temporary table, with the function that puts each stretch of it:
+// A script with a temporary table, and the function that puts each part of it:
 //
 // -- drop table predictions;                                  putPredictionTable
 // create table Qorv_TMP_predictions(id VARCHAR(20), …         putTemporaryTable
@@ -19,9 +19,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// --- What is written
+// --- Names and plan
 
-// Before the name of each table.
+// The text before the name of each table.
 QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &dialect) {
     const QString &schema = configuration.schemaName;
     return schema.isEmpty() ? QString() : sqlIdentifier(dialect, schema) + u'.';
@@ -75,8 +75,8 @@ void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     }
 }
 
-// A script that does not create the temporary table shows how it was made: the first line of the
-// statement is written as a comment.
+// If the script does not create the temporary table, the first line of the statement becomes a
+// comment, which shows how the table was made.
 void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     const QString &table = script.temporaryTable;
     const bool creates = script.configuration.createTmpTable;
@@ -125,7 +125,7 @@ void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const QString &f
     put(out, u"   ELSE ", points(recoding.scoreMissing()), u"\n   END ");
 }
 
-// A boolean column may be stored as 0 and 1, and then has no texts to compare with.
+// A boolean column may be stored as 0 and 1 (isNumber), and is then not compared with texts.
 void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QString &field,
                         const CategoricalRecoding &recoding, bool isNumber, double coefficient) {
     const WrappedName text = {dialect.textTrim, field};
@@ -149,8 +149,8 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QStrin
     put(out, u"   ELSE ", points(recoding.y[0]), u"\n   END");
 }
 
-// Each variable's CASE, already multiplied with its coefficient: as one term of the sum, or as a
-// column of its own.
+// Each variable's CASE, whose scores are multiplied by its coefficient. It is a term of the sum or,
+// for debugging, a separate column.
 void putContributions(TextBuffer &out, const SqlScript &script) {
     const SqlDialect &dialect = script.dialect;
     const Recodings &recodings = script.recodings;
@@ -188,8 +188,9 @@ void putScoreSelect(TextBuffer &out, const SqlScript &script) {
 
 // --- Probability
 
-// Selects from what is written next. `prefix` stands before each "score". Between the last two
-// points of the table there is no probability: existing scripts look like this.
+// Ends with "from"; the caller puts the table or the query. `prefix` is put before each "score".
+// Scores between the last two points of the table get the probability 0: existing scripts are like
+// this.
 void putProbabilitySelect(TextBuffer &out, const SqlScript &script, const QString &prefix) {
     const SqlDialect &dialect = script.dialect;
     const ProbabilityTable &table = script.probabilities;
@@ -272,8 +273,7 @@ void putSqlScript(TextBuffer &out, const SqlScript &script) {
         break;
     case SqlPlan::Nested:
         putPredictionInsert(out, script);
-        // The case of the alias differs from that where it is made: existing scripts look like
-        // this.
+        // The alias is defined in another case, below: existing scripts are like this.
         putProbabilitySelect(out, script, u"qorv_tmp."_s);
         put(out, u"\n(");
         putScoreSelect(out, script);
