@@ -18,8 +18,6 @@ namespace {
 
 constexpr int exitUsage = 1;
 
-constexpr QStringView banner = u"Qorv Model Exportation v1.07\n=============================\n";
-
 constexpr QStringView usage = uR"(USAGE:
 to SAS   : scorewright -a <.ModelXml file> <SAS script file>
 to SQL   : scorewright -s <Config SQL file convertion>
@@ -51,7 +49,7 @@ int runOption(const std::vector<QString> &arguments) {
         if (arguments.size() < 2 || arguments[1] != option.name || given < option.leastOperands)
             continue;
         Operands operands;
-        operands.fill(u""_s); // a null text would stand for an argument that is none
+        operands.fill(u""_s); // a null text would be an argument that is not valid
         for (std::size_t i = 0; i < std::min(given, option.mostOperands); ++i) {
             operands[i] = arguments[2 + i];
             if (operands[i].isNull()) {
@@ -70,7 +68,8 @@ int runOption(const std::vector<QString> &arguments) {
 int runCommandLine(const std::function<std::vector<QString>()> &readArguments) {
     try {
         const std::vector<QString> arguments = readArguments();
-        printText(banner);
+        printText(u"Qorv Model Exportation v%1\n=============================\n"_s.arg(
+            QStringView(SCOREWRIGHT_VERSION)));
         return runOption(arguments);
     } catch (const std::bad_alloc &) {
         printText(u"The model does not fit in memory.\n");

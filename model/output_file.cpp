@@ -1,11 +1,12 @@
-// UTF-16 goes out as it stands in memory. UTF-8 is converted piece by piece, since a second copy of
-// the whole text would cost its memory once more.
+// UTF-16 is written as it is in memory. UTF-8 is converted in pieces, since a converted copy of the
+// whole text would need that much more memory.
 #include "model/output_file.h"
 
 #include <algorithm>
 #include <bit>
 
-static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
+static_assert(std::endian::native == std::endian::little,
+              "UTF-16 texts are written as they are in memory");
 
 namespace {
 
@@ -23,7 +24,7 @@ void writeUtf8(std::FILE *stream, QStringView text) {
 } // namespace
 
 void writeText(const OutputFile &file, QStringView text) {
-    if (text.isEmpty()) return; // it may have no memory either
+    if (text.isEmpty()) return; // its pointer may be null
     if (file.encoding == OutputEncoding::Utf8) {
         writeUtf8(file.stream.get(), text);
     } else {

@@ -3,6 +3,7 @@
 #include "model/recodings.h"
 
 #include "model/number_text.h"
+#include "model/target_rules.h"
 
 #include <algorithm>
 
@@ -106,10 +107,9 @@ QStringView cleanNameIn(ModelDocument &document, QStringView name, QStringView r
 }
 
 QStringView makeRecodingName(ModelDocument &document, const Variable &variable) {
-    constexpr qsizetype longest = 31;
     const NumberText position = integerText(static_cast<std::int64_t>(variable.position));
     const QStringView field = variable.cleanField;
-    const qsizetype size = std::min(2 + position.size + field.size(), longest);
+    const qsizetype size = std::min(2 + position.size + field.size(), longestRecodingName);
     char16_t *const name = allocateUnits(document, size);
     char16_t *end = name;
     *end++ = u'R';

@@ -65,7 +65,7 @@ double valueOf(const Cell &cell, const Deviations &deviations) {
 
 std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const std::span<const double> x = recoding.x;
-    // HTML takes the last score, however many there are.
+    // HTML uses the last score, even if the array is too long.
     const std::size_t above = deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : x.size() + 1;
     const double value = valueOf(cell, deviations);
     if (std::isnan(value) || isCode(recoding, value, deviations)) return 0;
@@ -184,7 +184,8 @@ std::uint32_t placeOf(const Recoding &recoding, const Cell &cell, const Deviatio
     if (deviations.has(TrueFalse) && isTruthText(text)) {
         return truthPlace(recoding, text, deviations.variant == 1);
     }
-    if (deviations.has(FiveCategories) && !recoding.isBoolean && recoding.listed.size() == 5) {
+    if (deviations.has(FiveCategories) && !recoding.isBoolean &&
+        htmlMisreadsList(recoding.listed.size())) {
         return 0;
     }
     if (deviations.has(Backslash) && recoding.holdsBackslash) {
@@ -218,18 +219,18 @@ std::size_t positionOf(const Recoding &recoding, const Cell &cell, const Deviati
     return recoding.positionAt(placeOf(recoding, cell, deviations));
 }
 
-// HTML asks for a column once, with a field or with the values of its last recoding. What is shown
-// as a list and read as buttons is unknown, and so is a field that is read as buttons; read as a
-// list, its number is taken for the position.
+// HTML asks for a column once, with a field or with the values of its last recoding. A list or a
+// field that is read as radio buttons is unknown. If a field is read as a list, its number is used
+// as the position.
 std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const Recoding &asked = *recoding.asked;
-    const bool readsList = recoding.listed.size() > 5;
+    const bool readsList = htmlReadsList(recoding.listed.size());
     if (!asked.variable->isCategorical) {
         const double place = cell.isNumber ? cell.number : -1;
         const bool isPlace = place == std::floor(place) && place >= 0 && place < noPlace;
         return !readsList ? 0 : isPlace ? static_cast<std::size_t>(place) : noPlace;
     }
-    const bool isList = !asked.isBoolean && asked.listed.size() > 4;
+    const bool isList = !asked.isBoolean && htmlShowsList(asked.listed.size());
     if (!readsList && isList) return 0;
     Deviations others = deviations; // five categories are unknown where they are shown, not here
     others.findings.remove(FiveCategories);

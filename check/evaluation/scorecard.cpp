@@ -11,17 +11,16 @@
 
 namespace {
 
-// For tables that are not Qt's: an insertion into those ends the program where memory runs out.
+// For tables of the standard library, which throw std::bad_alloc. Qt's own end the program if there
+// is no memory left.
 struct HashOfText {
     std::size_t operator()(QStringView text) const { return hashText(text); }
 };
 
-// The names of the data dictionary are those that documents are saved with.
-constexpr QStringView cleanedInDocuments = u" .";
-constexpr std::array<QStringView, targetCount> cleanedCharacters = {u" .", u"", u"\"%'-() /.",
-                                                                    u" .'-", u""};
+// The characters that become "_" in names of the data dictionary when a document is saved.
+constexpr QStringView replacedInDictionary = u" .";
 
-// Without anything that is no number, for which no order holds.
+// False if any number is NaN.
 template <typename Order>
 bool isInOrder(std::span<const double> x, Order order) {
     return std::ranges::adjacent_find(x, std::not_fn(order)) == x.end();
@@ -35,7 +34,7 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
         return card.dictionary.lists[card.dictionary.find(name)].codes;
     };
     const QStringView field = recoding.variable->field;
-    recoding.codes = codesOf(cleanName(field, cleanedInDocuments));
+    recoding.codes = codesOf(cleanName(field, replacedInDictionary));
     for (const Target target : listTargets(allTargets)) {
         recoding.codesOfTarget[static_cast<std::size_t>(target)] =
             codesOf(cleanedFor(target, field));
@@ -126,19 +125,13 @@ std::vector<Reading> readingsOf(const Recoding &recoding) {
     return list;
 }
 
-bool isOfDigits(QStringView value) {
-    return std::all_of(value.begin(), value.end(),
-                       [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; });
-}
-
 void readCategorical(Recoding &recoding) {
     const CategoricalRecoding arrays = categorical(*recoding.variable);
     recoding.y = arrays.y;
     recoding.isBoolean = arrays.isBoolean;
     recoding.listed = arrays.values;
     const auto any = [&](auto test) { return std::ranges::any_of(arrays.values, test); };
-    recoding.isOfNumbers = !arrays.isBoolean && !arrays.values.empty() &&
-                           std::ranges::all_of(arrays.values, isOfDigits);
+    recoding.isOfNumbers = !arrays.isBoolean && sasComparesNumbers(arrays.values);
     recoding.holdsBackslash = any([](QStringView value) { return value.contains(u'\\'); });
     recoding.holdsEndBlank = any([](QStringView value) { return value.endsWith(u' '); });
     const std::vector<Reading> used = readingsOf(recoding);
@@ -184,7 +177,7 @@ void findAlike(Scorecard &card, Target target) {
     std::unordered_map<QString, std::size_t, HashOfText> last;
     const auto columnOf = [&](const Recoding &recoding) -> std::size_t & {
         const QString name = cleanedFor(target, recoding.variable->field);
-        return last[target == Target::Sas ? name.toLower() : name]; // SAS knows no capitals
+        return last[target == Target::Sas ? name.toLower() : name]; // SAS ignores case
     };
     for (const Recoding &recoding : card.recodings) columnOf(recoding) = recoding.column;
     for (Recoding &recoding : card.recodings) {
@@ -200,7 +193,7 @@ void readTerms(Scorecard &card) {
         if (!first.contains(number)) first[number] = coefficient;
         last[number] = coefficient;
         factor *= coefficient;
-        if (position < 0) continue; // written without a name, it multiplies what follows
+        if (position < 0) continue; // without a name in the code, it multiplies the next term
         const auto recoding = static_cast<std::size_t>(position);
         card.recodings[recoding].coefficient += coefficient;
         card.terms.push_back({coefficient, recoding});
@@ -236,7 +229,7 @@ QString numberText(double number) {
 }
 
 QString cleanedFor(Target target, QStringView field) {
-    return cleanName(field, cleanedCharacters[static_cast<std::size_t>(target)]);
+    return cleanName(field, replacedCharacters(target));
 }
 
 Scorecard readScorecard(const QString &fileName) {

@@ -1,5 +1,5 @@
-// A model made ready for scoring rows of text: as the model means it, and with what the targets
-// need to do otherwise.
+// A model prepared for scoring rows of text: exactly as the model defines it, and with what is
+// needed to reproduce the departures of each target.
 #pragma once
 
 #include "check/findings/findings.h"
@@ -15,7 +15,7 @@
 // twice has two places.
 struct ListedValue {
     std::uint32_t first = 0;
-    std::uint32_t last = 0; // which is what counts
+    std::uint32_t last = 0; // which counts
 };
 
 // What makes a text equal to a listed value.
@@ -34,7 +34,7 @@ struct Recoding {
     const Variable *variable = nullptr;
     std::size_t column = 0; // among the columns of the scorecard
     std::size_t rank = 0;   // among the recodings of the column
-    // The last column whose name becomes the same in each target.
+    // The last column with the same name in the code of each target.
     std::array<std::size_t, targetCount> lastAlike{};
     const Recoding *asked = nullptr; // the last one of the column, whose values HTML asks for
     std::span<const double> x;       // bounds of a numeric column
@@ -70,11 +70,11 @@ struct Scorecard {
     std::vector<Recoding> recodings;
     std::vector<std::vector<std::size_t>> recodingsOf; // each column
     Regression regression;
-    // What is added up: the terms that have a recoding; one of each recoding, with the first or the
-    // last coefficient of its number; and with coefficients without a recoding as factors of the
-    // next term.
+    // The terms of the sum: those that have a recoding; one for each recoding, with the first or
+    // the last coefficient of its number; and those that have a recoding, multiplied by the
+    // coefficients without a recoding before them.
     std::vector<ScoreTerm> terms, firstTerms, lastTerms, factorTerms;
-    double htmlConstant = 0; // what stands behind as many coefficients as there are recodings
+    double htmlConstant = 0; // the number behind one coefficient for each recoding
     ProbabilityTable table;
     bool isFalling = true; // the table's scores
     bool isLogistic = false;
@@ -92,5 +92,5 @@ QString numberText(double number);
 // The name under which the target looks for missing codes.
 QString cleanedFor(Target target, QStringView field);
 
-// Reads the model. The document's problem tells whether it can be used.
+// Reads the model. It can be used if its document has no problem.
 Scorecard readScorecard(const QString &fileName);

@@ -1,17 +1,14 @@
-// What a model, a configuration and a canvas hold that makes generated code do something else than
-// the model says, or that makes the model itself doubtful.
+// What in a model, a configuration or a canvas makes generated code depart from the model, or makes
+// the model itself doubtful.
 #pragma once
 
+#include "model/target_rules.h"
+
 #include <QStringList>
-#include <QStringView>
 
 #include <bitset>
 #include <cstdint>
-#include <span>
 #include <vector>
-
-enum class Target : std::uint8_t { Sas, Sql, Vba, Python, Html };
-inline constexpr std::size_t targetCount = 5;
 
 // A set of targets.
 using Targets = unsigned;
@@ -46,7 +43,8 @@ enum class FindingId : std::uint8_t {
 // clang-format on
 inline constexpr std::size_t findingCount = static_cast<std::size_t>(FindingId::ValueBlanks) + 1;
 
-// A set of findings; as a set of deviations, what a target is taken to do otherwise than the model.
+// A set of findings; as a set of deviations, those in which a target is assumed to depart from the
+// model.
 class FindingSet {
 public:
     FindingSet() = default;
@@ -78,10 +76,10 @@ struct FindingKind {
 };
 const FindingKind &kindOf(FindingId id);
 
-// One place that a finding was made at.
+// A finding at one place.
 struct Finding {
     FindingId id;
-    Targets targets; // those of the kind that were asked for
+    Targets targets; // those of its kind that were asked for
     QString place;
     int recoding = -1;     // its position, where the place is a recoding
     std::int64_t rows = 0; // that it affects alone

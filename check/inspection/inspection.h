@@ -1,11 +1,11 @@
-// Looks a model, a configuration and a canvas through for findings.
+// Inspects a model, a configuration and a canvas for findings.
 #pragma once
 
 #include "check/evaluation/evaluation.h"
 #include "model/sql_configuration.h"
 
-// What is to be looked at. Without a configuration, SQL is taken to have its default settings and a
-// dialect with a probability.
+// What to inspect. Without a configuration, SQL is assumed to have default settings and a dialect
+// with a probability.
 struct Inspection {
     Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
@@ -13,12 +13,12 @@ struct Inspection {
     QString canvas = {};     // its text
 };
 
-// The findings in the order of the manual. Those that only rows can show are among them.
+// The findings in the order of the manual, including those that are reported only for rows.
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection);
 
-// --- What a configuration of SQL and a canvas of HTML add
+// --- Findings in a configuration of SQL and a canvas of HTML
 
-// What the script does that findings depend on. As it stands, without a configuration.
+// What findings depend on in the script. The defaults are those without a configuration.
 struct SqlUse {
     bool hasProbability = true;
     bool trimsTexts = true;

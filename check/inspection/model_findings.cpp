@@ -2,7 +2,7 @@
 
 #include "check/evaluation/evaluation.h"
 #include "check/evaluation/target_texts.h"
-#include "check/rows/csv_reader.h"
+#include "model/sql_dialect.h"
 
 #include <QSet>
 
@@ -19,8 +19,7 @@ bool isFinite(std::span<const double> numbers) {
 }
 
 bool isSmall(double number) {
-    constexpr double smallest = 1e-12;
-    return number != 0 && std::abs(number) < smallest;
+    return number != 0 && std::abs(number) < smallestSqlNumber;
 }
 
 bool isRounded(double number) {
@@ -47,7 +46,6 @@ bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
 void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding,
                     const SqlUse &sql) {
     const QStringView field = recoding.variable->field;
-    const QStringView type = recoding.variable->type;
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
     const std::span<const double> codes = recoding.codes;
@@ -73,7 +71,7 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
     notes.add(SingleBound, recoding.x.size() == 1);
     notes.add(BoundsNotRising, !recoding.isRising);
     notes.add(ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
-    notes.add(UnsupportedType, type != u"NormContinuous" && type != u"Discretize");
+    notes.add(UnsupportedType, !sasSupports(recoding.variable->type));
     notes.add(BoundDigits, true, inexact);
     const bool isFirst = isFirstOfKind(card, recoding);
     notes.add(EmptyField, isFirst);
@@ -113,7 +111,7 @@ void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &rec
     notes.add(BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
     notes.add(BooleanNumbers, isBoolean && sql.boolsAreNumbers);
     notes.add(BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
-    notes.add(FiveCategories, !isBoolean && recoding.listed.size() == 5);
+    notes.add(FiveCategories, !isBoolean && htmlMisreadsList(recoding.listed.size()));
     notes.add(TextBlanks, !isBoolean && !sql.trimsTexts);
     notes.add(Capitals, hasTexts);
     notes.add(Accents, hasTexts);
@@ -144,14 +142,13 @@ bool isName(QStringView name, Target target) {
     return begins && std::all_of(name.begin(), name.end(), isAllowed);
 }
 
-// HTML asks a column once.
+// HTML asks for a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
            std::ranges::equal(a.listed, b.listed);
 }
 
 void inspectNames(Notes &notes, const Recoding &recoding) {
-    constexpr qsizetype longestName = 31;
     const Variable &variable = *recoding.variable;
     const bool isFirst = recoding.rank == 0;
     const QString prefix = u"R%1_"_s.arg(variable.position);
@@ -161,13 +158,13 @@ void inspectNames(Notes &notes, const Recoding &recoding) {
         const std::size_t last = recoding.lastAlike[static_cast<std::size_t>(target)];
         if (last != recoding.column) alike |= only(target);
         QString name = cleanedFor(target, variable.field);
-        if (target == Target::Vba) name.truncate(longestName - prefix.size());
+        if (target == Target::Vba) name.truncate(longestRecodingName - prefix.size());
         if (!isName(name, target)) broken |= only(target);
     }
     notes.add(NamesAlike, true, alike);
     notes.add(NameCharacters, isFirst, broken);
     notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
-    notes.add(LongName, prefix.size() + variable.field.size() > longestName);
+    notes.add(LongName, prefix.size() + variable.field.size() > longestRecodingName);
     notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
     notes.add(LabelEndsComment, variable.label.contains(u"*/"_s));
 }
@@ -214,7 +211,7 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
     notes.add(ConstantMisplaced, regression.terms.size() != card.variables.size());
     notes.at(u"model"_s)
         .add(NoCategories, std::ranges::none_of(card.variables, &Variable::isCategorical));
-    const QString prefix = targetPrefix(card.document, u" .");
+    const QString prefix = targetPrefix(card.document, replacedCharacters(Target::Sas));
     notes.at(u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1))))
         .add(NameCharacters, !prefix.isEmpty() && !isName(prefix + u"score"_s, Target::Sas),
              only(Target::Sas));
@@ -256,9 +253,9 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
         rises = rises && y[i] >= y[i - 1];
         falls = falls && y[i] <= y[i - 1];
         notes.add(ProbabilityOrder, !rises && !falls);
-        if (!rises && !falls) rises = falls = true; // from here on
+        if (!rises && !falls) rises = falls = true; // reports one place, and goes on from there
     }
-    // The least score is that of the model: a target with another sum may go below it.
+    // The least score of the model; a target with another sum may go below it.
     const double least = hasOtherSums(notes) ? -HUGE_VAL : scoreRange(card).least;
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
     notes.add(LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);

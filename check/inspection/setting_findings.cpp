@@ -15,7 +15,7 @@ namespace {
 
 using enum FindingId;
 
-// Words that most databases do not take as names.
+// Words that most databases reject as names.
 constexpr QStringView sqlWords[] = {
     u"all",    u"alter",  u"and",    u"as",      u"between", u"by",    u"case",     u"check",
     u"column", u"create", u"cross",  u"default", u"delete",  u"desc",  u"distinct", u"drop",
@@ -25,9 +25,9 @@ constexpr QStringView sqlWords[] = {
     u"select", u"set",    u"size",   u"table",   u"then",    u"to",    u"union",    u"unique",
     u"update", u"use",    u"user",   u"using",   u"values",  u"when",  u"where",    u"with"};
 
-// --- Names that were meant
+// --- Misspelled names
 
-// The steps from one text to the other: characters added, left out or changed.
+// The number of characters to add, leave out or change to make one text of the other.
 std::size_t distance(QStringView a, QStringView b) {
     std::vector<std::size_t> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), std::size_t(0));
@@ -43,7 +43,7 @@ std::size_t distance(QStringView a, QStringView b) {
     return row.back();
 }
 
-// Empty when no name is near.
+// The most similar name; empty if none is similar.
 QStringView nearest(QStringView written, std::span<const QStringView> names) {
     constexpr qsizetype longest = 64;
     if (written.size() > longest) return {};
@@ -66,26 +66,27 @@ QString withMeant(const QString &place, QStringView written, std::span<const QSt
 // --- SQL
 
 void inspectSettings(Notes &notes, const XmlNode &root) {
-    std::vector<QStringView> known(std::begin(sqlSettings), std::end(sqlSettings));
-    known.insert(known.end(), std::begin(sqlFlags), std::end(sqlFlags));
-    const auto isIn = [](const auto &names, QStringView wanted) {
-        return std::ranges::any_of(names, [&](QStringView name) {
-            return name.compare(wanted, Qt::CaseInsensitive) == 0;
-        });
-    };
+    const std::span<const SqlSetting> settings = sqlSettings();
+    std::vector<QStringView> names;
+    for (const SqlSetting &setting : settings) names.push_back(setting.name);
     for (int i = 0; i < root.attributeCount(); ++i) {
         const QStringView name = root.attributeName(i);
         const QStringView value = root.attribute(name);
         const QString place = u"setting %1"_s.arg(name);
-        const bool isKnown = isIn(known, name);
+        const auto setting = std::ranges::find_if(settings, [&](const SqlSetting &candidate) {
+            return candidate.name.compare(name, Qt::CaseInsensitive) == 0;
+        });
+        const bool isKnown = setting != settings.end();
         const bool isOdd =
-            isIn(sqlFlags, name) && !value.isEmpty() && value != u"0" && value != u"1";
-        if (!isKnown) notes.at(withMeant(place, name, known)).add(UnknownSetting);
+            isKnown && setting->flag && !value.isEmpty() && value != u"0" && value != u"1";
+        if (!isKnown) notes.at(withMeant(place, name, names)).add(UnknownSetting);
         if (isOdd) notes.at(u"%1, '%2'"_s.arg(place, value)).add(FlagText);
     }
-    for (const QStringView name : {u"prediction", u"dbType"}) {
+    const SqlConfiguration defaults;
+    for (const auto &[name, text, flag] : settings) {
+        const bool hasDefault = text && !(defaults.*text).isEmpty();
         const bool isEmpty = root.isAttributeSet(name) && root.attribute(name).isEmpty();
-        notes.at(u"setting %1"_s.arg(name)).add(EmptyName, isEmpty);
+        notes.at(u"setting %1"_s.arg(name)).add(EmptyName, hasDefault && isEmpty);
     }
 }
 
@@ -111,12 +112,6 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     notes.at(withMeant(place, dbType, names)).add(UnknownDialect, isMeant);
 }
 
-QString keyOf(const Scorecard &card, const SqlConfiguration &configuration) {
-    if (!configuration.keyName.isEmpty()) return configuration.keyName;
-    const QStringView key = card.document.root.childNode(u"MetaData").childNode(u"Key").text();
-    return key.isEmpty() ? u"id"_s : key.toString();
-}
-
 void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
     const QString &table = configuration.predictionTable;
@@ -125,16 +120,16 @@ void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &
         configuration.useTmpTable && card.table.exists && dialect.hasProbability;
     const bool createsTemporary = usesTemporary && configuration.createTmpTable;
     const bool isQuoted = sqlIdentifier(dialect, table) != table;
-    const QString temporary = usesTemporary ? u"Qorv_TMP_"_s : QString();
-    const QString key = keyOf(card, configuration);
+    const QString longestName = usesTemporary ? temporaryTableName(configuration) : table;
+    const QString key = keyColumn(configuration, card.document);
     notes.at(u"setting createPredictionTable"_s).add(creates ? SecondRun : RowsAdded);
     notes.at(u"setting predictionTable, '%1'"_s.arg(table))
         .add(TableNameQuoted, creates && dialect.makesIndex && isQuoted);
-    notes.add(TableNameCut, (temporary + table).size() > dialect.identifierLength);
+    notes.add(TableNameCut, longestName.size() > dialect.identifierLength);
     notes.at(u"key %1"_s.arg(key))
         .add(DistributeId, dialect.distributes && (creates || createsTemporary) && key != u"id");
     notes.at(u"setting createTmpTable"_s)
-        .add(CommentDashes, createsTemporary && dialect.name == u"mysql");
+        .add(CommentDashes, createsTemporary && dialect.needsCommentBlank);
     const bool showsPassword =
         configuration.kestruneScript && !configuration.odbcPassword.isEmpty();
     notes.at(u"setting odbcPassword"_s).add(PasswordInClear, showsPassword);
@@ -148,7 +143,7 @@ void inspectDebugging(Notes &notes, const Scorecard &card) {
     }
 }
 
-// Characters that names have without quotes in all databases, and "." where it parts them.
+// Whether databases need quotes around the name. With a schema, a full stop separates two names.
 bool needsQuotes(QStringView name, bool hasSchema) {
     const auto isWord = [&](QStringView word) {
         return word.compare(name, Qt::CaseInsensitive) == 0;
@@ -163,18 +158,18 @@ bool needsQuotes(QStringView name, bool hasSchema) {
 void inspectSqlNames(Notes &notes, const Scorecard &card, const SqlConfiguration *configuration) {
     const SqlDialect *const dialect =
         configuration ? &findSqlDialect(configuration->dbType) : nullptr;
-    const bool takesAnsiQuotes = !dialect || dialect->name == u"mysql";
+    const bool needsAnsiQuotes = !dialect || dialect->needsAnsiQuotes;
     const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
     const auto inspectName = [&](QStringView name, const QString &place, bool hasSchema = false) {
         const bool isQuoted =
             sqlIdentifier(dialect ? *dialect : sqlDialects().back(), name) != name;
         notes.at(place).add(SqlName, !isQuoted && needsQuotes(name, hasSchema));
-        const bool isOdd = !isBracketed && (takesAnsiQuotes || name.contains(u'"'));
+        const bool isOdd = !isBracketed && (needsAnsiQuotes || name.contains(u'"'));
         notes.add(QuotedName, isQuoted && isOdd);
     };
     for (const QString &column : card.columns) inspectName(column, u"column %1"_s.arg(column));
     if (!configuration) return;
-    inspectName(keyOf(card, *configuration), u"key"_s);
+    inspectName(keyColumn(*configuration, card.document), u"key"_s);
     inspectName(configuration->prediction, u"setting prediction"_s);
     inspectName(configuration->schemaName, u"setting schemaName"_s, true);
     inspectName(configuration->inputTable, u"setting inputTable"_s, true);
@@ -216,11 +211,9 @@ SqlUse useOf(const SqlConfiguration &configuration) {
     return {.hasProbability = dialect.hasProbability,
             .trimsTexts = !dialect.textTrim.opening.isEmpty(),
             .boolsAreNumbers = configuration.boolsAreNumbers,
-            .readsBackslashes = dialect.name == u"mysql",
-            // The servers of the other names are known.
-            .mayEscape =
-                dialect.name == u"mysql" || dialect.name == u"default" || dialect.name.isEmpty(),
-            .reading = {.digits = dialect.digits, .padsTexts = dialect.name == u"mysql"}};
+            .readsBackslashes = dialect.readsBackslashes,
+            .mayEscape = dialect.mayReadBackslashes,
+            .reading = {.digits = dialect.digits, .padsTexts = dialect.padsTexts}};
 }
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {
@@ -237,10 +230,9 @@ void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile 
 
 void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
                    const QString &canvas) {
-    constexpr qsizetype shortest = 10;
     const QString place = u"canvas %1"_s.arg(name);
-    notes.at(place).add(CanvasNotRead, canvas.size() < shortest);
-    if (canvas.size() < shortest) return;
+    notes.at(place).add(CanvasNotRead, canvas.size() < shortestCanvas);
+    if (canvas.size() < shortestCanvas) return;
     const bool hasDoctype = canvas.contains(u"<!doctype"_s, Qt::CaseInsensitive);
     notes.add(CanvasForm, !canvas.contains(u"QRVform"_s));
     notes.add(CanvasColours, hasDoctype && !canvas.contains(u"QRVSpecifiedHistogramColor"_s));

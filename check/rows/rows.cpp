@@ -1,5 +1,6 @@
 #include "check/rows/rows.h"
 
+#include "model/sql_dialect.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -249,7 +250,7 @@ void countFindings(RowScorer &scorer, const Prediction &prediction) {
 }
 
 void countKey(RowScorer &scorer, std::string_view key) {
-    constexpr qsizetype longest = 20;
+    constexpr qsizetype longest = longestSqlKey;
     if (scorer.tests.ofKey == noPosition || key.size() <= longest) return;
     if (QString::fromUtf8(key).size() > longest) affect(scorer, scorer.tests.ofKey);
 }

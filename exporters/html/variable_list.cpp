@@ -1,6 +1,6 @@
-// Columns are kept by their names while the models are visited in rounds, one variable of each
-// model a round. A record is appended to its column's list and the lists are read backwards at the
-// end, which puts each new record before the older ones of its column.
+// Models are visited in rounds, one variable of each model per round. A record is appended to the
+// list of its column, and the lists are read backwards at the end: this puts newer records before
+// older ones without moving them.
 #include "exporters/html/variable_list.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The records of one column in the order in which they were found.
+// The records of one column, in the order in which they were created.
 using Column = std::vector<VariableRecord>;
 
 struct HashOfField {

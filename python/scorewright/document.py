@@ -8,7 +8,8 @@ import numpy as np
 
 from .values import doubles, integers, require
 
-REPLACED = ("", " .", " .'-", " .'-\"%()/")  # the characters that SQL, SAS, Python and VBA turn into "_" in names
+# The characters that SQL, SAS, Python and VBA turn into "_" in names, as the program does (model/target_rules.cpp).
+REPLACED = ("", " .", " .'-", " .'-\"%()/")
 
 
 def names(column):
