@@ -1,29 +1,29 @@
-// Looks a model, a configuration and a canvas through for findings.
+// Looks for findings in a model, a configuration and a canvas.
 #pragma once
 
 #include "check/evaluation/scorecard.h"
 #include "model/sql_configuration.h"
 
-// What is to be looked at. Without a configuration, SQL is taken to have its default settings and a
+// What to inspect. Without a configuration, SQL is assumed to have its default settings and a
 // dialect with a probability.
 struct Inspection {
     Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
-    QString canvasName = {}; // empty without one
-    QString canvas = {};     // its text
+    QString canvasName = {}; // empty: no canvas
+    QString canvas = {};     // the canvas's text
 };
 
-// The findings in the order of the manual. Those that only rows can show are among them.
+// Returns the findings in the order of the manual, including those that only rows can confirm.
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection);
 
-// --- What a configuration of SQL and a canvas of HTML add
+// --- Findings of a SQL configuration and of an HTML canvas
 
-// What the script does that findings depend on. As it stands, without a configuration.
+// What the script does that findings depend on; the defaults are those without a configuration.
 struct SqlUse {
     bool hasProbability = true;
     bool trimsTexts = true;
     bool boolsAreNumbers = true;
-    bool readsBackslashes = false; // as escapes in texts
+    bool readsBackslashes = false; // as escapes in string literals
 };
 SqlUse useOf(const SqlConfiguration &configuration);
 
