@@ -197,9 +197,9 @@ bool looks(const Request &request) {
 
 // --- Work
 
-bool isFound(const Report &report) {
-    if (!report.findings.empty()) return true;
-    const ComparisonResult *const result = report.comparison;
+bool isFound(const Found &found) {
+    if (!found.findings.empty()) return true;
+    const ComparisonResult *const result = found.comparison;
     return result && (result->equal != result->rows || result->missing.rows > 0 ||
                       result->extra.rows > 0 || result->repeated.rows > 0);
 }
@@ -207,12 +207,12 @@ bool isFound(const Report &report) {
 void print(const Request &request, const Report &report) {
     TextBuffer out;
     const bool shows = request.has(u"show"_s);
-    if (shows) putModel(out, report.card);
+    if (shows) putModel(out, report.model);
     if (shows && looks(request)) put(out, u"\n");
     if (request.has(u"json"_s)) {
-        put(out, QString::fromUtf8(jsonReport(report)));
+        putJson(out, report);
     } else if (looks(request)) {
-        putReport(out, report);
+        putText(out, report);
     }
     printText(out.text());
 }
@@ -223,7 +223,7 @@ QString writeReport(const QString &fileName, const Report &report) {
     file.stream.reset(openFile(fileName, FileUse::Write));
     if (!file.stream) return u"Cannot open file '%1' for writing."_s.arg(fileName);
     TextBuffer page;
-    putHtmlReport(page, report);
+    putPage(page, report);
     writeText(file, page.text());
     return isClosed(file) ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
 }
@@ -240,16 +240,17 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
     std::erase_if(findings, [](const Finding &finding) {
         return kindOf(finding.id).scope == RowScope::Required && finding.rows == 0;
     });
-    const Report report = {.card = card,
-                           .findings = findings,
-                           .counts = hasRows ? &counts : nullptr,
-                           .compared = compares ? &request.rows : nullptr,
-                           .comparison = compares ? &compared : nullptr};
+    const Found found = {.findings = findings,
+                         .counts = hasRows ? &counts : nullptr,
+                         .options = &request.rows,
+                         .comparison = compares ? &compared : nullptr};
+    const bool isWhole = request.has(u"show"_s) || !request[u"report"_s].isEmpty();
+    const Report report = buildReport(card, found, isWhole);
     print(request, report);
     if (const QString page = request[u"report"_s]; !page.isEmpty())
         problem = writeReport(page, report);
     if (!problem.isEmpty()) return fail(problem, exitUsage);
-    return looks(request) && isFound(report) ? exitFound : exitNothingFound;
+    return looks(request) && isFound(found) ? exitFound : exitNothingFound;
 }
 
 int check(const Request &request) {
