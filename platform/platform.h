@@ -40,5 +40,8 @@ MemoryBlock allocateBlock(std::size_t bytes);
 // Writes to standard output. A file or a pipe gets UTF-8 on every system, and line feeds as they
 // stand; a console shows every character.
 void printText(QStringView text);
+// The same without a buffer that outlives the call. Returns false unless all of the text was
+// written.
+bool printAtOnce(QStringView text);
 // The same to standard error.
 void printError(QStringView text);

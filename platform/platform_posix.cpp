@@ -84,6 +84,11 @@ void printText(QStringView text) {
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
 }
 
+bool printAtOnce(QStringView text) {
+    printText(text);
+    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+}
+
 void printError(QStringView text) {
     const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);

@@ -11,16 +11,19 @@
 
 namespace {
 
-void showOnConsole(HANDLE console, QStringView text) {
+bool showOnConsole(HANDLE console, QStringView text) {
     constexpr qsizetype most = 8192; // units; a call with very many may show nothing
-    while (!text.isEmpty()) {
+    bool isShown = true;
+    while (isShown && !text.isEmpty()) {
         qsizetype size = std::min(most, text.size());
         const bool cutsPair = size < text.size() && text[size - 1].isHighSurrogate();
         if (cutsPair) --size;
         DWORD shown = 0;
-        WriteConsoleW(console, text.utf16(), static_cast<DWORD>(size), &shown, nullptr);
+        const auto units = static_cast<DWORD>(size);
+        isShown = WriteConsoleW(console, text.utf16(), units, &shown, nullptr) != 0;
         text = text.sliced(size);
     }
+    return isShown;
 }
 
 } // namespace
@@ -69,20 +72,22 @@ void ReleaseMemory::operator()(std::byte *block) const {
 }
 
 // Past the runtime library, which would turn line feeds into two characters and show a console
-// only what its 8-bit code page has.
-static void print(HANDLE output, QStringView text) {
+// only what its 8-bit code page has. False unless all of the text was written.
+static bool print(HANDLE output, QStringView text) {
     DWORD mode = 0;
-    if (GetConsoleMode(output, &mode)) {
-        showOnConsole(output, text);
-        return;
-    }
+    if (GetConsoleMode(output, &mode)) return showOnConsole(output, text);
     const QByteArray bytes = text.toUtf8();
+    const auto size = static_cast<DWORD>(bytes.size());
     DWORD written = 0;
-    WriteFile(output, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    return WriteFile(output, bytes.constData(), size, &written, nullptr) != 0 && written == size;
 }
 
 void printText(QStringView text) {
     print(GetStdHandle(STD_OUTPUT_HANDLE), text);
+}
+
+bool printAtOnce(QStringView text) {
+    return print(GetStdHandle(STD_OUTPUT_HANDLE), text);
 }
 
 void printError(QStringView text) {

@@ -2,8 +2,10 @@
 
 import csv
 import math
+import os
 import re
 import sqlite3
+import subprocess
 import unittest
 
 import pandas
@@ -259,6 +261,23 @@ class ScoresAndFindingsTest(CheckedTest):
                 *found, told = self.check(*arguments)
                 self.assertEqual((found, told[:len(message)]), ([status, ""], message))
         self.assertEqual((self.folder / "kept.html").read_text(), "x")
+
+    def test_outputs_that_cannot_be_written(self):
+        """A file with several names would overwrite itself, and a full device takes nothing."""
+        self.write("m.ModelXml", model())
+        self.write("rows.csv", "n,c\n1,a\n", "utf-8")
+        os.link(self.folder / "rows.csv", self.folder / "link.csv")
+        os.link(self.folder / "m.ModelXml", self.folder / "link.ModelXml")
+        for output in [["--scores", "link.csv"], ["--report", "link.ModelXml"], ["--scores", "new", "--report", "./new"]]:
+            status, printed, message = self.check("m.ModelXml", "--rows", "rows.csv", *output)
+            self.assertEqual((status, printed, message.splitlines()[0]), (2, "", f"File '{output[-1]}' would be written over."))
+        self.assertEqual((self.folder / "rows.csv").read_text(), "n,c\n1,a\n")
+        with open("/dev/full", "w") as full:
+            for option in ["--show", "--json", "--target=sql", "--help", "--version"]:
+                run = subprocess.run([engines.CHECK, "m.ModelXml", option], cwd=self.folder, stdout=full, stderr=subprocess.PIPE)
+                self.assertEqual((run.returncode, run.stderr), (2, b"Cannot write to standard output.\n"), option)
+        status, _, message = self.check("m.ModelXml", "--report", "/dev/full")
+        self.assertEqual((status, message), (2, "Cannot write to file '/dev/full'.\n"))
 
 
 class DeploymentTest(CheckedTest):

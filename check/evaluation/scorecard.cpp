@@ -224,7 +224,10 @@ bool isOfKind(const Scorecard &card, QStringView kind) {
 }
 
 QString numberText(double number) {
-    const NumberText text = modelNumber(number);
+    NumberText text = modelNumber(number);
+    double shown = 0;
+    // Two numbers of the model may be the same in 16 digits.
+    if (readNumber(text.view(), shown) && shown != number) text = generalNumber(number, 17);
     return QString::fromLatin1(text.characters, text.size);
 }
 

@@ -319,14 +319,8 @@ QString rowsText(std::int64_t rows) {
     return rows == 1 ? QStringLiteral("1 row") : QStringLiteral("%1 rows").arg(rows);
 }
 
-Notes &Notes::at(const QString &newPlace, int newRecoding) {
-    place = newPlace;
-    recoding = newRecoding;
-    return *this;
-}
-
-void Notes::add(FindingId id, bool isFound, Targets limit) {
+void Notes::add(const FindingPlace &place, FindingId id, bool isFound, Targets limit) {
     const Targets concerned = kindOf(id).targets & asked & limit;
     if (!isFound || concerned == 0) return;
-    findings.push_back({id, concerned, place, recoding});
+    findings.push_back({id, concerned, place.text, place.recoding});
 }

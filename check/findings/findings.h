@@ -1,5 +1,5 @@
-// What in a model, a configuration or a canvas makes generated code depart from the model, or makes
-// the model itself doubtful.
+// Findings: what in a model, a configuration or a canvas makes generated code depart from the
+// model, or makes the model itself doubtful.
 #pragma once
 
 #include "model/target_rules.h"
@@ -19,7 +19,7 @@ inline constexpr Targets allTargets = (1U << targetCount) - 1;
 std::vector<Target> listTargets(Targets targets);
 QStringList targetNames(Targets targets); // as on the command line
 
-// In the order of the manual. Each is a row of the table in findings.cpp.
+// In the order of the manual, as are the rows of the table in findings.cpp.
 // clang-format off
 enum class FindingId : std::uint8_t {
     LowestSegment, LowestPoint, RecodingWithoutCoefficient, CoefficientWithoutRecoding,
@@ -43,8 +43,7 @@ enum class FindingId : std::uint8_t {
 // clang-format on
 inline constexpr std::size_t findingCount = static_cast<std::size_t>(FindingId::ValueBlanks) + 1;
 
-// A set of findings; as a set of deviations, those in which a target is assumed to depart from the
-// model.
+// A set of findings. As a set of deviations: where a target departs from the model.
 class FindingSet {
 public:
     FindingSet() = default;
@@ -79,26 +78,31 @@ const FindingKind &kindOf(FindingId id);
 // A finding at one place.
 struct Finding {
     FindingId id;
-    Targets targets; // those of its kind that were asked for
+    Targets targets; // of its kind, as far as they were asked for
     QString place;
-    int recoding = -1;     // its position, where the place is a recoding
-    std::int64_t rows = 0; // that it affects alone
-    std::int64_t firstRow = 0;
+    int recoding = -1;             // its position if the place is a recoding, else -1
+    std::int64_t rows = 0;         // that it affects alone
+    std::int64_t firstRow = 0;     // from 1; 0 without rows
     std::int64_t togetherRows = 0; // more of them, that it affects only together with others
 
     bool countsRows() const { return kindOf(id).scope != RowScope::None; }
 };
 
-// "1 row", "2 rows".
+// "1 row" or "7 rows".
 QString rowsText(std::int64_t rows);
 
-// Collects findings, and leaves out those that concern none of the targets.
+// Where a finding is made.
+struct FindingPlace {
+    QString text;
+    int recoding = -1; // its position if the place is a recoding, else -1
+};
+
+// Collects findings, except those that concern none of the targets that were asked for.
 struct Notes {
     Targets asked = allTargets;
     std::vector<Finding> findings = {};
-    QString place = {}; // of what is added next
-    int recoding = -1;
 
-    Notes &at(const QString &newPlace, int newRecoding = -1);
-    void add(FindingId id, bool isFound = true, Targets limit = allTargets);
+    // Adds a finding if it applies, for the targets of its kind that are within `limit`.
+    void add(const FindingPlace &place, FindingId id, bool isFound = true,
+             Targets limit = allTargets);
 };

@@ -9,8 +9,8 @@
 struct Inspection {
     Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
-    QString canvasName = {}; // empty without one
-    QString canvas = {};     // its text
+    QString canvasName = {}; // empty: no canvas
+    QString canvas = {};     // the canvas's text
 };
 
 // The findings in the order of the manual, including those that are reported only for rows.

@@ -43,8 +43,8 @@ bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
            recoding.variable->position;
 }
 
-void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding,
-                    const SqlUse &sql) {
+void inspectNumeric(Notes &notes, const FindingPlace &place, const Scorecard &card,
+                    const Recoding &recoding, const SqlUse &sql) {
     const QStringView field = recoding.variable->field;
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
@@ -63,21 +63,21 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
         isInexact(codesIn(Target::Sql), sql.reading.digits)) {
         inexact |= only(Target::Sql);
     }
-    notes.add(MissingCodesLine, dictionary.lists[listOfSas].isListed);
-    notes.add(MissingCodesDigits, true, rounding);
-    notes.add(MissingCodesName, true, others);
-    notes.add(MissingCodesParenthesis, !codesIn(Target::Python).empty());
-    notes.add(MissingCodesUnread, !codes.empty());
-    notes.add(SingleBound, recoding.x.size() == 1);
-    notes.add(BoundsNotRising, !recoding.isRising);
-    notes.add(ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
-    notes.add(UnsupportedType, !sasSupports(recoding.variable->type));
-    notes.add(BoundDigits, true, inexact);
+    notes.add(place, MissingCodesLine, dictionary.lists[listOfSas].isListed);
+    notes.add(place, MissingCodesDigits, true, rounding);
+    notes.add(place, MissingCodesName, true, others);
+    notes.add(place, MissingCodesParenthesis, !codesIn(Target::Python).empty());
+    notes.add(place, MissingCodesUnread, !codes.empty());
+    notes.add(place, SingleBound, recoding.x.size() == 1);
+    notes.add(place, BoundsNotRising, !recoding.isRising);
+    notes.add(place, ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
+    notes.add(place, UnsupportedType, !sasSupports(recoding.variable->type));
+    notes.add(place, BoundDigits, true, inexact);
     const bool isFirst = isFirstOfKind(card, recoding);
-    notes.add(EmptyField, isFirst);
-    notes.add(NotANumber, isFirst);
-    notes.add(NanCell, isFirst);
-    notes.add(NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
+    notes.add(place, EmptyField, isFirst);
+    notes.add(place, NotANumber, isFirst);
+    notes.add(place, NanCell, isFirst);
+    notes.add(place, NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
 }
 
 // Whether SAS takes the value as a number where it stands without quotation marks. A full stop is a
@@ -87,8 +87,8 @@ bool isNumberOfSas(QStringView value) {
     return value == u"." || (stops <= 1 && value.size() > stops);
 }
 
-void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &recoding,
-                        const SqlUse &sql) {
+void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard &card,
+                        const Recoding &recoding, const SqlUse &sql) {
     const bool isBoolean = recoding.isBoolean;
     const auto any = [&](auto test) { return std::ranges::any_of(recoding.listed, test); };
     const auto holds = [&](QChar c) {
@@ -108,27 +108,27 @@ void inspectCategorical(Notes &notes, const Scorecard &card, const Recoding &rec
     const bool isTrimmed = !isBoolean && sql.trimsTexts;
     const auto used = recoding.y.subspan(1, std::min<std::size_t>(recoding.y.size() - 1, 2));
 
-    notes.add(BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
-    notes.add(BooleanNumbers, isBoolean && sql.boolsAreNumbers);
-    notes.add(BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
-    notes.add(FiveCategories, !isBoolean && htmlMisreadsList(recoding.listed.size()));
-    notes.add(TextBlanks, !isBoolean && !sql.trimsTexts);
-    notes.add(Capitals, hasTexts);
-    notes.add(Accents, hasTexts);
-    notes.add(OtherBlanks, true, isTrimmed ? allTargets : ~only(Target::Sql));
-    notes.add(NotListed, isFirstOfKind(card, recoding));
-    notes.add(ValuesAsNumbers, recoding.isOfNumbers);
-    notes.add(EmptyNumber,
+    notes.add(place, BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
+    notes.add(place, BooleanNumbers, isBoolean && sql.boolsAreNumbers);
+    notes.add(place, BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
+    notes.add(place, FiveCategories, !isBoolean && htmlMisreadsList(recoding.listed.size()));
+    notes.add(place, TextBlanks, !isBoolean && !sql.trimsTexts);
+    notes.add(place, Capitals, hasTexts);
+    notes.add(place, Accents, hasTexts);
+    notes.add(place, OtherBlanks, true, isTrimmed ? allTargets : ~only(Target::Sql));
+    notes.add(place, NotListed, isFirstOfKind(card, recoding));
+    notes.add(place, ValuesAsNumbers, recoding.isOfNumbers);
+    notes.add(place, EmptyNumber,
               recoding.isOfNumbers && !std::ranges::all_of(recoding.listed, isNumberOfSas));
-    notes.add(QuoteInValue, holds(u'"'));
-    notes.add(ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
-    notes.add(Backslash, recoding.holdsBackslash);
-    notes.add(BackslashEscape, recoding.holdsBackslash && hasTexts && sql.mayEscape);
-    notes.add(TrueFalse, any(isTruth));
-    notes.add(ValueBlanks, any(hasBlanks), texts);
-    notes.add(EmptyValue, hasEmpty);
-    notes.add(ValueTwice, std::ranges::any_of(recoding.values[0], isTwice));
-    notes.add(NotFinite, !isFinite(recoding.y));
+    notes.add(place, QuoteInValue, holds(u'"'));
+    notes.add(place, ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
+    notes.add(place, Backslash, recoding.holdsBackslash);
+    notes.add(place, BackslashEscape, recoding.holdsBackslash && hasTexts && sql.mayEscape);
+    notes.add(place, TrueFalse, any(isTruth));
+    notes.add(place, ValueBlanks, any(hasBlanks), texts);
+    notes.add(place, EmptyValue, hasEmpty);
+    notes.add(place, ValueTwice, std::ranges::any_of(recoding.values[0], isTwice));
+    notes.add(place, NotFinite, !isFinite(recoding.y));
 }
 
 // Whether the target takes the name; in Excel VBA it has a beginning of its own.
@@ -148,7 +148,7 @@ bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
            std::ranges::equal(a.listed, b.listed);
 }
 
-void inspectNames(Notes &notes, const Recoding &recoding) {
+void inspectNames(Notes &notes, const FindingPlace &place, const Recoding &recoding) {
     const Variable &variable = *recoding.variable;
     const bool isFirst = recoding.rank == 0;
     const QString prefix = u"R%1_"_s.arg(variable.position);
@@ -161,12 +161,12 @@ void inspectNames(Notes &notes, const Recoding &recoding) {
         if (target == Target::Vba) name.truncate(longestRecodingName - prefix.size());
         if (!isName(name, target)) broken |= only(target);
     }
-    notes.add(NamesAlike, true, alike);
-    notes.add(NameCharacters, isFirst, broken);
-    notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
-    notes.add(LongName, prefix.size() + variable.field.size() > longestRecodingName);
-    notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
-    notes.add(LabelEndsComment, variable.label.contains(u"*/"_s));
+    notes.add(place, NamesAlike, true, alike);
+    notes.add(place, NameCharacters, isFirst, broken);
+    notes.add(place, QuoteInTitle, isFirst && variable.field.contains(u'"'));
+    notes.add(place, LongName, prefix.size() + variable.field.size() > longestRecodingName);
+    notes.add(place, SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
+    notes.add(place, LabelEndsComment, variable.label.contains(u"*/"_s));
 }
 
 void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
@@ -175,20 +175,21 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     QSet<int> ofRecodings;
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
-        notes.at(u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
-                 static_cast<int>(variable.position));
+        const FindingPlace place = {u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
+                                    static_cast<int>(variable.position)};
         if (variable.isCategorical) {
-            inspectCategorical(notes, card, recoding, sql);
+            inspectCategorical(notes, place, card, recoding, sql);
         } else {
-            inspectNumeric(notes, card, recoding, sql);
+            inspectNumeric(notes, place, card, recoding, sql);
         }
-        inspectNames(notes, recoding);
+        inspectNames(notes, place, recoding);
         const auto isLost = [&](double score) { return isSmall(score * recoding.coefficient); };
-        notes.add(SmallNumber, std::ranges::any_of(recoding.x, isSmall) ||
-                                   std::ranges::any_of(recoding.y, isLost));
+        notes.add(place, SmallNumber,
+                  std::ranges::any_of(recoding.x, isSmall) ||
+                      std::ranges::any_of(recoding.y, isLost));
         const bool hasCoefficient = numbers.contains(variable.number);
-        notes.add(RecodingWithoutCoefficient, !hasCoefficient);
-        notes.add(EqualNumbers, hasCoefficient && ofRecodings.contains(variable.number));
+        notes.add(place, RecodingWithoutCoefficient, !hasCoefficient);
+        notes.add(place, EqualNumbers, hasCoefficient && ofRecodings.contains(variable.number));
         ofRecodings.insert(variable.number);
     }
 }
@@ -199,22 +200,23 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
     const Regression &regression = card.regression;
     QSet<int> seen;
     for (const RegressionTerm &term : regression.terms) {
-        notes.at(u"coefficient of number %1"_s.arg(term.number));
-        notes.add(CoefficientWithoutRecoding, term.position < 0);
-        notes.add(EqualCoefficients, seen.contains(term.number));
-        notes.add(NotFinite, !std::isfinite(term.coefficient));
+        const FindingPlace place = {u"coefficient of number %1"_s.arg(term.number)};
+        notes.add(place, CoefficientWithoutRecoding, term.position < 0);
+        notes.add(place, EqualCoefficients, seen.contains(term.number));
+        notes.add(place, NotFinite, !std::isfinite(term.coefficient));
         seen.insert(term.number);
     }
-    notes.at(u"RegressionModel"_s).add(NoTerms, regression.terms.empty());
-    notes.at(u"constant"_s).add(NotFinite, !std::isfinite(regression.constant));
-    notes.add(SmallNumber, isSmall(regression.constant));
-    notes.add(ConstantMisplaced, regression.terms.size() != card.variables.size());
-    notes.at(u"model"_s)
-        .add(NoCategories, std::ranges::none_of(card.variables, &Variable::isCategorical));
+    const FindingPlace constant = {u"constant"_s};
+    notes.add({u"RegressionModel"_s}, NoTerms, regression.terms.empty());
+    notes.add(constant, NotFinite, !std::isfinite(regression.constant));
+    notes.add(constant, SmallNumber, isSmall(regression.constant));
+    notes.add(constant, ConstantMisplaced, regression.terms.size() != card.variables.size());
+    notes.add({u"model"_s}, NoCategories,
+              std::ranges::none_of(card.variables, &Variable::isCategorical));
     const QString prefix = targetPrefix(card.document, replacedCharacters(Target::Sas));
-    notes.at(u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1))))
-        .add(NameCharacters, !prefix.isEmpty() && !isName(prefix + u"score"_s, Target::Sas),
-             only(Target::Sas));
+    notes.add({u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1)))},
+              NameCharacters, !prefix.isEmpty() && !isName(prefix + u"score"_s, Target::Sas),
+              only(Target::Sas));
 }
 
 bool hasOtherSums(const Notes &notes) {
@@ -243,42 +245,47 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     const Targets probabilities = sql.hasProbability ? allTargets : ~only(Target::Sql);
     bool rises = true;
     bool falls = true;
+    const auto pointAt = [&](std::size_t i) -> FindingPlace {
+        return {u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(x[i]))};
+    };
     for (std::size_t i = 0; i < x.size(); ++i) {
-        notes.at(u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(x[i])));
-        notes.add(NotFinite, !std::isfinite(x[i]) || !std::isfinite(y[i]));
-        notes.add(SmallNumber, isSmall(x[i]) || isSmall(y[i]));
-        notes.add(ProbabilityRange, y[i] < 0 || y[i] > 1);
+        const FindingPlace place = pointAt(i);
+        notes.add(place, NotFinite, !std::isfinite(x[i]) || !std::isfinite(y[i]));
+        notes.add(place, SmallNumber, isSmall(x[i]) || isSmall(y[i]));
+        notes.add(place, ProbabilityRange, y[i] < 0 || y[i] > 1);
         if (i == 0) continue;
-        notes.add(TableNotFalling, x[i] > x[i - 1]);
+        notes.add(place, TableNotFalling, x[i] > x[i - 1]);
         rises = rises && y[i] >= y[i - 1];
         falls = falls && y[i] <= y[i - 1];
-        notes.add(ProbabilityOrder, !rises && !falls);
+        notes.add(place, ProbabilityOrder, !rises && !falls);
         if (!rises && !falls) rises = falls = true; // reports one place, and goes on from there
     }
     // The least score of the model; a target with another sum may go below it.
     const double least = hasOtherSums(notes) ? -HUGE_VAL : scoreRange(card).least;
+    const FindingPlace lowest = pointAt(x.size() - 1);
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
-    notes.add(LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);
-    notes.add(LowestPoint, least <= x.back(), probabilities);
-    notes.at(u"table"_s).add(BoundDigits, hasInexactJump(card, sql.reading.digits));
-    notes.add(LowestNan, least <= x.back() && isOfKind(card, u"T"));
+    notes.add(lowest, LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);
+    notes.add(lowest, LowestPoint, least <= x.back(), probabilities);
+    notes.add({u"table"_s}, BoundDigits, hasInexactJump(card, sql.reading.digits));
+    notes.add(lowest, LowestNan, least <= x.back() && isOfKind(card, u"T"));
 }
 
 void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
     const bool isProbability = isOfKind(card, u"T");
     const bool isPrediction = isOfKind(card, u"C");
     const bool hasTable = card.table.exists;
-    notes.at(u"normalizationMethod"_s);
-    notes.add(LogisticParenthesis, card.isLogistic);
-    notes.add(LogisticOverflow, card.isLogistic);
-    notes.add(LogisticAbsent, card.isLogistic, isPrediction ? allTargets : ~only(Target::Html));
-    notes.add(LogisticLastRow, card.isLogistic);
-    notes.at(u"tkind '%1'"_s.arg(kindOfTarget(card)));
-    notes.add(TableAbsent, isProbability && !card.hasProbability());
-    notes.add(PageError, isProbability ? !hasTable : !isPrediction);
-    notes.add(TableUnread, isPrediction && hasTable);
-    notes.add(PercentSign, isPrediction && !hasCanvas);
-    notes.at(u"table"_s).add(BarScale, isProbability && hasTable && card.table.x.size() < 3);
+    const FindingPlace method = {u"normalizationMethod"_s};
+    notes.add(method, LogisticParenthesis, card.isLogistic);
+    notes.add(method, LogisticOverflow, card.isLogistic);
+    notes.add(method, LogisticAbsent, card.isLogistic,
+              isPrediction ? allTargets : ~only(Target::Html));
+    notes.add(method, LogisticLastRow, card.isLogistic);
+    const FindingPlace kind = {u"tkind '%1'"_s.arg(kindOfTarget(card))};
+    notes.add(kind, TableAbsent, isProbability && !card.hasProbability());
+    notes.add(kind, PageError, isProbability ? !hasTable : !isPrediction);
+    notes.add(kind, TableUnread, isPrediction && hasTable);
+    notes.add(kind, PercentSign, isPrediction && !hasCanvas);
+    notes.add({u"table"_s}, BarScale, isProbability && hasTable && card.table.x.size() < 3);
 }
 
 } // namespace
@@ -287,8 +294,8 @@ std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection
     Notes notes{inspection.targets};
     const SqlUse sql = inspection.sql ? useOf(inspection.sql->configuration) : SqlUse();
     const XmlParseResult &reading = card.document.reading;
-    notes.at(u"line %1, column %2"_s.arg(reading.line).arg(reading.column))
-        .add(DocumentCut, reading.error == XmlError::UnmatchedEndTagWarning);
+    notes.add({u"line %1, column %2"_s.arg(reading.line).arg(reading.column)}, DocumentCut,
+              reading.error == XmlError::UnmatchedEndTagWarning);
     inspectRecodings(notes, card, sql);
     inspectRegression(notes, card);
     const bool hasCanvas = !inspection.canvasName.isEmpty();

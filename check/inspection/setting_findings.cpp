@@ -79,14 +79,14 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
         const bool isKnown = setting != settings.end();
         const bool isOdd =
             isKnown && setting->flag && !value.isEmpty() && value != u"0" && value != u"1";
-        if (!isKnown) notes.at(withMeant(place, name, names)).add(UnknownSetting);
-        if (isOdd) notes.at(u"%1, '%2'"_s.arg(place, value)).add(FlagText);
+        if (!isKnown) notes.add({withMeant(place, name, names)}, UnknownSetting);
+        if (isOdd) notes.add({u"%1, '%2'"_s.arg(place, value)}, FlagText);
     }
     const SqlConfiguration defaults;
     for (const auto &[name, text, flag] : settings) {
         const bool hasDefault = text && !(defaults.*text).isEmpty();
         const bool isEmpty = root.isAttributeSet(name) && root.attribute(name).isEmpty();
-        notes.at(u"setting %1"_s.arg(name)).add(EmptyName, hasDefault && isEmpty);
+        notes.add({u"setting %1"_s.arg(name)}, EmptyName, hasDefault && isEmpty);
     }
 }
 
@@ -101,15 +101,15 @@ bool isGeneral(QStringView dbType) {
 void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) {
     const SqlDialect &dialect = findSqlDialect(dbType);
     const QString place = u"setting dbType, '%1'"_s.arg(dbType);
-    notes.at(place).add(NoProbability, card.table.exists && !dialect.hasProbability);
+    notes.add({place}, NoProbability, card.table.exists && !dialect.hasProbability);
     std::vector<QStringView> names;
     for (const SqlDialect &known : sqlDialects()) {
         if (!known.name.isEmpty()) names.push_back(known.name);
     }
-    notes.at(place).add(SinglePrecision, !dialect.columnCast.opening.isEmpty());
+    notes.add({place}, SinglePrecision, !dialect.columnCast.opening.isEmpty());
     const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
     const bool isMeant = !isKnown && !nearest(dbType, names).isEmpty();
-    notes.at(withMeant(place, dbType, names)).add(UnknownDialect, isMeant);
+    notes.add({withMeant(place, dbType, names)}, UnknownDialect, isMeant);
 }
 
 void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
@@ -122,24 +122,24 @@ void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &
     const bool isQuoted = sqlIdentifier(dialect, table) != table;
     const QString longestName = usesTemporary ? temporaryTableName(configuration) : table;
     const QString key = keyColumn(configuration, card.document);
-    notes.at(u"setting createPredictionTable"_s).add(creates ? SecondRun : RowsAdded);
-    notes.at(u"setting predictionTable, '%1'"_s.arg(table))
-        .add(TableNameQuoted, creates && dialect.makesIndex && isQuoted);
-    notes.add(TableNameCut, longestName.size() > dialect.identifierLength);
-    notes.at(u"key %1"_s.arg(key))
-        .add(DistributeId, dialect.distributes && (creates || createsTemporary) && key != u"id");
-    notes.at(u"setting createTmpTable"_s)
-        .add(CommentDashes, createsTemporary && dialect.needsCommentBlank);
+    notes.add({u"setting createPredictionTable"_s}, creates ? SecondRun : RowsAdded);
+    const FindingPlace tableName = {u"setting predictionTable, '%1'"_s.arg(table)};
+    notes.add(tableName, TableNameQuoted, creates && dialect.makesIndex && isQuoted);
+    notes.add(tableName, TableNameCut, longestName.size() > dialect.identifierLength);
+    notes.add({u"key %1"_s.arg(key)}, DistributeId,
+              dialect.distributes && (creates || createsTemporary) && key != u"id");
+    notes.add({u"setting createTmpTable"_s}, CommentDashes,
+              createsTemporary && dialect.needsCommentBlank);
     const bool showsPassword =
         configuration.kestruneScript && !configuration.odbcPassword.isEmpty();
-    notes.at(u"setting odbcPassword"_s).add(PasswordInClear, showsPassword);
+    notes.add({u"setting odbcPassword"_s}, PasswordInClear, showsPassword);
 }
 
 void inspectDebugging(Notes &notes, const Scorecard &card) {
-    notes.at(u"setting debugRecoding"_s).add(DebugRecoding);
+    notes.add({u"setting debugRecoding"_s}, DebugRecoding);
     for (const Recoding &recoding : card.recodings) {
-        notes.at(u"column %1"_s.arg(recoding.variable->field))
-            .add(DebugColumnsAlike, recoding.rank > 0);
+        notes.add({u"column %1"_s.arg(recoding.variable->field)}, DebugColumnsAlike,
+                  recoding.rank > 0);
     }
 }
 
@@ -160,20 +160,21 @@ void inspectSqlNames(Notes &notes, const Scorecard &card, const SqlConfiguration
         configuration ? &findSqlDialect(configuration->dbType) : nullptr;
     const bool needsAnsiQuotes = !dialect || dialect->needsAnsiQuotes;
     const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
-    const auto inspectName = [&](QStringView name, const QString &place, bool hasSchema = false) {
+    const auto inspectName = [&](QStringView name, const FindingPlace &place,
+                                 bool hasSchema = false) {
         const bool isQuoted =
             sqlIdentifier(dialect ? *dialect : sqlDialects().back(), name) != name;
-        notes.at(place).add(SqlName, !isQuoted && needsQuotes(name, hasSchema));
+        notes.add(place, SqlName, !isQuoted && needsQuotes(name, hasSchema));
         const bool isOdd = !isBracketed && (needsAnsiQuotes || name.contains(u'"'));
-        notes.add(QuotedName, isQuoted && isOdd);
+        notes.add(place, QuotedName, isQuoted && isOdd);
     };
-    for (const QString &column : card.columns) inspectName(column, u"column %1"_s.arg(column));
+    for (const QString &column : card.columns) inspectName(column, {u"column %1"_s.arg(column)});
     if (!configuration) return;
-    inspectName(keyColumn(*configuration, card.document), u"key"_s);
-    inspectName(configuration->prediction, u"setting prediction"_s);
-    inspectName(configuration->schemaName, u"setting schemaName"_s, true);
-    inspectName(configuration->inputTable, u"setting inputTable"_s, true);
-    inspectName(configuration->predictionTable, u"setting predictionTable"_s);
+    inspectName(keyColumn(*configuration, card.document), {u"key"_s});
+    inspectName(configuration->prediction, {u"setting prediction"_s});
+    inspectName(configuration->schemaName, {u"setting schemaName"_s}, true);
+    inspectName(configuration->inputTable, {u"setting inputTable"_s}, true);
+    inspectName(configuration->predictionTable, {u"setting predictionTable"_s});
 }
 
 // --- HTML
@@ -220,7 +221,7 @@ void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile 
     inspectSqlNames(notes, card, file ? &file->configuration : nullptr);
     const bool createsTables =
         !file || file->configuration.createPredictionTable || file->configuration.createTmpTable;
-    notes.at(u"key"_s).add(KeyLength, createsTables);
+    notes.add({u"key"_s}, KeyLength, createsTables);
     if (!file) return;
     inspectSettings(notes, file->root);
     inspectDialect(notes, card, file->configuration.dbType);
@@ -230,17 +231,18 @@ void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile 
 
 void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
                    const QString &canvas) {
-    const QString place = u"canvas %1"_s.arg(name);
-    notes.at(place).add(CanvasNotRead, canvas.size() < shortestCanvas);
+    const FindingPlace place = {u"canvas %1"_s.arg(name)};
+    notes.add(place, CanvasNotRead, canvas.size() < shortestCanvas);
     if (canvas.size() < shortestCanvas) return;
     const bool hasDoctype = canvas.contains(u"<!doctype"_s, Qt::CaseInsensitive);
-    notes.add(CanvasForm, !canvas.contains(u"QRVform"_s));
-    notes.add(CanvasColours, hasDoctype && !canvas.contains(u"QRVSpecifiedHistogramColor"_s));
+    notes.add(place, CanvasForm, !canvas.contains(u"QRVform"_s));
+    notes.add(place, CanvasColours,
+              hasDoctype && !canvas.contains(u"QRVSpecifiedHistogramColor"_s));
     CanvasTags tags = scanCanvas(
-        canvas, [&](QStringView warning) { notes.at(warning.toString()).add(CanvasNumber); });
+        canvas, [&](QStringView warning) { notes.add({warning.toString()}, CanvasNumber); });
     const CanvasUse use = walkCanvas(tags, std::ssize(card.columns));
     const auto want = [&](FindingId id, TagKind kind, bool isNeeded = true) {
-        notes.at(u"tag %1/]"_s.arg(tagOpening(kind))).add(id, isNeeded && use.count(kind) == 0);
+        notes.add({u"tag %1/]"_s.arg(tagOpening(kind))}, id, isNeeded && use.count(kind) == 0);
     };
     const int questions = use.count(TagKind::Question);
     const bool isComplete = std::ssize(card.recodings) == use.questions.size();
@@ -250,7 +252,7 @@ void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
     want(CanvasTagMissing, TagKind::AllQuestions, questions == 0);
     want(CanvasScale, TagKind::Graphics);
     want(CanvasScale, TagKind::DynScale, hasBars);
-    notes.at(u"tag [QRV_QUESTION"_s)
-        .add(CanvasQuestion, use.hasOddQuestion || (questions > 0 && !isComplete));
-    notes.at(u"tag [QRV_ANSWER"_s).add(CanvasAnswer, use.hasOddAnswer);
+    notes.add({u"tag [QRV_QUESTION"_s}, CanvasQuestion,
+              use.hasOddQuestion || (questions > 0 && !isComplete));
+    notes.add({u"tag [QRV_ANSWER"_s}, CanvasAnswer, use.hasOddAnswer);
 }

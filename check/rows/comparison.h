@@ -49,7 +49,7 @@ struct ComparisonResult {
     std::int64_t equal = 0;
     std::int64_t explainedRows = 0;
     std::map<FindingId, RowSample> explained; // a row that several explain counts for each
-    // By what explains a row, such as "a + b or c": the smallest sets of findings.
+    // By what explains a row, such as "a+b or c": the smallest sets of findings.
     std::map<QString, RowSample> reasons;
     std::int64_t unexplained = 0;
     RowSample missing;              // without a result

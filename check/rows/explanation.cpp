@@ -215,7 +215,7 @@ QString namesOf(const FindingSet &set) {
         const auto id = static_cast<FindingId>(i);
         if (set.has(id)) names.append(kindOf(id).name.toString());
     }
-    return names.join(u" + "_s);
+    return names.join(u'+');
 }
 
 } // namespace

@@ -130,16 +130,17 @@ void checkRows(const QString &model, const QString &rows) {
             options.results.clear(); // few inputs have a column of that name
             scoreRows(card, findings, options, counts = {}, compared = {});
         }
-        const Report report = {.card = card,
-                               .findings = findings,
-                               .counts = counts.scores.empty() ? nullptr : &counts,
-                               .compared = &options,
-                               .comparison = &compared};
+        const Report report = buildReport(card,
+                                          {.findings = findings,
+                                           .counts = counts.scores.empty() ? nullptr : &counts,
+                                           .options = &options,
+                                           .comparison = &compared},
+                                          true);
         TextBuffer out;
-        putModel(out, card);
-        putReport(out, report);
-        putHtmlReport(out, report);
-        jsonReport(report);
+        putModel(out, report.model);
+        putText(out, report);
+        putJson(out, report);
+        putPage(out, report);
     }
 }
 
