@@ -274,7 +274,7 @@ int run(const QStringList &arguments) {
     addOptions(parser);
     const bool isParsed = parser.parse(arguments);
     if (isParsed && parser.isSet(u"version"_s)) {
-        printText(u"scorewright-check %1\n"_s.arg(QStringView(SCOREWRIGHT_VERSION)));
+        printText(u"scorewright-check " SCOREWRIGHT_VERSION u"\n");
         return exitNothingFound;
     }
     if (isParsed && parser.isSet(u"help"_s)) {
