@@ -18,6 +18,9 @@ namespace {
 
 constexpr int exitUsage = 1;
 
+constexpr QStringView banner =
+    u"Qorv Model Exportation v" SCOREWRIGHT_VERSION u"\n=============================\n";
+
 constexpr QStringView usage = uR"(USAGE:
 to SAS   : scorewright -a <.ModelXml file> <SAS script file>
 to SQL   : scorewright -s <Config SQL file convertion>
@@ -68,8 +71,7 @@ int runOption(const std::vector<QString> &arguments) {
 int runCommandLine(const std::function<std::vector<QString>()> &readArguments) {
     try {
         const std::vector<QString> arguments = readArguments();
-        printText(u"Qorv Model Exportation v%1\n=============================\n"_s.arg(
-            QStringView(SCOREWRIGHT_VERSION)));
+        printText(banner);
         return runOption(arguments);
     } catch (const std::bad_alloc &) {
         printText(u"The model does not fit in memory.\n");
