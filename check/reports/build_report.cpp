@@ -91,6 +91,7 @@ std::vector<Prediction> curveOf(const Scorecard &card, const Scale &scale) {
     std::erase_if(scores, [](double score) { return std::isnan(score); });
     std::ranges::sort(scores);
     std::vector<Prediction> curve;
+    curve.reserve(scores.size());
     for (const double score : scores) {
         curve.push_back({score, std::clamp(probabilityOf(card, score), 0.0, 1.0)});
     }
