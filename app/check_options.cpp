@@ -198,7 +198,7 @@ QString readRequest(const QStringList &arguments, Request &request) {
     addOptions(parser);
     if (!parser.parse(arguments)) return parser.errorText();
     if (parser.isSet(u"version"_s)) {
-        request.answer = QStringLiteral("scorewright-check ") + QStringView(SCOREWRIGHT_VERSION) + u'\n';
+        request.answer = u"scorewright-check " SCOREWRIGHT_VERSION u"\n"_s;
     } else if (parser.isSet(u"help"_s)) {
         request.answer = parser.helpText().replace(u"<executable_name>"_s, u"scorewright-check"_s);
     }

@@ -5,6 +5,7 @@ import shutil
 import string
 import subprocess
 import unittest
+from unittest import mock
 
 import numpy as np
 import pandas as pd
@@ -112,6 +113,24 @@ class PackageTest(SqlProgramTest):
                 self.assertIn(f"[{name}]" if output == "out" else f"  {name}  <->  R0_{name[:28]}", code)
                 self.assertIn("=77", code.replace(" ", ""))
 
+    def test_faulty_documents(self):
+        """A document that lacks an attribute or the end of an array is reported by name, unless no score needs what is
+        missing; other errors are not blamed on it."""
+        text = (EXAMPLES / "claims/claims.ModelXml").read_bytes().decode("utf-16")
+        path, reported = self.folder / "model.ModelXml", set()
+        for place in re.finditer(r' (\w+)="[^"]*"|(?<=[\w=]{8})</(\w+)>', text):
+            faulty = text[:place.start()] + text[place.end():] if place[1] else \
+                text[:place.start() - 8] + text[place.start():]
+            path.write_text(faulty, "utf-8-sig")
+            try:
+                Scorecard.read(path)
+            except ValueError as error:
+                self.assertRegex(str(error), f"^{re.escape(str(path))}: .")
+                reported.add(place[1] or place[2])
+        self.assertEqual(reported, {*"field name type tname val version x y indexes betas Missing".split()})
+        with mock.patch.object(Scorecard, "add", side_effect=TypeError), self.assertRaises(TypeError):
+            Scorecard.read(EXAMPLES / "claims/claims.ModelXml")
+
     def test_mends(self):
         """Lists of five become lists of six, and no row has the lowest segment's 0."""
         card = Scorecard("y", table=([43, -1], [0.9, 0.2]))
@@ -171,13 +190,17 @@ class PackageTest(SqlProgramTest):
         self.assertFalse((self.folder / "never").exists())
 
     def test_build(self):
-        """The package builds without a network, in the program's version, of which Python drops leading zeros."""
-        shutil.copytree(TESTS.parent / "python", self.folder / "python")
+        """The package builds without a network, in the program's version, of which Python drops leading zeros, and
+        leaves nothing in its source."""
+        shutil.copytree(TESTS.parent / "python", self.folder / "python", ignore=shutil.ignore_patterns("__pycache__"))
+        files = set(self.folder.rglob("*"))
         subprocess.run([*"/usr/bin/python3 -m pip install --no-index --no-deps --no-build-isolation --target".split(),
                         self.folder / "to", self.folder / "python"], check=True, capture_output=True)
-        self.assertTrue((self.folder / "to/scorewright/scorecard.py").exists())
+        self.assertTrue((self.folder / "to/scorewright/py.typed").exists())
         version = ".".join(str(int(part)) for part in re.search(r"v([\d.]+)", BANNER)[1].split("."))
         self.assertIn(f"scorewright-{version}.dist-info", [path.name for path in (self.folder / "to").iterdir()])
+        shutil.rmtree(self.folder / "to")
+        self.assertEqual(set(self.folder.rglob("*")), files)
 
 
 if __name__ == "__main__":

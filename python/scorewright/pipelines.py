@@ -1,5 +1,7 @@
 """Pipelines of scikit-learn, which is known here by the names of its classes alone."""
 
+from typing import Any
+
 import numpy as np
 import pandas as pd
 
@@ -36,7 +38,8 @@ def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_
 
 def fill(card, pipeline, largest_error, unlisted_as_missing):
     """Fills an empty scorecard."""
-    first, model, *others = [*getattr(pipeline, "named_steps", {}).values(), None, None]
+    steps: Any = [*getattr(pipeline, "named_steps", {}).values(), None, None]
+    first, model, *others = steps
     require([name(first), name(model), len(others)] == ["ColumnTransformer", "LogisticRegression", 2] and
             len(getattr(model, "classes_", ())) == 2 and getattr(model, "multi_class", None) != "multinomial",
             f"a pipeline must be a fitted ColumnTransformer and LogisticRegression of two classes: {pipeline}")

@@ -1,8 +1,16 @@
 """Tables from score to probability: falling scores and their probabilities, two lists of one length."""
 
+from __future__ import annotations
+
+from collections.abc import Sequence
+from typing import Any, Union
+
 import numpy as np
 
 from .values import require
+
+Numbers = Union[Sequence[float], "np.ndarray[Any, Any]"]
+Table = tuple[Numbers, Numbers]
 
 
 def logistic(score):
@@ -18,7 +26,8 @@ def ended(scores, probabilities, lowest):
     return scores, probabilities
 
 
-def logistic_table(largest_error, lowest=-1e6, highest=1e6):
+def logistic_table(largest_error: float, lowest: float = -1e6,
+                   highest: float = 1e6) -> tuple[list[float], list[float]]:
     """The table of the probability 1 / (1 + exp(-score)), for scores from the lowest to the highest.
 
     Its straight lines stay within largest_error (of probability; 1e-7 to 0.2, or ValueError) of the curve, with as few
@@ -42,4 +51,5 @@ def logistic_table(largest_error, lowest=-1e6, highest=1e6):
         length, slope = x[reached - 1] - start, (least if logistic(x[reached - 1]) < 0.5 else most)[reached - 1]
         length = min(length, (1 - error - value) / slope)
         points.append((start + length, value + slope * length))
-    return ended(*np.transpose(points[::-1]).tolist(), lowest)
+    scores, probabilities = np.transpose(points[::-1]).tolist()
+    return ended(scores, probabilities, lowest)
