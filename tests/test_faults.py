@@ -1,6 +1,9 @@
 """What no input and no device may do: crash, hang, take memory without bound, or spoil an output that was there."""
 
+import ctypes
+import errno
 import math
+import platform
 import struct
 import tempfile
 import time
@@ -12,6 +15,22 @@ from support import DOCUMENTS, PROGRAM, ProgramTest, categorical, document, doub
 
 EXPORTS = {"-a": ["m", "out"], "-e": ["m", "out"], "-p": ["m", "out", "Name"], "-h": ["m", "", "out"], "-s": ["config"]}
 MANY = 1_000_000
+READ_CALL = {"x86_64": 0, "aarch64": 63}
+
+
+def refuse_large_reads():
+    """From here on, the kernel refuses this process and its programs to read 128 KiB or more at a time: of a large file
+    they get the beginning, and then an error."""
+    load, equal, least, result = 0x20, 0x15, 0x35, 0x06
+    number, size = 0, 32  # of the call, and of what it reads
+    code = b"".join(struct.pack("HBBI", *step) for step in [
+        (load, 0, 0, number), (equal, 0, 3, READ_CALL[platform.machine()]), (load, 0, 0, size), (least, 0, 1, 1 << 17),
+        (result, 0, 0, 0x50000 | errno.EIO), (result, 0, 0, 0x7FFF0000)])
+    steps = ctypes.create_string_buffer(code)
+    program = ctypes.create_string_buffer(struct.pack("@HP", len(code) // 8, ctypes.addressof(steps)))
+    library = ctypes.CDLL(None, use_errno=True)
+    if library.prctl(38, 1, 0, 0, 0) or library.prctl(22, 2, program):  # no new privileges; this filter
+        raise OSError(ctypes.get_errno(), "no filter for system calls")
 
 
 class FaultsTest(ProgramTest):
@@ -46,6 +65,23 @@ class FaultsTest(ProgramTest):
         for shape in ["<a>" * MANY + "</a>" * MANY, "<a>" * MANY, "<a/>" * MANY, "&amp;" * MANY, "t<!---->" * MANY,
                       " " * 50_000_000, f"<a x='{'&lt;' * MANY}'/>", "<DataField name='a' name='b'/>" * MANY]:
             self.export(shell.replace("{}", shape), ["-a", "-s"], statuses=(0,))
+
+    @not_on_windows("it takes a filter for system calls")
+    def test_reading_that_fails(self):
+        """A file that breaks off in its middle gives what one gives that is not there."""
+        self.write("m", DOCUMENTS["logistic"])
+        configuration = (self.folder / "config").read_text("utf-8-sig")
+        canvas = "[QRV_SCRIPT][QRV_ANSWER 0][QRV_ALL_QUESTIONS]"
+        for text, *arguments in [*[(DOCUMENTS["logistic"], option, "x", "out") for option in ["-a", "-e", "-p"]],
+                                 (DOCUMENTS["logistic"], "-h", "x", "", "out"), (canvas, "-h", "m", "x", "out"),
+                                 (configuration, "-s", "x")]:
+            with self.subTest(arguments):
+                (self.folder / "out").write_text("as it was")
+                self.write("x", text + " " * 300_000)
+                broken = self.run_program(*arguments, limit=refuse_large_reads), (self.folder / "out").read_bytes()
+                (self.folder / "x").unlink()
+                absent = self.run_program(*arguments), (self.folder / "out").read_bytes()
+                self.assertEqual(broken, absent)
 
     @not_on_windows("a file of no memory takes a folder in memory")
     def test_sizes_that_overflow(self):

@@ -159,8 +159,8 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
         // Of the last row, it is what the model says.
         return deviations.has(LogisticLastRow) ? 0 : 1 / (1 + std::exp(-score));
     }
-    const std::pmr::vector<double> &x = card.table.x;
-    const std::pmr::vector<double> &y = card.table.y;
+    const std::vector<double> &x = card.table.x;
+    const std::vector<double> &y = card.table.y;
     const std::size_t last = x.size() - 1;
     if (score > x[0]) return y[0];
     if (score <= x[last]) {

@@ -9,7 +9,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// Not of Qt's lists, which are filled without a look whether there was memory for them.
+// The standard library's lists, for the reason that model/hash_tables.h gives.
 using Row = std::vector<QString>;
 using Table = std::vector<Row>;
 

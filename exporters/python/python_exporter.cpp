@@ -163,7 +163,7 @@ void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const Variables variables = readVariables(document, cleanedCharacters);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);

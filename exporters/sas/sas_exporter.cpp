@@ -154,7 +154,7 @@ void putClosing(TextBuffer &out, std::span<const Variable> variables) {
 int exportToSas(const QString &modelFile, const QString &scriptFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const Variables variables = readVariables(document, cleanedCharacters);
     if (!std::ranges::all_of(variables, isSupported)) {
         printText(u"Unsupported recoding (from RANK)!\n"
                   "Please update Qorv to the latest version.\n");

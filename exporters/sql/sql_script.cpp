@@ -232,7 +232,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
     const QString schema = schemaPrefix(configuration, dialect);
     const QString &target = configuration.predictionTable;
     const QString temporary = u"Qorv_TMP_"_s + target;
-    std::pmr::vector<Variable> variables = readVariables(document, {});
+    Variables variables = readVariables(document, {});
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);
