@@ -52,8 +52,8 @@ private:
 };
 
 // Reads all variables; their clean fields have "_" in place of each character of `replaced`. The
-// numbers of x and y take the place of their text in the tree. A second call finds the same
-// numbers, and may replace other characters.
+// numbers of x and y take the place of their text in the tree. A second call returns the same
+// numbers, also with other characters to replace.
 Variables readVariables(ModelDocument &document, QStringView replaced);
 
 // The numbers that mean a missing value in a numeric column, in the order in which all targets test
