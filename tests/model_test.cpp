@@ -97,6 +97,7 @@ TEST(Variables, KeepTheirDocument) {
         EXPECT_EQ(first[0].recodingName, u"R0_a _");
     }
     const Variables moved = std::move(kept);
+    EXPECT_TRUE(kept.empty());
     EXPECT_EQ(moved.size(), 2);
     EXPECT_EQ(moved[1].recodingName, u"R1_c_d");
     EXPECT_EQ(moved[1].y[0], 1);

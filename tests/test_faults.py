@@ -18,14 +18,13 @@ MANY = 1_000_000
 READ_CALL = {"x86_64": 0, "aarch64": 63}
 
 
-def refuse_large_reads():
-    """From here on, the kernel refuses this process and its programs to read 128 KiB or more at a time: of a large file
-    they get the beginning, and then an error."""
-    load, equal, least, result = 0x20, 0x15, 0x35, 0x06
-    number, size = 0, 32  # of the call, and of what it reads
+def refuse_reads(least, most):
+    """From here on, reading from `least` to `most` bytes at a time fails in this process and its programs."""
+    load, equal, above, at_least, result = 0x20, 0x15, 0x25, 0x35, 0x06
+    number, size = 0, 32  # of the system call, and of its buffer
     code = b"".join(struct.pack("HBBI", *step) for step in [
-        (load, 0, 0, number), (equal, 0, 3, READ_CALL[platform.machine()]), (load, 0, 0, size), (least, 0, 1, 1 << 17),
-        (result, 0, 0, 0x50000 | errno.EIO), (result, 0, 0, 0x7FFF0000)])
+        (load, 0, 0, number), (equal, 0, 4, READ_CALL[platform.machine()]), (load, 0, 0, size), (at_least, 0, 2, least),
+        (above, 1, 0, most), (result, 0, 0, 0x50000 | errno.EIO), (result, 0, 0, 0x7FFF0000)])
     steps = ctypes.create_string_buffer(code)
     program = ctypes.create_string_buffer(struct.pack("@HP", len(code) // 8, ctypes.addressof(steps)))
     library = ctypes.CDLL(None, use_errno=True)
@@ -68,17 +67,20 @@ class FaultsTest(ProgramTest):
 
     @not_on_windows("it takes a filter for system calls")
     def test_reading_that_fails(self):
-        """A file that breaks off in its middle gives what one gives that is not there."""
-        self.write("m", DOCUMENTS["logistic"])
+        """A file that cannot be read to its end is treated like an absent one."""
         configuration = (self.folder / "config").read_text("utf-8-sig")
         canvas = "[QRV_SCRIPT][QRV_ANSWER 0][QRV_ALL_QUESTIONS]"
         for text, *arguments in [*[(DOCUMENTS["logistic"], option, "x", "out") for option in ["-a", "-e", "-p"]],
-                                 (DOCUMENTS["logistic"], "-h", "x", "", "out"), (canvas, "-h", "m", "x", "out"),
+                                 (DOCUMENTS["logistic"], "-h", "x", "", "out"), (canvas, "-h", "none", "x", "out"),
                                  (configuration, "-s", "x")]:
+            # The mark of a document is read with its first block, and the rest at once. A canvas is read in whole
+            # blocks, and then its last block.
+            sizes = (4096, 4096) if text == canvas else (1 << 17, 1 << 20)
             with self.subTest(arguments):
                 (self.folder / "out").write_text("as it was")
                 self.write("x", text + " " * 300_000)
-                broken = self.run_program(*arguments, limit=refuse_large_reads), (self.folder / "out").read_bytes()
+                broken = self.run_program(*arguments, limit=lambda: refuse_reads(*sizes)), (  # noqa: B023
+                    self.folder / "out").read_bytes()
                 (self.folder / "x").unlink()
                 absent = self.run_program(*arguments), (self.folder / "out").read_bytes()
                 self.assertEqual(broken, absent)
