@@ -8,14 +8,14 @@
 #include <memory_resource>
 #include <span>
 
-// Builds with the address sanitizer set the pieces of a block apart by gaps of so many bytes that
+// Builds with the address sanitizer set the pieces of a block apart by gaps of `gapSize` bytes that
 // no access may touch. Other builds have no gaps.
 inline constexpr bool hasMemoryGaps = SCOREWRIGHT_SANITIZE;
 inline constexpr std::size_t gapSize = hasMemoryGaps ? 16 : 0;
 
 struct XmlAttribute {
     QStringView name;
-    QStringView value; // null when the attribute was written without one
+    QStringView value; // null if the attribute was written without one
 };
 
 // One element. Once it is closed, each array has exactly the counted entries. The arrays and all

@@ -63,7 +63,7 @@ void readBytes(std::FILE *input, FileBytes &file) {
     std::byte *const bytes = file.block.get() + file.start;
     std::memcpy(bytes, mark.data(), markSize);
     file.size = markSize + std::fread(bytes + markSize, 1, file.size - markSize, input);
-    if (std::ferror(input)) file.error = XmlError::FileNotFound; // a part is no model
+    if (std::ferror(input)) file.error = XmlError::FileNotFound; // never half a document
     std::fill_n(bytes + file.size, zeroBytes, std::byte());
 }
 

@@ -48,7 +48,7 @@ enum class XmlError {
     Base64OutputBufferTooSmall = 20,
 };
 
-// Line and column count from 1, in UTF-16 units; both are 0 when the error has no position.
+// Line and column count from 1, in UTF-16 units; both are 0 if the error has no position.
 struct XmlParseResult {
     XmlError error = XmlError::NoError;
     int line = 0;
