@@ -2,7 +2,7 @@
 function(scorewright_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
-  # Link-time optimisation, for speed: the exporters call small functions of model/ for each number.
+  # benchmarks/costs.md: "no link-time optimisation".
   set_target_properties(${target} PROPERTIES INTERPROCEDURAL_OPTIMIZATION_RELEASE ${has_ipo})
   if(has_ipo AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # After inlining, g++ 12 reports sizes of Qt's hashes as impossible.
@@ -20,6 +20,8 @@ function(scorewright_settings target)
   if(SCOREWRIGHT_FUZZ)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
+  target_compile_definitions(${target} PUBLIC
+    SCOREWRIGHT_SANITIZE=$<BOOL:${SCOREWRIGHT_SANITIZE}>)
   if(SCOREWRIGHT_SANITIZE)
     target_compile_options(${target} PUBLIC
       -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -122,11 +122,12 @@ QString readCanvas(const QString &fileName) {
     std::FILE *const file = openFile(fileName, FileUse::Read);
     if (!file) return {};
     QByteArray bytes;
-    bytes.resize(fileSize(file)); // a device may go on for ever, but it has no size
+    bytes.resize(fileSize(file)); // a device may never end, but its size is 0
     const auto size = static_cast<std::size_t>(bytes.size());
     bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
+    const bool isRead = std::ferror(file) == 0;
     std::fclose(file);
-    return QString::fromUtf8(bytes);
+    return isRead ? QString::fromUtf8(bytes) : QString();
 }
 
 QStringView tagOpening(TagKind kind) {

@@ -25,7 +25,7 @@ enum class TagKind {
 };
 inline constexpr std::size_t tagKinds = static_cast<std::size_t>(TagKind::None);
 
-// The text of a canvas, a file in UTF-8; empty when the file cannot be read.
+// The text of a canvas, a file in UTF-8; empty if the file cannot be opened or reading it fails.
 QString readCanvas(const QString &fileName);
 
 // A canvas with a shorter text, in UTF-16 units, is replaced by the built-in one.

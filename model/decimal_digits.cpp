@@ -71,8 +71,7 @@ int storeDigits(Word number, int exponent, char *text) {
 
 } // namespace
 
-// This is here for speed alone: most of an exporter's work is the text of numbers, for which
-// std::to_chars takes longer.
+// Much faster than std::to_chars (benchmarks/costs.md: "numbers by to_chars").
 int exactDigits(double value, int digits, char *text) {
     constexpr Word hidden = Word(1) << 52; // the highest bit of m, which is not stored
     constexpr Word half = Word(1) << 63;

@@ -1,12 +1,11 @@
-// UTF-16 is written as it is in memory. UTF-8 is converted in pieces, since a converted copy of the
-// whole text would need that much more memory.
+// UTF-16 is written from where it is in memory. UTF-8 is converted piece by piece, which saves the
+// memory of a second copy of the whole text.
 #include "model/output_file.h"
 
 #include <algorithm>
 #include <bit>
 
-static_assert(std::endian::native == std::endian::little,
-              "UTF-16 texts are written as they are in memory");
+static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they are");
 
 namespace {
 

@@ -1,13 +1,13 @@
-// The output of an exporter, and the two ways of appending to it: put for lines, fill for the fixed
-// texts.
+// The output of an exporter, and the two ways of appending to it: put for lines, fill for fixed
+// texts with places.
 //
 //     put(out, u"   else ", name, u"=", score, u";\n");
 //
 // appends its pieces from left to right. A piece is a UTF-16 literal or any other text, a double
 // (written as a model number), an integer, a NumberText, or a text with its quotes escaped.
 //
-// A buffer with a file writes each block as soon as it is full and needs no more memory than that
-// block; a buffer without a file holds the whole text.
+// A buffer with a file writes one block after the other and needs no more memory than one block;
+// without a file, the whole text stays in memory.
 #pragma once
 
 #include "model/number_text.h"
@@ -26,7 +26,7 @@
 class TextBuffer {
 public:
     TextBuffer() = default;
-    // A buffer in memory for a text of about `expected` units.
+    // A buffer in memory with room for `expected` units; it may grow beyond that.
     explicit TextBuffer(qsizetype expected);
     TextBuffer(const TextBuffer &) = delete;
     TextBuffer &operator=(const TextBuffer &) = delete;
@@ -38,19 +38,19 @@ public:
     void reserveBlock() {
         if (capacity == 0) enlarge(1);
     }
-    // Sends everything that was and will be appended to the file.
+    // Everything that was and will be put into the buffer goes to the file.
     void writeTo(OutputFile opened) { file = std::move(opened); }
     // Writes the rest to the file and closes it.
     void close();
 
-    // Adds `count` units and returns the first; the caller fills all of them.
+    // Appends `count` uninitialised units and returns the first; the caller fills all of them.
     char16_t *extend(qsizetype count) {
         if (count > capacity - used) enlarge(count);
         char16_t *const room = units + used;
         used += count;
         return room;
     }
-    // Removes the last `count` of the units that extend() added last.
+    // Removes the last `count` of the units that extend() appended last.
     void giveBack(qsizetype count) { used -= count; }
 
 private:
@@ -72,13 +72,13 @@ struct EscapedText {
     char16_t quote;
 };
 
-// Escapes the quotation marks for a string literal, and nothing else.
+// Escapes the quotation marks of a string literal, and nothing else.
 inline EscapedText escapeQuotes(QStringView text) {
     return {text, u'"'};
 }
 
-// The most units that are appended at once. Longer texts are appended in pieces of this size, so
-// that a buffer with a file never grows beyond its block.
+// Longer texts are appended in pieces of this size, in units, so that a buffer with a file never
+// grows beyond its block, however long a name is.
 constexpr qsizetype longestPiece = 1 << 14;
 
 template <std::size_t size>
@@ -110,14 +110,14 @@ void put(TextBuffer &out, const First &first, const Second &second, const Rest &
     (put(out, rest), ...);
 }
 
-// A place in a fixed text, and the value that goes there.
+// A place in a fixed text, and the value that replaces it.
 struct Place {
     QStringView name;
     std::variant<QStringView, std::ptrdiff_t, double> value;
 };
 
-// Appends a fixed text with its places filled. A place is a name between two "$" and must be among
-// those given; values are not searched for places:
+// Appends a fixed text with its places filled. A place is a name between two "$", and must be one
+// of `places`; their values are never searched for places:
 //
 //     fill(out, u"Dim $recoding$ As Double\n", {{u"recoding", name}});
 void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places);

@@ -6,16 +6,9 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <unordered_map>
 #include <utility>
 
 namespace {
-
-// For tables of the standard library, which throw std::bad_alloc. Qt's own end the program if there
-// is no memory left.
-struct HashOfText {
-    std::size_t operator()(QStringView text) const { return hashText(text); }
-};
 
 // The characters that become "_" in names of the data dictionary when a document is saved.
 constexpr QStringView replacedInDictionary = u" .";
@@ -149,7 +142,7 @@ void readCategorical(Recoding &recoding) {
 }
 
 void readRecodingsOf(Scorecard &card) {
-    std::unordered_map<QStringView, std::size_t, HashOfText> columns;
+    TextTable<QStringView, std::size_t> columns;
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
         Recoding &recoding = card.recodings[variable.position];
@@ -174,7 +167,7 @@ void readRecodingsOf(Scorecard &card) {
 }
 
 void findAlike(Scorecard &card, Target target) {
-    std::unordered_map<QString, std::size_t, HashOfText> last;
+    TextTable<QString, std::size_t> last;
     const auto columnOf = [&](const Recoding &recoding) -> std::size_t & {
         const QString name = cleanedFor(target, recoding.variable->field);
         return last[target == Target::Sas ? name.toLower() : name]; // SAS ignores case
@@ -247,9 +240,8 @@ Scorecard readScorecard(const QString &fileName) {
     if (!card.document.problem.isEmpty()) return card;
     card.isFalling = isInOrder(card.table.x, std::greater_equal());
     card.isLogistic = !card.table.exists && hasLogisticProbability(card.document);
-    std::pmr::vector<double> betas;
-    readNumbers(card.document, card.document.root.childNode(u"RegressionModel"), u"betas", 0,
-                betas);
+    const std::vector<double> betas =
+        readNumbers(card.document, card.document.root.childNode(u"RegressionModel"), u"betas", 0);
     if (card.variables.size() < betas.size()) card.htmlConstant = betas[card.variables.size()];
     readRecodingsOf(card);
     for (const Target target : listTargets(allTargets)) findAlike(card, target);

@@ -64,7 +64,7 @@ struct ScoreTerm {
 
 struct Scorecard {
     ModelDocument document;
-    std::pmr::vector<Variable> variables;
+    Variables variables;
     MissingDictionary dictionary;
     std::vector<QString> columns; // the fields, each once, in the order of the document
     std::vector<Recoding> recodings;

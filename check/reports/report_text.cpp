@@ -6,7 +6,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// Qt's containers terminate on allocation failure; these throw bad_alloc.
+// The standard library's lists, for the reason that model/hash_tables.h gives.
 using Row = std::vector<QString>;
 using Table = std::vector<Row>;
 

@@ -27,8 +27,7 @@ double rounded(double value) {
 }
 
 std::size_t mostFrequent(ModelDocument &document, const Variable &variable) {
-    std::vector<int> counts;
-    readIntegers(document, variable.node, u"nocc", counts);
+    const std::vector<int> counts = readIntegers(document, variable.node, u"nocc");
     const auto largest = std::ranges::max_element(counts);
     if (largest == counts.end() || *largest <= 0) return 0;
     return static_cast<std::size_t>(largest - counts.begin());

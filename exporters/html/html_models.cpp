@@ -23,9 +23,8 @@ HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype po
 
 // The position of each number among the coefficients; the first if the number is repeated.
 NumberTable<std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
-    std::vector<int> numbers;
-    readIntegers(document, regression, u"indexes", numbers);
-    NumberTable<std::size_t> positions(document.root.memory());
+    const std::vector<int> numbers = readIntegers(document, regression, u"indexes");
+    NumberTable<std::size_t> positions;
     positions.reserve(numbers.size());
     for (std::size_t k = 0; k < numbers.size(); ++k) positions.try_emplace(numbers[k], k);
     return positions;
@@ -69,8 +68,8 @@ void readBetas(HtmlModel &model) {
     model.targetKind = readTargetKind(metaData);
     const bool hasConstant = model.targetKind != TargetKind::Other;
     const std::size_t constant = hasConstant ? model.variables.size() : 0;
-    readNumbers(model.document, regression, u"betas",
-                std::max(std::ranges::max(model.regIndex), constant) + 1, model.betas);
+    model.betas = readNumbers(model.document, regression, u"betas",
+                              std::max(std::ranges::max(model.regIndex), constant) + 1);
 }
 
 void readTable(HtmlModel &model) {
@@ -79,8 +78,8 @@ void readTable(HtmlModel &model) {
     model.table.exists = !mapping.isEmpty() && !isCut;
     model.endsScript = model.document.root.isEmpty() || (!mapping.isEmpty() && isCut);
     if (!model.table.exists) return;
-    readNumbers(model.document, mapping, u"x", 0, model.table.x);
-    readNumbers(model.document, mapping, u"y", model.table.x.size(), model.table.y);
+    model.table.x = readNumbers(model.document, mapping, u"x", 0);
+    model.table.y = readNumbers(model.document, mapping, u"y", model.table.x.size());
 }
 
 } // namespace

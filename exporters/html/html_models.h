@@ -10,12 +10,12 @@ enum class TargetKind { Probability, Prediction, Other };
 struct HtmlModel {
     int position; // in the list, from 0
     ModelDocument document;
-    std::pmr::vector<Variable> variables;
-    std::vector<std::size_t> regIndex; // of each variable, its position in betas; or empty
+    Variables variables;
+    std::vector<std::size_t> regIndex; // of each variable among betas; empty without a regression
     TargetKind targetKind = TargetKind::Other;
-    std::pmr::vector<double> betas; // coefficients and constant; empty for a model that gets no sum
-    ProbabilityTable table;         // y is at least as long as x, which may be empty
-    bool endsScript = false;        // instead of its table
+    std::vector<double> betas; // coefficients and constant; empty for a model that gets no sum
+    ProbabilityTable table;    // y has at least as many values as x, which may have none
+    bool endsScript = false;   // where its table would stand
 };
 
 // The model of that document, or those of a list. Prints a message and returns none if the file is

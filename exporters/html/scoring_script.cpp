@@ -103,7 +103,7 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
 
 void putProbabilityTable(TextBuffer &out, const HtmlModel &model) {
     if (!model.table.exists) return;
-    const std::pmr::vector<double> &scores = model.table.x;
+    const std::vector<double> &scores = model.table.x;
     put(out, u"mapScore[", model.position, u"]  = [");
     putNumbers(out, scores);
     put(out, u"];\nmapProba[", model.position, u"]  = [");

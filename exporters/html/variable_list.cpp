@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -14,13 +13,9 @@ namespace {
 // The records of one column, in the order in which they were created.
 using Column = std::vector<VariableRecord>;
 
-struct HashOfField {
-    std::size_t operator()(QStringView field) const { return hashText(field); }
-};
-
 struct Columns {
     std::vector<Column> columns;
-    std::unordered_map<QStringView, std::size_t, HashOfField> positions; // by field
+    TextTable<QStringView, std::size_t> positions; // by field
 };
 
 void addRecord(Columns &list, const HtmlModel &model, std::size_t univIndex) {

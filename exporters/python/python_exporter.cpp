@@ -154,7 +154,7 @@ int exportToPython(const QString &modelFile, const QString &moduleFile, const QS
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const QStringView replaced = replacedCharacters(Target::Python);
-    const std::pmr::vector<Variable> variables = readVariables(document, replaced);
+    const Variables variables = readVariables(document, replaced);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);

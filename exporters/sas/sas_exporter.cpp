@@ -132,7 +132,7 @@ int exportToSas(const QString &modelFile, const QString &scriptFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const QStringView replaced = replacedCharacters(Target::Sas);
-    const std::pmr::vector<Variable> variables = readVariables(document, replaced);
+    const Variables variables = readVariables(document, replaced);
     if (!std::ranges::all_of(variables, sasSupports, &Variable::type)) {
         printText(u"Unsupported recoding (from RANK)!\n"
                   "Please update Qorv to the latest version.\n");

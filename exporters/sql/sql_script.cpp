@@ -229,7 +229,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
                         const SqlDialect &dialect) {
     const QString schema = schemaPrefix(configuration, dialect);
     const QString &target = configuration.predictionTable;
-    std::pmr::vector<Variable> variables = readVariables(document, replacedCharacters(Target::Sql));
+    Variables variables = readVariables(document, replacedCharacters(Target::Sql));
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);

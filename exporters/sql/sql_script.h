@@ -23,7 +23,7 @@ struct SqlScript {
     QString predictionTable;
     QString inputTable;
     QString temporaryTable;
-    std::pmr::vector<Variable> variables;
+    Variables variables;
     std::vector<QString> fields;       // of each variable
     std::vector<QString> debugColumns; // of each variable, or none
     ProbabilityTable probabilities;    // unless the plan is ScoreOnly

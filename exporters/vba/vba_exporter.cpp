@@ -163,8 +163,7 @@ void putRangeChecks(TextBuffer &out, std::span<const Variable> variables) {
 int exportToVba(const QString &modelFile, const QString &moduleFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables =
-        readVariables(document, replacedCharacters(Target::Vba));
+    const Variables variables = readVariables(document, replacedCharacters(Target::Vba));
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
