@@ -12,120 +12,12 @@ import engines
 from engines import CheckedTest
 import score as scorer
 from sql_program import configuration
-from support import EXAMPLES, TESTS, categorical, document, numeric
+from support import CODES, EXAMPLES, NO_YES, TABLE, boolean, categorical, document, model, numeric
 
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 APPLICANTS = EXAMPLES / "credit" / "applicants.csv"
 TEXTS = ["Home", "Marital", "Records", "Job"]
-TABLE = [(3, 0.9), (1, 0.6), (0, 0.5), (-2, 0.1)]
-CANVAS = '[QRV_SCRIPT][QRV_ANSWER 0][QRV_DYN_SCALE][QRV_GRAPHICS]<form name="QRVform">[QRV_ALL_QUESTIONS]</form>'
-ONE_BY_ONE = CANVAS.replace("[QRV_ALL_QUESTIONS]", "[QRV_QUESTION 1][QRV_QUESTION 2]")
-
-
-def model(*changes, terms=((1, 1), (2, 1)), constant=0, kind="C", **more):
-    """A plain model with a numeric column and a list; `changes` take the place of its recodings."""
-    recodings = [numeric(1, "n", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["a", "b"], [0, 1, 2])]
-    recodings[:len(changes)] = [change or given for change, given in zip(changes, recodings)]
-    return document([*recodings, *changes[2:]], list(terms), constant, **{"target": "y", "kind": kind, **more})
-
-
-def boolean(values, scores=(0, 1, 2)):
-    return categorical(2, "c", values, list(scores), tname="bb64")
-
-
-NO_YES = ["no", "NO", "n", "N", "0", "yes"]
-CODES = {"n": [9]}
-LOGISTIC = model(method="softmax", kind="C")
-
-
-def sql(**settings):
-    return {"sql": configuration(**settings)}
-
-
-# For each finding the smallest model that has it, with what else it takes. The plain model has none of them.
-HAVE = {
-    "lowest-segment": (model(table=TABLE), {}),
-    "lowest-point": (model(table=[(0, 0.5)]), {}),
-    "recoding-without-coefficient": (model(terms=[(1, 1)]), {}),
-    "coefficient-without-recoding": (model(terms=[(1, 1), (2, 1), (3, 1)]), {}),
-    "equal-coefficients": (model(terms=[(1, 1), (2, 1), (2, 1)]), {}),
-    "equal-numbers": (model(None, categorical(1, "c", ["a"], [0, 1]), terms=[(1, 1)]), {}),
-    "single-bound": (model(numeric(1, "n", [1], [0, 1, 2])), {}),
-    "missing-codes-line": (model(missing=CODES), {}),
-    "missing-codes-digits": (model(missing={"n": [1234567]}), {}),
-    "missing-codes-name": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3]), missing={"a_b": [9]}), {}),
-    "boolean-digits": (model(None, boolean(NO_YES, (0, 1.1234567, 2))), {}),
-    "values-as-numbers": (model(None, categorical(2, "c", ["1", "2.5"], [0, 1, 2])), {}),
-    "empty-number": (model(None, categorical(2, "c", ["1", ""], [0, 1, 2])), {}),
-    "quote-in-value": (model(None, categorical(2, "c", ['5"'], [0, 1])), {}),
-    "long-name": (model(numeric(1, "n" * 29, [1, 2], [0, 1, 2, 3])), {}),
-    "logistic-parenthesis": (LOGISTIC, {}),
-    "no-terms": (model(terms=[]), {}),
-    "label-ends-comment": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3], label="a */ b")), {}),
-    "unsupported-type": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3], kind="Rank")), {}),
-    "name-characters": (model(numeric(1, "x(1)", [1, 2], [0, 1, 2, 3])), {}),
-    "names-alike": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3]), categorical(2, "a.b", ["a"], [0, 1])), {}),
-    "no-probability": (model(table=TABLE), sql(dbType="default")),
-    "sql-name": (model(), sql(dbType="oracle", keyName="Order")),
-    "quoted-name": (model(numeric(1, "a b", [1, 2], [0, 1, 2, 3])), {}),
-    "apostrophe-in-value": (model(None, categorical(2, "c", ["it's"], [0, 1])), {}),
-    "boolean-numbers": (model(None, boolean(NO_YES)), {}),
-    "boolean-blanks": (model(None, boolean(NO_YES)), sql(dbType="oracle", boolsAreNumbers="0")),
-    "text-blanks": (model(), sql(dbType="teradata")),
-    "capitals": (model(), {"rows": "n,c\n1,A\n"}),
-    "rows-added": (model(), sql(dbType="oracle")),
-    "second-run": (model(), sql(dbType="oracle", createPredictionTable="1")),
-    "key-length": (model(), {"rows": "n,c,k\n1,a,012345678901234567890\n", "key": "k"}),
-    "table-name-quoted": (model(), sql(dbType="mysql", createPredictionTable="1", predictionTable="a b")),
-    "distribute-id": (model(table=TABLE), sql(dbType="teradata_aster", keyName="k")),
-    "comment-dashes": (model(table=TABLE), sql(dbType="mysql")),
-    "debug-recoding": (model(), sql(dbType="oracle", debugRecoding="1")),
-    "debug-columns-alike": (model(None, categorical(2, "n", ["a"], [0, 1])), sql(dbType="oracle", debugRecoding="1")),
-    "small-number": (model(constant=1e-13), {}),
-    "logistic-absent": (LOGISTIC, {}),
-    "quote-in-title": (model(numeric(1, 'a"', [1, 2], [0, 1, 2, 3])), {}),
-    "true-false": (model(None, categorical(2, "c", ["TRUE"], [0, 1])), {}),
-    "missing-codes-parenthesis": (model(missing=CODES), {}),
-    "no-categories": (model(None, numeric(2, "m", [1, 2], [0, 1, 2, 3])), {}),
-    "logistic-last-row": (LOGISTIC, {}),
-    "backslash-in-value": (model(None, categorical(2, "c", ["a\\n"], [0, 1])), {}),
-    "five-categories": (model(None, categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5])), {}),
-    "lowest-nan": (model(kind="T", table=TABLE, constant=-2), {}),
-    "table-unread": (model(table=TABLE), {}),
-    "missing-codes-unread": (model(missing=CODES), {}),
-    "empty-field": (model(), {"rows": "n,c\n,a\n"}),
-    "not-a-number": (model(), {"rows": "n,c\n1,a\nten,b\n"}),
-    "page-error": (model(kind="X"), {}),
-    "canvas-scale": (model(), {"canvas": CANVAS.replace("[QRV_GRAPHICS]", "")}),
-    "bar-scale": (model(kind="T", table=TABLE[:2]), {}),
-    "constant-misplaced": (model(terms=[(1, 1), (2, 1), (2, 1)]), {}),
-    "percent-sign": (model(), {"canvas": None}),
-    "shared-values": (model(None, categorical(2, "n", ["a"], [0, 1])), {}),
-    "array-too-long": (model(numeric(1, "n", [1, 2], [0, 1, 2, 3, 4])), {}),
-    "unknown-setting": (model(), sql(dbType="oracle", dbTpye="mysql")),
-    "unknown-dialect": (model(), sql(dbType="sqlservr")),
-    "flag-text": (model(), sql(dbType="oracle", useTmpTable="yes")),
-    "table-name-cut": (model(), sql(dbType="oracle", predictionTable="t" * 65)),
-    "empty-name": (model(), sql(dbType="oracle", prediction="")),
-    "password-in-clear": (model(), sql(dbType="oracle", kestruneScript="1", odbcPassword="p")),
-    "canvas-not-read": (model(), {"canvas": "short"}),
-    "canvas-tag-missing": (model(), {"canvas": CANVAS.replace("[QRV_ANSWER 0]", "")}),
-    "canvas-number": (model(), {"canvas": CANVAS.replace("0]", "]")}),
-    "canvas-question": (model(), {"canvas": ONE_BY_ONE.replace("2]", "1]")}),
-    "canvas-answer": (model(), {"canvas": CANVAS + "[QRV_ANSWER 0]"}),
-    "canvas-form": (model(), {"canvas": CANVAS.replace("QRVform", "form")}),
-    "canvas-colours": (model(), {"canvas": "<!doctype html>" + CANVAS}),
-    "document-cut": (model()[:-40], {}),
-    "bounds-not-rising": (model(numeric(1, "n", [2, 1], [0, 1, 2, 3])), {}),
-    "table-not-falling": (model(table=[(1, 0.5), (2, 0.6), (0, 0.1)]), {}),
-    "probability-range": (model(table=[(2, 1.5), (1, 0.5), (0, 0.1)]), {}),
-    "probability-order": (model(table=[(2, 0.5), (1, 0.6), (0, 0.1)]), {}),
-    "table-absent": (model(kind="T"), {}),
-    "not-finite": (model(constant=math.inf), {}),
-    "value-twice": (model(None, categorical(2, "c", ["a", "a"], [0, 1, 2])), {}),
-    "empty-value": (model(None, categorical(2, "c", [""], [0, 1])), {}),
-    "value-blanks": (model(None, categorical(2, "c", [" a"], [0, 1])), {}),
-}
+LOGISTIC = model(method="softmax")
 
 
 class ScoresAndFindingsTest(CheckedTest):
@@ -175,31 +67,6 @@ class ScoresAndFindingsTest(CheckedTest):
                      model(None, boolean(["a"] * 5 + ["b"], (0.5, 1 / 3, 2 / 3)))]:
             self.write("m.ModelXml", text, "utf-8")
             self.assert_scores(self.folder / "m.ModelXml", rows)
-
-    def test_every_finding(self):
-        source = (TESTS.parent / "check" / "findings" / "findings.cpp").read_text()
-        self.assertEqual(list(HAVE), re.findall(r'^    {\w+, u"([\w-]+)"', source, re.M))
-        manual = (TESTS.parent / "docs" / "check.md").read_text()
-        self.assertEqual(list(HAVE), re.findall(r"^\| `([\w-]+)` \| (?:all|[a-z, ]+) \| \[", manual, re.M))
-
-        def found(text, sql=None, canvas=CANVAS, rows=None, key=None):
-            self.write("m.ModelXml", text)
-            arguments = []
-            for name, content in {"sql": sql, "canvas": canvas, "rows": rows}.items():
-                if content is not None:
-                    arguments += [f"--{name}", self.write(name, content)]
-            return [finding["name"] for finding in
-                    self.report("m.ModelXml", *arguments, *(["--key", key] if key else []))["findings"]]
-
-        self.assertEqual(found(model()), [])
-        self.assertEqual(found(model(kind="T", table=[(3, 0.9), (-1, 0.5), (-2, 0.1)])), [])  # ends below all scores
-        self.assertEqual(found(model(), canvas=ONE_BY_ONE, rows="n,c,k\n1,a,1\n", key="k"), [])
-        self.assertEqual(found(model(), **sql(dbType="oracle")), ["rows-added"])
-        for name, (text, more) in HAVE.items():
-            with self.subTest(name):
-                names = found(text, **more)
-                self.assertIn(name, names)
-                self.assertEqual(sorted(names, key=list(HAVE).index), names)  # in the manual's order
 
     def test_findings_say_where(self):
         self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5]),
