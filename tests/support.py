@@ -113,8 +113,8 @@ def model(*changes, terms=((1, 1), (2, 1)), constant=0, kind="C", **more):
     return document([*recodings, *changes[2:]], list(terms), constant, **{"target": "y", "kind": kind, **more})
 
 
-def boolean(values, scores=(0, 1, 2)):
-    return categorical(2, "c", values, list(scores), tname="bb64")
+def boolean(values, scores=(0, 1, 2), number=2, name="c"):
+    return categorical(number, name, values, scores, tname="bb64")
 
 
 def terms_document(count):
