@@ -29,8 +29,10 @@ class ScoresAndFindingsTest(CheckedTest):
         self.report(path, "--rows", rows, "--scores", "scores.csv", *more)
         with open(self.folder / "scores.csv", newline="", encoding="utf-8") as file:
             lines = list(csv.reader(file))[1:]
-        self.assertEqual([tuple(float(cell) if cell else None for cell in line[1:]) for line in lines], expected)
-        self.assertEqual([line[0] for line in lines], [str(i + 1) for i in range(len(lines))])
+        found = [(line[0], *(float(cell) if cell else None for cell in line[1:])) for line in lines]
+        wanted = [(str(number), *numbers) for number, numbers in enumerate(expected, start=1)]
+        different = [pair for pair in zip(found, wanted) if pair[0] != pair[1]]
+        self.assertEqual((len(found), different[:1]), (len(wanted), []))  # a difference of whole lists takes minutes
 
     def test_scores_are_those_of_the_scorer(self):
         self.assert_scores(CREDIT, APPLICANTS, "--missing", "NA")
