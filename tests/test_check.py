@@ -65,7 +65,7 @@ class ScoresAndFindingsTest(CheckedTest):
         steep = [numeric(1, "n", [0, 1, 2, 3], [0, -2, -0.5, 0, 1, 3])]
         for text in [model(terms=[(1, 0.1), (2, 0.7), (1, 1 / 3)], constant=0.3), LOGISTIC,
                      model(*steep, table=[(3, 0.9), (2, 0.9), (2, 0.8), (1, 1 / 3), (-0.5, 0.25), (-2, 0.01)]),
-                     model(*steep, table=[(1, 0.5)]), model(numeric(1, "n", [3, 1, 2], [0, 1, 2, 3, 4])),
+                     model(*steep, table=[(1, 0.5)]), model(numeric(1, "n", [0, 2, 1, 3], range(6))),
                      model(None, categorical(1, "c", ["a", "a"], [0, 1, 5]), terms=[(1, 0.5)]),
                      model(None, boolean(["a"] * 5 + ["b"], (0.5, 1 / 3, 2 / 3))), model(None, categorical(2, "c", long, [0, 1, 2]))]:
             self.write("m.ModelXml", text, "utf-8")
@@ -74,7 +74,7 @@ class ScoresAndFindingsTest(CheckedTest):
     def test_findings_say_where(self):
         self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5]),
                                        categorical(3, "yn", NO_YES, [0, 1, 2], tname="bb64"), terms=[(1, 1), (2, 1), (3, 1)]))
-        self.write("s.xml", configuration(dbTpye="mysql", dbType="sqlservr"))
+        self.write("s.xml", configuration(dbTpye="mysql", OUTPTFILE="x", colour="red", dbType="sqlservr"))
         many = "".join(f"?;x{i} with a long text;0\n?;y{i};\n" for i in range(3000))
         self.write("rows.csv", "\ufeffc;n;yn\n\"a\nb\";1;yes\nA;1;no\nb;2;1\n?;x;maybe\n" + many + "\n;1;2;3\nz", "utf-8")
         report = self.report("m.ModelXml", "--sql", "s.xml", "--rows", "rows.csv", "--delimiter", ";", "--missing", "?")
@@ -83,9 +83,10 @@ class ScoresAndFindingsTest(CheckedTest):
         self.assertEqual({name: (f["rows"], f["firstRow"]) for name, f in found.items() if f.get("rows")},
                          {"single-bound": (3, 1), "boolean-numbers": (4, 1), "capitals": (1, 2), "five-categories": (1, 3),
                           "empty-field": (1, 6006), "not-a-number": (6001, 4)})
-        self.assertEqual([found[name]["place"] for name in ["unknown-setting", "unknown-dialect", "single-bound"]],
-                         ["setting dbTpye; dbType is meant?", "setting dbType, 'sqlservr'; sqlserver is meant?",
-                          "recoding V1 (column n)"])
+        names = ["unknown-setting", "unknown-dialect", "single-bound"]
+        self.assertEqual([f["place"] for f in report["findings"] if f["name"] in names],
+                         ["recoding V1 (column n)", "setting dbTpye; dbType is meant?", "setting OUTPTFILE; outputFile is meant?",
+                          "setting colour", "setting dbType, 'sqlservr'; sqlserver is meant?"])
         self.assertEqual(found["five-categories"]["targets"], ["html"])
         only = self.report("m.ModelXml", "--target", "html")["findings"]
         self.assertEqual([f["name"] for f in only], ["single-bound", "five-categories", "percent-sign"])
@@ -240,6 +241,8 @@ class DeploymentTest(CheckedTest):
             ("a value in two spellings", "sql", listed["Rent rent"], ",rent", "s\n1", ["capitals"]),
             ("a number read as a position", "html", model(six, twice), "3", "s\n41", ["shared-values"]),
             ("a fraction is no position", "html", model(six, twice), "1.5", "s\nnan", ["shared-values"]),
+            ("an empty value", "vba", model(None, categorical(2, "c", ["", "b"], [0, 5, 6])), "1,", "s\n7", ["empty-value"]),
+            ("0 above the lowest segment", "python", model(table=TABLE), ",b", "p\n0", "c read as missing"),
             ("an empty field", "html", model(), ",b", "s\n3", ["empty-field"]),
             ("a list of five beside a boolean", "html", model(None, five, boolean([*"nnnny"], number=3, name="d"), terms=[(1, 1), (2, 1), (3, 1)]),
              "1,a,y", "s\n-2", ["five-categories"]),

@@ -160,6 +160,7 @@ CAUSES = [
     ("lowest-segment", "sql vba python", None, of(terms=SUMS, table=[(2, 0.9), (-1, 0.5), (-2, 0.1)])),
     ("lowest-segment", "sql vba python", None, of(terms=[(1, -1), (2, 1)], table=[(2, 0.9), (-2, 0.5), (-4, 0.1)])),
     ("lowest-segment", "vba python", None, sql(model(table=TABLE), dbType="default")),
+    ("single-bound", EVERY, None, of(n([1], [0, 1, 2]))),
     ("missing-codes-unread", "html", (1, 2), of(n(scores=[math.nan, math.nan, 2, 3]), missing=CODES, rows="n,c|,a|9,a")),
     ("name-characters", "sas", None, of(n(name="é"))),
     ("name-characters", "sas python", None, of(n(name="1x"))),

@@ -11,9 +11,9 @@ from sklearn import compose, impute, linear_model, preprocessing
 from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
-from support import EXAMPLES, TESTS
+from support import EXAMPLES, TESTS, categorical, document, numeric
 import score  # support has told where it is, and the next
-from scorewright import Scorecard, logistic_table
+from scorewright import Scorecard, doubles, logistic_table
 
 APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=False,
                          na_values={"Home": "NA", "Income": "NA"})
@@ -51,6 +51,17 @@ class PackageTest(SqlProgramTest):
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
                     self.assertTrue((right | (closed == "left") & ~told).all() or bounds not in short)
 
+    def test_encodings(self):
+        """A document is read in the encodings that the program reads, and its missing codes under any target's name."""
+        text = document([numeric(1, "a b-c", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["é"], [0, 1])], [(1, 1), (2, 1)], 0)
+        for name in ["a b-c", "a_b-c", "a_b_c", "A_B_C"]:
+            named = text.replace("</DataDictionary>", f'<DataField name="{name}"><Missing>{doubles([9])}</Missing></DataField>'
+                                 "</DataDictionary>")
+            for encoding in ["utf-8-sig", "utf-16", "utf-16-le", "cp1252"]:
+                with self.subTest(name=name, encoding=encoding):
+                    card = Scorecard.read(self.folder / self.write("m.ModelXml", named, encoding))
+                    self.assertEqual((card.recodings[1].values[0][0], card.missing), ("é", {"a b-c": [9]}))
+
     def test_logistic_table(self):
         for error in [0.1, 0.01, 1e-3, 1e-5]:
             for lowest, highest in [(-1e6, 1e6), (-3.1, 2.2), (3, 20)]:
@@ -71,7 +82,9 @@ class PackageTest(SqlProgramTest):
             bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy=strategy)
             filled = make_pipeline(impute.SimpleImputer(strategy="median"), bins)
             columns = (bins, ["Age", "Amount"]), (lists, ["Home", "Job"]), (filled, ["Income"])
-            pipeline = make_pipeline(compose.make_column_transformer(*columns), regression).fit(rows, bad)
+            transformer = compose.make_column_transformer(*columns)
+            transformer.set_params(transformer_weights={"onehotencoder": 2.5, "pipeline": 0.5})
+            pipeline = make_pipeline(transformer, regression).fit(rows, bad)
             if unknown == "ignore":
                 with self.assertRaisesRegex(ValueError, "'Home'.*unlisted_as_missing"):
                     Scorecard.from_sklearn(pipeline, target="bad")
