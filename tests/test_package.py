@@ -11,7 +11,7 @@ from sklearn import compose, impute, linear_model, preprocessing
 from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
-from support import EXAMPLES, TESTS, categorical, document, numeric
+from support import EXAMPLES, TESTS, categorical, document, model, numeric
 import score  # support has told where it is, and the next
 from scorewright import Scorecard, doubles, logistic_table
 
@@ -117,7 +117,17 @@ class PackageTest(SqlProgramTest):
         result = self.scored(card, pd.DataFrame({name: [*cells] for name, cells in columns.items()}, index=[*"vwxyz"]))
         self.assertEqual(result.score.to_dict(), {"v": 10, "w": 22, "x": 22, "y": 11, "z": 32})
         city, code, _ = Scorecard.read(self.folder / "card.ModelXml").recodings
-        self.assertEqual((city.values[5][0], code.values[5][0]), ("(other)", "99"))
+        self.assertEqual((city.values[5][0], city.scores[6], code.values[5][0], code.scores[6]), ("(other)", -2, "99", -2))
+
+    def test_texts(self):
+        """Of cells and labels, as they stand in a document."""
+        (card := Scorecard("y")).add_categorical("c", {True: 1, 2.0: 2, " 2.5 ": 3}, label=" a\n\tb ")
+        card.write(self.folder / "card.ModelXml")
+        c, = Scorecard.read(self.folder / "card.ModelXml").recodings
+        self.assertEqual(([value for value, _ in c.values], c.label), (["True", "2", "2.5"], "a b"))
+        for cells, scores in [([True, 2, 2.0, "2", 2.5], [1, 2, 2, 2, 3]), ([1, "1", False], [0, 0, 0])]:
+            result = card.score(pd.DataFrame({"c": pd.Series(cells, dtype=object)})).score
+            self.assertEqual([*result], scores)
 
     def test_repairs(self):
         """What repair.py makes of the tariff's code scores as the model says, also when it is repaired again."""
@@ -154,6 +164,11 @@ class PackageTest(SqlProgramTest):
                 ("'x y' and 'X.Y'", lambda card: numeric(card, column="X.Y")),
                 ("'c'.*twice", lambda card: card.add_categorical("c", {"1": 0, 1: 2})),
                 ("'b'.*spellings", lambda card: card.add_boolean("b", 0, 1, spellings=(["n"], ["n"]))),
+                ("'c'.*blanks", lambda card: card.add("c", "MapValues", [0, 1], values=[(" a", "A")])),
+                ("'x y' is missing", lambda card: card.score(pd.DataFrame({"x_y": [1]}))),
+                ("error must be", lambda card: logistic_table(0.201)),
+                ("error must be", lambda card: logistic_table(9e-8)),
+                ("logistic form", lambda card: Scorecard.read(self.folder / self.write("m.ModelXml", model(method="softmax")))),
                 ("'x y'.*no number.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
                 ("table.*falling", {"table": ([1, 2], [0.5, 0.4])}),
                 ("table.*as many", {"table": ([2, 1], [0.5])}),
