@@ -49,7 +49,8 @@ class ScoresAndFindingsTest(CheckedTest):
                 else:
                     beside = [math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, math.inf)]
                     cells = [repr(v) for v in [*variable.cuts, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
-                    cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", f"0.{0:0400}1", f"1{0:0400}e-5", " 7 ", "007", ".5", "5.", "1e", "--1", "+-1", "+"]
+                    cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", f"0.{0:0400}1", f"1{0:0400}e-5"]
+                    cells += [" 7 ", "007", ".5", "5.", "1e", "--1", "+-1", "+"]
                 rows += [{**first, variable.field: cell} for cell in cells]
             with open(self.folder / "rows.csv", "w", newline="") as file:
                 writer = csv.DictWriter(file, list(first))
@@ -304,17 +305,6 @@ class DeploymentTest(CheckedTest):
         different = sum(abs(p - expected[int(i)]) > 1e-9 for i, p in results)
         self.assertEqual((found["equal"], found["explainedRows"], found["unexplained"]), (75 - different, different, 0))
         self.assertEqual(set(found["explained"]), {"missing-codes-name", "boolean-blanks", "lowest-segment", "lowest-point"})
-
-    def test_pages_and_reports(self):
-        """The report needs no other file, and shows the texts of the document as texts."""
-        self.write("m.ModelXml", model(None, categorical(2, "c", ["<script>", "b&b"], [-5, 1, 2]), kind="T", table=TABLE))
-        self.write("rows.csv", "n,c\n1,b&b\n2,<script>\n")
-        self.write("results.csv", "p\n0.1\n0.2\n")
-        self.compare("m.ModelXml", "rows.csv", "results.csv", "html", "--probability", "p", "--report", "report.html")
-        page = (self.folder / "report.html").read_text("utf-8")
-        for part in ["lowest-nan", "&lt;script&gt;", "b&amp;b", "<svg", "without explanation", "Row 1"]:
-            self.assertIn(part, page)
-        self.assertNotRegex(page, r"<script|https?:|url\(|@import|src=|nan%|inf%")
 
 
 if __name__ == "__main__":
