@@ -118,8 +118,8 @@ class ScoresAndFindingsTest(CheckedTest):
 
     def test_calls_that_are_refused(self):
         self.write("m.ModelXml", model())
-        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x", "twin.csv": " n\n1\n",
-                           "large.csv": 'n,c\n1,"' + (65 << 20) * "a"}.items():
+        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x",
+                           "twin.csv": " n\n1\n", "large.csv": 'n,c\n1,"' + (65 << 20) * "a"}.items():
             self.write(name, text, "utf-8")
         self.write("wide.csv", "n,c\n", "utf-16-be")
         (self.folder / "link.csv").symlink_to("good.csv")
@@ -140,8 +140,10 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "File 'rows.csv' would be written over.", [*good, *compare[2:], "--target", "sql", "--score", "n", "--report", "rows.csv"]),
             (2, "File 'new' would be written over.", [*good, "--scores", "new", "--report", "new"]),
             (2, "Cannot write to file '/dev/full'.", [*good, "--scores", "/dev/full"]),
-            *((2, "The tolerance must be a number that is not below 0.", [*scored, "--tolerance", text]) for text in ["inf", "nan", "-1", "x"]),
-            *((2, "The delimiter must be one character of ASCII", [*good, "--delimiter", text]) for text in ["", ";;", "é", '"', "\n", "\r"]),
+            *((2, "The tolerance must be a number that is not below 0.", [*scored, "--tolerance", text])
+              for text in ["inf", "nan", "-1", "x"]),
+            *((2, "The delimiter must be one character of ASCII", [*good, "--delimiter", text])
+              for text in ["", ";;", "é", '"', "\n", "\r"]),
             (2, "File 'wide.csv' is UTF-16; save it as UTF-8.", ["m.ModelXml", "--rows", "wide.csv"]),
             (2, "File 'large.csv' has a cell of more than 64 MiB; is a quotation mark not closed?", ["m.ModelXml", "--rows", "large.csv"]),
             (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv", "--report", "kept.html"]),
@@ -223,13 +225,14 @@ class DeploymentTest(CheckedTest):
         same = [numeric(i, name, [1, 2], [0, 1, 2, 3]) for i, name in enumerate("wxyz", start=1)]
         listed = {values: model(None, categorical(2, "c", values.split(), [0, 1, 2]))
                   for values in ["Rent rent", "TRUE x", "True x", "1 2.5", "a\\n x"]}
-        twice = numeric(2, "n", [1, 2], [0, 5, 7, 11])
+        three, twice = [(1, 1), (2, 1), (3, 1)], numeric(2, "n", [1, 2], [0, 5, 7, 11])
         lost = numeric(1, "n", [1, 2], [0, 1, math.nan, 3])
         above = model(numeric(1, "n", [1, 2], [0, 1, 1e6, 3]))
         unequal = model(terms=[(1, 1), (2, 1), (2, 5)])
         jump = model(table=[(3, 0.9), (1, 0.6), (1, 0.2), (0, 0.1)])
         for name, target, text, cells, result, expected, *more in [
-            ("NaN that the page shows", "html", model(None, five, table=TABLE, kind="T"), ",a", "p\nNaN", ["five-categories", "lowest-nan"]),
+            ("NaN that the page shows", "html", model(None, five, table=TABLE, kind="T"), ",a", "p\nNaN",
+             ["five-categories", "lowest-nan"]),
             ("a text for a probability", "html", model(None, five, table=TABLE, kind="T"), ",a", "p\noops", []),
             ("a text for a score of NaN", "sas", model(lost), "1,a", "s\noops", []),
             ("an empty cell for a score of NaN", "sas", model(lost), "1,a", 's\n""', None),
@@ -245,7 +248,7 @@ class DeploymentTest(CheckedTest):
             ("an empty value", "vba", model(None, categorical(2, "c", ["", "b"], [0, 5, 6])), "1,", "s\n7", ["empty-value"]),
             ("0 above the lowest segment", "python", model(table=TABLE), ",b", "p\n0", "c read as missing"),
             ("an empty field", "html", model(), ",b", "s\n3", ["empty-field"]),
-            ("a list of five beside a boolean", "html", model(None, five, boolean([*"nnnny"], number=3, name="d"), terms=[(1, 1), (2, 1), (3, 1)]),
+            ("a list of five beside a boolean", "html", model(None, five, boolean([*"nnnny"], number=3, name="d"), terms=three),
              "1,a,y", "s\n-2", ["five-categories"]),
             ("a truth value of a list", "vba", listed["TRUE x"], ",True", "s\n1", ["true-false"]),
             ("a text TRUE", "vba", listed["TRUE x"], ",TRUE", "s\n0", ["true-false"]),
@@ -256,14 +259,15 @@ class DeploymentTest(CheckedTest):
             ("a boolean's number", "sql", model(None, boolean(["1"] * 5 + ["yes"])), ",1", "s\n2", ["boolean-numbers"]),
             ("a boolean's text", "sql", model(None, boolean(NO_YES)), ",yes", "s\n1", ["boolean-numbers"]),
             ("a number beside a list", "sql", model(None, categorical(2, "c", "12", [0, 5, 6]), boolean(NO_YES, number=3, name="d"),
-                                                    terms=[(1, 1), (2, 1), (3, 1)]), "1,2,yes", "s\n9", ["boolean-numbers"]),
+                                                    terms=three), "1,2,yes", "s\n9", ["boolean-numbers"]),
             ("the first of equal coefficients", "html", unequal, "1,b", "s\n9", ["constant-misplaced", "equal-coefficients"]),
             ("the last of equal coefficients", "sql", unequal, "1,b", "s\n12", ["equal-coefficients"]),
-            ("the last of equal numbers", "sql", model(None, categorical(1, "c", "a", [0, 4]), terms=[(1, 1)]), "1,a", "s\n6", ["equal-numbers"]),
+            ("the last of equal numbers", "sql", model(None, categorical(1, "c", "a", [0, 4]), terms=[(1, 1)]), "1,a", "s\n6",
+             ["equal-numbers"]),
             ("a coefficient as a factor", "vba", model(terms=[(3, 2), (1, 1), (2, 1)]), "1,a", "s\n5", ["coefficient-without-recoding"]),
             ("a probability of the last row only", "python", LOGISTIC, ",a", "p\n0", ["logistic-last-row"]),
             ("a score for a probability", "vba", LOGISTIC, ",a", "p\n1", ["logistic-absent"]),
-            ("three columns of one name", "sas", model(*alike, terms=[(1, 1), (2, 1), (3, 1)]), "0,2,2", "s\n1110", ["names-alike"]),
+            ("three columns of one name", "sas", model(*alike, terms=three), "0,2,2", "s\n1110", ["names-alike"]),
             ("capitals of a name", "sas", model(None, numeric(2, "N", [1, 2], [0, 1, 2, 3])), "0,3", "s\n6", ["names-alike"]),
             ("above a jump of the table", "sas", jump, ",a", "p\n0.6", None),
             ("a tolerance relative to a large score", "sas", above, "1,a", "s\n1000900", None, "--tolerance", "1e-3"),
@@ -273,7 +277,7 @@ class DeploymentTest(CheckedTest):
              "--missing", "none"),
             ("above the last bound", "sas", model(None, twice), "1", "s\n14", "n read as another value"),
             ("below the first bound", "sas", model(None, twice), "1", "s\n6", "n read as another value"),
-            ("any of four columns", "sas", model(*same, terms=[(i, 1) for i in [1, 2, 3, 4]]), "1,1,1,1", "s\n9", []),
+            ("any of four columns", "sas", model(*same, terms=[*three, (4, 1)]), "1,1,1,1", "s\n9", []),
         ]:
             with self.subTest(name):
                 self.write("m.ModelXml", text)

@@ -103,7 +103,8 @@ FINDINGS = {
     "debug-recoding": (sql(debugRecoding="1"), None, sql(debugRecoding="0")),
     "debug-columns-alike": (sql(model(None, c("a", name="n")), debugRecoding="1"), None, sql(model(None, c("a", name="n"))),
                             sql(model(None, c("a", name="N")), debugRecoding="1")),
-    "small-number": (of(constant=-9.9e-13), None, of(constant=1e-12), of(constant=-1), of(n(scores=[0, 1e-13, 2, 3]), terms=[(1, 1e6), (2, 1)])),
+    "small-number": (of(constant=-9.9e-13), None, of(constant=1e-12), of(constant=-1),
+                     of(n(scores=[0, 1e-13, 2, 3]), terms=[(1, 1e6), (2, 1)])),
     "logistic-absent": (LOGISTIC, None, OF_TABLE),
     "quote-in-title": (of(n(name='a"')), None, of(n(name="a''"))),
     "true-false": (of(None, c("TRUE"), rows="n,c|1,true|1,TRUE|1,True|1,FALSE"), (2, 2), of(None, c("true", "TRUE."))),
@@ -124,7 +125,8 @@ FINDINGS = {
     "bar-scale": (of(kind="T", table=TABLE[:2]), None, of(kind="T", table=TABLE[:3]), of(table=TABLE[:2])),
     "constant-misplaced": (of(terms=SUMS), None, of(terms=[(2, 1), (2, 1)])),
     "percent-sign": (Case(canvas=None), None, Case(model(kind="T", table=TABLE), canvas=None)),
-    "shared-values": (of(c("b", "a", number=1), c("a", "b"), rows="c|x|a|b"), (2, 2), of(c("a", "b", number=1), c("a", "b", scores=[3, 4, 5]))),
+    "shared-values": (of(c("b", "a", number=1), c("a", "b"), rows="c|x|a|b"), (2, 2),
+                      of(c("a", "b", number=1), c("a", "b", scores=[3, 4, 5]))),
     "array-too-long": (of(n(scores=[0, 1, 2, 3, 4]), rows="n,c|1,a|3,a|2,a|ten,a"), (2, 2), of(n([1, 2, 3], [0, 1, 2, 3, 4]))),
     "unknown-setting": (sql(dbTpye="mysql"), None, sql(USETMPTABLE="1")),
     "unknown-dialect": (sql(dbType="sqlservr"), None, sql(dbType="SQLServer"), sql(dbType="")),
@@ -148,7 +150,8 @@ FINDINGS = {
     "probability-order": (of(table=[(3, 0.5), (2, 0.6), (1, 0.1), (0, 0)]), None, of(table=[(3, 0.5), (2, 0.5), (1, 0.6), (0, 0.6)])),
     "table-absent": (of(kind="T"), None, of(kind="T", method="softmax")),
     "not-finite": (of(constant=INFINITY), None, of(constant=1e308)),
-    "value-twice": (of(None, c("a", "b", "a"), rows="n,c|1,b|1,a|1,x"), (1, 2), of(None, c("a", "A")), of(None, boolean(["a"] * 5 + ["b"] * 2))),
+    "value-twice": (of(None, c("a", "b", "a"), rows="n,c|1,b|1,a|1,x"), (1, 2), of(None, c("a", "A")),
+                    of(None, boolean(["a"] * 5 + ["b"] * 2))),
     "empty-value": (of(None, c("", "b"), rows="n,c|1,b|1,|1, "), (2, 2), of(None, c(" ", "b"))),
     "value-blanks": (of(None, c("a ")), None, of(None, c("a b"))),
 }
@@ -172,7 +175,7 @@ CAUSES = [
     ("capitals", "sql", (1, 1), sql(model(None, FLAGS), "n,c|1,YES", boolsAreNumbers="0")),
     ("small-number", "sql", None, of(n(scores=[0, 1e-7, 2, 3]), terms=[(1, 1e-6), (2, 1)])),
     ("logistic-absent", "sql vba", None, of(kind="T", method="softmax")),
-    ("true-false", "vba", (2, 1), of(None, boolean(["False"] * 5 + ["TRUE"]), rows="n,c|1,FALSE|1,TRUE|1,False")),
+    ("true-false", "vba", (2, 1), of(None, boolean(["False"] * 5 + ["TRUE"]), rows="n,c|1,FALSE|1,TRUE|1,False|1,True")),
     ("page-error", "html", None, of(kind="T")),
     ("canvas-scale", "html", None, canvas("[QRV_DYN_SCALE]", text=model(kind="T", table=TABLE))),
     # HTML shows five values as a list and reads them as buttons, and asks for a number with a field.
@@ -238,7 +241,8 @@ class FindingsTest(CheckedTest):
 
     def test_order(self):
         """Findings are reported in the order of the manual."""
-        names = [finding["name"] for finding in self.found(sql(model(n([2, 1], name="1 x", label="*/"), c("TRUE", " ", '"'), constant=INFINITY), dbTpye=""))]
+        text = model(n([2, 1], name="1 x", label="*/"), c("TRUE", " ", '"'), constant=INFINITY)
+        names = [finding["name"] for finding in self.found(sql(text, dbTpye=""))]
         self.assertEqual(sorted(names, key=list(FINDINGS).index), names)
         self.assertGreater(len(set(names)), 8)
 
