@@ -129,9 +129,11 @@ class ScoresAndFindingsTest(CheckedTest):
         good = ["m.ModelXml", "--rows", "good.csv"]
         scored = [*good, "--compare", "good.csv", "--target", "sql", "--score", "n"]
         for status, message, arguments in [
-            (2, "One model document is needed.", []), (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
+            (2, "One model document is needed.\nscorewright-check --help tells the options.\n", []),
+            (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
             (2, "There is no target 'r'.", ["m.ModelXml", "--target", "sql,r"]), (2, "--key wants --rows.", ["m.ModelXml", "--key", "n"]),
             (2, "File 'rows.csv' lacks the column 'c'.", ["m.ModelXml", "--rows", "rows.csv"]),
+            (2, "File 'kept.html' lacks the columns 'n', 'c'.", ["m.ModelXml", "--rows", "kept.html"]),
             (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
             (2, "--compare wants the one --target", ["m.ModelXml", *compare]),
             (2, "--show prints text", ["m.ModelXml", "--show", "--json"]),
@@ -150,6 +152,7 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "--rows wants a file.", ["m.ModelXml", "--rows", ""]),
             (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
             (2, "The column 'x' is named twice.", [*compare, "m.ModelXml", "--target", "sql", "--key", "x", "--probability", "x"]),
+            (2, "The column 'n' is named twice.", [*scored, "--key", "n", "--probability", "c"]),
             (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
             (2, "File 'twin.csv' has one column for 'n' and ' n'.", ["twins.ModelXml", "--rows", "twin.csv"]),
             (2, "The model has no probability; use --score.", ["m.ModelXml", *compare, "--target", "sql", "--probability", "n"]),

@@ -211,11 +211,13 @@ class FindingsTest(CheckedTest):
         return self.report("m.ModelXml", *arguments)["findings"]
 
     def test_lists(self):
-        """The findings of the program, the manual and this file are the same, in one order."""
+        """The findings of the program, with their targets and pages, are those of the manual, and all are tested here."""
         source = (TESTS.parent / "check/findings/findings.cpp").read_text()
-        self.assertEqual(list(FINDINGS), re.findall(r'^    {\w+, u"([\w-]+)"', source, re.M))
+        kinds = re.findall(r'^    {\w+, u"([\w-]+)", ([a-z |]+), [a-z |]+, \w+,\n.*?u"([\w-]+\.md)"},$', source, re.M | re.S)
         manual = (TESTS.parent / "docs/check.md").read_text()
-        self.assertEqual(list(FINDINGS), re.findall(r"^\| `([\w-]+)` \| (?:all|[a-z, ]+) \| \[", manual, re.M))
+        rows = re.findall(r"^\| `([\w-]+)` \| ([a-z, ]+) \| \[[^]]*\]\(([\w-]+\.md)", manual, re.M)
+        self.assertEqual([(name, targets.replace(" |", ","), page) for name, targets, page in kinds], rows)
+        self.assertEqual(list(FINDINGS), [name for name, _, _ in rows])
 
     def found_of(self, name, case):
         return [finding for finding in self.found(case) if finding["name"] == name]
