@@ -177,6 +177,7 @@ CAUSES = [
     ("logistic-absent", "sql vba", None, of(kind="T", method="softmax")),
     ("true-false", "vba", (2, 1), of(None, boolean(["False"] * 5 + ["TRUE"]), rows="n,c|1,FALSE|1,TRUE|1,False|1,True")),
     ("page-error", "html", None, of(kind="T")),
+    ("page-error", "html", None, of(kind="X", table=TABLE)),
     ("canvas-scale", "html", None, canvas("[QRV_DYN_SCALE]", text=model(kind="T", table=TABLE))),
     # HTML shows five values as a list and reads them as buttons, and asks for a number with a field.
     ("shared-values", "html", (1, 2), of(c(*"abcd", number=1), c(*"abcde"), rows="c|x|a")),
