@@ -101,6 +101,22 @@ def document(models, terms, constant, table=None, target="Bad Payer.x", method=N
             f"{'' if table is None else mapping(table)}<DataDictionary>{fields}</DataDictionary></QRV_Model>")
 
 
+TABLE = [(3, 0.9), (1, 0.6), (0, 0.5), (-2, 0.1)]
+NO_YES = ["no", "NO", "n", "N", "0", "yes"]
+CODES = {"n": [9]}
+
+
+def model(*changes, terms=((1, 1), (2, 1)), constant=0, kind="C", **more):
+    """A plain model with a numeric column and a list; `changes` take the place of its recodings."""
+    recodings = [numeric(1, "n", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["a", "b"], [0, 1, 2])]
+    recodings[:len(changes)] = [change or given for change, given in zip(changes, recodings)]
+    return document([*recodings, *changes[2:]], list(terms), constant, **{"target": "y", "kind": kind, **more})
+
+
+def boolean(values, scores=(0, 1, 2), number=2, name="c"):
+    return categorical(number, name, values, scores, tname="bb64")
+
+
 def terms_document(count):
     """A regression of many terms over numeric models of one bound each."""
     models = [numeric(k, f"c{k}", [k], [0, k, -k]) for k in range(1, count + 1)]

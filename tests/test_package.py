@@ -13,9 +13,9 @@ from sklearn import compose, impute, linear_model, preprocessing
 from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
-from support import BANNER, EXAMPLES, TESTS
+from support import BANNER, EXAMPLES, TESTS, categorical, document, model, numeric
 import score  # support has told where it is, and the next
-from scorewright import Scorecard, logistic_table
+from scorewright import Scorecard, doubles, logistic_table
 from scorewright.document import names
 
 APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=False,
@@ -54,6 +54,17 @@ class PackageTest(SqlProgramTest):
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
                     self.assertTrue((right | (closed == "left") & ~told).all() or bounds not in short)
 
+    def test_encodings(self):
+        """A document is read in the encodings that the program reads, and its missing codes under any target's name."""
+        text = document([numeric(1, "a b-c", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["é"], [0, 1])], [(1, 1), (2, 1)], 0)
+        for name in ["a b-c", "a_b-c", "a_b_c", "A_B_C"]:
+            named = text.replace("</DataDictionary>", f'<DataField name="{name}"><Missing>{doubles([9])}</Missing></DataField>'
+                                 "</DataDictionary>")
+            for encoding in ["utf-8-sig", "utf-16", "utf-16-le", "cp1252"]:
+                with self.subTest(name=name, encoding=encoding):
+                    card = Scorecard.read(self.folder / self.write("m.ModelXml", named, encoding))
+                    self.assertEqual((card.recodings[1].values[0][0], card.missing), ("é", {"a b-c": [9]}))
+
     def test_logistic_table(self):
         for error in [0.1, 0.01, 1e-3, 1e-5]:
             for lowest, highest in [(-1e6, 1e6), (-3.1, 2.2), (3, 20)]:
@@ -74,7 +85,9 @@ class PackageTest(SqlProgramTest):
             bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy=strategy)
             filled = make_pipeline(impute.SimpleImputer(strategy="median"), bins)
             columns = (bins, ["Age", "Amount"]), (lists, ["Home", "Job"]), (filled, ["Income"])
-            pipeline = make_pipeline(compose.make_column_transformer(*columns), regression).fit(rows, bad)
+            transformer = compose.make_column_transformer(*columns)
+            transformer.set_params(transformer_weights={"onehotencoder": 2.5, "pipeline": 0.5})
+            pipeline = make_pipeline(transformer, regression).fit(rows, bad)
             if unknown == "ignore":
                 with self.assertRaisesRegex(ValueError, "'Home'.*unlisted_as_missing"):
                     Scorecard.from_sklearn(pipeline, target="bad")
@@ -141,7 +154,17 @@ class PackageTest(SqlProgramTest):
         result = self.scored(card, pd.DataFrame({name: [*cells] for name, cells in columns.items()}, index=[*"vwxyz"]))
         self.assertEqual(result.score.to_dict(), {"v": 10, "w": 22, "x": 22, "y": 11, "z": 32})
         city, code, _ = Scorecard.read(self.folder / "card.ModelXml").recodings
-        self.assertEqual((city.values[5][0], code.values[5][0]), ("(other)", "99"))
+        self.assertEqual((city.values[5][0], city.scores[6], code.values[5][0], code.scores[6]), ("(other)", -2, "99", -2))
+
+    def test_texts(self):
+        """Of cells and labels, as they stand in a document."""
+        (card := Scorecard("y")).add_categorical("c", {True: 1, 2.0: 2, " 2.5 ": 3}, label=" a\n\tb ")
+        card.write(self.folder / "card.ModelXml")
+        c, = Scorecard.read(self.folder / "card.ModelXml").recodings
+        self.assertEqual(([value for value, _ in c.values], c.label), (["True", "2", "2.5"], "a b"))
+        for cells, scores in [([True, 2, 2.0, "2", 2.5], [1, 2, 2, 2, 3]), ([1, "1", False], [0, 0, 0])]:
+            result = card.score(pd.DataFrame({"c": pd.Series(cells, dtype=object)})).score
+            self.assertEqual([*result], scores)
 
     def test_repairs(self):
         """What repair.py makes of the tariff's code scores as the model says, also when it is repaired again."""
@@ -178,6 +201,11 @@ class PackageTest(SqlProgramTest):
                 ("'x y' and 'X.Y'", lambda card: numeric(card, column="X.Y")),
                 ("'c'.*twice", lambda card: card.add_categorical("c", {"1": 0, 1: 2})),
                 ("'b'.*spellings", lambda card: card.add_boolean("b", 0, 1, spellings=(["n"], ["n"]))),
+                ("'c'.*blanks", lambda card: card.add("c", "MapValues", [0, 1], values=[(" a", "A")])),
+                ("'x y' is missing", lambda card: card.score(pd.DataFrame({"x_y": [1]}))),
+                ("error must be", lambda card: logistic_table(0.201)),
+                ("error must be", lambda card: logistic_table(9e-8)),
+                ("logistic form", lambda card: Scorecard.read(self.folder / self.write("m.ModelXml", model(method="softmax")))),
                 ("'x y'.*no number.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
                 ("table.*falling", {"table": ([1, 2], [0.5, 0.4])}),
                 ("table.*as many", {"table": ([2, 1], [0.5])}),
