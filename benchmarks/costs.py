@@ -10,12 +10,12 @@ import hashlib
 import os
 import re
 import subprocess
+import sys
 import tempfile
 from datetime import date
-from multiprocessing import Process
 from pathlib import Path
 
-from exporters import ROOT, model, run
+from exporters import ROOT, model
 from support import document
 
 RECODINGS = "model/recodings.cpp"
@@ -71,14 +71,17 @@ HEAD = """# What the optimisations save
 
 What a SAS script costs without each of them, compared with the program as it is: {large[0]:,} instructions,
 {large[1]:,} misses of a cache of 2 MB and a peak of {memory:.1f} MB for a document of {count:,} variables; and
-{small[0]:,} instructions to start, for a document without any. The counts are those of valgrind. `benchmarks/costs.py`
-makes this table.
+{small[0]:,} instructions to start, for a document without any. The counts are those of valgrind; peaks vary by 0.5 %
+from run to run. `benchmarks/costs.py` makes this table.
 
 Measured on {day} with {compiler}.
 
 | Without the optimisation | Instructions | Cache misses | Peak memory | Instructions to start |
 | --- | ---: | ---: | ---: | ---: |
 """
+PEAK = """import resource, subprocess, sys
+subprocess.run(sys.argv[1:], stdout=subprocess.DEVNULL, check=True)
+print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss * 1024)"""
 CACHE = ["--cache-sim=yes", "--LL=2097152,16,64"]
 COUNT = 10_000
 
@@ -99,27 +102,25 @@ def build(source):
 
 def measure(program, folder):
     """Instructions and cache misses of the large document, its peak memory, instructions of the small one; and a hash of
-    what was written. This process stays small, since the peak of a child begins with that of its parent."""
+    what was written."""
     counts, written = [], hashlib.sha256()
     for name in ["large", "small"]:
         tool = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", *CACHE]
         counted = subprocess.run([*tool, program, "-a", name, "out"], cwd=folder, capture_output=True, text=True, check=True)
         events = [int(count) for count in re.search(r"Collected : ([\d ]+)", counted.stderr)[1].split()]
         counts.append((events[0], sum(events[-3:])))
-        with open(folder / "out", "rb") as out:
-            while piece := out.read(1 << 20):
-                written.update(piece)
-    memory = min(run(folder, ["-a", "large", "out"], program=str(program))[1] for _ in range(3))
-    return [*counts[0], memory, counts[1][0]], written.digest()
+        written.update((folder / "out").read_bytes())
+    # The peak of a process begins with that of its parent, which is therefore a small one.
+    peak = subprocess.run([sys.executable, "-c", PEAK, program, "-a", "large", "out"], cwd=folder, capture_output=True,
+                          check=True)
+    return [*counts[0], int(peak.stdout), counts[1][0]], written.digest()
 
 
 def main():
     with tempfile.TemporaryDirectory() as name:
         folder, source = Path(name), Path(name) / "source"
         subprocess.run(["git", "clone", "--quiet", ROOT, source], check=True)  # what is committed
-        writer = Process(target=write_documents, args=[folder])
-        writer.start()
-        writer.join()
+        write_documents(folder)
         usual, text = measure(build(source), folder)
         rows = ""
         for alternative, patch in ALTERNATIVES.items():
@@ -130,7 +131,7 @@ def main():
                 (source / file).write_text(before.replace(old, new))
             figures, changed = measure(build(source), folder)
             assert changed == text, f"{alternative} writes something else"
-            shares = " | ".join(f"{100 * (figure / least - 1):+.1f} %" for figure, least in zip(figures, usual))
+            shares = " | ".join(f"{round(100 * (figure / least - 1), 1) + 0.0:+.1f} %" for figure, least in zip(figures, usual))
             rows += f"| {alternative} | {shares} |\n"
             print(alternative, shares, flush=True)
             for file, before in kept.items():
