@@ -18,6 +18,7 @@ from support import CODES, EXAMPLES, NO_YES, TABLE, boolean, categorical, docume
 
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 APPLICANTS = EXAMPLES / "credit" / "applicants.csv"
+JUMP = [(3, 0.9), (1, 0.6), (1, 0.2), (0, 0.1)]
 TEXTS = ["Home", "Marital", "Records", "Job"]
 LOGISTIC = model(method="softmax")
 
@@ -84,7 +85,7 @@ class ScoresAndFindingsTest(CheckedTest):
         self.assertEqual((report["rows"], report["uneven"]), (6006, 2))
         found = {f["name"]: f for f in report["findings"]}
         self.assertEqual({name: (f["rows"], f["firstRow"]) for name, f in found.items() if f.get("rows")},
-                         {"single-bound": (3, 1), "boolean-numbers": (4, 1), "capitals": (1, 2), "five-categories": (1, 3),
+                         {"single-bound": (3, 1), "boolean-numbers": (4, 1), "capitals": (1, 2), "not-listed": (3, 3), "five-categories": (1, 3),
                           "empty-field": (1, 6006), "not-a-number": (6001, 4)})
         names = ["unknown-setting", "unknown-dialect", "single-bound"]
         self.assertEqual([f["place"] for f in report["findings"] if f["name"] in names],
@@ -124,6 +125,7 @@ class ScoresAndFindingsTest(CheckedTest):
                            "twin.csv": " n\n1\n", "large.csv": 'n,c\n1,"' + (65 << 20) * "a"}.items():
             self.write(name, text, "utf-8")
         self.write("wide.csv", "n,c\n", "utf-16-be")
+        self.write("latin.csv", "n,c\n1,a\n2,é\n", "latin-1")
         (self.folder / "link.csv").symlink_to("good.csv")
         self.write("twins.ModelXml", model(None, categorical(2, " n", ["a"], [0, 1])))
         self.write("short.ModelXml", model(numeric(1, "n", [1, 2], [0, 1])))
@@ -149,6 +151,7 @@ class ScoresAndFindingsTest(CheckedTest):
             *((2, "The delimiter must be one character of ASCII", [*good, "--delimiter", text])
               for text in ["", ";;", "é", '"', "\n", "\r"]),
             (2, "File 'wide.csv' is UTF-16; save it as UTF-8.", ["m.ModelXml", "--rows", "wide.csv"]),
+            (2, "latin.csv, row 2: not valid UTF-8. Convert the file, for example with iconv.", ["m.ModelXml", "--rows", "latin.csv"]),
             (2, "File 'large.csv' has a cell of more than 64 MiB; is a quotation mark not closed?", ["m.ModelXml", "--rows", "large.csv"]),
             (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv", "--report", "kept.html"]),
             (2, "--rows wants a file.", ["m.ModelXml", "--rows", ""]),
@@ -204,7 +207,8 @@ class DeploymentTest(CheckedTest):
 
         counted = self.report("model.ModelXml", "--rows", APPLICANTS, "--target", "python")["findings"]
         self.assertEqual([(f["name"], f["rows"]) for f in counted], [
-            *engines.LOWEST.items(), ("lowest-point", 0), *(("not-a-number", n) for n in [381, 47, 18])])  # each column once
+            *engines.LOWEST.items(), ("lowest-point", 0), *(("not-listed", n) for n in [6, 1, 2]),
+            *(("not-a-number", n) for n in [381, 47, 18])])  # each column once
 
         changed = result.copy()
         changed.loc[17, "Status_bad_score"] += 0.5
@@ -251,7 +255,9 @@ class DeploymentTest(CheckedTest):
         lost = numeric(1, "n", [1, 2], [0, 1, math.nan, 3])
         above = model(numeric(1, "n", [1, 2], [0, 1, 1e6, 3]))
         unequal = model(terms=[(1, 1), (2, 1), (2, 5)])
-        jump = model(table=[(3, 0.9), (1, 0.6), (1, 0.2), (0, 0.1)])
+        jump = model(table=JUMP)
+        self.write("c.xml", configuration(dbType="sqlite"))
+        self.write("m.xml", configuration(dbType="mysql", boolsAreNumbers="0"))
         for name, target, text, cells, result, expected, *more in [
             ("NaN that the page shows", "html", model(None, five, table=TABLE, kind="T"), ",a", "p\nNaN",
              ["five-categories", "lowest-nan"]),
@@ -299,11 +305,43 @@ class DeploymentTest(CheckedTest):
              "--missing", "none"),
             ("above the last bound", "sas", model(None, twice), "1", "s\n14", "n read as another value"),
             ("below the first bound", "sas", model(None, twice), "1", "s\n6", "n read as another value"),
+            ("a number beside a bound of 17 digits", "python", model(numeric(1, "n", [0, 1 / 7], [0, 1, 2, 3])), f"{1 / 7},a", "s\n4",
+             ["bound-digits"]),
+            ("the other side of a jump within a large tolerance", "sas", model(table=JUMP, constant=-0.02), ",a", "p\n0.6", [],
+             "--tolerance", "0.05"),
+            ("a steep line beside a jump", "sas", model(table=[(1.0000001, 0.9), *JUMP[1:]]), ",a", "p\n0.6", None),
+            ("a value listed twice, and no capitals", "sql", model(None, categorical(2, "c", "aAa", [0, 1, 2, 3])), ",a", "s\n1",
+             ["value-twice"]),
+            ("an empty field where 0 is a code", "html", model(missing={"n": [0]}), ",a", "s\n2", ["empty-field", "missing-codes-unread"]),
+            ("a code of another name, rounded", "python", model(numeric(1, "O'B", [1, 2], [0, 1, 2, 3]), missing={"O_B": [1234567]}),
+             "1234570,a", "s\n1", ["missing-codes-digits", "missing-codes-name"]),
+            ("one column of two that was mended", "sql", model(None, categorical(2, "c", "x", [0, 1]), categorical(3, "d", "x", [0, 10]),
+                                                               terms=three), ",X,X", "s\n10", ["capitals"]),
+            ("either of two findings", "sql", model(None, categorical(2, "c", "xyx", [0, 1, 2, 3]), boolean(NO_YES, number=3, name="d"),
+                                                    terms=[*three[:2], (3, 2)]), ",x,yes", "s\n5", ["boolean-numbers", "value-twice"]),
+            ("a backslash of MySQL", "sql", model(None, categorical(2, "c", ["a\\c"], [0, 1])), ",ac", "s\n1", ["backslash-escape"]),
+            ("another accent", "sql", model(None, categorical(2, "c", ["Zürich"], [0, 1])), ",ZURICH", "s\n1", ["accents"]),
+            ("NaN above all bounds", "sql", model(), "nan,a", "s\n4", ["nan-cell"]),
+            ("an empty text that is false", "sql", model(None, boolean(NO_YES)), "1,", "s\n3", ["boolean-numbers"]),
+            ("a text that is neither", "sql", model(None, boolean(NO_YES, (4, 1, 2))), "1,yes", "s\n6", ["boolean-numbers"]),
+            ("a text that Excel takes for 15", "vba", model(), '"1,5",a', "s\n4", ["not-a-number"]),
+            ("per cent in Excel", "vba", model(), "50%,a", "s\n2", ["not-a-number"]),
+            ("a hexadecimal number", "html", model(), "0x1,a", "s\n3", ["not-a-number"]),
+            ("a blank that Python removes", "python", model(), "1,a\u00a0", "s\n3", ["other-blanks"]),
+            ("a value with a blank at its end", "sas", model(None, categorical(2, "c", ["a "], [0, 1])), "1,a", "s\n3", ["value-blanks"]),
+            ("a full stop that SAS takes for missing", "sas", model(None, categorical(2, "c", ["1", "."], [0, 1, 5])), "1,x", "s\n7",
+             ["values-as-numbers"]),
+            ("a list of texts beside numbers", "sas", model(categorical(1, "n", ["1"], [0, 4]), categorical(2, "c", ["1", "z"], [0, 1, 2])),
+             "1.0,1.0", "s\n4", ["values-as-numbers"]),
+            ("an overflow of SAS", "sas", model(method="softmax", constant=-800), ",a", 'p\n""', ["logistic-overflow"]),
+            ("32 bits", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.33333337", ["single-precision"], "--sql", "c.xml"),
+            ("more than 32 bits lose", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.333335", [], "--sql", "c.xml"),
+            ("blanks at the end in MySQL", "sql", model(None, boolean(NO_YES)), "1, yes ", "s\n2", ["boolean-blanks"], "--sql", "m.xml"),
             ("any of four columns", "sas", model(*same, terms=[*three, (4, 1)]), "1,1,1,1", "s\n9", []),
         ]:
             with self.subTest(name):
                 self.write("m.ModelXml", text)
-                self.write("rows.csv", ",".join(dict.fromkeys(re.findall(r'field="([^"]*)"', text))) + f"\n{cells}\n")
+                self.write("rows.csv", ",".join(dict.fromkeys(re.findall(r'field="([^"]*)"', text))) + f"\n{cells}\n", "utf-8")
                 found = self.compare("m.ModelXml", "rows.csv", self.write("results.csv", result), target,
                                      "--probability" if result[0] == "p" else "--score", result[0], *more)
                 told = None if found["equal"] else next(iter(found["blamed"]), None) or sorted(found["explained"])
