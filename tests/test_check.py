@@ -65,7 +65,8 @@ class ScoresAndFindingsTest(CheckedTest):
         """Several terms of a number, equal points, bounds and points out of order, the logistic form; more cells than
         are kept, and long ones that differ at their ends."""
         rows, long = self.folder / "rows.csv", [20 * "long" + end for end in "xy"]
-        rows.write_text("n,c\n" + "".join(f"{n / 1000},{['a', 'b', 'z', *long][n % 5]}\n{n / 9e3},\n" for n in range(-2000, 4000)))
+        rows.write_text("n,c\n" + "".join(f"{n / 1000},{['a', 'b', 'z', ''][n % 4]}\n{n / 9e3},{long[n % 2]}\n"
+                                         for n in range(-2000, 4000)))
         steep = [numeric(1, "n", [0, 1, 2, 3], [0, -2, -0.5, 0, 1, 3])]
         for text in [model(terms=[(1, 0.1), (2, 0.7), (1, 1 / 3)], constant=0.3), LOGISTIC,
                      model(*steep, table=[(3, 0.9), (2, 0.9), (2, 0.8), (1, 1 / 3), (-0.5, 0.25), (-2, 0.01)]),
@@ -124,7 +125,7 @@ class ScoresAndFindingsTest(CheckedTest):
         for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x",
                            "twin.csv": " n\n1\n", "large.csv": 'n,c\n1,"' + (65 << 20) * "a"}.items():
             self.write(name, text, "utf-8")
-        self.write("wide.csv", "n,c\n", "utf-16-be")
+        self.write("wide.csv", "\ufeffn,c\n", "utf-16-be")
         self.write("latin.csv", "n,c\n1,a\n2,é\n", "latin-1")
         (self.folder / "link.csv").symlink_to("good.csv")
         self.write("twins.ModelXml", model(None, categorical(2, " n", ["a"], [0, 1])))
