@@ -24,23 +24,25 @@ struct Outcomes {
     }
 };
 
-// The findings that may change one of the cells.
+// The findings that may change one of the cells; cellOf(rank) is what a recoding of the column
+// reads. Most cells are changed by none, and cost no memory here.
+template <typename CellOf>
 std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, std::span<const Cell *const> cells,
-                                  const Deviations &target) {
+                                  std::size_t column, CellOf cellOf, const Deviations &target) {
     const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     std::vector<FindingId> ids;
     for (const FindingId id : tests.simulated[static_cast<std::size_t>(target.target)]) {
         bool isConcerned = false;
         for (std::size_t rank = 0; rank < recodings.size() && !isConcerned; ++rank) {
-            isConcerned = concerns(id, card.recodings[recodings[rank]], *cells[rank], target);
+            isConcerned = concerns(id, card.recodings[recodings[rank]], cellOf(rank), target);
         }
         if (isConcerned && ids.size() < mostCombined) ids.push_back(id);
     }
     return ids;
 }
 
-Outcomes outcomesOf(const Scorecard &card, std::size_t column, std::span<const Cell *const> cells,
+template <typename CellOf>
+Outcomes outcomesOf(const Scorecard &card, std::size_t column, CellOf cellOf,
                     std::vector<FindingId> ids, Deviations deviations) {
     const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     Outcomes outcomes = {.ids = std::move(ids)};
@@ -49,7 +51,7 @@ Outcomes outcomesOf(const Scorecard &card, std::size_t column, std::span<const C
         deviations.findings = outcomes.setOf(mask);
         for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
             outcomes.ofMask[mask].push_back(
-                recode(card.recodings[recodings[rank]], *cells[rank], deviations));
+                recode(card.recodings[recodings[rank]], cellOf(rank), deviations));
         }
     }
     return outcomes;
@@ -142,10 +144,12 @@ CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::si
         const bool isAffected = isAffectedAnyhow(card, column, test, cell, meant);
         if (isAffected) affecting.alone.push_back(test.finding);
     }
-    const std::vector<const Cell *> cells(meant.size(), &cell);
-    for (const Target target : listTargets(allTargets)) {
+    const auto cellOf = [&](std::size_t /*rank*/) -> const Cell & { return cell; };
+    for (std::size_t i = 0; i < targetCount; ++i) {
+        if (tests.simulated[i].empty()) continue;
+        const auto target = static_cast<Target>(i);
         Deviations deviations = {{}, target, sql};
-        std::vector<FindingId> ids = concerning(card, tests, column, cells, deviations);
+        std::vector<FindingId> ids = concerning(card, tests, column, cellOf, deviations);
         if (ids.empty()) continue;
         FindingSet all;
         for (const FindingId id : ids) all.add(id);
@@ -153,7 +157,7 @@ CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::si
         const int variants = target == Target::Sql ? 1 : variantsOf(all, target);
         for (int variant = 0; variant < variants; ++variant) {
             deviations.variant = variant;
-            const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
+            const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
             for (const CellTest &test : tests.tests) {
                 if ((test.targets & only(target)) == 0) continue;
                 if (isMovedAlone(outcomes, test.id, test.rank)) {
@@ -176,14 +180,15 @@ std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &test
                                   std::size_t column, std::span<const Cell *const> cells,
                                   std::span<const Recoded> meant, const Deviations &target) {
     std::vector<CellChoice> choices;
-    const std::vector<FindingId> ids = concerning(card, tests, column, cells, target);
+    const auto cellOf = [&](std::size_t rank) -> const Cell & { return *cells[rank]; };
+    const std::vector<FindingId> ids = concerning(card, tests, column, cellOf, target);
     if (ids.empty()) return choices;
     FindingSet all;
     for (const FindingId id : ids) all.add(id);
     Deviations deviations = target;
     for (int variant = 0; variant < variantsOf(all, target.target); ++variant) {
         deviations.variant = variant;
-        const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
+        const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
         for (std::size_t mask = 1; mask < outcomes.ofMask.size(); ++mask) {
             const Outcome &outcome = outcomes.ofMask[mask];
             if (std::ranges::equal(outcome, meant, std::not_fn(differ))) continue;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <cstring>
 #include <unordered_map>
 #include <utility>
 
@@ -81,10 +82,23 @@ struct JudgedCell {
 
 // Columns repeat their values, so that most cells were judged before. The cache is direct-mapped:
 // each column has so many entries, a power of two.
-std::size_t entriesOf(std::size_t columns) {
-    constexpr std::size_t most = 1 << 16;
-    return std::bit_floor(
-        std::clamp<std::size_t>(most / std::max<std::size_t>(columns, 1), 1, 2048));
+std::size_t entriesOf(const RowOptions &options, std::size_t columns) {
+    constexpr std::size_t most = 2048;
+    const std::size_t share = options.cachedCells / std::max<std::size_t>(columns, 1);
+    return std::bit_floor(std::clamp<std::size_t>(share, 1, most));
+}
+
+// Of the size, the first bytes and the last: enough for the entry of a short text.
+std::size_t hashOf(std::string_view bytes) {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+    if (bytes.size() >= sizeof first) {
+        std::memcpy(&first, bytes.data(), sizeof first);
+        std::memcpy(&last, bytes.data() + bytes.size() - sizeof last, sizeof last);
+    } else {
+        for (const char c : bytes) first = first << 8U | static_cast<unsigned char>(c);
+    }
+    return ((first ^ last << 1U ^ bytes.size()) * 0x9E3779B97F4A7C15U) >> 48U;
 }
 
 // How often texts occur that their column does not list; of the first different ones.
@@ -140,7 +154,7 @@ struct RowScorer {
     RowTests tests = testsOf(options, findings);
     std::vector<ColumnTests> columnTests = testsOfColumns(card, findings);
     std::vector<TextCounts> unlisted = std::vector<TextCounts>(card.columns.size());
-    std::size_t entries = entriesOf(card.columns.size());
+    std::size_t entries = entriesOf(options, card.columns.size());
     std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * entries);
     std::vector<JudgedCell *> row = std::vector<JudgedCell *>(card.columns.size());
     std::string key = {};
@@ -203,10 +217,11 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
         key = bytes;
         return;
     }
-    const std::size_t hash = std::hash<std::string_view>()(bytes);
-    JudgedCell &cell = judged[place * entries + (hash & (entries - 1))];
+    JudgedCell &cell = judged[place * entries + (hashOf(bytes) & (entries - 1))];
     row[place] = &cell;
-    if (cell.raw != bytes || cell.recoded.empty()) judge(*this, place, cell, bytes);
+    const bool isHit = cell.raw.size() == bytes.size() && !cell.recoded.empty() &&
+                       std::memcmp(cell.raw.data(), bytes.data(), bytes.size()) == 0;
+    if (!isHit) judge(*this, place, cell, bytes);
     ++cell.rows;
 }
 

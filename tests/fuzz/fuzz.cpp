@@ -242,6 +242,7 @@ void check(Input input) {
 
     RowOptions options;
     options.target = static_cast<Target>(choices.target % targetCount);
+    options.cachedCells = 64; // the rows of an input are few
     options.missing = {"NA"};
     if (choices.hasKey()) options.key = u"k"_s;
     if (choices.hasScore()) options.score = u"s"_s;
