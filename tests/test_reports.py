@@ -16,7 +16,8 @@ class ReportsTest(CheckedTest):
         self.write("m.ModelXml", document(models, [(1, 0.5), (1, 0.5), (2, 0.25), (3, -1), (4, 0)], -1, target="y", missing={"n": [9, 99]},
                                           table=[(3, 1.25), (1, 0.6), (0, 0.5), (-2, 0.1)]))
         rows = [("twice", "1,a&b,no,", "1,0.6"), ("low", "0,?,n,", "-2.5,0.1"), ("short", "2,<script>", "1.25,0.68125"),
-                ("code", "9,<script>,?,,too long", "-0.625,0"), ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
+                ("code", "9,<script>,?,,too long", "-0.625,0"), *((f"code{i}", "9,<script>,?,", "-0.625,0") for i in range(5)),
+                ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
                 ("best", "3,a&b,YES,", "3.25,1.25"),
                 # Without explanation: the first four as one column or two would be read wrongly.
                 *((f"wrong{i}", "2,<script>,no,", result) for i, result in enumerate(3 * ["-1.125,0.275"] + ["-1.375,0.225"])),
@@ -45,10 +46,15 @@ class ReportsTest(CheckedTest):
         self.assert_golden("check.html", page[page.index("<main>"):])
         self.assertNotRegex(page, r"<script|https?:|url\(|@import|src=|\bnan\b|\binf\b")
 
-    def test_groups(self):
-        """Of findings of one kind, with all of their targets."""
-        self.write("m.ModelXml", document([numeric(1, "1x", [1, 2], [0, 1, 2, 3]), categorical(2, "é", ["a"], [0, 1])], [(1, 1), (2, 1)], 0))
-        self.assertIn("name-characters [sas, python] docs/python.md\n", self.check("m.ModelXml")[1])
+    def test_single_things(self):
+        """The targets of findings of one kind, one row that is uneven, a point of the curve that is no number."""
+        models = [numeric(1, "1x", [1, 2], [0, 1, 2, 3]), categorical(2, "é", ["a"], [0, 1])]
+        self.write("m.ModelXml", document(models, [(1, 1), (2, 1)], 0, table=[(3, 0.9), (float("nan"), 0.5), (0, 0.1)]))
+        self.write("rows.csv", "1x,é\n1\n", "utf-8")
+        printed = self.check("m.ModelXml", "--rows", "rows.csv", "--report", "report.html")[1]
+        self.assertIn("name-characters [sas, python] docs/python.md\n", printed)
+        self.assertIn("1 row scored\n1 row with fewer or more cells than titles, first row 1\n", printed)
+        self.assertNotIn(" 0.00,", (self.folder / "report.html").read_text("utf-8").split("<polyline")[1])
 
 
 if __name__ == "__main__":
