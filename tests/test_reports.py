@@ -16,7 +16,8 @@ class ReportsTest(CheckedTest):
         self.write("m.ModelXml", document(models, [(1, 0.5), (1, 0.5), (2, 0.25), (3, -1), (4, 0)], -1, target="y", missing={"n": [9, 99]},
                                           table=[(3, 1.25), (1, 0.6), (0, 0.5), (-2, 0.1)]))
         rows = [("twice", "1,a&b,no,", "1,0.6"), ("low", "0,?,n,", "-2.5,0.1"), ("short", "2,<script>", "1.25,0.68125"),
-                ("code", "9,<script>,?,,too long", "-0.625,0"), ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
+                ("code", "9,<script>,?,,too long", "-0.625,0"), *((f"code{i}", "9,<script>,?,", "-0.625,0") for i in range(5)),
+                ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
                 ("best", "3,a&b,YES,", "3.25,1.25"),
                 # Without explanation: the first four as one column or two would be read wrongly.
                 *((f"wrong{i}", "2,<script>,no,", result) for i, result in enumerate(3 * ["-1.125,0.275"] + ["-1.375,0.225"])),
