@@ -2,6 +2,7 @@
 
 import re
 import shutil
+import sqlite3
 import subprocess
 import unittest
 
@@ -13,7 +14,7 @@ from sklearn.pipeline import make_pipeline
 from sql_program import SqlProgramTest, configuration
 from support import EXAMPLES, TESTS
 import score  # support has told where it is, and the next
-from scorewright import Scorecard, logistic_table
+from scorewright import Scorecard, doubles, logistic_table
 
 APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=False,
                          na_values={"Home": "NA", "Income": "NA"})
@@ -106,27 +107,67 @@ class PackageTest(SqlProgramTest):
         city, code, _ = Scorecard.read(self.folder / "card.ModelXml").recodings
         self.assertEqual((city.values[5][0], code.values[5][0]), ("(other)", "99"))
 
-    def test_repairs(self):
-        """What repair.py makes of the tariff's code scores as the model says, also when it is repaired again."""
+    def repaired(self, *options):
+        """The code of model.ModelXml in SAS, Python and SQL, repaired, which it also is when it is repaired again."""
+        self.assertEqual(self.run_program("-a", "model.ModelXml", "m.sas")[0], 0)
+        self.assertEqual(self.run_program("-p", "model.ModelXml", "m.py")[0], 0)
+        settings = {"dbType": "mysql", "useTmpTable": "0", "createPredictionTable": "1", "boolsAreNumbers": "0"}
+        self.assertEqual(self.run_configuration(configuration(outputFile="m.sql", **settings))[0], 0)
+        scripts, texts = ["m.sas", "m.py", "m.sql"], []
+        for _ in range(2):
+            repair = ["/usr/bin/python3", "-B", EXAMPLES / "repair.py", *options, "model.ModelXml", *scripts]
+            subprocess.run(repair, cwd=self.folder, check=True)
+            texts.append([*map(self.read, scripts)])
+        self.assertEqual(*texts)
+        return texts[0]
+
+    def test_repaired_tariff(self):
         card = Scorecard.read(EXAMPLES / "claims/claims.ModelXml")
         card.write(self.folder / "model.ModelXml")
-        self.run_program("-a", "model.ModelXml", "m.sas")
-        self.run_program("-p", "model.ModelXml", "m.py", "M")
-        self.run_configuration(configuration(outputFile="m.sql"))
-        scripts, repaired = ["m.sas", "m.py", "m.sql"], []
-        for _ in range(2):
-            repair = ["/usr/bin/python3", "-B", EXAMPLES / "repair.py", "model.ModelXml", *scripts]
-            subprocess.run(repair, cwd=self.folder, check=True)
-            repaired.append([*map(self.read, scripts)])
-        self.assertEqual(*repaired)
-        sas, module, sql = repaired[0]
+        sas, module, sql = self.repaired()
         self.assertNotRegex(sas, r"(?m)^(\|\||\))")
         self.assertRegex(sql, r"""(?s)\("vehicle age"=99\) OR .*='driver''s school'""")
         texts = dict.fromkeys(["region", "use", "garage"], "")
         policies = pd.read_csv(EXAMPLES / "claims/claims.csv", dtype=dict.fromkeys(texts, str)).fillna(texts)
         exec(module, names := {})
-        found = names["QORVModel_M"]().apply(policies)
+        found = names["QORVModel_model"]().apply(policies)
         np.testing.assert_allclose(found.claim_cost_prediction, card.score(policies).score, atol=1e-9)
+
+    def test_repaired_oddities(self):
+        """A logistic form, an array that is too long, equal numbers, and values that each language escapes."""
+        card = Scorecard("y", constant=0.5, missing={"n": [-1, 99.25]})
+        values = ["it's", "tail\\", "a\\'b", "\\\\", "c\\n", 'say "no"', "\\\""]
+        card.add_categorical("c", {value: i + 1 for i, value in enumerate(values)})
+        card.add_numeric("n", [1, 2], [10, 20, 30], closed="document", missing=90)
+        frame = pd.DataFrame({"c": values, "n": [0, 1.5, 3, -1, 99.25, np.nan, 2]})
+        score = card.score(frame).score
+        card.write(self.folder / "model.ModelXml")
+        text = (self.folder / "model.ModelXml").read_text("utf-16")
+        text = text.replace("<RegressionModel", "<RegressionModel normalizationMethod='softmax'")
+        text = text.replace(doubles([90, 10, 20, 30]), doubles([90, 10, 20, 30, 40]))
+        zero = re.search(r'(?s)<Model name="V2".*?<y>', text)[0].replace("V2", "V1") + doubles([0] * 4) + "</y></Model>"
+        self.write("model.ModelXml", text.replace("<UnivModels>", "<UnivModels>" + zero), "utf-16")
+        sas, module, sql = self.repaired()
+        self.assertEqual(sas.count("if (missing(n) or n=-1 or n=99.25) then R"), 2)
+        self.assertIn("y_proba=1/(1+exp(-y_score));", sas)
+        exec(module, names := {})
+        found = names["QORVModel_model"]().apply(frame)
+        np.testing.assert_allclose(found, np.transpose([score, 1 / (1 + np.exp(-score))]), atol=1e-12)
+        frame.assign(id=frame.index).to_sql("src", database := sqlite3.connect(":memory:"))
+        database.executescript(sql)
+        predictions = database.execute("select * from Preds order by cast(id as integer)").fetchall()
+        self.assertEqual([value for _, value in predictions], [*score])
+        self.assertIn(r"(c))='a\\\'b' THEN", self.repaired("--backslash-escapes")[2])
+
+    def test_repaired_without_lists(self):
+        card = Scorecard("y")
+        card.add_numeric("n", [1, 2], [10, 20, 30], closed="document")
+        card.write(self.folder / "model.ModelXml")
+        exec(self.repaired()[1], names := {})
+        self.assertEqual([*names["QORVModel_model"]().apply(pd.DataFrame({"n": [0, 3]})).y_prediction], [10, 30])
+        repair = ["/usr/bin/python3", "-B", EXAMPLES / "repair.py", EXAMPLES / "claims/claims.ModelXml", "m.sql"]
+        run = subprocess.run(repair, cwd=self.folder, capture_output=True, encoding="utf-8")
+        self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here\n"))
 
     def test_refusals(self):
         def numeric(card, bounds=(1, 2), scores=(1, 2, 3), column="x y", number=None):

@@ -11,9 +11,13 @@ from .values import doubles, integers, require
 REPLACED = ("", " .", " .'-", " .'-\"%()/")  # the characters that SQL, SAS, Python and VBA turn into "_" in names
 
 
+def clean(name, replaced):
+    return "".join("_" if c in replaced else c for c in name)
+
+
 def names(column):
     """The names of a column in SQL, SAS, Python and VBA."""
-    return ["".join("_" if c in characters else c for c in column) for characters in REPLACED]
+    return [clean(column, characters) for characters in REPLACED]
 
 
 def with_sixth(values):
@@ -72,15 +76,25 @@ def child(node, name):
 
 
 def numbers(node, name, code="<f8"):
-    return np.frombuffer(base64.b64decode(child(node, name).text or ""), code).tolist()
+    """The array of that name, as far as it holds whole numbers."""
+    data = base64.b64decode((child(node, name).text or "") + "==")
+    return np.frombuffer(data[:len(data) // int(code[2]) * int(code[2])], code).tolist()
+
+
+def parse(path):
+    """The document's root. Raises ValueError for what is not XML."""
+    data = Path(path).read_bytes()
+    encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
+    try:
+        return ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
+    except (SyntaxError, ValueError) as error:
+        raise ValueError(f"{path}: {error}") from None
 
 
 def read(path, card):
     """Fills an empty scorecard."""
-    data = Path(path).read_bytes()
-    encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
+    root = parse(path)
     try:
-        root = ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
         meta, regression = child(root, "metadata"), child(root, "regressionmodel")
         require(len(regression) and "normalizationMethod" not in regression.keys(), "no regression, or a logistic form")
         card.target, card.kind = child(meta, "target").text or "", meta.get("tkind", "T")
@@ -90,7 +104,7 @@ def read(path, card):
                      model.get("tname") == "bb64", label=model.get("displayName"), number=int(model.get("name")[1:]))
         *coefficients, card.constant = numbers(regression, "betas")
         card.coefficients = dict(zip(numbers(regression, "indexes", "<i4"), coefficients, strict=True))
-    except (SyntaxError, TypeError, ValueError) as error:
+    except (TypeError, ValueError) as error:
         raise ValueError(f"{path}: {error}") from None
     fields = {field.get("name", "").lower(): numbers(field, "missing") for field in child(root, "datadictionary")}
     for column in {r.column for r in card.recodings if r.type != "MapValues"}:
