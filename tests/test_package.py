@@ -53,16 +53,21 @@ class PackageTest(SqlProgramTest):
                     self.assertTrue((right | (closed == "left") & ~told).all() or bounds not in short)
 
     def test_logistic_table(self):
-        for error in [0.1, 0.01, 1e-3, 1e-5]:
-            for lowest, highest in [(-1e6, 1e6), (-3.1, 2.2), (3, 20)]:
-                scores, probabilities = logistic_table(error, lowest, highest)
+        for largest, relative in [(0.1, 0), (0.01, 0), (1e-3, 0), (1e-5, 0), (None, 0.1), (None, 1e-3), (None, 1e-5)]:
+            for lowest, highest in [(-1e6, 1e6), (-3.1, 2.2), (3, 20), (-9, -4)]:
                 s = np.linspace(max(lowest, -30), min(highest, 30), 100001)
                 curve = 1 / (1 + np.exp(-s))
-                self.assertLessEqual(abs(np.interp(s, scores[::-1], probabilities[::-1]) - curve).max(), error)
-                self.assertLess(scores[-2], lowest)
-                # A parabola of curvature c leaves a band of half-width e after sqrt(16 e / c).
-                lines = np.sqrt(abs(curve * (1 - curve) * (1 - 2 * curve)) / 16 / error).mean() * (s[-1] - s[0])
-                self.assertLessEqual(len(scores) - 3, lines + 1)
+                error = largest or np.maximum(1e-12, relative / (1 + np.exp(abs(s))))
+                for offset, factor in [(0, -1), (500, 72.5)]:
+                    points = sorted(offset - factor * np.array([lowest, highest]))
+                    scale = {} if factor < 0 else {"offset": offset, "factor": factor}
+                    scores, probabilities = logistic_table(largest, *points, relative_error=relative, **scale)
+                    found = np.interp(offset - factor * s, scores[::-1], probabilities[::-1])
+                    self.assertLessEqual((abs(found - curve) / error).max(), 1)
+                    self.assertTrue((np.diff(scores) < 0).all() and scores[-2] < points[0])
+                    # A parabola of curvature c leaves a band of half-width e after sqrt(16 e / c).
+                    lines = np.sqrt(abs(curve * (1 - curve) * (1 - 2 * curve)) / 16 / error).mean() * (s[-1] - s[0])
+                    self.assertLessEqual(len(scores) - 3, 1.1 * lines + 1)
 
     def test_pipelines(self):
         rows, bad, regression = APPLICANTS, APPLICANTS.Status == "bad", linear_model.LogisticRegression(max_iter=999)

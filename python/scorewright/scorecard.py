@@ -148,9 +148,9 @@ class Scorecard:
         return document.read(path, cls())
 
     @classmethod
-    def from_sklearn(cls, pipeline, *, target, largest_error=0.001, unlisted_as_missing=False, digits=16):
+    def from_sklearn(cls, pipeline, *, target, largest_error=None, unlisted_as_missing=False, digits=16):
         """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot, also
         after a SimpleImputer) and OneHotEncoder, then a LogisticRegression of two classes. Its score is that of
-        decision_function, its probability that of the second class to largest_error. Cells for which the pipeline has
+        decision_function, its probability that of the second class as logistic_table gives it. Cells for which the pipeline has
         no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing what empty ones add."""
         return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing)
