@@ -8,7 +8,8 @@ import unittest
 
 import numpy as np
 import pandas as pd
-from sklearn import compose, impute, linear_model, preprocessing
+from sklearn import base, compose, impute, linear_model, naive_bayes, preprocessing
+from sklearn.model_selection import GridSearchCV
 from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
@@ -70,26 +71,48 @@ class PackageTest(SqlProgramTest):
                     self.assertLessEqual(len(scores) - 3, 1.1 * lines + 1)
 
     def test_pipelines(self):
-        rows, bad, regression = APPLICANTS, APPLICANTS.Status == "bad", linear_model.LogisticRegression(max_iter=999)
-        for strategy, drop, unknown in [("quantile", None, "ignore"), ("uniform", "first", "error"),
-                                        ("kmeans", "if_binary", "ignore")]:
-            lists = preprocessing.OneHotEncoder(drop=drop, handle_unknown=unknown)
-            bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy=strategy)
-            filled = make_pipeline(impute.SimpleImputer(strategy="median"), bins)
-            columns = (bins, ["Age", "Amount"]), (lists, ["Home", "Job"]), (filled, ["Income"])
-            pipeline = make_pipeline(compose.make_column_transformer(*columns), regression).fit(rows, bad)
-            if unknown == "ignore":
+        regression = linear_model.LogisticRegression(max_iter=999)
+        rows = APPLICANTS.assign(Records=APPLICANTS.Records == "yes", Old=APPLICANTS.Age > 50)
+        classes = np.where(APPLICANTS.Status == "bad", "schlecht", "gut")
+        for strategy, dtype, model, options in [
+                ("quantile", None, regression, {"handle_unknown": "ignore"}),
+                ("uniform", np.float32, linear_model.LogisticRegressionCV(Cs=2, cv=2), {"drop": "first"}),
+                ("quantile", None, regression, {"min_frequency": 500, "handle_unknown": "infrequent_if_exist"}),
+                ("kmeans", None, regression, {"max_categories": 3, "drop": "first", "handle_unknown": "ignore"})]:
+            lists = preprocessing.OneHotEncoder(**options)
+            bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy=strategy, dtype=dtype)
+            filled = make_pipeline(impute.SimpleImputer(strategy="median"), "passthrough", bins)
+            columns = [(bins, ["Age", "Amount"]), (lists, ["Home", "Job", "Records"]), (filled, ["Income"]),
+                       ("passthrough", ["Old"])]
+            pipeline = make_pipeline(compose.make_column_transformer(*columns), "passthrough", model).fit(rows, classes)
+            if options == {"handle_unknown": "ignore"}:
                 with self.assertRaisesRegex(ValueError, "'Home'.*unlisted_as_missing"):
-                    Scorecard.from_sklearn(pipeline, target="bad")
-            card = Scorecard.from_sklearn(pipeline, target="bad", largest_error=1e-4, unlisted_as_missing=True)
-            result = card.score(rows)
+                    Scorecard.from_sklearn(pipeline, target="schlecht", data=rows)
+            card = Scorecard.from_sklearn(pipeline, target="schlecht", unlisted_as_missing=True, data=rows)
+            result, right = card.score(rows), pipeline.predict_proba(rows)
             np.testing.assert_allclose(result.score, pipeline.decision_function(rows), rtol=0, atol=1e-12)
-            np.testing.assert_allclose(result.probability, pipeline.predict_proba(rows)[:, 1], rtol=0, atol=1e-4)
-            pd.testing.assert_frame_equal(self.scored(card, rows[::9].fillna({"Home": ""})), result[::9])
-        raw = make_pipeline(compose.make_column_transformer(("passthrough", ["Age"])), regression).fit(rows, bad)
-        for refused, message in [(raw, "'Age'.*cannot be expressed"), (raw[:1], "fitted"), (regression, "fitted")]:
-            with self.assertRaisesRegex(ValueError, message):
-                Scorecard.from_sklearn(refused, target="bad")
+            self.assertLess((abs(result.probability - right[:, 1]) / right.min(axis=1)).max(), 1e-3)
+            texts = rows[::9].fillna({"Home": ""}).astype({"Records": str, "Old": str})
+            pd.testing.assert_frame_equal(self.scored(card, texts), result[::9])
+        with self.assertRaisesRegex(ValueError, "pandas' type boolean"):
+            card.score(rows.assign(Home=rows.Records.astype("boolean")))
+
+        def fitted(step, columns=("Age",), model=regression, classes=classes, rows=rows):
+            bins_of = compose.make_column_transformer((step, [*columns]))
+            return make_pipeline(bins_of, base.clone(model)).fit(rows, classes)
+
+        search = GridSearchCV(make_pipeline(regression), {})
+        for refused, message in [
+                (fitted("passthrough"), "'Age'.*raw numbers"),
+                (fitted(preprocessing.StandardScaler()), "'Age'.*StandardScaler"),
+                (regression, "two steps"), (search, "best_estimator_"),
+                (make_pipeline(compose.ColumnTransformer([]), linear_model.LogisticRegression()), "not fitted"),
+                (fitted(bins, model=naive_bayes.BernoulliNB()), "BernoulliNB"),
+                (fitted(bins, classes=rows.Job), "several"),
+                (fitted(bins, [0], rows=rows[["Age"]].to_numpy()), "without names"),
+                (fitted(bins, classes=classes[::-1] == "gut"), "True.*not of 'False'")]:
+            with self.subTest(message), self.assertRaisesRegex(ValueError, message):
+                Scorecard.from_sklearn(refused, target="False")
 
     def test_documents(self):
         """Documents that are read score as the independent scorer does, also when they have been written again."""
@@ -185,6 +208,10 @@ class PackageTest(SqlProgramTest):
                 ("'x y'.*finite", lambda card: numeric(card, scores=(1, 2, np.nan))),
                 ("'x y'.*number 1 is given twice", lambda card: numeric(card, number=1)),
                 ("'x y' and 'X.Y'", lambda card: numeric(card, column="X.Y")),
+                ("'c'.*NaN is no value", lambda card: card.add_categorical("c", {np.nan: 1})),
+                ("'c'.*no values", lambda card: card.add_categorical("c", {})),
+                ("no name", lambda card: numeric(card, column="")),
+                ("no recodings", {"recodings": []}),
                 ("'c'.*twice", lambda card: card.add_categorical("c", {"1": 0, 1: 2})),
                 ("'b'.*spellings", lambda card: card.add_boolean("b", 0, 1, spellings=(["n"], ["n"]))),
                 ("'x y'.*no number.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),

@@ -25,6 +25,7 @@ def check(recoding):
     is_list, scores, bounds = recoding.type == "MapValues", recoding.scores, recoding.bounds
     wanted = 3 if recoding.boolean else len(values) + 1 if is_list else len(bounds) + 2
     require(len(scores) == wanted, f"{column} has {len(scores)} scores, and should have {wanted}")
+    require(column != "column ''" and (not is_list or values), f"{column} has no name or no values")
     require(np.isfinite([*scores, *bounds]).all(), f"{column}: a score or bound is not finite")
     require(is_list or bounds and np.all(np.diff(bounds) > 0),
             f"{column}: there must be bounds, and they must increase as generated code shows them: {bounds}")
@@ -35,6 +36,8 @@ def check(recoding):
 def recode(recoding, cells, missing):
     """The scores of a series' cells; missing: the codes that count as missing in a column of numbers."""
     if recoding.type == "MapValues":
+        require(recoding.boolean or cells.dtype != "boolean", f"column {recoding.column!r} has pandas' type boolean, "
+                "of which scikit-learn made the values 1 and 0: make the column bool, and fit again")
         listed = {v: 1 + (i >= 5 if recoding.boolean else i) for i, (v, _) in enumerate(recoding.values)}
         codes, cells = pd.factorize(cells)
         return np.take(recoding.scores, np.array([listed.get(cell_text(cell), 0) for cell in cells] + [0])[codes])
@@ -91,6 +94,7 @@ class Scorecard:
 
         scores: a dictionary from each value to its score; a whole number is taken as its digits. other: the score of
         empty and unlisted cells. labels: a dictionary from values to captions, for those that have one of their own."""
+        require(not pd.isna([*scores]).any(), f"column {column!r}: NaN is no value; other is the score of empty cells")
         values = [(cell_text(value), (labels or {}).get(value, cell_text(value))) for value in scores]
         return self.add(column, "MapValues", [other, *scores.values()], (), values, **options)
 
@@ -109,6 +113,7 @@ class Scorecard:
 
     def checked_table(self):
         """The table as it is written, with an end below the lowest score; raises what write does."""
+        require(self.recodings, "the card has no recodings")
         require(sorted(self.coefficients) == sorted(r.number for r in self.recodings),
                 f"recodings and coefficients do not go together: {self.coefficients}")
         require(np.isfinite([*self.coefficients.values(), *self.range()]).all(), "a coefficient or score is not finite")
@@ -148,9 +153,10 @@ class Scorecard:
         return document.read(path, cls())
 
     @classmethod
-    def from_sklearn(cls, pipeline, *, target, largest_error=None, unlisted_as_missing=False, digits=16):
-        """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot, also
-        after a SimpleImputer) and OneHotEncoder, then a LogisticRegression of two classes. Its score is that of
-        decision_function, its probability that of the second class as logistic_table gives it. Cells for which the pipeline has
-        no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing what empty ones add."""
-        return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing)
+    def from_sklearn(cls, pipeline, *, target, largest_error=None, unlisted_as_missing=False, data=None, digits=16):
+        """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot) and
+        OneHotEncoder, also after a SimpleImputer, then a LogisticRegression or LogisticRegressionCV of two classes. Its
+        score is that of decision_function, its probability that of the second class as logistic_table gives it. Cells
+        for which the pipeline has no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing
+        what empty ones add. data: the frame that the pipeline was fitted on; columns of bool may then pass through."""
+        return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing, data)

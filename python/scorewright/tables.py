@@ -34,7 +34,7 @@ def logistic_table(largest_error: Optional[float] = None, lowest: float = -1e6, 
     is negative. Of a card whose odds double every d points the factor is d / log(2)."""
     error, relative = (1e-12, relative_error) if largest_error is None else (largest_error, 0.0)
     require(1e-6 <= relative <= 0.2 or relative == 0 and 1e-7 <= error <= 0.2,
-            f"the largest error must be from 1e-7 to 0.2, the relative one from 1e-6: {largest_error}, {relative_error}")
+            f"largest_error is from 1e-7 to 0.2, relative_error from 1e-6: {largest_error}, {relative_error}")
     require(-np.inf < lowest <= highest < np.inf, f"no finite scores from lowest to highest: {lowest}, {highest}")
     if factor is not None:
         require(factor and np.isfinite([offset, factor]).all(), f"no points: offset {offset}, factor {factor}")
