@@ -8,7 +8,7 @@ import unittest
 
 import numpy as np
 import pandas as pd
-from sklearn import base, compose, impute, linear_model, naive_bayes, preprocessing
+from sklearn import base, compose, datasets, impute, linear_model, naive_bayes, preprocessing
 from sklearn.model_selection import GridSearchCV
 from sklearn.pipeline import make_pipeline
 
@@ -113,6 +113,26 @@ class PackageTest(SqlProgramTest):
                 (fitted(bins, classes=classes[::-1] == "gut"), "True.*not of 'False'")]:
             with self.subTest(message), self.assertRaisesRegex(ValueError, message):
                 Scorecard.from_sklearn(refused, target="False")
+
+    def test_bounds_between_values(self):
+        """Values of 17 digits score as in the pipeline, also after pandas has read their last digits wrongly."""
+        rows, y = datasets.load_diabetes(return_X_y=True, as_frame=True)
+        bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy="quantile")
+        columns = compose.make_column_transformer((bins, [*rows.drop(columns="sex")]))
+        pipeline = make_pipeline(columns, linear_model.LogisticRegression()).fit(rows, y > 150)
+        card = Scorecard.from_sklearn(pipeline, target="y", data=rows)
+        card.add_categorical("c", {"x": 1})  # without a list, the class would need a repair
+        rows.to_csv(self.folder / "rows.csv")
+        read = pd.read_csv(self.folder / "rows.csv", index_col=0)
+        self.assertTrue((read != rows).any(axis=None))
+        for frame in rows, read:
+            np.testing.assert_allclose(self.scored(card, frame.assign(c="")).score, pipeline.decision_function(rows))
+        ages = [17, 17.2, 18.3, 40, np.nan]
+        for closed, bounds, expected in [("left", [18, 40], [18, 30]), ("right", [17, 18.2], [17.1, 18])]:
+            (card := Scorecard()).add_numeric("age", bounds, [1, 2, 3], closed=closed, data=ages)
+            self.assertEqual(card.recodings[0].bounds, expected)
+        with self.assertRaisesRegex(ValueError, "'age'.* parts 0.1 and 0.10000000000000002"):
+            card.add_numeric("age", [0.1], [1, 2], closed="right", data=[0.1, np.nextafter(0.1, 1)])
 
     def test_documents(self):
         """Documents that are read score as the independent scorer does, also when they have been written again."""

@@ -25,13 +25,14 @@ def double_bound(edge):
     return middle if np.float32(middle) == above else np.nextafter(middle, np.inf)
 
 
-def add_numbers(card, column, binning, position, coefficients, filled):
+def add_numbers(card, column, binning, position, coefficients, filled, data):
     """Adds the bins of a column, whose coefficients come first; filled: what takes the place of a missing cell."""
     edges = binning.bin_edges_[position]
     inner = [double_bound(edge) if binning.dtype == np.float32 else edge for edge in edges[1:-1]]
     bounds, scores = (inner, coefficients[:len(edges) - 1]) if inner else ([0.0], coefficients[[0, 0]])
     missing = 0.0 if filled is None else scores[np.searchsorted(bounds, filled, "right")]
-    card.add_numeric(column, bounds, scores, closed="left", missing=missing)
+    values = None if data is None else pd.to_numeric(data[column])
+    card.add_numeric(column, bounds, scores, closed="left", missing=missing, data=values)
     return len(edges) - 1
 
 
@@ -103,7 +104,7 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
         require(is_binning or name(last) == "OneHotEncoder", refused)
         for position, column in enumerate(columns):
             filled = before[0].statistics_[position] if before else None
-            used = add_numbers(card, column, last, position, betas, filled) if is_binning else \
+            used = add_numbers(card, column, last, position, betas, filled, data) if is_binning else \
                 add_list(card, column, last, position, betas, filled, unlisted_as_missing)
             betas = betas[used:]
     card.table = logistic_table(largest_error, *card.range())

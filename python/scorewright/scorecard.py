@@ -76,17 +76,21 @@ class Scorecard:
         self.coefficients[number] = float(coefficient)
         return number
 
-    def add_numeric(self, column, bounds, scores, *, closed, missing=0.0, type="Discretize", **options):
+    def add_numeric(self, column, bounds, scores, *, closed, missing=0.0, data=None, type="Discretize", **options):
         """Adds a recoding of numbers and returns its number.
 
         bounds: n rising floats, in the column's unit. scores: n + 1 floats, of the intervals from below the first bound
         to above the last. missing: the score of missing cells. closed: the side on which an interval holds its bound,
-        "left" or "right"; bounds are then moved as document_bounds tells. With "document" they stay as they are.
+        "left" or "right"; bounds are then moved as document_bounds tells. With "document" they stay as they are. data:
+        values that the bounds were fitted on; each bound then becomes a short number between two of them.
         options, here and below: coefficient (1), label (the column) and number, the next one where it is not given."""
         require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
         require(len(scores) == len(bounds) + 1 > 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
-        bounds, scores = document_bounds([float(bound) for bound in bounds], list(scores), closed, self.digits)
+        try:
+            bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data)
+        except ValueError as error:
+            raise ValueError(f"column {column!r}: {error}") from None
         return self.add(column, type, [missing, *scores], bounds, **options)
 
     def add_categorical(self, column, scores, *, other=0.0, labels=None, **options):
@@ -158,5 +162,6 @@ class Scorecard:
         OneHotEncoder, also after a SimpleImputer, then a LogisticRegression or LogisticRegressionCV of two classes. Its
         score is that of decision_function, its probability that of the second class as logistic_table gives it. Cells
         for which the pipeline has no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing
-        what empty ones add. data: the frame that the pipeline was fitted on; columns of bool may then pass through."""
+        what empty ones add. data: the frame that the pipeline was fitted on; bounds then become short
+        numbers between its values, and columns of bool may pass through."""
         return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing, data)
