@@ -134,6 +134,45 @@ class PackageTest(SqlProgramTest):
         with self.assertRaisesRegex(ValueError, "'age'.* parts 0.1 and 0.10000000000000002"):
             card.add_numeric("age", [0.1], [1, 2], closed="right", data=[0.1, np.nextafter(0.1, 1)])
 
+    def test_tables(self):
+        """The same card, as libraries print it. Arrays lose their commas in a CSV file."""
+        bins = ["(-inf, 25.50)", "[25.50, 40.00)", "[40.00, inf)", "Special", "Missing",
+                np.array(["owner", "it's"], object), np.array(["rent"], object), "Special", "Missing"]
+        points = [4, 1, -3, 0, 0, -5, 4, 0, 0]
+        summary = pd.DataFrame({"Variable": ["age"] * 5 + ["home"] * 4, "Bin": bins, "Points": points})
+        summary.to_csv(self.folder / "bins.csv", index=False)
+        weights = summary.assign(WoE=np.divide(points, 2), Coefficient=2.0)
+        card = {"basepoints": pd.DataFrame({"variable": "basepoints", "bin": [np.nan], "points": [-1]}),
+                "age": pd.DataFrame({"variable": "age", "bin": ["[-inf,25.5)", "[25.5,40.0)", "[40.0,inf)"],
+                                     "points": points[:3]}),
+                "home": pd.DataFrame({"variable": "home", "bin": ["owner%,%it's", "missing%,%?", "rent"],
+                                      "points": [-5, 0, 4]})}
+        scores = {"age": {"[-inf ~ 25.5)": 4, "[25.5 ~ 40)": 1, "[40 ~ inf)": -3, "nan": 0},
+                  "home": {"owner,it's": -5, "rent": 4, "else": 0}}
+        named = pd.DataFrame([(key, *item) for key, part in scores.items() for item in part.items()], columns=[*"abc"])
+        ends = pd.DataFrame({"LOWER": [-np.inf, 25.5, 40, None], "upper": [25.5, 40, None, None]})
+        ends = ends.assign(variable="age", points=[4, 1, -3, 0])
+        people = pd.DataFrame({"age": [25.4, 25.5, 40, None], "home": ["rent", "it's", "tent", None]})
+        for table, options in [
+                (summary, {"constant": -1}), (pd.read_csv(self.folder / "bins.csv"), {"constant": -1}),
+                (weights, {"score": "WOE", "coefficient": "coefficient", "constant": -1}), (card, {}),
+                (pd.concat(card), {}), (scores, {"constant": -1}),
+                (named, {"variable": "a", "bin": "b", "score": "c", "separator": ",", "constant": -1})]:
+            found = Scorecard.from_table(table, target="bad", offset=20, factor=-7, **options).score(people)
+            self.assertEqual([*found.score], [7, -5, -4, -1])
+            np.testing.assert_allclose(found.probability, 1 / (1 + np.exp((20 - found.score) / 7)), rtol=1e-3)
+        self.assertEqual([*Scorecard.from_table(ends, target="bad").score(people).score], [4, 1, -3, 0])
+        exact = Scorecard.from_table(summary, target="bad", bounds={"age": [25.504, 40]}, special={"home": ["?"]})
+        self.assertEqual((exact.recodings[0].bounds[0], len(exact.recodings[1].values)), (25.504, 4))
+        other = summary.assign(Points=[4, 1, -3, 0, 2, -5, 4, 0, 0])
+        joined, cut = ["(-inf, inf) ∪ [1, 2)", *bins[1:]], [*bins[:5], "['a' ... 'b']", *bins[6:]]
+        for message, table in [("row 1, column 'age'.*inf. ∪", summary.assign(Bin=joined)),
+                               (r"row 6, column 'home'.*\.\.\.", summary.assign(Bin=cut)),
+                               ("'age'.*without a gap", summary.drop(index=1)), ("special=.'age'", other),
+                               ("no column 'bin'", summary.drop(columns="Bin"))]:
+            with self.subTest(message), self.assertRaisesRegex(ValueError, message):
+                Scorecard.from_table(table, target="bad")
+
     def test_documents(self):
         """Documents that are read score as the independent scorer does, also when they have been written again."""
         for path in EXAMPLES.glob("*/*.ModelXml"):

@@ -1,13 +1,15 @@
 """The scorecard: recodings of columns, a regression over them, a table from score to probability."""
 
 from collections import namedtuple
+from collections.abc import Mapping, Sequence
+from typing import Any, Optional
 
 import numpy as np
 import pandas as pd
 
-from . import document, pipelines
+from . import binnings, document, pipelines
 from .bounds import document_bounds
-from .tables import ended
+from .tables import ended, logistic_table
 from .values import cell_text, require
 
 SPELLINGS = ("false", "False", "FALSE", "0", "no"), ("true", "True", "TRUE", "1", "yes")
@@ -155,6 +157,27 @@ class Scorecard:
     def read(cls, path):
         """The scorecard of a document, without its key and the counts that preset controls of a page."""
         return document.read(path, cls())
+
+    @classmethod
+    def from_table(cls, table: Any, *, target: str, score: str = "points", variable: str = "variable", bin: str = "bin",
+                   coefficient: Optional[str] = None, constant: float = 0.0,
+                   bounds: Optional[Mapping[str, Sequence[float]]] = None,
+                   special: Optional[Mapping[str, Sequence[Any]]] = None, separator: Optional[str] = None,
+                   offset: float = 0.0, factor: Optional[float] = None, digits: int = 16) -> "Scorecard":
+        """The scorecard of a table with a row for each bin: a frame, or a dictionary from variables to frames or to
+        dictionaries from bins to scores.
+
+        score, variable, bin and coefficient name columns; in place of bin there may be lower and upper, bins that are
+        closed on the left. A bin is an interval such as [25, 40), values (an array, or texts between which stands
+        separator, "%,%" or in dictionaries of bins ","), or missing, special or else. Unlisted values without a row add
+        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, and special
+        the special codes. offset and factor are those of logistic_table, if scores are points."""
+        nested = isinstance(table, Mapping) and all(isinstance(part, Mapping) for part in table.values())
+        card = cls(target, constant=constant, digits=digits)
+        titles = {"variable": variable, "bin": bin, "score": score, "coefficient": coefficient}
+        binnings.fill(card, table, titles, bounds or {}, special or {}, separator or ("," if nested else "%,%"))
+        card.table = logistic_table(None, *card.range(), offset=offset, factor=factor)
+        return card
 
     @classmethod
     def from_sklearn(cls, pipeline, *, target, largest_error=None, unlisted_as_missing=False, data=None, digits=16):
