@@ -67,7 +67,7 @@ def add(card: Any, variable: str, rows: pd.DataFrame, bounds: Optional[Sequence[
     missing, options = words.get("missing", 0.0), {"coefficient": rows.coefficient.iloc[0]}
     require((rows.coefficient == options["coefficient"]).all(), f"{column} has several coefficients")
     require(words.get("special", missing) == missing or special is not None and not (intervals and len(special)),
-            f"{column}: special codes score other than missing cells; if there are none, give special={{{variable!r}: []}}")
+            f"{column}: special codes score other than missing cells; if there are none: special={{{variable!r}: []}}")
     if not intervals:
         values.update(dict.fromkeys(special or [], words.get("special", missing)))
         require("missing" not in words or words.get("else", missing) == missing,

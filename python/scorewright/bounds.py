@@ -18,7 +18,7 @@ def shown(number, direction, digits=16):
         number = np.nextafter(number, direction)
 
 
-def parting(bounds, closed, values, digits):
+def parting(bounds, closed, values, digits, column):
     """For each bound the shortest number between the values on its two sides, and not beside one of them, so that these
     fall where they fell also when their last digit is read wrongly. Of the shortest the nearest to the bound or to the
     middle. Raises ValueError."""
@@ -31,12 +31,12 @@ def parting(bounds, closed, values, digits):
         room = min((high - low) / 4, 1e-14 * max(abs(low), abs(high)))
         tried = (float(f"{number:.{k}g}") for k in range(1, digits + 1) for number in (bound, low + (high - low) / 2))
         found = next((n for n in tried if low + room < n < high - room and not 0 < abs(n) < SMALLEST), None)
-        require(found is not None, f"no number of {digits} digits parts {low!r} and {high!r}")
+        require(found is not None, f"column {column!r}: no number of {digits} digits parts {low!r} and {high!r}")
         parted.append(found)
     return parted[1:]
 
 
-def document_bounds(bounds, scores, closed, digits=16, values=None):
+def document_bounds(bounds, scores, closed, digits=16, values=None, column=None):
     """Bounds and interval scores by the document's rule, for n bounds and n + 1 scores by the rule of closed.
 
     The document's intervals are open on the left and closed on the right, but its first bound belongs to the interval
@@ -47,7 +47,7 @@ def document_bounds(bounds, scores, closed, digits=16, values=None):
     if closed == "document":
         return bounds, scores
     if values is not None:
-        moved = parting(bounds, closed, values, digits)
+        moved = parting(bounds, closed, values, digits, column)
     elif closed == "right":
         bounds = [shown(bound, np.inf, digits) for bound in bounds]
         first = 0.0 if bounds[0] > 0 else shown(bounds[0] - max(1, abs(bounds[0])), -np.inf, digits)

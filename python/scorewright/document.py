@@ -82,19 +82,16 @@ def numbers(node, name, code="<f8"):
 
 
 def parse(path):
-    """The document's root. Raises ValueError for what is not XML."""
+    """The document's root. Raises SyntaxError or ValueError for what is not XML."""
     data = Path(path).read_bytes()
     encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
-    try:
-        return ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
-    except (SyntaxError, ValueError) as error:
-        raise ValueError(f"{path}: {error}") from None
+    return ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
 
 
 def read(path, card):
     """Fills an empty scorecard."""
-    root = parse(path)
     try:
+        root = parse(path)
         meta, regression = child(root, "metadata"), child(root, "regressionmodel")
         require(len(regression) and "normalizationMethod" not in regression.keys(), "no regression, or a logistic form")
         card.target, card.kind = child(meta, "target").text or "", meta.get("tkind", "T")
@@ -104,7 +101,7 @@ def read(path, card):
                      model.get("tname") == "bb64", label=model.get("displayName"), number=int(model.get("name")[1:]))
         *coefficients, card.constant = numbers(regression, "betas")
         card.coefficients = dict(zip(numbers(regression, "indexes", "<i4"), coefficients, strict=True))
-    except (TypeError, ValueError) as error:
+    except (SyntaxError, TypeError, ValueError) as error:
         raise ValueError(f"{path}: {error}") from None
     fields = {field.get("name", "").lower(): numbers(field, "missing") for field in child(root, "datadictionary")}
     for column in {r.column for r in card.recodings if r.type != "MapValues"}:

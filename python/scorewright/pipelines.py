@@ -9,9 +9,8 @@ from .values import cell_text, require
 
 def name(estimator):
     """The name of an estimator's class, empty for a step that passes columns through."""
-    passes = estimator is None or isinstance(estimator, str) or \
-        type(estimator).__name__ == "FunctionTransformer" and estimator.func is None
-    return "" if passes else type(estimator).__name__
+    kind = type(estimator).__name__
+    return "" if kind in ("NoneType", "str") or kind == "FunctionTransformer" and estimator.func is None else kind
 
 
 def steps(pipeline):
@@ -91,17 +90,17 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
         except (KeyError, TypeError):
             columns = [*pd.DataFrame(columns=first.feature_names_in_).iloc[:, columns]]
         *before, last = steps(transformer) or [None]
-        refused = f"columns {columns}: {transformer} cannot be expressed as recodings of columns"
         if not last:
             require(data is not None and all(data[column].dtype == bool for column in columns),
                     f"columns {columns} are raw numbers: put them into bins (columns of bool may stay, with data=)")
             for column, beta in zip(columns, betas):
                 card.add_boolean(column, 0.0, beta)
             continue
-        require(not before or [*map(name, before)] == ["SimpleImputer"] and not before[0].add_indicator and
-                pd.isna(before[0].missing_values) and not pd.isna(before[0].statistics_).any(), refused)
         is_binning = name(last) == "KBinsDiscretizer" and last.encode != "ordinal"
-        require(is_binning or name(last) == "OneHotEncoder", refused)
+        is_filled = [*map(name, before)] == ["SimpleImputer"] and not before[0].add_indicator and \
+            pd.isna(before[0].missing_values) and not pd.isna(before[0].statistics_).any()
+        require((is_binning or name(last) == "OneHotEncoder") and (is_filled or not before),
+                f"columns {columns}: {transformer} cannot be expressed as recodings of columns")
         for position, column in enumerate(columns):
             filled = before[0].statistics_[position] if before else None
             used = add_numbers(card, column, last, position, betas, filled, data) if is_binning else \

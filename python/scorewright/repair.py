@@ -1,4 +1,8 @@
-"""Repairs generated code that as it is released does not run, or departs from the model."""
+"""Repairs each FILE of generated code in place, by its ending. A file may be repaired again.
+
+.sas       the test of missing codes, the logistic form's open parenthesis, a model without terms
+.py        the test of missing codes, an empty __init__, the logistic form, backslashes in values, the class's name
+.sql .xml  apostrophes and backslashes in values, an alias that is written in two ways"""
 
 import argparse
 import codecs
@@ -12,12 +16,6 @@ from xml.etree.ElementTree import Element
 
 from . import document
 from .values import require
-
-HELP = """Repairs each FILE of generated code in place, by its ending. A file may be repaired again.
-
-.sas       the test of missing codes, the logistic form's open parenthesis, a model without terms
-.py        the test of missing codes, an empty __init__, the logistic form, backslashes in values, the class's name
-.sql .xml  apostrophes and backslashes in values, an alias that is written in two ways"""
 
 
 class Model(NamedTuple):
@@ -54,7 +52,7 @@ def repair_lists(text: str, model: Model, head: str, opening: Callable[[re.Match
         at = start.end()
         for value in document.child(recoding, "modalities") if before is not None else []:
             known = [before + form for form in forms(value.get("val", ""))]
-            ends = [re.compile(end).match(text, at + len(form)) for form in known if text.startswith(form, at)]
+            ends = (re.compile(end).match(text, at + len(form)) for form in known if text.startswith(form, at))
             found = next(filter(None, ends), None)
             require(found, f"{column} has other values than in the model")
             parts += known[-1], found[0]
@@ -87,17 +85,14 @@ def repair_python(text: str, model: Model) -> str:
 
 def repair_sql(text: str, model: Model, is_escaped: bool, is_xml: bool) -> str:
     """is_escaped: a backslash escapes in the database's texts. is_xml: the script stands in an ETL document."""
-    def opening(head: re.Match[str], is_boolean: bool) -> Optional[str]:
-        return head[2] and f"   WHEN {head[1] if is_boolean else head[2]}="
-
     def forms(value: str) -> list[str]:
         value = value.replace("&", "&amp;").replace("<", "&lt;") if is_xml else value
         known = [value.replace("'", "\\'"), value.replace("'", "''"), value.replace("\\", "\\\\").replace("'", "\\'")]
         return [f"'{form}'" for form in (known if is_escaped else [known[0], known[2], known[1]])]
 
-    text = re.sub(r"\bqorv_tmp(?=\.score\b)", "Qorv_TMP", text)
     head = r"CASE WHEN \( ((?s:.)*?) IS NULL(?: OR ((?s:.)*?)='')?\) THEN .*\n"
-    return repair_lists(text, model, head, opening, r" THEN .*\n", forms)
+    return repair_lists(re.sub(r"\bqorv_tmp(?=\.score\b)", "Qorv_TMP", text), model, head, lambda match, is_boolean:
+                        match[2] and f"   WHEN {match[2 - is_boolean]}=", r" THEN .*\n", forms)
 
 
 def repaired(data: bytes, ending: str, model: Model, is_escaped: bool) -> bytes:
@@ -112,22 +107,22 @@ def repaired(data: bytes, ending: str, model: Model, is_escaped: bool) -> bytes:
 
 
 def main() -> None:
-    parser = argparse.ArgumentParser("scorewright.repair", description=HELP,
-                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    layout = argparse.RawDescriptionHelpFormatter
+    parser = argparse.ArgumentParser("scorewright.repair", description=__doc__, formatter_class=layout)
     parser.add_argument("--backslash-escapes", action="store_true", help="write SQL for databases in whose texts "
                         "a backslash escapes, such as MySQL and MariaDB; by default, for all others")
     parser.add_argument("model", metavar="MODEL", help="the document that the files were made of")
     parser.add_argument("files", metavar="FILE", nargs="+", type=Path)
     options, file = parser.parse_args(), None
     try:
-        root, codes = document.parse(options.model), {}
-        for field in document.child(root, "datadictionary"):
-            codes.setdefault(folded(field.get("name", "")), document.numbers(field, "missing"))
+        root = document.parse(options.model)
+        fields = reversed(document.child(root, "datadictionary"))  # of several with one name the first counts
+        codes = {folded(field.get("name", "")): document.numbers(field, "missing") for field in fields}
         model = Model([node for node in document.child(root, "univmodels") if node.tag.lower() == "model"], codes)
         for file in options.files:
             file.write_bytes(repaired(file.read_bytes(), file.suffix.lower(), model, options.backslash_escapes))
-    except (OSError, ValueError) as error:
-        parser.exit(1, f"{file}: {error}\n" if file and isinstance(error, ValueError) else f"{error}\n")
+    except (OSError, SyntaxError, ValueError) as error:
+        parser.exit(1, f"{error}\n" if isinstance(error, OSError) else f"{file or options.model}: {error}\n")
 
 
 if __name__ == "__main__":

@@ -89,10 +89,7 @@ class Scorecard:
         require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
         require(len(scores) == len(bounds) + 1 > 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
-        try:
-            bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data)
-        except ValueError as error:
-            raise ValueError(f"column {column!r}: {error}") from None
+        bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data, column)
         return self.add(column, type, [missing, *scores], bounds, **options)
 
     def add_categorical(self, column, scores, *, other=0.0, labels=None, **options):
@@ -163,15 +160,15 @@ class Scorecard:
                    coefficient: Optional[str] = None, constant: float = 0.0,
                    bounds: Optional[Mapping[str, Sequence[float]]] = None,
                    special: Optional[Mapping[str, Sequence[Any]]] = None, separator: Optional[str] = None,
-                   offset: float = 0.0, factor: Optional[float] = None, digits: int = 16) -> "Scorecard":
+                   offset: float = 0.0, factor: float = -1.0, digits: int = 16) -> "Scorecard":
         """The scorecard of a table with a row for each bin: a frame, or a dictionary from variables to frames or to
         dictionaries from bins to scores.
 
         score, variable, bin and coefficient name columns; in place of bin there may be lower and upper, bins that are
         closed on the left. A bin is an interval such as [25, 40), values (an array, or texts between which stands
         separator, "%,%" or in dictionaries of bins ","), or missing, special or else. Unlisted values without a row add
-        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, and special
-        the special codes. offset and factor are those of logistic_table, if scores are points."""
+        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, special the
+        special codes. offset and factor are those of logistic_table."""
         nested = isinstance(table, Mapping) and all(isinstance(part, Mapping) for part in table.values())
         card = cls(target, constant=constant, digits=digits)
         titles = {"variable": variable, "bin": bin, "score": score, "coefficient": coefficient}

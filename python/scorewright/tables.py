@@ -6,8 +6,6 @@ import numpy as np
 
 from .values import require
 
-Table = tuple[list[float], list[float]]
-
 
 def logistic(score):
     return np.exp(-np.logaddexp(0, -score))
@@ -23,29 +21,26 @@ def ended(scores, probabilities, lowest):
 
 
 def logistic_table(largest_error: Optional[float] = None, lowest: float = -1e6, highest: float = 1e6, *,
-                   relative_error: float = 0.001, offset: float = 0.0, factor: Optional[float] = None) -> Table:
-    """The table of the probability 1 / (1 + exp(-score)), for scores from the lowest to the highest.
+                   relative_error: float = 0.001, offset: float = 0.0, factor: float = -1.0) -> tuple[list, list]:
+    """The table of the probability p of a score, offset + factor * log((1 - p) / p), for scores from the lowest to the
+    highest. By default scores are log-odds of p. With a factor above 0 they are points, and a higher one is a lower
+    risk; of a card whose odds double every d points it is d / log(2).
 
     Its straight lines stay within relative_error (1e-6 to 0.2) of the smaller of p and 1 - p, or 1e-12 where that is
     more; with a largest_error (1e-7 to 0.2), within that of p. It has as few points as that takes, and one or two more
-    that end it below the lowest score. Scores must be finite. Raises ValueError.
-
-    With a factor scores are points, offset + factor * log((1 - p) / p): a higher one is a lower risk, unless the factor
-    is negative. Of a card whose odds double every d points the factor is d / log(2)."""
+    that end it below the lowest score. Scores must be finite. Raises ValueError."""
     error, relative = (1e-12, relative_error) if largest_error is None else (largest_error, 0.0)
     require(1e-6 <= relative <= 0.2 or relative == 0 and 1e-7 <= error <= 0.2,
             f"largest_error is from 1e-7 to 0.2, relative_error from 1e-6: {largest_error}, {relative_error}")
     require(-np.inf < lowest <= highest < np.inf, f"no finite scores from lowest to highest: {lowest}, {highest}")
-    if factor is not None:
-        require(factor and np.isfinite([offset, factor]).all(), f"no points: offset {offset}, factor {factor}")
-        ends = sorted([(offset - lowest) / factor, (offset - highest) / factor])
-        points = [(offset - factor * score, p) for score, p in logistic_points(error, relative, *ends)]
-        return ended(*map(list, zip(*sorted(points, reverse=True))), lowest)
-    return ended(*map(list, zip(*logistic_points(error, relative, lowest, highest)[::-1])), lowest)
+    require(factor and np.isfinite([offset, factor]).all(), f"no scores of offset {offset} and factor {factor}")
+    ends = sorted([(offset - lowest) / factor, (offset - highest) / factor])
+    points = sorted((offset - factor * odds, p) for odds, p in logistic_points(error, relative, *ends))
+    return ended(*map(list, zip(*points[::-1])), lowest)
 
 
 def logistic_points(error: float, relative: float, lowest: float, highest: float) -> list[tuple[float, float]]:
-    """Pairs of rising scores and probabilities, whose lines stay within the larger of the errors."""
+    """Pairs of rising log-odds and probabilities, whose lines stay within the larger of the errors."""
     error, relative = 0.999 * error, 0.999 * relative  # the rest is for what lies between the steps, and for rounding
 
     def band(x):
