@@ -167,8 +167,8 @@ class Scorecard:
         score, variable, bin and coefficient name columns; in place of bin there may be lower and upper, bins that are
         closed on the left. A bin is an interval such as [25, 40), values (an array, or texts between which stands
         separator, "%,%" or in dictionaries of bins ","), or missing, special or else. Unlisted values without a row add
-        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, special the
-        special codes. offset and factor are those of logistic_table."""
+        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, special
+        the special codes. offset and factor are those of logistic_table."""
         nested = isinstance(table, Mapping) and all(isinstance(part, Mapping) for part in table.values())
         card = cls(target, constant=constant, digits=digits)
         titles = {"variable": variable, "bin": bin, "score": score, "coefficient": coefficient}
