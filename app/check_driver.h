@@ -5,7 +5,8 @@
 
 #include <functional>
 
-// Does what the arguments ask for (the first is the program's path). Results go to standard output
-// and messages to standard error. Returns 0 when there is nothing to tell of, 1 with findings or
-// differences, 2 for a wrong call, and 8 for a model or a configuration that cannot be used.
+// Runs the program; the first argument is its path. Results go to standard output and messages to
+// standard error. Returns 0 if there are no findings and no differences, 1 if there are, 2 for a
+// wrong call or a file that cannot be read or written, and 8 for an unusable model or
+// configuration.
 int runCheck(const std::function<QStringList()> &readArguments);

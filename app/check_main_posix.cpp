@@ -1,6 +1,6 @@
 #include "app/check_driver.h"
 
-// Arguments are UTF-8. What is not is told where a file of that name is not found.
+// Arguments are UTF-8. Invalid UTF-8 surfaces later as a file that is not found.
 int main(int argc, char **argv) {
     return runCheck([&] {
         QStringList arguments;

@@ -18,7 +18,8 @@ namespace {
 
 constexpr int exitUsage = 1;
 
-constexpr QStringView banner = u"Qorv Model Exportation v1.07\n=============================\n";
+constexpr QStringView banner =
+    u"Qorv Model Exportation v" SCOREWRIGHT_VERSION u"\n=============================\n";
 
 constexpr QStringView usage = uR"(USAGE:
 to SAS   : scorewright -a <.ModelXml file> <SAS script file>
@@ -51,7 +52,7 @@ int runOption(const std::vector<QString> &arguments) {
         if (arguments.size() < 2 || arguments[1] != option.name || given < option.leastOperands)
             continue;
         Operands operands;
-        operands.fill(u""_s); // a null text would stand for an argument that is none
+        operands.fill(u""_s); // a null text would be an argument that is not valid
         for (std::size_t i = 0; i < std::min(given, option.mostOperands); ++i) {
             operands[i] = arguments[2 + i];
             if (operands[i].isNull()) {

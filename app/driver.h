@@ -7,8 +7,7 @@
 #include <vector>
 
 // Prints the banner, runs the exporter that the arguments choose (the first is the program's path)
-// and returns its exit status; prints the usage text and returns 1 when they choose none. A null
-// argument stands for one that is not text; it is refused where it would be used.
-// Memory that runs out, in reading the arguments too, is told in a message, and gives the status of
-// an unusable model.
+// and returns its exit status; prints the usage text and returns 1 if they choose none. A null
+// argument is one that is not valid UTF-8; it is rejected where it would be used. If memory runs
+// out, also while arguments are read, prints a message and returns the status of an unusable model.
 int runCommandLine(const std::function<std::vector<QString>()> &readArguments);

@@ -1,6 +1,6 @@
 #include "app/driver.h"
 
-// Arguments are taken as they stand, also where half a pair makes one no text: it may name a file.
+// Arguments are not validated: even one with half a surrogate pair may name a file.
 int wmain(int argc, wchar_t **argv) {
     return runCommandLine([&] {
         std::vector<QString> arguments;

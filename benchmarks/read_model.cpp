@@ -6,7 +6,7 @@
 int main(int argc, char **argv) {
     if (argc < 2) return 1;
     ModelDocument document = loadModel(QString::fromLocal8Bit(argv[1]));
-    const std::pmr::vector<Variable> variables = readVariables(document, u" .");
+    const Variables variables = readVariables(document, u" .");
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);

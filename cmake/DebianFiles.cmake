@@ -1,4 +1,4 @@
-# The files that a Debian package holds in a form of its own. CPack runs this on what it installed.
+# Adds the files that only a Debian package has. CPack runs this on the installed files.
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
   return()
 endif()
@@ -8,7 +8,7 @@ set(changelog ${share}/doc/${CPACK_PACKAGE_NAME}/changelog.Debian)
 string(TIMESTAMP day "%a, %d %b %Y %H:%M:%S +0000" UTC)
 file(WRITE ${changelog}
   "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE}) stable; urgency=medium\n\n"
-  "  * CHANGELOG.md tells what is new.\n\n"
+  "  * CHANGELOG.md lists the changes.\n\n"
   " -- ${CPACK_PACKAGE_CONTACT}  ${day}\n")
 set(overrides ${share}/lintian/overrides/${CPACK_PACKAGE_NAME})
 configure_file(${CMAKE_CURRENT_LIST_DIR}/lintian-overrides ${overrides} COPYONLY)

@@ -1,8 +1,8 @@
-# What is installed where, and the packages that CPack makes of it.
+# Where files are installed, and the packages that CPack builds from them.
 include(GNUInstallDirs)
 
-# The documents keep the shape of the repository, so that the links between them hold. In the
-# Windows package the program stands among them.
+# The documents keep the layout of the repository, so that the links between them work. In the
+# Windows package the programs are beside them.
 if(WIN32)
   set(program_folder .)
   set(document_folder .)
@@ -28,17 +28,17 @@ endif()
 file(READ examples/credit/LICENSE data_licence)
 configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/${copyright} @ONLY)
 
-# Where Qt does not stand where the system looks for libraries, the program finds it all the same.
+# Lets the programs find a Qt outside the folders that the system searches for libraries.
 set_target_properties(scorewright scorewright-check PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
 
 install(TARGETS scorewright scorewright-check RUNTIME DESTINATION ${program_folder})
-install(FILES README.md CHANGELOG.md ARCHITECTURE.md CONTRIBUTING.md
+install(FILES README.md CHANGELOG.md ARCHITECTURE.md CONTRIBUTING.md SECURITY.md
   ${PROJECT_BINARY_DIR}/${copyright} DESTINATION ${document_folder})
 install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_folder} USE_SOURCE_PERMISSIONS
   PATTERN "__pycache__" EXCLUDE)
 if(WIN32)
-  # What the packages of the compiler and of Qt say, and the texts that they refer to.
+  # The notices of the packages of the compiler and of Qt, and the licences that they refer to.
   foreach(part libqt6core6 libcsv-dev gcc-mingw-w64-base mingw-w64-x86-64-dev)
     install(FILES /usr/share/doc/${part}/copyright DESTINATION licences RENAME ${part}.txt)
   endforeach()
@@ -52,8 +52,8 @@ else()
   endforeach()
 endif()
 
-# Debian's Python looks into one folder of /usr for all its versions, and into one of each version
-# in /usr/local. Anywhere else PYTHONPATH leads it there. The prefix is known when it is installed.
+# Debian's Python searches one folder in /usr for all its versions, and one for each version in
+# /usr/local. Elsewhere users set PYTHONPATH. The prefix is known only when files are installed.
 if(NOT WIN32)
   install(CODE [[
     set(python_folder lib/python3/dist-packages)
@@ -72,7 +72,7 @@ string(TOLOWER
   CPACK_PACKAGE_FILE_NAME)
 set(CPACK_PACKAGE_VENDOR "Scorewright")
 set(CPACK_PACKAGE_CONTACT "Scorewright maintainers <maintainers@scorewright.invalid>" CACHE STRING
-  "Name and address of who makes the packages")
+  "Name and address of the maintainer of the packages")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
   "exporter of scoring models to SAS, SQL, Excel VBA, Python and HTML")
 set(CPACK_PACKAGE_DESCRIPTION
@@ -96,7 +96,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# Only what writes documents and scores with Python needs them.
+# The Python package is in the same .deb; only those who use it need the libraries.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3:any")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3-numpy, python3-pandas, python3-sklearn")
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianFiles.cmake)
 include(CPack)

@@ -1,17 +1,17 @@
-# The settings that all of the project's own code is built with.
+# Compiler settings for all of the project's own code.
 function(scorewright_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
-  # Link-time optimisation saves 4 % of the instructions of a SAS script.
+  # benchmarks/costs.md: "no link-time optimisation".
   set_target_properties(${target} PROPERTIES INTERPROCEDURAL_OPTIMIZATION_RELEASE ${has_ipo})
   if(has_ipo AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # g++ 12 takes sizes of Qt's hashes for impossible ones when it has inlined all around them.
+    # After inlining, g++ 12 reports sizes of Qt's hashes as impossible.
     target_link_options(${target} PRIVATE -Wno-alloc-size-larger-than)
   endif()
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PUBLIC Qt6::Core)
   target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
-  # Slopes and intercepts must round the same on every processor, so nothing is fused.
+  # Slopes and intercepts must round the same on every processor: no fused multiply-add.
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off)
   if(SCOREWRIGHT_STRICT)
@@ -20,6 +20,8 @@ function(scorewright_settings target)
   if(SCOREWRIGHT_FUZZ)
     target_compile_options(${target} PRIVATE -fsanitize=fuzzer-no-link)
   endif()
+  target_compile_definitions(${target} PUBLIC
+    SCOREWRIGHT_SANITIZE=$<BOOL:${SCOREWRIGHT_SANITIZE}>)
   if(SCOREWRIGHT_SANITIZE)
     target_compile_options(${target} PUBLIC
       -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -1,7 +1,7 @@
-# Completion of scorewright and scorewright-check in bash. It is installed under both names, since bash looks for a
-# file called like the command.
+# Completion of scorewright and scorewright-check in bash, installed under both names: bash looks for a file named like
+# the command.
 
-# Folders, and files of these endings.
+# Completes folders, and files with these endings.
 _scorewright_files() {
   local word=$1 ending
   shift
@@ -33,7 +33,7 @@ _scorewright_check() {
   COMPREPLY=()
   case $before in
     --target)
-      # A list with commas between: what stands before the last comma stays.
+      # A comma-separated list: everything before the last comma stays.
       [[ $word == *,* ]] && begun=${word%,*},
       mapfile -t COMPREPLY < <(compgen -P "$begun" -W 'sas sql vba python html' -- "${word##*,}")
       compopt -o nospace 2>/dev/null ;;

@@ -1,4 +1,4 @@
-# Debian's compiler for 64-bit Windows. Libraries are looked for among its own and in CMAKE_PREFIX_PATH.
+# Debian's compiler for 64-bit Windows. Searches its own libraries and CMAKE_PREFIX_PATH.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)

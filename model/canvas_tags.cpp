@@ -1,6 +1,6 @@
-// Each kind of tag is searched by itself and remembers its next occurrence. What stands first among
-// these is the next tag of the canvas; passing it costs one search of its kind, so that a canvas is
-// read once for each kind.
+// The next occurrence of each kind of tag is kept, and the first of these is the next tag of the
+// canvas. To move on, only the kind of the current tag is searched: in total, the canvas is read
+// once per kind.
 #include "model/canvas_tags.h"
 
 #include "platform/platform.h"
@@ -49,14 +49,14 @@ std::optional<int> wholeNumber(QStringView text) {
     return static_cast<int>(number);
 }
 
-// The end of the last value looked at; values that begin before it end there too.
+// The end of the value found last; values that start before it end there too.
 struct ValueEnd {
-    qsizetype position = -1; // where its "/" or "]" stands
-    qsizetype trimmed = -1;  // the same without blanks
+    qsizetype position = -1; // of its "/" or "]"
+    qsizetype trimmed = -1;  // of the blanks before that
 };
 
-// The value that begins at or after `at`. Its end is searched only when it was not found for an
-// earlier value: otherwise unclosed tags before a long text would cost the square of its length.
+// The value at `at`, without the blanks around it. Its end is searched only if it was not found for
+// an earlier value: otherwise unclosed tags before a long text would take quadratic time.
 QStringView readValue(QStringView canvas, qsizetype at, ValueEnd &end) {
     const qsizetype start = skipBlanks(canvas, at);
     if (end.position < start) {
@@ -68,7 +68,7 @@ QStringView readValue(QStringView canvas, qsizetype at, ValueEnd &end) {
     return canvas.sliced(start, std::max(end.trimmed, start) - start);
 }
 
-// Warns with the opening of the tag and its position when the value is no number.
+// Warns with the opening of the tag and its position if the value is not a number.
 int numberOrWarn(const CanvasTags &tags, QStringView value, QStringView warning, TagKind kind) {
     const std::optional<int> number = wholeNumber(value);
     if (!number && tags.warn) {
@@ -109,7 +109,7 @@ void takeValue(CanvasTags &tags, TagKind kind, QStringView value) {
     }
 }
 
-// The position after the "]" or "/]" that stands at `at`, -1 where there is neither.
+// The position after the "]" or "/]" at `at`; -1 if neither is there.
 qsizetype closingEnd(QStringView canvas, qsizetype at) {
     const QStringView rest = canvas.sliced(at);
     if (rest.startsWith(u']')) return at + 1;
@@ -122,11 +122,12 @@ QString readCanvas(const QString &fileName) {
     std::FILE *const file = openFile(fileName, FileUse::Read);
     if (!file) return {};
     QByteArray bytes;
-    bytes.resize(fileSize(file)); // a device may go on for ever, but it has no size
+    bytes.resize(fileSize(file)); // a device may never end, but its size is 0
     const auto size = static_cast<std::size_t>(bytes.size());
     bytes.truncate(static_cast<qsizetype>(std::fread(bytes.data(), 1, size, file)));
+    const bool isRead = std::ferror(file) == 0;
     std::fclose(file);
-    return QString::fromUtf8(bytes);
+    return isRead ? QString::fromUtf8(bytes) : QString();
 }
 
 QStringView tagOpening(TagKind kind) {

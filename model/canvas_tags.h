@@ -1,5 +1,5 @@
-// The tags of a canvas, and what their values say. Each kind of tag is searched by itself, one
-// occurrence at a time; taking the occurrence that stands first walks through all of them in order.
+// The tags of a canvas, and their values. Each kind of tag is searched separately, one occurrence
+// at a time; the first of the current occurrences is the next tag of the canvas.
 #pragma once
 
 #include <QString>
@@ -8,7 +8,7 @@
 #include <array>
 #include <functional>
 
-// In the order in which kinds are told apart and searched.
+// In the order in which kinds are searched.
 enum class TagKind {
     Script,
     AllQuestions,
@@ -25,16 +25,19 @@ enum class TagKind {
 };
 inline constexpr std::size_t tagKinds = static_cast<std::size_t>(TagKind::None);
 
-// The text of a canvas, a file in UTF-8; empty when the file cannot be read.
+// The text of a canvas, a file in UTF-8; empty if the file cannot be opened or reading it fails.
 QString readCanvas(const QString &fileName);
 
-// What a tag begins with, as in "[QRV_SCRIPT".
+// A canvas with a shorter text, in UTF-16 units, is replaced by the built-in one.
+inline constexpr qsizetype shortestCanvas = 10;
+
+// The text with which tags of the kind begin, such as "[QRV_SCRIPT".
 QStringView tagOpening(TagKind kind);
 
-// The current occurrence of a kind: [start, end) in the canvas, both -1 when there is none left.
+// The current occurrence of a kind: [start, end) in the canvas, both -1 if none is left.
 struct Tag {
     qsizetype start = -1;
-    qsizetype end = 0; // the next search begins here
+    qsizetype end = 0; // where the next search starts
 };
 
 struct Labels {
@@ -44,26 +47,27 @@ struct Labels {
     QStringView submit = u"Submit";
 };
 
-// The tags, and the values of those scanned last. Labels are views into the canvas.
+// The current tags, and the values of those scanned last. Labels are views into the canvas.
 struct CanvasTags {
     QStringView canvas;
     std::array<Tag, tagKinds> tags;
     int questionNumber = 0;
     int answerModel = 0;
     Labels labels;
-    std::function<void(QStringView)> warn; // told of a number that is none; may be empty
+    std::function<void(QStringView)> warn; // called if a value is not a number; may be empty
 
     const Tag &operator[](TagKind kind) const { return tags[static_cast<std::size_t>(kind)]; }
 };
 
-// Finds the next occurrence of the kind and takes over its value. Warns of a number that is
-// none, which counts as 0. An occurrence that is not closed leaves its value and is passed
-// over.
+// Finds the next occurrence of the kind and stores its value. If the value is not a number where
+// one is needed, warns and stores 0. An occurrence that is not closed is skipped, but its value is
+// stored.
 void scanTag(CanvasTags &tags, TagKind kind);
 
 // The first occurrence of each kind. Without `warn` there are no warnings.
 CanvasTags scanCanvas(QStringView canvas, std::function<void(QStringView)> warn = {});
 
-// The kind whose current occurrence stands first, None when there is none left. The occurrence of
-// `previous` is done with: its kind is scanned on first, unless `previous` is None.
+// The kind of the next tag in the canvas; None if no tag is left. The current occurrence of
+// `previous` has been handled: unless `previous` is None, the next one of its kind is searched
+// first.
 TagKind nextTag(CanvasTags &tags, TagKind previous);

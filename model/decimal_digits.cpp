@@ -16,7 +16,7 @@ __extension__ using Wide = unsigned __int128;
 using Word = std::uint64_t;
 
 constexpr int mostDigits = 16;
-constexpr int leastExponent = -4; // decimal, of a number that is written without exponent
+constexpr int leastExponent = -4; // decimal, of a number written without exponent
 
 template <std::size_t size>
 constexpr std::array<Word, size> powersOf(Word base) {
@@ -27,19 +27,19 @@ constexpr std::array<Word, size> powersOf(Word base) {
 constexpr auto powersOfFive = powersOf<mostDigits - leastExponent>(5);
 constexpr auto powersOfTen = powersOf<mostDigits + 1>(10);
 
-// The least numbers of each decimal exponent from leastExponent on. Those below 1 are not exact,
-// but each is the least number that is not below the power of ten.
+// The smallest double of each decimal exponent, from leastExponent on. The powers of ten below 1
+// are not exact, but each constant is the smallest double that is not below its power.
 constexpr double leastOfExponent[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,
                                       1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 // floor(log10(value)) for 1e-4 <= value < 1e15.
 int decimalExponent(double value, int binaryExponent) {
-    // That of the power of two below the value, or one less.
+    // The exponent of the power of two below the value, or one less.
     const int estimate = (binaryExponent * 1233 >> 12) - leastExponent;
     return estimate + leastExponent + (value >= leastOfExponent[estimate + 1] ? 1 : 0);
 }
 
-// The eight digits of a number below 10^8 in the bytes of a word, the first in the lowest.
+// The eight digits of a number below 10^8 in the bytes of a word, the first in the lowest byte.
 Word eightDigits(Word number) {
     const Word fours = number / 10000 | number % 10000 << 32;
     const Word hundreds = (fours * 10486 >> 20 & 0x7F0000007F);
@@ -48,16 +48,16 @@ Word eightDigits(Word number) {
     return tens | (twos - 10 * tens) << 8;
 }
 
-// The text of a number of 16 digits and a point behind the first `exponent + 1` of them, without
-// the zeros at its end.
+// Writes a number of 16 digits with a point behind the first `exponent + 1` of them, but without
+// trailing zeros. Returns the number of characters.
 int storeDigits(Word number, int exponent, char *text) {
     const Word first = eightDigits(number / 100000000);
     const Word last = eightDigits(number % 100000000);
     const int count = last != 0 ? 16 - std::countl_zero(last) / 8 : 8 - std::countl_zero(first) / 8;
     constexpr Word zeros = 0x3030303030303030;
     const Wide digits = Wide(last | zeros) << 64 | (first | zeros);
-    // Below 1 the digits stand behind "0." and zeros. Both kinds take the same steps, since a
-    // branch would often be mispredicted.
+    // Below 1 the digits follow "0." and zeros. Both cases take the same steps, since a branch
+    // would often be mispredicted.
     const int whole = std::max(exponent + 1, 0);
     const int start = exponent < 0 ? 1 - exponent : 0;
     const int point = exponent < 0 ? 1 : whole;
@@ -71,10 +71,9 @@ int storeDigits(Word number, int exponent, char *text) {
 
 } // namespace
 
-// std::to_chars takes 71 ns for a number that this takes 24 for, and a SAS script would cost 46 %
-// more instructions.
+// Much faster than std::to_chars (benchmarks/costs.md: "numbers by to_chars").
 int exactDigits(double value, int digits, char *text) {
-    constexpr Word hidden = Word(1) << 52; // the bit of m that is not written down
+    constexpr Word hidden = Word(1) << 52; // the highest bit of m, which is not stored
     constexpr Word half = Word(1) << 63;
     const auto bits = std::bit_cast<Word>(value);
     const auto magnitude = std::bit_cast<double>(bits & ~(Word(1) << 63));

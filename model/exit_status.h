@@ -1,7 +1,7 @@
-// What the program returns.
+// The exit statuses of the program.
 #pragma once
 
-// The exit statuses of more than one exporter.
+// Those that several exporters return.
 enum ExitStatus {
     exitSuccess = 0,
     exitCannotOpenOutput = 6,

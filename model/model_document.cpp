@@ -1,6 +1,5 @@
-// The tree stays the model: what is read are views into it and decoded arrays, some of them in
-// place of their texts. Arrays are decoded into one buffer and copied from there to where they are
-// aligned.
+// The tree is the model: readers return views into it and decoded arrays. All arrays are decoded in
+// one buffer and copied from there to where they are aligned.
 #include "model/model_document.h"
 
 #include "model/exit_status.h"
@@ -9,30 +8,22 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <span>
 
 using namespace Qt::Literals::StringLiterals;
 
-static_assert(std::endian::native == std::endian::little, "arrays are read as they stand");
+static_assert(std::endian::native == std::endian::little, "arrays are copied as they are");
 
 namespace {
 
-// The bytes of an array, as they were decoded, up to the last whole number of `numberSize` bytes.
-// They stay until the next array is decoded.
-std::span<const unsigned char> decodeArray(ModelDocument &document, QStringView text,
-                                           std::size_t numberSize) {
+// The whole numbers of an array. Bytes behind the last of them are ignored.
+template <typename Number>
+std::vector<Number> decodeArray(ModelDocument &document, QStringView text) {
     qsizetype size = 0;
     const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
-    const std::size_t count = bytes ? static_cast<std::size_t>(size) / numberSize : 0;
-    return {bytes, count * numberSize};
-}
-
-// Puts the numbers in place of `values` and fills up with zeros to `needed`.
-template <typename Values>
-void copyNumbers(std::span<const unsigned char> bytes, std::size_t needed, Values &values) {
-    constexpr std::size_t numberSize = sizeof(typename Values::value_type);
-    values.assign(std::max(bytes.size() / numberSize, needed), 0);
-    if (!bytes.empty()) std::memcpy(values.data(), bytes.data(), bytes.size());
+    const std::size_t count = bytes ? static_cast<std::size_t>(size) / sizeof(Number) : 0;
+    std::vector<Number> values(count);
+    if (count > 0) std::memcpy(values.data(), bytes, count * sizeof(Number));
+    return values;
 }
 
 } // namespace
@@ -78,7 +69,7 @@ QString describe(const XmlNode &node) {
 
 QString problemMessage(const QString &fileName, const QString &problem) {
     QString message = u"Cannot convert model '%1': %2."_s.arg(fileName, problem);
-    // Names may hold line ends; the message is one line all the same.
+    // A name may contain line ends, but the message is one line.
     for (const char16_t lineEnd : {u'\n', u'\r'}) message.replace(lineEnd, u' ');
     return message + u'\n';
 }
@@ -96,32 +87,16 @@ void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView a
                                       QString::number(needed)));
 }
 
-void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                 std::size_t needed, std::pmr::vector<double> &values) {
-    const auto bytes = decodeArray(document, owner.childNode(array).text(), sizeof(double));
-    requireNumbers(document, owner, array, bytes.size() / sizeof(double), needed);
-    copyNumbers(bytes, needed, values);
+std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                                std::size_t needed) {
+    std::vector<double> values = decodeArray<double>(document, owner.childNode(array).text());
+    requireNumbers(document, owner, array, values.size(), needed);
+    if (values.size() < needed) values.resize(needed);
+    return values;
 }
 
-// The numbers take less than half of the memory of their text, which leaves room to align them. In
-// memory of their own, a SAS script would need 8 % more of it.
-std::span<const double> takeNumbers(ModelDocument &document, const XmlNode &owner,
-                                    QStringView array) {
-    const XmlNode node = owner.childNode(array);
-    const auto bytes = decodeArray(document, node.text(), sizeof(double));
-    if (bytes.empty()) return {};
-    const std::span<char16_t> text = node.takeText();
-    void *place = text.data();
-    std::size_t room = text.size_bytes();
-    std::align(alignof(double), bytes.size(), place, room);
-    std::memcpy(place, bytes.data(), bytes.size());
-    return {static_cast<const double *>(place), bytes.size() / sizeof(double)};
-}
-
-void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                  std::vector<int> &values) {
-    const auto bytes = decodeArray(document, owner.childNode(array).text(), sizeof(int));
-    copyNumbers(bytes, 0, values);
+std::vector<int> readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array) {
+    return decodeArray<int>(document, owner.childNode(array).text());
 }
 
 QString cleanName(QStringView text, QStringView replaced) {

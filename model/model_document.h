@@ -1,9 +1,9 @@
 // A loaded model document, its arrays, and the names in it. recodings.h and regression.h read the
-// rest.
+// rest. ARCHITECTURE.md says which results own their memory and which are views.
 //
-// Reading does not stop at an array that is too short: the first shortage is noted in the document,
-// and the exporter goes on and asks once, when it has read all that it needs and before it writes
-// anything, whether there was a problem.
+// Reading does not stop at an array that is too short: the reader notes the first problem in the
+// document and goes on. When the exporter has read everything that it needs, and before it writes
+// anything, it asks once whether there was a problem.
 #pragma once
 
 #include "xml/base64.h"
@@ -11,39 +11,37 @@
 
 #include <QString>
 
-#include <memory_resource>
-#include <span>
 #include <vector>
 
 struct ModelDocument {
     QString fileName;
     XmlNode root;           // the element "QRV_Model"
-    XmlParseResult reading; // a warning tells of a document that is cut off or lacks end tags
+    XmlParseResult reading; // a warning if the document is truncated or lacks end tags
     QString problem;        // the first reason why the document cannot be converted; else empty
     Base64Decoder decoder;  // reused for all arrays
 };
 
-// The element of that name at the top of a parsed file. Without XML declaration, the parser returns
-// that element itself instead of one that holds it.
+// The element of that name at the top of a parsed file. Without an XML declaration, the parser
+// returns that element itself instead of one that contains it.
 XmlNode rootElement(const XmlNode &parsed, QStringView name);
 
-// Loads a model document. Without a readable file, an acceptable document or a "QRV_Model" in it
-// the root is empty and the problem says why.
+// Loads a model document. If the file cannot be read or parsed, or has no element "QRV_Model", the
+// root is empty and the problem says why.
 ModelDocument loadModel(const QString &fileName);
 
-// The size that an output of this document seldom exceeds, in UTF-16 units.
+// Estimated size of an output of this document, in UTF-16 units; seldom exceeded.
 qsizetype expectedOutput(const ModelDocument &document);
 
-// Takes down why the document cannot be converted, unless another reason came first.
+// Notes why the document cannot be converted, unless an earlier reason is noted already.
 void noteProblem(ModelDocument &document, const QString &problem);
 
-// How messages call the element that an array belongs to.
+// The name by which messages call the element that an array belongs to.
 QString describe(const XmlNode &node);
 
-// Why a model cannot be converted, as one line.
+// The message that a model cannot be converted, as one line.
 QString problemMessage(const QString &fileName, const QString &problem);
 
-// Prints as one line why a model cannot be converted, and returns exitUnusableModel.
+// Prints that message and returns exitUnusableModel.
 int reportProblem(const QString &fileName, const QString &problem);
 inline int reportProblem(const ModelDocument &document) {
     return reportProblem(document.fileName, document.problem);
@@ -54,29 +52,22 @@ QStringView modelVersion(const ModelDocument &document);
 
 // --- Arrays
 
-// Reads the child `array` of `owner`, which holds 64-bit numbers, in place of `values`; an absent
-// one has none. One of less than `needed` values is a problem, and is filled up with zeros.
-void readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                 std::size_t needed, std::pmr::vector<double> &values);
+// The 64-bit numbers of the child `array` of `owner`; none if it is absent. Fewer than `needed` are
+// a problem, and zeros are appended. Not for the arrays of a Variable, whose text is gone.
+std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
+                                std::size_t needed);
 
-// The same for 32-bit integers, of which an array of any length will do.
-void readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array,
-                  std::vector<int> &values);
+// The same for 32-bit integers; an array of any length is acceptable.
+std::vector<int> readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array);
 
-// Decodes the child `array` of `owner`, which holds 64-bit numbers, to where its text stands: where
-// there was a number, the text is absent from then on. The numbers are valid as long as the
-// document.
-std::span<const double> takeNumbers(ModelDocument &document, const XmlNode &owner,
-                                    QStringView array);
-
-// Notes a problem when the child `array` of `owner` has fewer numbers than are needed.
+// Notes a problem if the child `array` of `owner` has fewer numbers than needed.
 void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                     std::size_t count, std::size_t needed);
 
 // --- Names
 
-// The text with each of the characters of `replaced` turned into "_".
+// The text with "_" in place of each character of `replaced`.
 QString cleanName(QStringView text, QStringView replaced);
 
-// The name of the target column, cleaned, and "_"; empty without a target.
+// The cleaned name of the target column and "_"; empty without a target.
 QString targetPrefix(const ModelDocument &document, QStringView replaced);

@@ -1,5 +1,4 @@
-// std::to_chars with a precision writes what printf's %g writes, to the last digit, and knows no
-// locale.
+// std::to_chars with a precision writes exactly what printf's %g writes, but in any locale.
 #include "model/number_text.h"
 
 #include "model/decimal_digits.h"

@@ -1,11 +1,11 @@
-// UTF-16 goes out as it stands in memory. UTF-8 is converted piece by piece, since a second copy of
-// the whole text would cost its memory once more.
+// UTF-16 is written from where it is in memory. UTF-8 is converted piece by piece, which saves the
+// memory of a second copy of the whole text.
 #include "model/output_file.h"
 
 #include <algorithm>
 #include <bit>
 
-static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they stand");
+static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they are");
 
 namespace {
 
@@ -23,7 +23,7 @@ void writeUtf8(std::FILE *stream, QStringView text) {
 } // namespace
 
 void writeText(const OutputFile &file, QStringView text) {
-    if (text.isEmpty()) return; // it may have no memory either
+    if (text.isEmpty()) return; // its pointer may be null
     if (file.encoding == OutputEncoding::Utf8) {
         writeUtf8(file.stream.get(), text);
     } else {

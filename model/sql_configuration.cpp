@@ -2,6 +2,8 @@
 // first is checked.
 #include "model/sql_configuration.h"
 
+#include "model/model_document.h"
+
 #include <QStringList>
 
 using namespace Qt::Literals::StringLiterals;
@@ -17,7 +19,7 @@ enum ConfigurationStatus {
     exitBadConfiguration = 10,
 };
 
-// Messages about the settings; they end without a line end.
+// Messages about absent settings. By contract they have no line end.
 constexpr char16_t sqlNoInputFile[] =
     u"Error: cannot convert model: no XML model to convert! ('inputFile' field is empty or mising)";
 constexpr char16_t sqlNoOutputFile[] =
@@ -27,33 +29,42 @@ constexpr char16_t sqlNoInputTable[] =
 constexpr char16_t sqlNoPredictionTable[] =
     u"Error: cannot convert model: no prediction Table Name is given! ('predictionTable' field is empty or mising)";
 
+constexpr SqlSetting textSetting(QStringView name, QString SqlConfiguration::*text) {
+    return {name, text, nullptr};
+}
+constexpr SqlSetting flagSetting(QStringView name, bool SqlConfiguration::*flag) {
+    return {name, nullptr, flag};
+}
+
+constexpr SqlSetting settings[] = {
+    textSetting(u"inputFile", &SqlConfiguration::inputFile),
+    textSetting(u"outputFile", &SqlConfiguration::outputFile),
+    textSetting(u"inputTable", &SqlConfiguration::inputTable),
+    textSetting(u"keyName", &SqlConfiguration::keyName),
+    textSetting(u"prediction", &SqlConfiguration::prediction),
+    textSetting(u"predictionTable", &SqlConfiguration::predictionTable),
+    textSetting(u"schemaName", &SqlConfiguration::schemaName),
+    textSetting(u"dbType", &SqlConfiguration::dbType),
+    textSetting(u"odbcLink", &SqlConfiguration::odbcLink),
+    textSetting(u"odbcLogin", &SqlConfiguration::odbcLogin),
+    textSetting(u"odbcPassword", &SqlConfiguration::odbcPassword),
+    flagSetting(u"createPredictionTable", &SqlConfiguration::createPredictionTable),
+    flagSetting(u"kestruneScript", &SqlConfiguration::kestruneScript),
+    flagSetting(u"useTmpTable", &SqlConfiguration::useTmpTable),
+    flagSetting(u"createTmpTable", &SqlConfiguration::createTmpTable),
+    flagSetting(u"boolsAreNumbers", &SqlConfiguration::boolsAreNumbers),
+    flagSetting(u"debugRecoding", &SqlConfiguration::debugRecoding),
+};
+
 SqlConfiguration readSettings(const XmlNode &root) {
-    const auto text = [&](QStringView name, QStringView absent = {}) {
-        return xmlToText(root.attribute(name), absent).toString();
-    };
-    const auto flag = [&](QStringView name, bool absent) {
-        return xmlToBool(root.attribute(name), absent);
-    };
-    return {
-        .inputFile = text(u"inputFile"),
-        .outputFile = text(u"outputFile"),
-        .inputTable = text(u"inputTable"),
-        .keyName = text(u"keyName"),
-        .prediction = text(u"prediction", u"Predictions"),
-        .predictionTable = text(u"predictionTable"),
-        .schemaName = text(u"schemaName"),
-        .dbType = text(u"dbType", u"default"),
-        .createPredictionTable = flag(u"createPredictionTable", false),
-        .kestruneScript = flag(u"kestruneScript", false),
-        .useTmpTable = flag(u"useTmpTable", true),
-        .createTmpTable = flag(u"createTmpTable", true),
-        .boolsAreNumbers = flag(u"boolsAreNumbers", true),
-        .debugRecoding = flag(u"debugRecoding", false),
-        .odbcLink = text(u"odbcLink"),
-        .odbcLogin = text(u"odbcLogin"),
-        .odbcPassword = text(u"odbcPassword"),
-        .comment = root.text().trimmed().toString().split(u'\n').join(u"\n-- "),
-    };
+    SqlConfiguration configuration;
+    for (const auto &[name, text, flag] : settings) {
+        const QStringView value = root.attribute(name);
+        if (text) configuration.*text = xmlToText(value, configuration.*text).toString();
+        if (flag) configuration.*flag = xmlToBool(value, configuration.*flag);
+    }
+    configuration.comment = root.text().trimmed().toString().split(u'\n').join(u"\n-- ");
+    return configuration;
 }
 
 void checkSettings(SqlConfigurationFile &file) {
@@ -79,6 +90,10 @@ void checkSettings(SqlConfigurationFile &file) {
 
 } // namespace
 
+std::span<const SqlSetting> sqlSettings() {
+    return settings;
+}
+
 SqlConfigurationFile readSqlConfiguration(const QString &fileName) {
     SqlConfigurationFile file;
     XmlParseResult result;
@@ -94,4 +109,14 @@ SqlConfigurationFile readSqlConfiguration(const QString &fileName) {
     file.configuration = readSettings(file.root);
     checkSettings(file);
     return file;
+}
+
+QString keyColumn(const SqlConfiguration &configuration, const ModelDocument &document) {
+    if (!configuration.keyName.isEmpty()) return configuration.keyName;
+    const QStringView key = document.root.childNode(u"MetaData").childNode(u"Key").text();
+    return key.isEmpty() ? u"id"_s : key.toString();
+}
+
+QString temporaryTableName(const SqlConfiguration &configuration) {
+    return u"Qorv_TMP_"_s + configuration.predictionTable;
 }

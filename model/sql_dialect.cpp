@@ -1,4 +1,3 @@
-// All that sets dialects apart stands in one table. A script asks for a property, never for a name.
 #include "model/sql_dialect.h"
 
 #include <QStringList>
@@ -26,15 +25,15 @@ constexpr bool no = false;
 // The last one stands for all names that are not in the table.
 // clang-format off
 constexpr SqlDialect dialects[] = {
-    // name              score  column  text   quoting  name    digits  proba-  distri-  makes  collects    reader
-    //                   cast   cast    trim            length          bility  butes    index  statistics  mode
-    {u"default",         none,  none,   trim,  quotes,   64,    16,     no,     no,      no,    no,         yes},
-    {u"sqlserver",       none,  column, trim,  brackets, 64,    16,     yes,    no,      yes,   no,         no},
-    {u"oracle",          none,  none,   trim,  upper,    64,    16,     yes,    no,      no,    no,         yes},
-    {u"mysql",           none,  none,   trim,  quotes,   64,    16,     yes,    no,      yes,   no,         yes},
-    {u"teradata",        none,  none,   none,  quotes,   30,    15,     yes,    no,      no,    yes,        yes},
-    {u"teradata_aster",  none,  none,   none,  quotes,   30,    16,     yes,    yes,     no,    no,         yes},
-    {u"",                score, column, trim,  quotes,   64,    16,     yes,    no,      no,    no,         no},
+    // name              score  column  text   quoting  name    digits  proba-  distri-  makes  collects    reader  reads    ANSI    comment  may   pads
+    //                   cast   cast    trim            length          bility  butes    index  statistics  mode    slashes  quotes  blank    read  texts
+    {u"default",         none,  none,   trim,  quotes,   64,    16,     no,     no,      no,    no,         yes,    no,      no,     no,      yes,  no},
+    {u"sqlserver",       none,  column, trim,  brackets, 64,    16,     yes,    no,      yes,   no,         no,     no,      no,     no,      no,   no},
+    {u"oracle",          none,  none,   trim,  upper,    64,    16,     yes,    no,      no,    no,         yes,    no,      no,     no,      no,   no},
+    {u"mysql",           none,  none,   trim,  quotes,   64,    16,     yes,    no,      yes,   no,         yes,    yes,     yes,    yes,     yes,  yes},
+    {u"teradata",        none,  none,   none,  quotes,   30,    15,     yes,    no,      no,    yes,        yes,    no,      no,     no,      no,   no},
+    {u"teradata_aster",  none,  none,   none,  quotes,   30,    16,     yes,    yes,     no,    no,         yes,    no,      no,     no,      no,   no},
+    {u"",                score, column, trim,  quotes,   64,    16,     yes,    no,      no,    no,         no,     no,      no,     no,      yes,  no},
 };
 // clang-format on
 
@@ -67,8 +66,7 @@ QString sqlTableName(const SqlDialect &dialect, QStringView name) {
 }
 
 NumberText sqlNumber(const SqlDialect &dialect, double number) {
-    constexpr double smallest = 1e-12;
-    return generalNumber(std::abs(number) < smallest ? 0 : number, dialect.digits);
+    return generalNumber(std::abs(number) < smallestSqlNumber ? 0 : number, dialect.digits);
 }
 
 void put(TextBuffer &out, const WrappedName &wrapped) {

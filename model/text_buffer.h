@@ -1,13 +1,13 @@
-// The output of an exporter, and the two ways of appending to it: put for lines, fill for the fixed
-// texts.
+// The output of an exporter, and the two ways of appending to it: put for lines, fill for fixed
+// texts with places.
 //
 //     put(out, u"   else ", name, u"=", score, u";\n");
 //
 // appends its pieces from left to right. A piece is a UTF-16 literal or any other text, a double
 // (written as a model number), an integer, a NumberText, or a text with its quotes escaped.
 //
-// A buffer with a file hands it one full block after the other and takes no more memory than that
-// block; without a file, the text grows in memory.
+// A buffer with a file writes one block after the other and needs no more memory than one block;
+// without a file, the whole text stays in memory.
 #pragma once
 
 #include "model/number_text.h"
@@ -26,31 +26,31 @@
 class TextBuffer {
 public:
     TextBuffer() = default;
-    // A buffer in memory that is expected to take about so many units.
+    // A buffer in memory with room for `expected` units; it may grow beyond that.
     explicit TextBuffer(qsizetype expected);
     TextBuffer(const TextBuffer &) = delete;
     TextBuffer &operator=(const TextBuffer &) = delete;
 
-    // What was appended and not yet written to a file.
+    // The text that was appended and is not yet in a file.
     QStringView text() const { return {units, used}; }
 
-    // Takes the memory of one block, unless the buffer has some already.
+    // Allocates one block, unless the buffer has memory already.
     void reserveBlock() {
         if (capacity == 0) enlarge(1);
     }
-    // From here on, all that is and was put into the buffer goes into the file.
+    // Everything that was and will be put into the buffer goes to the file.
     void writeTo(OutputFile opened) { file = std::move(opened); }
-    // Writes what is left to the file and closes it.
+    // Writes the rest to the file and closes it.
     void close();
 
-    // Makes room for `count` more units and returns where they go; the caller fills all of them.
+    // Appends `count` uninitialised units and returns the first; the caller fills all of them.
     char16_t *extend(qsizetype count) {
         if (count > capacity - used) enlarge(count);
         char16_t *const room = units + used;
         used += count;
         return room;
     }
-    // Takes back the last units of the room that extend() made last.
+    // Removes the last `count` of the units that extend() appended last.
     void giveBack(qsizetype count) { used -= count; }
 
 private:
@@ -59,26 +59,26 @@ private:
     void writeBlock();
 
     OutputFile file;
-    qsizetype position = 1; // of the first unit in a file of UTF-16, behind its mark
+    qsizetype position = 1; // of the first unit in a UTF-16 file, which begins with a mark
     MemoryBlock block;
     char16_t *units = nullptr; // in the block
     qsizetype used = 0;
     qsizetype capacity = 0;
 };
 
-// A text in which every `quote` gets a backslash before it when it is appended.
+// A text that is appended with a backslash before every `quote`.
 struct EscapedText {
     QStringView text;
     char16_t quote;
 };
 
-// The escape of string literals; nothing else in the text is changed.
+// Escapes the quotation marks of a string literal, and nothing else.
 inline EscapedText escapeQuotes(QStringView text) {
     return {text, u'"'};
 }
 
-// Texts go to a buffer in pieces of so many units at most, which its block has room for: a buffer
-// before a file needs no more than the block, however long a name is.
+// Longer texts are appended in pieces of this size, in units, so that a buffer with a file never
+// grows beyond its block, however long a name is.
 constexpr qsizetype longestPiece = 1 << 14;
 
 template <std::size_t size>
@@ -110,14 +110,14 @@ void put(TextBuffer &out, const First &first, const Second &second, const Rest &
     (put(out, rest), ...);
 }
 
-// A place in a fixed text, and what goes there.
+// A place in a fixed text, and the value that replaces it.
 struct Place {
     QStringView name;
     std::variant<QStringView, std::ptrdiff_t, double> value;
 };
 
-// Appends a fixed text with its places filled. A place is a name between two "$", and must be among
-// those given; what goes there is never searched for places:
+// Appends a fixed text with its places filled. A place is a name between two "$", and must be one
+// of `places`; their values are never searched for places:
 //
 //     fill(out, u"Dim $recoding$ As Double\n", {{u"recoding", name}});
 void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places);

@@ -7,13 +7,13 @@
 #include <QString>
 
 // Creates or empties the file, writes the byte-order mark of the encoding and hands the file to the
-// buffer. Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput when the file
-// cannot be opened or does not take the mark.
+// buffer. Prints a message and returns exitCannotOpenOutput or exitCannotWriteOutput if the file
+// cannot be opened or the mark cannot be written.
 int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out);
 
-// Creates or replaces the file with what write(out) puts. Returns what openOutput does, and prints
-// nothing on success. An exporter calls this once it has read all of the model, since what was in
-// the file is lost.
+// Creates or replaces the file with what write(out) appends. Returns the status of openOutput, and
+// prints nothing on success. Exporters call this after they have read the whole model, since the
+// file's old content is lost.
 template <typename Write>
 int writeOutput(const QString &fileName, OutputEncoding encoding, Write write) {
     TextBuffer out;
@@ -35,5 +35,5 @@ int writeScript(const QString &fileName, Write write) {
 }
 
 // Creates or replaces the file and writes the text in UTF-8 without byte-order mark. Prints
-// nothing: a file that cannot be opened is left alone.
+// nothing, not even if the file cannot be opened.
 void writePage(const QString &fileName, QStringView text);

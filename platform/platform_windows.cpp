@@ -1,5 +1,4 @@
-// Windows. The system answers for itself: what is UTF-16, what the code page is, what a console
-// shows.
+// Windows. The system decides what is UTF-16, what the code page is and what a console shows.
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -11,22 +10,25 @@
 
 namespace {
 
-void showOnConsole(HANDLE console, QStringView text) {
-    constexpr qsizetype most = 8192; // units; a call with very many may show nothing
-    while (!text.isEmpty()) {
+bool showOnConsole(HANDLE console, QStringView text) {
+    constexpr qsizetype most = 8192; // units; a call with far more may show nothing
+    bool isShown = true;
+    while (isShown && !text.isEmpty()) {
         qsizetype size = std::min(most, text.size());
         const bool cutsPair = size < text.size() && text[size - 1].isHighSurrogate();
         if (cutsPair) --size;
         DWORD shown = 0;
-        WriteConsoleW(console, text.utf16(), static_cast<DWORD>(size), &shown, nullptr);
+        const auto units = static_cast<DWORD>(size);
+        isShown = WriteConsoleW(console, text.utf16(), units, &shown, nullptr) != 0;
         text = text.sliced(size);
     }
+    return isShown;
 }
 
 } // namespace
 
-// Nothing here waits: a pipe that nobody serves cannot be opened. One that is served can, and
-// would be read for as long as its other end likes.
+// Never blocks: a pipe without a server cannot be opened, and a pipe with one is rejected, because
+// reading it might never end.
 std::FILE *openFile(const QString &fileName, FileUse use) {
     const bool isInput = use == FileUse::Read;
     std::FILE *const file = _wfopen(fileName.toStdWString().c_str(), isInput ? L"rb" : L"wb");
@@ -41,8 +43,8 @@ std::int64_t fileSize(std::FILE *file) {
     return std::max<std::int64_t>(_filelengthi64(_fileno(file)), 0);
 }
 
-// The test that users' files have always gone by, with its known errors: it takes some short texts
-// of 8 bits for UTF-16, and looks at the beginning of long ones only.
+// The system's test, by which users' files have always been read. Its errors are known: it mistakes
+// some short 8-bit texts for UTF-16, and looks only at the beginning of long ones.
 bool isUtf16Text(QByteArrayView bytes) {
     const auto size = std::min<qsizetype>(bytes.size(), INT_MAX - 1);
     return IsTextUnicode(bytes.data(), static_cast<int>(size), nullptr);
@@ -52,14 +54,14 @@ char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
     if (bytes.isEmpty()) return text;
     if (bytes.size() > INT_MAX) return nullptr;
     const auto size = static_cast<int>(bytes.size());
-    // Where UTF-8 has been made the system's code page, characters cannot be asked for composed.
+    // If UTF-8 is the system's code page, the flag for composed characters is an error.
     const DWORD flags = GetACP() == CP_UTF8 ? 0 : MB_PRECOMPOSED;
     auto *const wide = reinterpret_cast<wchar_t *>(text);
     const int units = MultiByteToWideChar(CP_ACP, flags, bytes.data(), size, wide, size);
     return units > 0 ? text + units : nullptr;
 }
 
-// Large pages are for accounts with a right of their own.
+// Large pages require a privilege that most accounts lack.
 MemoryBlock allocateBlock(std::size_t bytes) {
     return MemoryBlock(static_cast<std::byte *>(std::malloc(bytes)));
 }
@@ -68,21 +70,23 @@ void ReleaseMemory::operator()(std::byte *block) const {
     std::free(block);
 }
 
-// Past the runtime library, which would turn line feeds into two characters and show a console
-// only what its 8-bit code page has.
-static void print(HANDLE output, QStringView text) {
+// Bypasses the runtime library, which would write line feeds as two characters and show on a
+// console only the characters of its 8-bit code page. False unless all of the text was written.
+static bool print(HANDLE output, QStringView text) {
     DWORD mode = 0;
-    if (GetConsoleMode(output, &mode)) {
-        showOnConsole(output, text);
-        return;
-    }
+    if (GetConsoleMode(output, &mode)) return showOnConsole(output, text);
     const QByteArray bytes = text.toUtf8();
+    const auto size = static_cast<DWORD>(bytes.size());
     DWORD written = 0;
-    WriteFile(output, bytes.constData(), static_cast<DWORD>(bytes.size()), &written, nullptr);
+    return WriteFile(output, bytes.constData(), size, &written, nullptr) != 0 && written == size;
 }
 
 void printText(QStringView text) {
     print(GetStdHandle(STD_OUTPUT_HANDLE), text);
+}
+
+bool printAtOnce(QStringView text) {
+    return print(GetStdHandle(STD_OUTPUT_HANDLE), text);
 }
 
 void printError(QStringView text) {

@@ -52,9 +52,10 @@ TEST(NumberText, OfTheStreamHasSixDigitsAndALongExponent) {
     for (const auto &[value, text] : cases) EXPECT_EQ(streamNumber(value).view(), text);
 }
 
+const std::filesystem::path path =
+    std::filesystem::temp_directory_path() / ("model_test_" + std::to_string(getpid()));
+
 QByteArray written(OutputEncoding encoding, QStringView text, qsizetype pieceSize) {
-    const std::filesystem::path path =
-        std::filesystem::temp_directory_path() / ("model_test_" + std::to_string(getpid()));
     OutputFile file;
     file.stream.reset(std::fopen(path.string().c_str(), "wb"));
     file.encoding = encoding;
@@ -80,6 +81,28 @@ TEST(TextBuffer, WritesBlocksAsIfTheyWereOneText) {
         EXPECT_EQ(written(OutputEncoding::Utf16, text, 20000),
                   QByteArray(reinterpret_cast<const char *>(text.utf16()), 2 * text.size()));
     }
+}
+
+// The sanitizer sees memory that is used after its document.
+TEST(Variables, KeepTheirDocument) {
+    std::ofstream(path) << "<QRV_Model><UnivModels><Model field='a b'/><Model field='c d'>"
+                           "<y>AAAAAAAA8D8=</y></Model></UnivModels></QRV_Model>";
+    Variables kept;
+    {
+        ModelDocument document = loadModel(QString::fromStdString(path.string()));
+        std::filesystem::remove(path);
+        const Variables first = readVariables(document, u"b");
+        kept = readVariables(document, u" ");
+        EXPECT_EQ(first[1].y.data(), kept[1].y.data());
+        EXPECT_EQ(first[0].recodingName, u"R0_a _");
+    }
+    const Variables moved = std::move(kept);
+    EXPECT_TRUE(kept.empty());
+    EXPECT_EQ(moved.size(), 2);
+    EXPECT_EQ(moved[1].recodingName, u"R1_c_d");
+    EXPECT_EQ(moved[1].y[0], 1);
+    ModelDocument none;
+    EXPECT_TRUE(readVariables(none, {}).empty());
 }
 
 // Fused, product and difference would round once, to ...125.

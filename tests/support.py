@@ -34,10 +34,10 @@ class ProgramTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
 
-    def run_program(self, *arguments, memory=None):
-        """The exit status and what was printed after the banner. It fails when it asks for more bytes of memory, but
-        not under the address sanitizer or wine, which reserve more than any limit allows."""
-        limit = None
+    def run_program(self, *arguments, memory=None, limit=None):
+        """The exit status and what was printed after the banner. The program calls `limit` before it starts. It fails
+        when it asks for more bytes of memory, but not under the address sanitizer or wine, which reserve more than any
+        limit allows."""
         if memory is not None and not FOR_WINDOWS and b"__asan_init" not in Path(PROGRAM).read_bytes():
             limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (memory, memory))  # noqa: E731
         run = subprocess.run([PROGRAM, *arguments], cwd=self.folder, capture_output=True, timeout=120, preexec_fn=limit)
@@ -99,6 +99,22 @@ def document(models, terms, constant, table=None, target="Bad Payer.x", method=N
             f"<indexes>{integers([n for n, _ in terms])}</indexes>"
             f"<betas>{doubles([beta for _, beta in terms] + [constant])}</betas></RegressionModel>"
             f"{'' if table is None else mapping(table)}<DataDictionary>{fields}</DataDictionary></QRV_Model>")
+
+
+TABLE = [(3, 0.9), (1, 0.6), (0, 0.5), (-2, 0.1)]
+NO_YES = ["no", "NO", "n", "N", "0", "yes"]
+CODES = {"n": [9]}
+
+
+def model(*changes, terms=((1, 1), (2, 1)), constant=0, kind="C", **more):
+    """A plain model with a numeric column and a list; `changes` take the place of its recodings."""
+    recodings = [numeric(1, "n", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["a", "b"], [0, 1, 2])]
+    recodings[:len(changes)] = [change or given for change, given in zip(changes, recodings)]
+    return document([*recodings, *changes[2:]], list(terms), constant, **{"target": "y", "kind": kind, **more})
+
+
+def boolean(values, scores=(0, 1, 2), number=2, name="c"):
+    return categorical(number, name, values, scores, tname="bb64")
 
 
 def terms_document(count):

@@ -24,7 +24,7 @@ from test_sql_engines import mariadb
 ROOT = TESTS.parent
 MANUAL = ROOT / "docs"
 PAGES = [ROOT / "README.md", *sorted(MANUAL.glob("*.md"))]
-UNRUN_PAGES = [*(ROOT / name for name in ["ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md"]),
+UNRUN_PAGES = [*(ROOT / name for name in ["ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md", "SECURITY.md"]),
                *EXAMPLES.glob("*/README.md")]
 FOLDERS = "app|benchmarks|check|cmake|docs|examples|exporters|model|platform|python|scripts|tests|xml"
 BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<text>.*?)^```$", re.M | re.S)

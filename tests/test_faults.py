@@ -1,6 +1,9 @@
 """What no input and no device may do: crash, hang, take memory without bound, or spoil an output that was there."""
 
+import ctypes
+import errno
 import math
+import platform
 import struct
 import tempfile
 import time
@@ -12,6 +15,21 @@ from support import DOCUMENTS, PROGRAM, ProgramTest, categorical, document, doub
 
 EXPORTS = {"-a": ["m", "out"], "-e": ["m", "out"], "-p": ["m", "out", "Name"], "-h": ["m", "", "out"], "-s": ["config"]}
 MANY = 1_000_000
+READ_CALL = {"x86_64": 0, "aarch64": 63}
+
+
+def refuse_reads(least, most):
+    """From here on, reading from `least` to `most` bytes at a time fails in this process and its programs."""
+    load, equal, above, at_least, result = 0x20, 0x15, 0x25, 0x35, 0x06
+    number, size = 0, 32  # of the system call, and of its buffer
+    code = b"".join(struct.pack("HBBI", *step) for step in [
+        (load, 0, 0, number), (equal, 0, 4, READ_CALL[platform.machine()]), (load, 0, 0, size), (at_least, 0, 2, least),
+        (above, 1, 0, most), (result, 0, 0, 0x50000 | errno.EIO), (result, 0, 0, 0x7FFF0000)])
+    steps = ctypes.create_string_buffer(code)
+    program = ctypes.create_string_buffer(struct.pack("@HP", len(code) // 8, ctypes.addressof(steps)))
+    library = ctypes.CDLL(None, use_errno=True)
+    if library.prctl(38, 1, 0, 0, 0) or library.prctl(22, 2, program):  # no new privileges; this filter
+        raise OSError(ctypes.get_errno(), "no filter for system calls")
 
 
 class FaultsTest(ProgramTest):
@@ -46,6 +64,26 @@ class FaultsTest(ProgramTest):
         for shape in ["<a>" * MANY + "</a>" * MANY, "<a>" * MANY, "<a/>" * MANY, "&amp;" * MANY, "t<!---->" * MANY,
                       " " * 50_000_000, f"<a x='{'&lt;' * MANY}'/>", "<DataField name='a' name='b'/>" * MANY]:
             self.export(shell.replace("{}", shape), ["-a", "-s"], statuses=(0,))
+
+    @not_on_windows("it takes a filter for system calls")
+    def test_reading_that_fails(self):
+        """A file that cannot be read to its end is treated like an absent one."""
+        configuration = (self.folder / "config").read_text("utf-8-sig")
+        canvas = "[QRV_SCRIPT][QRV_ANSWER 0][QRV_ALL_QUESTIONS]"
+        for text, *arguments in [*[(DOCUMENTS["logistic"], option, "x", "out") for option in ["-a", "-e", "-p"]],
+                                 (DOCUMENTS["logistic"], "-h", "x", "", "out"), (canvas, "-h", "none", "x", "out"),
+                                 (configuration, "-s", "x")]:
+            # The mark of a document is read with its first block, and the rest at once. A canvas is read in whole
+            # blocks, and then its last block.
+            sizes = (4096, 4096) if text == canvas else (1 << 17, 1 << 20)
+            with self.subTest(arguments):
+                (self.folder / "out").write_text("as it was")
+                self.write("x", text + " " * 300_000)
+                broken = self.run_program(*arguments, limit=lambda: refuse_reads(*sizes)), (  # noqa: B023
+                    self.folder / "out").read_bytes()
+                (self.folder / "x").unlink()
+                absent = self.run_program(*arguments), (self.folder / "out").read_bytes()
+                self.assertEqual(broken, absent)
 
     @not_on_windows("a file of no memory takes a folder in memory")
     def test_sizes_that_overflow(self):

@@ -4,7 +4,7 @@ import re
 import time
 import unittest
 
-from support import DOCUMENTS, ProgramTest, categorical, doubles, document, integers, not_on_windows, numeric
+from support import DOCUMENTS, ProgramTest, categorical, doubles, document, integers, numeric
 
 END = '<script type="text/javascript" ><!--\ncomputeIsReady=true;\nComputeModel();\n--></script>'
 REQUIRED = "[QRV_SCRIPT][QRV_ALL_QUESTIONS][QRV_ANSWER 0]"

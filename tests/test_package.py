@@ -3,8 +3,10 @@
 import re
 import shutil
 import sqlite3
+import string
 import subprocess
 import unittest
+from unittest import mock
 
 import numpy as np
 import pandas as pd
@@ -13,9 +15,10 @@ from sklearn.model_selection import GridSearchCV
 from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
-from support import EXAMPLES, TESTS
+from support import BANNER, EXAMPLES, TESTS, categorical, document, model, numeric
 import score  # support has told where it is, and the next
 from scorewright import Scorecard, doubles, logistic_table
+from scorewright.document import names
 
 APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=False,
                          na_values={"Home": "NA", "Income": "NA"})
@@ -53,6 +56,17 @@ class PackageTest(SqlProgramTest):
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
                     self.assertTrue((right | (closed == "left") & ~told).all() or bounds not in short)
 
+    def test_encodings(self):
+        """A document is read in the encodings that the program reads, and its missing codes under any target's name."""
+        text = document([numeric(1, "a b-c", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["é"], [0, 1])], [(1, 1), (2, 1)], 0)
+        for name in ["a b-c", "a_b-c", "a_b_c", "A_B_C"]:
+            named = text.replace("</DataDictionary>", f'<DataField name="{name}"><Missing>{doubles([9])}</Missing></DataField>'
+                                 "</DataDictionary>")
+            for encoding in ["utf-8-sig", "utf-16", "utf-16-le", "cp1252"]:
+                with self.subTest(name=name, encoding=encoding):
+                    card = Scorecard.read(self.folder / self.write("m.ModelXml", named, encoding))
+                    self.assertEqual((card.recodings[1].values[0][0], card.missing), ("é", {"a b-c": [9]}))
+
     def test_logistic_table(self):
         for largest, relative in [(0.1, 0), (0.01, 0), (1e-3, 0), (1e-5, 0), (None, 0.1), (None, 1e-3), (None, 1e-5)]:
             for lowest, highest in [(-1e6, 1e6), (-3.1, 2.2), (3, 20), (-9, -4)]:
@@ -74,7 +88,7 @@ class PackageTest(SqlProgramTest):
         regression = linear_model.LogisticRegression(max_iter=999)
         rows = APPLICANTS.assign(Records=APPLICANTS.Records == "yes", Old=APPLICANTS.Age > 50)
         classes = np.where(APPLICANTS.Status == "bad", "schlecht", "gut")
-        for strategy, dtype, model, options in [
+        for strategy, dtype, last, options in [
                 ("quantile", None, regression, {"handle_unknown": "ignore"}),
                 ("uniform", np.float32, linear_model.LogisticRegressionCV(Cs=2, cv=2), {"drop": "first"}),
                 ("quantile", None, regression, {"min_frequency": 500, "handle_unknown": "infrequent_if_exist"}),
@@ -84,7 +98,9 @@ class PackageTest(SqlProgramTest):
             filled = make_pipeline(impute.SimpleImputer(strategy="median"), "passthrough", bins)
             columns = [(bins, ["Age", "Amount"]), (lists, ["Home", "Job", "Records"]), (filled, ["Income"]),
                        ("passthrough", ["Old"])]
-            pipeline = make_pipeline(compose.make_column_transformer(*columns), "passthrough", model).fit(rows, classes)
+            transformer = compose.make_column_transformer(*columns)
+            transformer.set_params(transformer_weights={"onehotencoder": 2.5, "pipeline": 0.5})
+            pipeline = make_pipeline(transformer, "passthrough", last).fit(rows, classes)
             if options == {"handle_unknown": "ignore"}:
                 with self.assertRaisesRegex(ValueError, "'Home'.*unlisted_as_missing"):
                     Scorecard.from_sklearn(pipeline, target="schlecht", data=rows)
@@ -97,9 +113,9 @@ class PackageTest(SqlProgramTest):
         with self.assertRaisesRegex(ValueError, "pandas' type boolean"):
             card.score(rows.assign(Home=rows.Records.astype("boolean")))
 
-        def fitted(step, columns=("Age",), model=regression, classes=classes, rows=rows):
+        def fitted(step, columns=("Age",), last=regression, classes=classes, rows=rows):
             bins_of = compose.make_column_transformer((step, [*columns]))
-            return make_pipeline(bins_of, base.clone(model)).fit(rows, classes)
+            return make_pipeline(bins_of, base.clone(last)).fit(rows, classes)
 
         search = GridSearchCV(make_pipeline(regression), {})
         for refused, message in [
@@ -107,7 +123,7 @@ class PackageTest(SqlProgramTest):
                 (fitted(preprocessing.StandardScaler()), "'Age'.*StandardScaler"),
                 (regression, "two steps"), (search, "best_estimator_"),
                 (make_pipeline(compose.ColumnTransformer([]), linear_model.LogisticRegression()), "not fitted"),
-                (fitted(bins, model=naive_bayes.BernoulliNB()), "BernoulliNB"),
+                (fitted(bins, last=naive_bayes.BernoulliNB()), "BernoulliNB"),
                 (fitted(bins, classes=rows.Job), "several"),
                 (fitted(bins, [0], rows=rows[["Age"]].to_numpy()), "without names"),
                 (fitted(bins, classes=classes[::-1] == "gut"), "True.*not of 'False'")]:
@@ -182,6 +198,40 @@ class PackageTest(SqlProgramTest):
             for one in [card, Scorecard.read(self.folder / "again.ModelXml")]:
                 self.assertEqual([*one.score(text).score], expected)
 
+    def test_names(self):
+        """The package knows what each target makes of a name, and each finds the missing codes under its own."""
+        column = "a 1" + string.punctuation
+        card = Scorecard(missing={column: [77, 88]})
+        card.add_numeric(column, [1, 2], [0, 1, 2], closed="left")
+        card.write(self.folder / "model.ModelXml")
+        self.assertEqual(self.run_configuration(configuration(dbType="sqlserver"))[0], 0)
+        outputs = ["out", "m.sas", "m.py", "m.bas"]
+        for option, output in zip("ape", outputs[1:]):
+            self.run_program("-" + option, "model.ModelXml", output)
+        for output, name in zip(outputs, names(column)):
+            code = self.read(output)
+            with self.subTest(output):
+                self.assertIn(f"[{name}]" if output == "out" else f"  {name}  <->  R0_{name[:28]}", code)
+                self.assertIn("=77", code.replace(" ", ""))
+
+    def test_faulty_documents(self):
+        """A document that lacks an attribute or the end of an array is reported by name, unless no score needs what is
+        missing; other errors are not blamed on it."""
+        text = (EXAMPLES / "claims/claims.ModelXml").read_bytes().decode("utf-16")
+        path, reported = self.folder / "model.ModelXml", set()
+        for place in re.finditer(r' (\w+)="[^"]*"|(?<=[\w=]{8})</(\w+)>', text):
+            faulty = text[:place.start()] + text[place.end():] if place[1] else \
+                text[:place.start() - 8] + text[place.start():]
+            path.write_text(faulty, "utf-8-sig")
+            try:
+                Scorecard.read(path)
+            except ValueError as error:
+                self.assertRegex(str(error), f"^{re.escape(str(path))}: .")
+                reported.add(place[1] or place[2])
+        self.assertEqual(reported, {*"field name type tname val version x y indexes betas Missing".split()})
+        with mock.patch.object(Scorecard, "add", side_effect=TypeError), self.assertRaises(TypeError):
+            Scorecard.read(EXAMPLES / "claims/claims.ModelXml")
+
     def test_mends(self):
         """Lists of five become lists of six, and no row has the lowest segment's 0."""
         card = Scorecard("y", table=([43, -1], [0.9, 0.2]))
@@ -192,7 +242,17 @@ class PackageTest(SqlProgramTest):
         result = self.scored(card, pd.DataFrame({name: [*cells] for name, cells in columns.items()}, index=[*"vwxyz"]))
         self.assertEqual(result.score.to_dict(), {"v": 10, "w": 22, "x": 22, "y": 11, "z": 32})
         city, code, _ = Scorecard.read(self.folder / "card.ModelXml").recodings
-        self.assertEqual((city.values[5][0], code.values[5][0]), ("(other)", "99"))
+        self.assertEqual((city.values[5][0], city.scores[6], code.values[5][0], code.scores[6]), ("(other)", -2, "99", -2))
+
+    def test_texts(self):
+        """Of cells and labels, as they stand in a document."""
+        (card := Scorecard("y")).add_categorical("c", {True: 1, 2.0: 2, " 2.5 ": 3}, label=" a\n\tb ")
+        card.write(self.folder / "card.ModelXml")
+        c, = Scorecard.read(self.folder / "card.ModelXml").recodings
+        self.assertEqual(([value for value, _ in c.values], c.label), (["True", "2", "2.5"], "a b"))
+        for cells, scores in [([True, 2, 2.0, "2", 2.5], [1, 2, 2, 2, 3]), ([1, "1", False], [0, 0, 0])]:
+            result = card.score(pd.DataFrame({"c": pd.Series(cells, dtype=object)})).score
+            self.assertEqual([*result], scores)
 
     def repaired(self, *options):
         """The code of model.ModelXml in SAS, Python and SQL, repaired, which it also is when it is repaired again."""
@@ -273,6 +333,11 @@ class PackageTest(SqlProgramTest):
                 ("no recodings", {"recodings": []}),
                 ("'c'.*twice", lambda card: card.add_categorical("c", {"1": 0, 1: 2})),
                 ("'b'.*spellings", lambda card: card.add_boolean("b", 0, 1, spellings=(["n"], ["n"]))),
+                ("'c'.*blanks", lambda card: card.add("c", "MapValues", [0, 1], values=[(" a", "A")])),
+                ("'x y' is missing", lambda card: card.score(pd.DataFrame({"x_y": [1]}))),
+                ("largest_error is", lambda card: logistic_table(0.201)),
+                ("largest_error is", lambda card: logistic_table(9e-8)),
+                ("logistic form", lambda card: Scorecard.read(self.folder / self.write("m.ModelXml", model(method="softmax")))),
                 ("'x y'.*no number.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
                 ("table.*falling", {"table": ([1, 2], [0.5, 0.4])}),
                 ("table.*as many", {"table": ([2, 1], [0.5])}),
@@ -285,13 +350,17 @@ class PackageTest(SqlProgramTest):
         self.assertFalse((self.folder / "never").exists())
 
     def test_build(self):
-        """The package builds without a network, in the program's version."""
-        shutil.copytree(TESTS.parent / "python", self.folder / "python")
+        """The package builds without a network, in the program's version, of which Python drops leading zeros, and
+        leaves nothing in its source."""
+        shutil.copytree(TESTS.parent / "python", self.folder / "python", ignore=shutil.ignore_patterns("__pycache__"))
+        files = set(self.folder.rglob("*"))
         subprocess.run([*"/usr/bin/python3 -m pip install --no-index --no-deps --no-build-isolation --target".split(),
                         self.folder / "to", self.folder / "python"], check=True, capture_output=True)
-        self.assertTrue((self.folder / "to/scorewright/scorecard.py").exists())
-        version = re.search(r"VERSION (\S+)", (TESTS.parent / "CMakeLists.txt").read_text()[40:])[1]
-        self.assertIn(f'version = "{version}"', (TESTS.parent / "python/pyproject.toml").read_text())
+        self.assertTrue((self.folder / "to/scorewright/py.typed").exists())
+        version = ".".join(str(int(part)) for part in re.search(r"v([\d.]+)", BANNER)[1].split("."))
+        self.assertIn(f"scorewright-{version}.dist-info", [path.name for path in (self.folder / "to").iterdir()])
+        shutil.rmtree(self.folder / "to")
+        self.assertEqual(set(self.folder.rglob("*")), files)
 
 
 if __name__ == "__main__":

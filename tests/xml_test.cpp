@@ -318,4 +318,40 @@ TEST(Base64, DecodesAndTellsWhatIsWrong) {
     EXPECT_EQ(size, 0);
 }
 
+TEST(Memory, NumbersTakeThePlaceOfTheirTextOnce) {
+    Base64Decoder decoder;
+    const XmlNode a =
+        XmlNode::parseText(u"<a><x>AAAAAAAA8D8AAAAAAAAAQEE=</x>\n<x>QUJD</x><x/></a>");
+    const XmlNode other = a.childNode(u"x");
+    const std::span<const double> numbers = a.childNode(u"x").decodeNumbers(decoder);
+    EXPECT_EQ(std::vector(numbers.begin(), numbers.end()), std::vector({1.0, 2.0}));
+    EXPECT_EQ(other.decodeNumbers(decoder).data(), numbers.data());
+    EXPECT_EQ(other.decodeNumbers(decoder).size(), 2);
+    EXPECT_TRUE(other.text().isNull());
+    EXPECT_TRUE(a.childNode(u"x", 1).decodeNumbers(decoder).empty()); // three bytes
+    EXPECT_EQ(a.childNode(u"x", 1).text(), u"QUJD");
+    EXPECT_TRUE(a.childNode(u"x", 2).decodeNumbers(decoder).empty());
+}
+
+TEST(MemoryDeathTest, OverrunsInTheBlockAreSeen) {
+    if (!SCOREWRIGHT_SANITIZE) GTEST_SKIP() << "only the address sanitizer sees them";
+    Base64Decoder decoder;
+    const XmlNode a = XmlNode::parseText(u"<a>AAAAAAAA8D8AAAAAAAAAQA==</a>");
+    const auto read = [](const auto *place) {
+        const volatile auto value = *place;
+        static_cast<void>(value);
+    };
+    const double *const numbers = a.decodeNumbers(decoder).data();
+    const char16_t *const source = a.name().utf16() - 1;
+    const auto *const piece = a.allocate<char16_t>(3);
+    std::fill_n(a.allocate<char16_t>(5), 5, u'x'); // the next piece
+    read(numbers + 1);
+    read(source + a.sourceLength());
+    read(piece + 2);
+    EXPECT_DEATH(read(numbers + 2), "use-after-poison");
+    EXPECT_DEATH(read(source + a.sourceLength() + 1), "use-after-poison");
+    EXPECT_DEATH(read(piece + 3), "use-after-poison");
+    EXPECT_DEATH(read(piece - 1), "use-after-poison");
+}
+
 } // namespace

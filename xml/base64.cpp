@@ -1,6 +1,6 @@
-// Groups of four digits with nothing between them, which is nearly all of most texts, are decoded
-// in one pass. What is left from the first irregularity on is measured before it is decoded, so
-// that a text with an illegal character gives nothing.
+// Most texts are groups of four digits with nothing between them, which one pass decodes. From the
+// first irregularity on, the rest is measured before it is decoded, so that a text with an illegal
+// character has no result.
 #include "xml/base64.h"
 
 #include <algorithm>
@@ -40,8 +40,8 @@ unsigned char classOf(char16_t c) {
     return c > 0xFF ? illegal : classes[c];
 }
 
-// The number of bytes that the text announces. The walk back over the padding stops at white space,
-// so padding with a line end behind it counts as data and the decoding reports a truncation.
+// The number of bytes by the length of the text. The walk back over the padding stops at white
+// space, so padding before a line end counts as data, and decoding reports a truncation.
 qsizetype decodedSize(QStringView text, XmlError &error) {
     qsizetype count = 0;
     for (const QChar c : text) {
@@ -60,7 +60,7 @@ qsizetype decodedSize(QStringView text, XmlError &error) {
     return count * 3 / 4;
 }
 
-// The class of the next character that is no white space.
+// The class of the next character other than white space.
 unsigned char nextClass(const char16_t *&at, const char16_t *end) {
     while (at < end && classOf(*at) == space) ++at;
     return at < end ? classOf(*at++) : textEnd;
@@ -70,8 +70,8 @@ unsigned char byte(int value) {
     return static_cast<unsigned char>(value);
 }
 
-// The bits of each digit where they belong in the word of three bytes that a group of four is, a
-// table for each place in the group. What is no digit sets a bit above them.
+// A group of four digits makes a word of three bytes. For each place in the group, a table shifts
+// the bits of a digit to where they belong in the word; any other character sets a bit above them.
 constexpr std::uint32_t noDigit = 1U << 24;
 constexpr std::array<std::array<std::uint32_t, 256>, 4> makePlaces() {
     std::array<std::array<std::uint32_t, 256>, 4> places{};
@@ -87,9 +87,9 @@ constexpr std::array<std::array<std::uint32_t, 256>, 4> makePlaces() {
 }
 constexpr auto places = makePlaces();
 
-// Decodes groups of four digits up to the first that is none, and moves on over them. Each group is
-// written as four bytes, the last of them zero. Bits that are shifted together from one table of
-// classes take 0.7 ns for a character, these 0.4; a SAS script would cost 4 % more instructions.
+// Decodes groups of four digits up to the first irregular one, and moves `at` and `out` behind
+// them. Each group is written as four bytes, the last of them zero. Four tables of shifted bits
+// beat one table and shifts (benchmarks/costs.md: "one Base64 table").
 void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out) {
     constexpr std::uint64_t highBytes = 0xFF00FF00FF00FF00;
     for (; end - at >= 4; at += 4, out += 3) {
@@ -102,8 +102,8 @@ void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out)
     }
 }
 
-// Fills the `size` bytes at `out` from text without illegal characters; the result is the error or
-// warning met. One byte more may be written as zero; the buffer has room for it.
+// Fills the `size` bytes at `out` from a text without illegal characters; returns the error or
+// warning. May write one more byte, a zero, for which the buffer has room.
 XmlError decode(QStringView text, unsigned char *out, qsizetype size) {
     const char16_t *at = text.utf16();
     const char16_t *const end = at + text.size();

@@ -1,12 +1,12 @@
-// Base64 (RFC 4648, standard alphabet) from UTF-16 text to bytes. White space is skipped wherever
-// it stands; other irregularities are reported as XmlError codes 17 to 20.
+// Decodes Base64 (RFC 4648, standard alphabet) from UTF-16 text to bytes. White space is skipped
+// everywhere; other irregularities are reported as XmlError codes 17 to 20.
 #pragma once
 
 #include "xml/xml_node.h"
 
 #include <memory>
 
-// The caller's buffer for decoded bytes. It is reused and only grows.
+// The caller's buffer for decoded bytes. Each call reuses it; it only grows.
 struct Base64Decoder {
     std::unique_ptr<unsigned char[]> buffer;
     qsizetype capacity = 0; // in bytes
@@ -14,9 +14,9 @@ struct Base64Decoder {
     void release();
 };
 
-// Decodes `text` up to its first zero unit. The bytes stay valid until the next call with the same
-// decoder; *outSize receives their number. Null when the text is empty (size 0) or cannot be
-// decoded (*error is Base64IllegalCharacter or Base64OutputBufferTooSmall). A null text gives an
+// Decodes `text` up to its first zero unit. The bytes are valid until the next call with the same
+// decoder; *outSize receives their number. Returns null if the text is empty (size 0) or cannot be
+// decoded (*error is Base64IllegalCharacter or Base64OutputBufferTooSmall). A null text returns an
 // empty, non-null result. The warnings Base64LengthNotMultipleOf4 and Base64Truncated come with a
 // result; bytes that a truncated text does not reach are zero.
 const unsigned char *base64Decode(Base64Decoder &decoder, QStringView text,

@@ -1,7 +1,10 @@
-// What a document is made of before it is parsed: its text, the memory of its tree, its entities.
+// The memory of a document, and its entities.
 #include "xml/xml_document.h"
 
 #include <algorithm>
+#if SCOREWRIGHT_SANITIZE
+#include <sanitizer/asan_interface.h>
+#endif
 
 namespace {
 
@@ -16,7 +19,32 @@ int digitValue(char16_t c, int base) {
 
 XmlDocument::XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> room)
     : block(std::move(owned)), source(text.utf16()), length(text.size()),
-      blocks(room.data(), room.size()) {}
+      pieces(room.data() + std::min(gapSize, room.size()),
+             room.size() - std::min(gapSize, room.size())) {
+    forbidAccess(block.get(), source);
+    forbidAccess(source + length + 1, room.data() + room.size());
+}
+
+// The sanitizer keeps one mark for eight bytes, so that two pieces must not share them.
+void *XmlDocument::allocateBeforeGap(std::size_t bytes, std::size_t alignment) {
+    constexpr std::size_t grain = 8;
+    const std::size_t whole = (bytes + grain - 1) / grain * grain + gapSize;
+    auto *const piece =
+        static_cast<std::byte *>(pieces.allocate(whole, std::max(alignment, grain)));
+#if SCOREWRIGHT_SANITIZE
+    ASAN_UNPOISON_MEMORY_REGION(piece, bytes);
+#endif
+    forbidAccess(piece + bytes, piece + whole);
+    return piece;
+}
+
+void forbidAccess([[maybe_unused]] const void *begin, [[maybe_unused]] const void *end) {
+#if SCOREWRIGHT_SANITIZE
+    const auto *const first = static_cast<const std::byte *>(begin);
+    const auto size = static_cast<const std::byte *>(end) - first;
+    ASAN_POISON_MEMORY_REGION(first, static_cast<std::size_t>(size));
+#endif
+}
 
 bool readXmlEntity(QStringView &rest, char16_t &character) {
     if (rest.size() > 2 && rest[1] == u'#') {
@@ -59,7 +87,7 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
     auto *const copy = reinterpret_cast<char16_t *>(block.get());
     *std::copy_n(text.utf16(), size, copy) = u'\0';
     const std::span room(block.get() + textBytes, roomBytes);
-    // A pointer alone makes a view that ends before the first zero unit.
+    // A view made of a pointer alone ends before the first zero unit.
     const QStringView source(copy);
     return parseXml(std::make_unique<XmlDocument>(std::move(block), source, room), tag, results);
 }

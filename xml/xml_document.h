@@ -1,4 +1,4 @@
-// The memory of one parsed tree; for the library's own files only.
+// The memory of one document; for the library's own files only. ARCHITECTURE.md draws its block.
 #pragma once
 
 #include "platform/platform.h"
@@ -8,13 +8,18 @@
 #include <memory_resource>
 #include <span>
 
+// Builds with the address sanitizer set the pieces of a block apart by gaps of `gapSize` bytes that
+// no access may touch. Other builds have no gaps.
+inline constexpr bool hasMemoryGaps = SCOREWRIGHT_SANITIZE;
+inline constexpr std::size_t gapSize = hasMemoryGaps ? 16 : 0;
+
 struct XmlAttribute {
     QStringView name;
-    QStringView value; // null when the attribute was written without one
+    QStringView value; // null if the attribute was written without one
 };
 
-// One element. The arrays have exactly the counted entries once the element is finished; they and
-// all decoded texts stand in the document's blocks, all other texts are views into its source.
+// One element. Once it is closed, each array has exactly the counted entries. The arrays and all
+// decoded texts are pieces of the document's block; all other texts are views into its source.
 struct XmlElement {
     QStringView name; // null for the unnamed top element only
     XmlElement *parent = nullptr;
@@ -27,32 +32,47 @@ struct XmlElement {
     int clearCount = 0;
     int attributeCount = 0;
     bool isDeclaration = false;
+    bool isDecoded = false; // texts[0] is then the memory of the numbers that it held
 };
 
-// A document has one block of memory: its text, and beside it the room for the tree and for what is
-// read from the tree. What does not fit there goes to the system's memory.
+// One block of memory holds a document: its text, the pieces of its tree, and the pieces that
+// readers ask for. The last handle releases all of it at once; no piece is released alone.
 struct XmlDocument {
-    // Takes over the block. The text, with a zero unit behind it and none in it, and the room stand
-    // in it.
+    // Takes over the block. The text ends with a zero unit and holds no other. The text and the
+    // room, which is free for pieces, are parts of the block; the room comes last.
     XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> room);
+
+    // A piece of the room, uninitialised. What does not fit is allocated on the heap, and released
+    // with the document as well.
+    void *allocate(std::size_t bytes, std::size_t alignment) {
+        if constexpr (hasMemoryGaps) return allocateBeforeGap(bytes, alignment);
+        return pieces.allocate(bytes, alignment);
+    }
 
     MemoryBlock block;
     const char16_t *source;
     qsizetype length; // in units, without the zero unit
-    std::pmr::monotonic_buffer_resource blocks;
-    int handles = 0; // of all elements together
+    int handles = 0;  // to all elements together
+
+private:
+    void *allocateBeforeGap(std::size_t bytes, std::size_t alignment);
+
+    std::pmr::monotonic_buffer_resource pieces;
 };
 
-// The room that the tree of a text of so many units seldom exceeds, with its arrays, in bytes.
+// Forbids access to the bytes of [begin, end) in a build with memory gaps; does nothing in others.
+void forbidAccess(const void *begin, const void *end);
+
+// Estimated bytes for the tree and arrays parsed from `units` UTF-16 units; seldom exceeded.
 constexpr std::size_t expectedRoom(std::size_t units) {
     return 3 * units + 4096;
 }
 
-// Parses the document's source and takes the document over: it is released with the last handle,
-// or at once when the result is the empty node.
+// Parses the document's source and takes over the document: the last handle releases it; if the
+// result is the empty node, it is released at once.
 XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseResult *results);
 
-// The named character entities, in the order in which they are tried.
+// The named character entities, in the order in which they are compared.
 struct XmlEntity {
     QStringView text;
     char16_t character;
@@ -61,5 +81,6 @@ inline constexpr XmlEntity xmlEntities[] = {
     {u"&amp;", u'&'}, {u"&lt;", u'<'}, {u"&gt;", u'>'}, {u"&quot;", u'"'}, {u"&apos;", u'\''},
 };
 
-// Reads the entity that `rest` begins with and drops it from there. False when it is none.
+// Reads the entity at the beginning of `rest` and removes it from there. False if `rest` does not
+// begin with an entity.
 bool readXmlEntity(QStringView &rest, char16_t &character);

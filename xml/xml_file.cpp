@@ -1,5 +1,5 @@
-// A file is read whole, into the block that holds all of its document. UTF-16 text is parsed where
-// it was read. Any other is decoded to the room before it, and the tree takes the place of the
+// Reads a whole file into the block of its document. UTF-16 text is parsed where it was read. Bytes
+// of any other encoding are decoded to the beginning of the block, and the tree then overwrites the
 // bytes.
 #include "platform/platform.h"
 #include "xml/xml_document.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t zeroBytes = 4; // behind the bytes, which may end within a unit
+constexpr std::size_t zeroBytes = 4; // behind the bytes, which may end in the middle of a unit
 
 struct FileBytes {
     MemoryBlock block;
@@ -25,13 +25,13 @@ struct FileBytes {
     QByteArrayView bytes() const { return {block.get() + start, static_cast<qsizetype>(size)}; }
 };
 
-// For a unit of each byte, for the zero unit behind them, and for what a decoder may need.
+// One UTF-16 unit for each byte, the zero unit behind them, and slack for the decoder (64 bytes).
 std::size_t roomForText(std::size_t bytes) {
     return bytes * sizeof(char16_t) + 64;
 }
 
-// Takes a block for the text and the tree or, where memory is short, for the text alone: the tree
-// then takes what it needs and no more. False when there is none for the text either.
+// Allocates a block for the text and the tree or, if memory is short, for the text alone: the tree
+// then allocates what it needs. False if even the text does not fit.
 bool takeBlock(FileBytes &file) {
     const std::size_t room = roomForText(file.size);
     const std::size_t least = file.start + file.size + zeroBytes;
@@ -43,10 +43,11 @@ bool takeBlock(FileBytes &file) {
     return false;
 }
 
-// Reads a file of `file.size` bytes, to behind the room for their text. A mark promises that they
-// are the text: it begins with the block, since within a large page it would touch a page more.
+// Reads a file of `file.size` bytes. A UTF-16 mark means that the bytes are the text itself, so
+// they go to the start of the block, which saves touching one large page. Bytes of any other
+// encoding go behind the room for their decoded text.
 void readBytes(std::FILE *input, FileBytes &file) {
-    constexpr std::size_t largest = PTRDIFF_MAX / 8; // of which the sums below are no overflow
+    constexpr std::size_t largest = PTRDIFF_MAX / 8; // the sums below do not overflow
     if (file.size > largest) {
         file.error = XmlError::WideCharConversionError;
         return;
@@ -62,6 +63,7 @@ void readBytes(std::FILE *input, FileBytes &file) {
     std::byte *const bytes = file.block.get() + file.start;
     std::memcpy(bytes, mark.data(), markSize);
     file.size = markSize + std::fread(bytes + markSize, 1, file.size - markSize, input);
+    if (std::ferror(input)) file.error = XmlError::FileNotFound; // never half a document
     std::fill_n(bytes + file.size, zeroBytes, std::byte());
 }
 
@@ -82,8 +84,8 @@ FileBytes readFile(const QString &fileName) {
     return file;
 }
 
-// Decodes 8-bit bytes up to the first zero byte, to where there is room for a unit for each and a
-// few more. Null when they are no text.
+// Decodes 8-bit text up to the first zero byte; `text` has room for one unit for each byte and some
+// slack. Null if the bytes cannot be converted.
 QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
     if (isUtf8) bytes = bytes.sliced(3);
@@ -91,8 +93,7 @@ QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
         static_cast<qsizetype>(qstrnlen(bytes.data(), static_cast<size_t>(bytes.size()))));
     char16_t *end = nullptr;
     if (isUtf8) {
-        // Without these flags, a decoder drops a second mark, and a sequence that is cut off at the
-        // end.
+        // Without these flags, a decoder drops a second mark and a truncated sequence at the end.
         QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom |
                                                       QStringDecoder::Flag::Stateless);
         end = reinterpret_cast<char16_t *>(
@@ -102,11 +103,11 @@ QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     }
     if (!end) return {};
     *end = u'\0';
-    // A code page may turn bytes into a zero unit, where a pointer alone ends the view.
+    // A code page may convert bytes to a zero unit; a view made of a pointer alone ends there.
     return isUtf8 ? QStringView(text, end) : QStringView(text);
 }
 
-// Where the text begins that was read into the block, and the room beside it.
+// The text within the block, and the free part of the block.
 struct Source {
     QStringView text;
     std::span<std::byte> room;
@@ -114,19 +115,19 @@ struct Source {
 
 Source utf16Source(const FileBytes &file) {
     const QByteArrayView bytes = file.bytes();
-    // EF FF is dropped like a byte-order mark: existing documents rely on it.
+    // EF FF is skipped like a byte-order mark: existing documents rely on it.
     const bool isMarked = bytes.startsWith("\xEF\xFF") || bytes.startsWith("\xFF\xFE");
     const std::span block(file.block.get(), file.blockSize);
     const auto *const text = reinterpret_cast<const char16_t *>(block.data() + file.start);
-    // A pointer alone makes a view that ends before the first zero unit.
+    // A view made of a pointer alone ends before the first zero unit.
     return {QStringView(text + (isMarked ? 1 : 0)),
             block.subspan(file.start + file.size + zeroBytes)};
 }
 
-// Without a text when the bytes are none, or memory is too short to decode them.
+// The text is null if the bytes cannot be converted or if there is no memory to decode them.
 Source narrowSource(FileBytes &file) {
     const std::span block(file.block.get(), file.blockSize);
-    if (file.start == 0) { // marked, but not taken for UTF-16 by the system
+    if (file.start == 0) { // it has the mark, but the system says that it is not UTF-16
         file.start = roomForText(file.size);
         if (file.start + file.size + zeroBytes > file.blockSize) return {};
         std::memmove(block.data() + file.start, block.data(), file.size);

@@ -1,13 +1,16 @@
-// A handle counts in its document, not in its element: the tree is released as a whole with the
-// last handle to any of it. Lookups walk the arrays of one element.
+// The document counts its handles, whichever element they stand for: the last one releases the
+// whole block. Lookups walk the arrays of one element.
 #include "xml/xml_node.h"
 
+#include "xml/base64.h"
 #include "xml/xml_document.h"
 
 #include <QHashFunctions>
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
+#include <cstring>
 #include <utility>
 
 namespace {
@@ -40,8 +43,8 @@ constexpr char16_t foldAscii(char16_t c) {
     return c >= u'A' && c <= u'Z' ? static_cast<char16_t>(c + (u'a' - u'A')) : c;
 }
 
-// FNV-1a with a seed that differs from run to run, so that no document can be made of names that
-// all collide. Qt's own hash uses wide registers, which slows down all that follows it.
+// FNV-1a with a seed that differs from run to run, so that nobody can craft a document whose names
+// all collide. Qt's own hash uses wide vector registers, which slow down the code after it.
 template <typename Fold>
 std::size_t hashUnits(QStringView text, Fold fold) {
     static const std::size_t seed = QHashSeed::globalSeed();
@@ -50,7 +53,7 @@ std::size_t hashUnits(QStringView text, Fold fold) {
     return hash;
 }
 
-// Where a search that may be resumed begins, as a position that no array is left of.
+// Where a resumable search begins; never negative.
 int startAt(const int *index) {
     return index ? std::max(*index, 0) : 0;
 }
@@ -169,14 +172,32 @@ bool XmlNode::isAttributeSet(QStringView name) const {
 }
 
 QStringView XmlNode::text(int i) const {
-    return i >= 0 && i < textCount() ? element->texts[i] : QStringView();
+    if (i < 0 || i >= textCount() || (i == 0 && element->isDecoded)) return {};
+    return element->texts[i];
 }
 
-// Every text stands in the document's own memory, so that it may be written to.
-std::span<char16_t> XmlNode::takeText() const {
+// Numbers take less than half of the memory of their text, which leaves room to align them. Every
+// text is part of the document's own block, so it may be overwritten.
+std::span<const double> XmlNode::decodeNumbers(Base64Decoder &decoder) const {
     if (textCount() == 0) return {};
-    const QStringView text = std::exchange(element->texts[0], {});
-    return {const_cast<char16_t *>(text.utf16()), static_cast<std::size_t>(text.size())};
+    QStringView &text = element->texts[0];
+    constexpr qsizetype unitsPerNumber = sizeof(double) / sizeof(char16_t);
+    if (!element->isDecoded) {
+        qsizetype size = 0;
+        const unsigned char *const bytes = base64Decode(decoder, text, &size);
+        const qsizetype count = bytes ? size / qsizetype(sizeof(double)) : 0;
+        if (count == 0) return {};
+        const std::size_t needed = static_cast<std::size_t>(count) * sizeof(double);
+        auto room = static_cast<std::size_t>(text.size()) * sizeof(char16_t);
+        void *place = const_cast<char16_t *>(text.utf16());
+        place = std::align(alignof(double), needed, place, room);
+        std::memcpy(place, bytes, needed);
+        forbidAccess(static_cast<std::byte *>(place) + needed, text.utf16() + text.size());
+        text = {static_cast<char16_t *>(place), count * unitsPerNumber};
+        element->isDecoded = true;
+    }
+    return {reinterpret_cast<const double *>(text.utf16()),
+            static_cast<std::size_t>(text.size() / unitsPerNumber)};
 }
 
 XmlClear XmlNode::clear(int i) const {
@@ -227,8 +248,9 @@ qsizetype XmlNode::sourceLength() const {
     return document ? document->length : 0;
 }
 
-std::pmr::memory_resource *XmlNode::memory() const {
-    return document ? &document->blocks : std::pmr::get_default_resource();
+void *XmlNode::allocateBytes(std::size_t bytes, std::size_t alignment) const {
+    assert(document);
+    return document->allocate(bytes, alignment);
 }
 
 int xmlToInt(QStringView value, int defaultValue) {

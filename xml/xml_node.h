@@ -3,15 +3,16 @@
 //
 // The reader does not validate. It accepts unquoted attribute values, attributes without values and
 // documents that end early; most irregularities are warnings, and the tree is still returned. It
-// never prints and never ends the process: it reports through XmlParseResult, empty nodes and null
-// texts.
+// never prints and never ends the process: it reports errors through XmlParseResult, empty nodes
+// and null texts.
 //
-// A document owns the memory of its whole tree and lives as long as any handle to one of its
-// elements. Neither parsing nor releasing recurses, so nesting is bounded by memory only.
+// One block of memory holds a document: its text, its tree and what is read from the tree. Handles
+// share the block, and the last of them releases it (ARCHITECTURE.md draws it). Neither parsing nor
+// releasing recurses, so nesting is bounded by memory only.
 //
-// Texts are QStringViews into the document. A null view means "absent", an empty one "present but
-// empty"; the two are never confused. Views are valid as long as a handle to the tree is held.
-// All name comparisons fold the case of ASCII letters and of nothing else.
+// Texts are QStringViews into the block. A null view means "absent", an empty one "present but
+// empty"; the two are never confused. A view is valid as long as somebody holds a handle to the
+// document. All comparisons of names fold the case of ASCII letters and of nothing else.
 #pragma once
 
 #include <QString>
@@ -19,7 +20,6 @@
 
 #include <iterator>
 #include <memory>
-#include <memory_resource>
 #include <span>
 
 // The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
@@ -48,32 +48,34 @@ enum class XmlError {
     Base64OutputBufferTooSmall = 20,
 };
 
-// Line and column count from 1, in UTF-16 units; both are 0 when the error has no position.
+// Line and column count from 1, in UTF-16 units; both are 0 if the error has no position.
 struct XmlParseResult {
     XmlError error = XmlError::NoError;
     int line = 0;
     int column = 0;
 };
 
-// The fixed English text of a code; "Unknown" for a value that is none.
+// The fixed English text of a code; "Unknown" for a value outside the enumeration.
 const char *xmlErrorMessage(XmlError error);
 
 // The version of the library: "v2.44".
 const char *xmlLibraryVersion();
 
-// A section that is kept as it stands: CDATA, DOCTYPE, a comment or PRE.
+// A section that is kept verbatim: CDATA, DOCTYPE, a comment or PRE.
 struct XmlClear {
-    QStringView content; // null when the section is empty
+    QStringView content; // null if the section is empty
     QStringView opening; // the marker before it
     QStringView closing; // the marker after it
 };
 
+struct Base64Decoder;
 struct XmlDocument;
 struct XmlElement;
 class XmlChildren;
 
-// A handle to one element of a tree, or the empty node, which is what every failed lookup returns.
-// Every operation on the empty node gives the empty node, a null view, 0 or false.
+// A handle to one element of a document, or the empty node, which every failed lookup returns.
+// Every operation on the empty node returns the empty node, a null view, 0 or false. A handle keeps
+// the whole document; handles of one document must not be used by two threads at a time.
 class XmlNode {
 public:
     XmlNode() = default;
@@ -82,41 +84,41 @@ public:
     XmlNode &operator=(XmlNode other) noexcept;
     ~XmlNode();
 
-    // Parses `text` up to its first zero unit. With a `tag`, the result is the element of that
-    // name: the root or the first child of that name; FirstTagNotFound where there is none. Without
-    // one, it is the only top-level element, or the unnamed element of all that stands at the top.
-    // A null text is NoElementsFound. Fatal errors give the empty node.
+    // Parses `text` up to its first zero unit. With a `tag`, returns the element of that name: the
+    // root or its first child of that name; FirstTagNotFound if there is neither. Without a tag,
+    // returns the only top-level element, or the unnamed element that holds everything at the top.
+    // A null text is NoElementsFound. Fatal errors return the empty node.
     static XmlNode parseText(QStringView text, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
-    // The same for a whole file: UTF-16LE text with or without byte-order mark, UTF-8 with one, or
-    // text in the system's 8-bit code page. FileNotFound for anything that cannot be
-    // opened, folders and pipes among it, NoXmlData for 0 bytes and for devices,
-    // WideCharConversionError when the text does not fit in memory.
+    // The same for a whole file: UTF-16LE with or without byte-order mark, UTF-8 with one, or the
+    // system's 8-bit code page. FileNotFound if the file cannot be opened (also a folder or a pipe)
+    // or if reading it fails, NoXmlData for 0 bytes and for devices, WideCharConversionError if the
+    // text does not fit in memory.
     static XmlNode parseFile(const QString &fileName, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
     bool isEmpty() const { return element == nullptr; }
 
-    // The first child called `name` at or after position `*index` (0 when index is null); index is
-    // then set to the position after it. Without a match `*index` stays as it is.
+    // The first child called `name` at or after position `*index` (0 if index is null); sets
+    // `*index` to the position after it. Without a match `*index` does not change.
     XmlNode childNode(QStringView name, int *index = nullptr) const;
 
-    // All children called `name`, in order, at a cost that is linear in the number of children:
+    // All children called `name`, in order. Run time is linear in the number of children:
     //     for (const XmlNode &value : modalities.children(u"Mod"))
     XmlChildren children(QStringView name) const;
 
-    // The (i+1)-th child called `name`, the last one for i < 0. Costs a scan: not for loops.
+    // The (i+1)-th child called `name`, the last one for i < 0. Scans the children: not for loops.
     XmlNode childNode(QStringView name, int i) const;
 
     // The first child called `name` at or after `*index` that has an attribute called
-    // `attributeName` whose value equals `attributeValue` without regard to ASCII case, or that has
-    // such an attribute at all when `attributeValue` is null. Costs a scan: not for loops.
+    // `attributeName` whose value equals `attributeValue` without regard to ASCII case, or any
+    // attribute of that name if `attributeValue` is null. Scans the children: not for loops.
     XmlNode childNodeWithAttribute(QStringView name, QStringView attributeName,
                                    QStringView attributeValue, int *index = nullptr) const;
 
-    // The value of the first attribute called `name` at or after `*index`, which is then set to the
-    // position after it; null when there is none or when it was written without a value.
+    // The value of the first attribute called `name` at or after `*index`; sets `*index` to the
+    // position after it. Null if there is no such attribute or if it was written without a value.
     QStringView attribute(QStringView name, int *index = nullptr) const;
     bool isAttributeSet(QStringView name) const;
     // The name of the i-th attribute, or null.
@@ -124,10 +126,12 @@ public:
 
     // The i-th text piece (from 0) in document order, or null.
     QStringView text(int i = 0) const;
-    // The memory where the first text piece stands, to be written to: views of that text are no
-    // longer valid, and it is absent from then on. The memory is aligned to units.
-    std::span<char16_t> takeText() const;
-    // The i-th section that is kept as it stands; its views are null when there is none.
+    // The 64-bit numbers in the first text piece, which is Base64. The first call decodes them over
+    // their own text: views of it become invalid, and text(0) is null from then on for every handle
+    // to this element. Further calls return the same numbers. A text without a whole number has
+    // none and stays.
+    std::span<const double> decodeNumbers(Base64Decoder &decoder) const;
+    // The i-th section that is kept verbatim; its views are null if there is none.
     XmlClear clear(int i) const;
 
     QStringView name() const;
@@ -141,14 +145,18 @@ public:
     int clearCount() const;
     int attributeCount() const;
 
-    // The length of the text that the whole tree was read from, in units.
+    // The length of the text that the whole tree was parsed from, in units.
     qsizetype sourceLength() const;
-    // Memory for what is read from the tree. It lives as long as the tree, and what is given back
-    // is used again only after that. That of the empty node is the system's.
-    std::pmr::memory_resource *memory() const;
+    // Room for `count` values in the document's block, uninitialised: valid as long as the
+    // document, never released alone, and no destructor is called. Not for the empty node.
+    template <typename T>
+    T *allocate(std::size_t count) const {
+        return static_cast<T *>(allocateBytes(count * sizeof(T), alignof(T)));
+    }
 
 private:
     XmlNode(XmlDocument *owner, XmlElement *node);
+    void *allocateBytes(std::size_t bytes, std::size_t alignment) const;
     friend XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag,
                             XmlParseResult *results);
 
@@ -156,7 +164,7 @@ private:
     XmlElement *element = nullptr;
 };
 
-// What XmlNode::children returns. It holds the parent.
+// What XmlNode::children returns. It holds a handle to the parent.
 class XmlChildren {
 public:
     class Iterator {
@@ -194,19 +202,20 @@ inline XmlChildren XmlNode::children(QStringView name) const {
 // Equality of two texts without regard to the case of ASCII letters. A null text equals null only.
 bool equalsIgnoringCase(QStringView a, QStringView b);
 
-// Hashes for tables of names, with and without regard to the case of ASCII letters. They hold for
-// one run of the program.
+// Hashes for tables of names, with and without regard to the case of ASCII letters. They differ
+// from one run of the program to the next.
 std::size_t hashText(QStringView text);
 std::size_t hashIgnoringCase(QStringView text);
 
-// The number that `value` begins with: white space, a sign and ASCII digits, saturating at 32 bits;
-// 0 without digits, `defaultValue` for a null or empty value.
+// The number at the beginning of `value`: white space, a sign and ASCII digits, saturating at 32
+// bits; 0 without digits, `defaultValue` for a null or empty value.
 int xmlToInt(QStringView value, int defaultValue);
-// The same number's low 8 bits as a truth value, so that 256 is false.
+// The low 8 bits of the same number as a truth value, so that 256 is false.
 bool xmlToBool(QStringView value, bool defaultValue);
 // `value` unless it is null.
 QStringView xmlToText(QStringView value, QStringView defaultValue);
-// Null when the first byte of the text is zero, so also when its first unit is a multiple of 256.
+// Null if the first byte of the text is zero, which includes every first unit that is a multiple of
+// 256; else the text.
 QStringView xmlNonEmpty(QStringView text);
 
 // A reusable buffer for text with & < > " ' written as entities.

@@ -1,11 +1,11 @@
-// readContent goes from one "<" to the next. What stands between two of them is text; what follows
-// says whether an element begins (readElement) or ends (readEndTag), or a section is kept as it
-// stands (readClear). The elements whose end has not been met are a stack of the parser's own, in
-// place of recursion, so that no document can exhaust the process's stack.
+// readContent goes from one "<" to the next. Between two of them is text; what follows a "<" opens
+// an element (readElement), closes one (readEndTag) or opens a section that is kept verbatim
+// (readClear). Open elements are on a stack of the parser's own instead of the process's stack,
+// which a deeply nested document would exhaust.
 //
-// The open elements share one list of children, one of texts and one of kept sections, each from a
-// position of its own on. An element that closes takes its entries, which are the last, out of the
-// lists and into arrays in the document's blocks.
+// The open elements share one list of children, one of texts and one of verbatim sections. Each
+// element owns the last entries of each list, from a position of its own on. When it closes, its
+// entries move from the lists to arrays in the document's block.
 #include "xml/xml_document.h"
 
 #include <algorithm>
@@ -49,8 +49,8 @@ struct Token {
 
 enum class PieceKind { None, Child, Text, Clear, Comment };
 
-// An element whose end has not been met. Its children, texts and kept sections are the last of the
-// parser's lists, from these positions on.
+// An open element. Its children, texts and verbatim sections are the last entries of the parser's
+// lists, from these positions on.
 struct OpenElement {
     XmlElement *element;
     std::size_t firstChild;
@@ -65,7 +65,7 @@ struct Parser {
     const char16_t *source;
     qsizetype length;
     qsizetype at = 0;
-    qsizetype runStart = 0; // where the text begins that ends at the next "<"
+    qsizetype runStart = 0; // start of the text that ends at the next "<"
     XmlError error = XmlError::NoError;
     qsizetype warningAt = 0;
 
@@ -75,7 +75,7 @@ struct Parser {
     std::vector<XmlClear> clears{};
     std::vector<XmlAttribute> attributes{};
 
-    // Where the last text stands when it was joined from several, and the room there.
+    // The last text that was joined from several, and how many units it has room for.
     char16_t *joined = nullptr;
     qsizetype joinedCapacity = 0;
 };
@@ -84,8 +84,8 @@ bool isSpace(char16_t c) {
     return c <= u' ' && (c == u' ' || c == u'\n' || c == u'\t' || c == u'\r');
 }
 
-// The first unit `c` of [at, end), an ASCII character; else `end`. The C library looks for its byte
-// in vectors: a loop over the units would cost a SAS script 6 % more instructions.
+// The first unit `c`, an ASCII character, in [at, end); else `end`. The C library searches for its
+// byte with vector instructions (benchmarks/costs.md: "search in units").
 const char16_t *findUnit(const char16_t *at, const char16_t *end, char16_t c) {
     while (at < end) {
         const auto *const begin = reinterpret_cast<const char *>(at);
@@ -112,10 +112,10 @@ void warnUnmatchedEndTag(Parser &p) {
 template <typename T>
 T *allocate(Parser &p, std::size_t count) {
     constexpr std::size_t size = sizeof(T); // NOLINT(bugprone-sizeof-expression): lists of pointers
-    return static_cast<T *>(p.document.blocks.allocate(count * size, alignof(T)));
+    return static_cast<T *>(p.document.allocate(count * size, alignof(T)));
 }
 
-// Moves the entries from `first` on out of a work list into the document.
+// Moves the entries from `first` on from a list of the parser to an array of the document.
 template <typename T>
 int store(Parser &p, std::vector<T> &list, std::size_t first, T *&stored) {
     const std::size_t count = list.size() - first;
@@ -129,7 +129,7 @@ int store(Parser &p, std::vector<T> &list, std::size_t first, T *&stored) {
 
 // --- Tokens
 
-// The text token that began at `start`; its first unit has been read.
+// The text token that begins at `start`; its first unit is already read.
 Token textToken(Parser &p, qsizetype start) {
     while (true) {
         while (p.source[p.at] > u'>') ++p.at; // nothing above it ends a text
@@ -208,7 +208,7 @@ Token nextToken(Parser &p) {
 
 // --- Texts
 
-// The text with its entities replaced: a view into the source when it holds none.
+// Replaces the entities of a text. Without entities the result is a view into the source.
 bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
     const auto findEntity = [&raw] {
         return findUnit(raw.utf16(), raw.utf16() + raw.size(), u'&') - raw.utf16();
@@ -237,7 +237,7 @@ void addPiece(Parser &p, PieceKind kind) {
     element.last = kind;
 }
 
-// Appends to the last text, in a room that doubles, so that joining many pieces stays linear.
+// Appends to the last text. Its capacity doubles, so that joining many pieces stays linear.
 void joinText(Parser &p, QStringView more) {
     QStringView &text = p.texts.back();
     const qsizetype size = text.size() + more.size();
@@ -250,8 +250,8 @@ void joinText(Parser &p, QStringView more) {
     text = QStringView(p.joined, size);
 }
 
-// Gives the text before `end` to the innermost element. Where only a comment stands between it and
-// the text before, the comment is dropped and the two texts become one.
+// Adds the text before `end` to the innermost element. If only a comment separates it from the
+// previous text, the comment is dropped and the two texts become one.
 bool flushText(Parser &p, qsizetype end) {
     qsizetype start = p.runStart;
     while (start < end && isSpace(p.source[start])) ++start;
@@ -295,9 +295,9 @@ void closeElement(Parser &p) {
     p.open.pop_back();
 }
 
-// Reads an attribute of the usual form, name="value" with neither entities nor markup, in one step;
-// of another form, nothing. The tokens alone would give the same, and a SAS script would cost 5 %
-// more instructions.
+// Reads an attribute of the usual form, name="value" with neither entities nor markup, in one pass;
+// reads nothing of any other form. Reading tokens gives the same result, more slowly
+// (benchmarks/costs.md: "attributes by tokens").
 bool readUsualAttribute(Parser &p) {
     const char16_t *at = p.source + p.at;
     while (isSpace(*at)) ++at;
@@ -315,10 +315,10 @@ bool readUsualAttribute(Parser &p) {
 
 enum class StartTag { Open, Empty, Unfinished, Failed };
 
-// The attributes of the innermost element, up to the end of its start tag.
+// Reads the attributes of the innermost element, up to the end of its start tag.
 StartTag readAttributes(Parser &p) {
     const XmlElement &element = *p.open.back().element;
-    // The attribute whose value has not been met; null when there is none, since no name is empty.
+    // The attribute whose value is still to come; null if there is none, since no name is empty.
     QStringView name;
     while (true) {
         while (name.isNull() && readUsualAttribute(p)) {
@@ -332,7 +332,7 @@ StartTag readAttributes(Parser &p) {
             bool isEmpty = token.kind == TokenKind::ShortEnd;
             if (element.isDeclaration && name.endsWith(u'?')) {
                 name.chop(1);
-                // At the top "?>" closes nothing, so the declaration takes in the whole document.
+                // At the top "?>" closes nothing: the declaration becomes the parent of the rest.
                 if (element.parent->parent) isEmpty = true;
             }
             if (!name.isEmpty()) p.attributes.push_back({name, {}});
@@ -395,8 +395,8 @@ bool matchesEndTag(QStringView name, const char16_t *candidate) {
     return isSpace(next) || next == u'/' || next == u'<' || next == u'>' || next == u'=';
 }
 
-// Reads an end tag behind its "</" and closes the innermost element. When it names another element,
-// the elements around it are closed too, up to and with the one that it names.
+// Reads an end tag, from behind its "</", and closes the innermost element. If the tag names
+// another element, closes the enclosing elements too, up to and including the named one.
 bool readEndTag(Parser &p) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text || nextToken(p).kind != TokenKind::TagClose) {
@@ -421,7 +421,7 @@ void warnIfUnclosed(Parser &p) {
     if (!element.isDeclaration && element.parent) warnUnmatchedEndTag(p);
 }
 
-// Reads a start tag, whose "<" or "<?" has been met. False when the document ends there.
+// Reads a start tag, from behind its "<" or "<?". False if the document ends in it.
 bool readElement(Parser &p, bool isDeclaration) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text) return fail(p, XmlError::MissingStartTagName);
@@ -441,8 +441,8 @@ bool readElement(Parser &p, bool isDeclaration) {
     return false;
 }
 
-// Reads from one "<" to the next until the text ends, an error is met or the top element is closed.
-// What stands between is text, whatever it holds: even a quote does not run over a "<".
+// Reads from one "<" to the next until the source ends, an error occurs or the top element closes.
+// Everything between is text: even a quotation does not run past a "<".
 void readContent(Parser &p) {
     bool goesOn = true;
     while (goesOn && !p.open.empty()) {
@@ -490,7 +490,7 @@ XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseRe
     readContent(p);
     while (!p.open.empty()) closeElement(p);
 
-    // A text without any element gets this warning, whatever else is wrong with it.
+    // A source without any element gets this warning, whatever else is wrong with it.
     if (top->childCount == 0) p.error = XmlError::NoXmlTagFound;
     XmlParseResult result{p.error};
     if (p.error != XmlError::NoError) {

@@ -1,7 +1,5 @@
 #include "check/evaluation/cell.h"
 
-#include "model/number_text.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
@@ -16,13 +14,6 @@ bool readNumber(std::string_view text, double &number) {
         return true;
     }
     return error == std::errc();
-}
-
-double sixDigits(double number) {
-    const NumberText text = generalNumber(number, 6);
-    double rounded = number;
-    std::from_chars(text.characters, text.characters + text.size, rounded);
-    return rounded;
 }
 
 Cell cellOf(std::string_view raw, std::span<const std::string> missing) {

@@ -22,9 +22,6 @@ Cell cellOf(std::string_view raw, std::span<const std::string> missing = {});
 // other text.
 bool readNumber(std::string_view text, double &number);
 
-// The same number with 6 significant digits.
-double sixDigits(double number);
-
 // The cell without the blanks around it.
 inline std::string_view trimmed(std::string_view cell) {
     const auto isBlank = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };

@@ -1,13 +1,28 @@
 #include "check/evaluation/evaluation.h"
 
+#include "check/evaluation/target_texts.h"
+
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <functional>
+#include <vector>
 
 namespace {
 
 using enum FindingId;
 
-constexpr std::uint32_t noPlace = static_cast<std::uint32_t>(-1); // without a score
+constexpr double smallestSingle = 1e-37; // what is nearer to 0 may be 0 in 32 bits
+constexpr std::size_t noPlace = static_cast<std::uint32_t>(-1); // without a score
+
+// --- Intervals
+
+// How the target shows a bound or a code of the document: with fewer digits, or in 32 bits.
+double shown(double number, const Deviations &deviations) {
+    if (deviations.has(BoundDigits)) number = withDigits(number, deviations.sql.digits);
+    const bool isSingle = deviations.has(SinglePrecision) && deviations.variant == 1;
+    return isSingle ? inSinglePrecision(number) : number;
+}
 
 bool isCode(const Recoding &recoding, double value, const Deviations &deviations) {
     if (deviations.has(MissingCodesUnread)) return false;
@@ -15,88 +30,246 @@ bool isCode(const Recoding &recoding, double value, const Deviations &deviations
         deviations.has(MissingCodesName)
             ? recoding.codesOfTarget[static_cast<std::size_t>(deviations.target)]
             : recoding.codes;
-    const bool isRounded = deviations.has(MissingCodesDigits);
-    return std::ranges::any_of(
-        codes, [&](double code) { return (isRounded ? sixDigits(code) : code) == value; });
+    return std::ranges::any_of(codes, [&](double code) {
+        const bool isRounded = deviations.has(MissingCodesDigits);
+        return (isRounded ? withDigits(code, 6) : shown(code, deviations)) == value;
+    });
+}
+
+// What a target makes of a text in a numeric column, or of a number that is not finite; NaN where
+// the cell is missing, infinity where it is taken as above all bounds.
+double oddNumber(const Cell &cell, const Deviations &deviations) {
+    const bool isHtml = deviations.target == Target::Html;
+    const bool isText = !cell.isNumber;
+    if (isText && deviations.has(NotANumber)) {
+        double number = noNumber;
+        if (isHtml) return readHtmlNumber(cell.text, number) ? number : HUGE_VAL;
+        const NumberHabits habits = {(deviations.variant & 1) != 0, (deviations.variant & 2) != 0};
+        const bool isVba = deviations.target == Target::Vba;
+        if (isVba && readVbaNumber(cell.text, habits, number)) return number;
+    }
+    if (!isText && deviations.has(NanCell)) {
+        if (isHtml && cell.text != "Infinity" && cell.text != "-Infinity") return HUGE_VAL;
+        if (deviations.target == Target::Sql && std::isnan(cell.number)) return HUGE_VAL;
+        if (deviations.target == Target::Vba) return noNumber;
+    }
+    return isText ? noNumber : cell.number;
+}
+
+double valueOf(const Cell &cell, const Deviations &deviations) {
+    if (cell.text.empty()) return deviations.has(EmptyField) ? 0 : noNumber;
+    const bool isPlain = cell.isNumber && std::isfinite(cell.number);
+    const double value = isPlain ? cell.number : oddNumber(cell, deviations);
+    return deviations.has(SinglePrecision) ? inSinglePrecision(value) : value;
 }
 
 std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const std::span<const double> x = recoding.x;
-    // HTML takes the last score, however many there are.
+    // HTML uses the last score, even if the array is too long.
     const std::size_t above = deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : x.size() + 1;
-    const bool isText = !cell.isNumber && !cell.text.empty();
-    if (isText && deviations.has(NotANumber)) return above;
-    const bool isZero = cell.text.empty() && deviations.has(EmptyField);
-    const double value = cell.isNumber ? cell.number : isZero ? 0 : noNumber;
+    const double value = valueOf(cell, deviations);
     if (std::isnan(value) || isCode(recoding, value, deviations)) return 0;
-    if (value < x.front()) return 1;
-    if (value > x.back()) return above;
+    const bool isShown = deviations.has(BoundDigits) || deviations.has(SinglePrecision);
+    const auto bound = [&](double exact) { return isShown ? shown(exact, deviations) : exact; };
+    if (value < bound(x.front())) return 1;
+    if (value > bound(x.back())) return above;
     // The first bound belongs to the interval above it; a single one has none.
     if (x.size() == 1) return deviations.has(SingleBound) ? above : 0;
     const auto inner = x.subspan(1);
-    const auto isUpTo = [value](double bound) { return value <= bound; };
-    const auto found = recoding.isRising ? std::ranges::lower_bound(inner, value)
+    const auto isUpTo = [&](double exact) { return value <= bound(exact); };
+    const auto found = recoding.isRising ? std::ranges::partition_point(inner, std::not_fn(isUpTo))
                                          : std::ranges::find_if(inner, isUpTo);
     return found == inner.end() ? 0 : static_cast<std::size_t>(found - inner.begin()) + 2;
 }
 
-// Whether Python reads one of the backslashes, and the character behind it, as another character.
-bool isEscaped(std::string_view text) {
-    constexpr std::string_view escapes = "\\'\"abfnrtv01234567xNuU";
-    std::size_t at = text.find('\\');
-    while (at < text.size() - 1 && escapes.find(text[at + 1]) == std::string_view::npos) {
-        at = text.find('\\', at + 2);
-    }
-    return at < text.size() - 1;
-}
-
-// The value of the document that Excel VBA takes the text for. A truth value of a cell shows as
-// True or False, and TRUE or FALSE of a list is written so too; a text TRUE is none of a list then.
-std::string_view shownTruth(const Recoding &recoding, std::string_view text) {
-    const bool isTrue = text == "TRUE" || text == "True";
-    if (!isTrue && text != "FALSE" && text != "False") return text;
-    const std::string_view upper = isTrue ? "TRUE" : "FALSE";
-    const bool isListed = !recoding.isBoolean && recoding.find(upper).last > 0;
-    if (!isListed) return isTrue ? "True" : "False";
-    return text == upper ? std::string_view() : upper;
-}
-
-std::size_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
-    const auto deviates = [&](FindingId id, bool concerns = true) {
-        return concerns && deviations.has(id);
+// Whether a number is so near to a bound that fewer digits or bits may part them.
+bool isNearBound(const Recoding &recoding, double value) {
+    const auto isNear = [&](double bound) {
+        return std::abs(value - bound) <=
+               1e-6 * std::max(std::abs(bound), std::abs(value)) + smallestSingle;
     };
-    const bool isBoolean = recoding.isBoolean;
-    std::string_view text = cell.text;
-    if (text.empty()) return deviates(EmptyValue) ? recoding.find(text).last : 0;
-    if (deviates(isBoolean ? BooleanBlanks : TextBlanks)) text = cell.raw;
-    if (deviates(TrueFalse)) text = shownTruth(recoding, text);
-    if (text.empty()) return 0;
-    if (deviates(FiveCategories, !isBoolean && recoding.listed.size() == 5)) return 0;
-    if (deviates(Backslash) && isEscaped(text)) return 0;
-    if (deviates(BooleanNumbers, isBoolean && recoding.y.size() > 2)) {
-        const double number = cell.isNumber ? cell.number : 0; // as in MySQL and MariaDB
-        return number == 0 ? 1 : number == 1 ? 2 : 0;
-    }
-    if (deviates(ValuesAsNumbers)) return recoding.find(text, Reading::AsNumber).first;
-    if (deviates(Capitals)) return recoding.find(text, Reading::AnyCase).first;
-    const ListedValue listed = recoding.find(text);
-    return deviates(ValueTwice) ? listed.first : listed.last;
+    if (!recoding.isRising) return std::ranges::any_of(recoding.x, isNear);
+    const auto above = std::ranges::lower_bound(recoding.x, value);
+    return (above != recoding.x.end() && isNear(*above)) ||
+           (above != recoding.x.begin() && isNear(*(above - 1)));
 }
 
-// HTML asks for a column once, with a field or with the values of its last recoding. What is shown
-// as a list and read as buttons is unknown, and so is a field that is read as buttons; read as a
-// list, its number is taken for the position.
+bool isNearCode(const Recoding &recoding, double value, Target target) {
+    const auto isNear = [&](double code) {
+        return std::abs(value - code) <=
+               1e-5 * std::max(std::abs(code), std::abs(value)) + smallestSingle;
+    };
+    return std::ranges::any_of(recoding.codes, isNear) ||
+           std::ranges::any_of(recoding.codesOfTarget[static_cast<std::size_t>(target)], isNear);
+}
+
+bool concernsNumeric(FindingId id, const Recoding &recoding, const Cell &cell, Target target) {
+    const bool isEmpty = cell.text.empty();
+    const bool isOdd = !isEmpty && (!cell.isNumber || !std::isfinite(cell.number));
+    const double value = cell.isNumber ? cell.number : 0; // what an empty field counts as
+    switch (id) {
+    case EmptyField:
+        return isEmpty;
+    case NotANumber:
+        return isOdd && !cell.isNumber;
+    case NanCell:
+        return isOdd && cell.isNumber;
+    case MissingCodesUnread:
+    case MissingCodesName:
+    case MissingCodesDigits:
+        return isOdd || isNearCode(recoding, value, target);
+    case SingleBound:
+        return isOdd || isNearBound(recoding, value);
+    case BoundDigits:
+    case SinglePrecision:
+        return isOdd || isNearBound(recoding, value) || isNearCode(recoding, value, target);
+    case ArrayTooLong:
+        return isOdd || !(value < recoding.x.back());
+    default:
+        return true;
+    }
+}
+
+// --- Lists
+
+// The place of the text that is the first to equal one of the list in this reading, where another
+// text than the exact one is. 0 where the reading makes no difference.
+std::uint32_t otherPlace(const Recoding &recoding, std::string_view text, Reading reading) {
+    const std::uint32_t first = recoding.find(text, reading).first;
+    return first == recoding.find(text).first ? 0 : first;
+}
+
+// Excel VBA sees True and False where a cell holds a truth value, and compares TRUE and FALSE of a
+// list in this spelling. `isTruth` tells whether the cell holds one, or a text.
+std::uint32_t truthPlace(const Recoding &recoding, std::string_view text, bool isTruth) {
+    const bool isTrue = (text[0] | 0x20) == 't';
+    const std::string_view spelling = isTrue ? "True" : "False";
+    const std::string_view upper = isTrue ? "TRUE" : "FALSE";
+    if (isTruth) text = spelling;
+    if (recoding.isBoolean) return recoding.find(text).first;
+    if (text == upper) return 0;
+    const std::uint32_t place = recoding.find(text).first;
+    const std::uint32_t respelled = text == spelling ? recoding.find(upper).first : 0;
+    return place == 0 || (respelled != 0 && respelled < place) ? respelled : place;
+}
+
+// What servers make of a text that is compared with the numbers 0 and 1: MySQL, MariaDB and a cast
+// of SQLite take the number that it begins with; texts may be compared as texts; a text that holds
+// no number may equal neither.
+std::size_t positionOfNumber(const Cell &cell, int variant) {
+    if (cell.text.empty()) return variant == 3 ? 1 : 0;
+    const auto of = [](double number) -> std::size_t {
+        return number == 0 ? 1 : number == 1 ? 2 : 0;
+    };
+    if (variant == 1) return cell.raw == "0" ? 1 : cell.raw == "1" ? 2 : 0;
+    if (variant == 2) return cell.isNumber ? of(cell.number) : 0;
+    return of(cell.isNumber ? cell.number : leadingNumber(cell.text));
+}
+
+std::string_view comparedText(const Recoding &recoding, const Cell &cell,
+                              const Deviations &deviations) {
+    if (deviations.has(recoding.isBoolean ? BooleanBlanks : TextBlanks)) {
+        // The script may run on another server than its dialect is for.
+        const bool isPadded = deviations.sql.padsTexts && deviations.variant == 0;
+        return isPadded ? withoutEndBlanks(cell.raw) : cell.raw;
+    }
+    if (!deviations.has(OtherBlanks)) return cell.text;
+    return deviations.target == Target::Python ? withoutUnicodeBlanks(cell.raw)
+                                               : withoutSpaces(cell.raw);
+}
+
+std::uint32_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
+    if (cell.text.empty()) return deviations.has(EmptyValue) ? recoding.find({}).last : 0;
+    const std::string_view text = comparedText(recoding, cell, deviations);
+    if (deviations.has(TrueFalse) && isTruthText(text)) {
+        return truthPlace(recoding, text, deviations.variant == 1);
+    }
+    if (deviations.has(FiveCategories) && !recoding.isBoolean &&
+        htmlMisreadsList(recoding.listed.size())) {
+        return 0;
+    }
+    if (deviations.has(Backslash) && recoding.holdsBackslash) {
+        return recoding.find(text, Reading::PythonText).last;
+    }
+    if (deviations.has(BackslashEscape) && recoding.holdsBackslash) {
+        return recoding.find(text, Reading::MySqlText).first;
+    }
+    if (deviations.has(ValuesAsNumbers) && recoding.isOfNumbers) {
+        return recoding.find(text, Reading::AsNumber).first;
+    }
+    if (deviations.has(ValueBlanks) && recoding.holdsEndBlank) {
+        if (const auto place = otherPlace(recoding, text, Reading::Padded)) return place;
+    }
+    if (deviations.has(Accents)) {
+        const auto place = otherPlace(recoding, text, Reading::AnyAccent);
+        if (place != 0 && place != recoding.find(text, Reading::AnyCase).first) return place;
+    }
+    if (deviations.has(Capitals)) {
+        if (const auto place = otherPlace(recoding, text, Reading::AnyCase)) return place;
+    }
+    const ListedValue listed = recoding.find(text);
+    return deviations.has(ValueTwice) ? listed.first : listed.last;
+}
+
+std::size_t positionOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
+    const bool isNumber = recoding.isBoolean && recoding.y.size() > 2;
+    if (isNumber && deviations.has(BooleanNumbers)) {
+        return positionOfNumber(cell, deviations.variant);
+    }
+    return recoding.positionAt(placeOf(recoding, cell, deviations));
+}
+
+// HTML asks for a column once, with a field or with the values of its last recoding. A list or a
+// field that is read as radio buttons is unknown. If a field is read as a list, its number is used
+// as the position.
 std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const Recoding &asked = *recoding.asked;
-    const bool readsList = recoding.listed.size() > 5;
+    const bool readsList = htmlReadsList(recoding.listed.size());
     if (!asked.variable->isCategorical) {
         const double place = cell.isNumber ? cell.number : -1;
         const bool isPlace = place == std::floor(place) && place >= 0 && place < noPlace;
         return !readsList ? 0 : isPlace ? static_cast<std::size_t>(place) : noPlace;
     }
-    const bool isList = !asked.isBoolean && asked.listed.size() > 4;
-    return readsList || !isList ? placeOf(asked, cell, deviations) : 0;
+    const bool isList = !asked.isBoolean && htmlShowsList(asked.listed.size());
+    if (!readsList && isList) return 0;
+    Deviations others = deviations; // five categories are unknown where they are shown, not here
+    others.findings.remove(FiveCategories);
+    return positionOf(asked, cell, others);
 }
+
+bool concernsList(FindingId id, const Recoding &recoding, const Cell &cell, Target target) {
+    const std::string_view text = cell.text;
+    switch (id) {
+    case EmptyValue:
+        return text.empty();
+    case BooleanBlanks:
+    case TextBlanks:
+        return !text.empty() && cell.raw != text;
+    case OtherBlanks:
+        return !text.empty() && (target == Target::Python ? withoutUnicodeBlanks(cell.raw)
+                                                          : withoutSpaces(cell.raw)) != text;
+    case TrueFalse:
+        return isTruthText(text);
+    case Capitals:
+        return !text.empty() && recoding.find(text, Reading::AnyCase).first != 0;
+    case Accents:
+        return !text.empty() && recoding.find(text, Reading::AnyAccent).first != 0;
+    case ValueTwice:
+        return !text.empty();
+    case Backslash:
+    case BackslashEscape:
+        return recoding.holdsBackslash;
+    case ValueBlanks:
+        return recoding.holdsEndBlank;
+    case BoundDigits:
+    case SinglePrecision:
+        return false;
+    default:
+        return true;
+    }
+}
+
+// --- Sums
 
 const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &deviations) {
     if (deviations.has(EqualCoefficients) || deviations.has(EqualNumbers)) {
@@ -105,7 +278,35 @@ const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &d
     return deviations.has(CoefficientWithoutRecoding) ? card.factorTerms : card.terms;
 }
 
+// A point of the table where the target has it. It parts the scores; the line to it is the same.
+double pointShown(double point, const Deviations &deviations) {
+    return deviations.has(BoundDigits) ? withDigits(point, deviations.sql.digits) : point;
+}
+
+// The scores of the table within this distance.
+std::span<const double> pointsBeside(const Scorecard &card, double score, double distance) {
+    const std::span<const double> x = card.table.x;
+    if (!card.isFalling) return x;
+    const auto first = std::ranges::lower_bound(x, score + distance, std::greater());
+    const auto last = std::ranges::upper_bound(x, score - distance, std::greater());
+    return {first, std::max(first, last)};
+}
+
+double constantOf(const Scorecard &card, const Deviations &deviations) {
+    return deviations.has(ConstantMisplaced) ? card.htmlConstant : card.regression.constant;
+}
+
 } // namespace
+
+int variantsOf(const FindingSet &findings, Target target) {
+    if (findings.has(BooleanNumbers)) return 4;
+    if (findings.has(NotANumber) && target == Target::Vba) return 4;
+    const auto has = [&](FindingId id) { return findings.has(id); };
+    return std::ranges::any_of(std::array{SinglePrecision, TrueFalse, BooleanBlanks, TextBlanks},
+                               has)
+               ? 2
+               : 1;
+}
 
 bool differ(const Recoded &a, const Recoded &b) {
     return a.position != b.position ||
@@ -117,22 +318,43 @@ Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &dev
     const std::size_t position = !recoding.variable->isCategorical
                                      ? intervalOf(recoding, cell, deviations)
                                  : isAnswer ? answerOf(recoding, cell, deviations)
-                                            : placeOf(recoding, cell, deviations);
+                                            : positionOf(recoding, cell, deviations);
     double score = position < recoding.y.size() ? recoding.y[position] : noNumber;
     if (deviations.has(BooleanDigits) && recoding.isBoolean && position > 0) {
-        score = sixDigits(score);
+        score = withDigits(score, 6);
     }
     return {static_cast<std::uint32_t>(position), score};
+}
+
+bool concerns(FindingId id, const Recoding &recoding, const Cell &cell,
+              const Deviations &deviations) {
+    return recoding.variable->isCategorical
+               ? concernsList(id, recoding, cell, deviations.target)
+               : concernsNumeric(id, recoding, cell, deviations.target);
 }
 
 double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
                const Deviations &deviations) {
     if (deviations.has(DebugRecoding)) return 0;
-    double score = deviations.has(ConstantMisplaced) ? card.htmlConstant : card.regression.constant;
+    double score = constantOf(card, deviations);
     for (const ScoreTerm &term : termsOf(card, deviations)) {
         score += term.coefficient * recoded[term.recoding].score;
     }
     return score;
+}
+
+SumSize sumSizeOf(const Scorecard &card, std::span<const Recoded> recoded,
+                  const Deviations &deviations) {
+    const double constant = std::abs(constantOf(card, deviations));
+    SumSize size = {constant, constant, 1};
+    for (const ScoreTerm &term : termsOf(card, deviations)) {
+        const double part = std::abs(term.coefficient * recoded[term.recoding].score);
+        if (!std::isfinite(part)) continue;
+        size.largest = std::max(size.largest, part);
+        size.total += part;
+        ++size.terms;
+    }
+    return size;
 }
 
 ScoreRange scoreRange(const Scorecard &card) {
@@ -140,7 +362,7 @@ ScoreRange scoreRange(const Scorecard &card) {
     for (const auto &[coefficient, recoding] : card.terms) {
         double least = HUGE_VAL;
         double most = -HUGE_VAL;
-        for (const double score : card.recodings[recoding].y) { // what is no number changes neither
+        for (const double score : card.recodings[recoding].y) { // NaN changes neither
             least = std::min(least, coefficient * score);
             most = std::max(most, coefficient * score);
         }
@@ -157,35 +379,55 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
     if (!card.table.exists) {
         if (!card.isLogistic) return noNumber;
         // Of the last row, it is what the model says.
-        return deviations.has(LogisticLastRow) ? 0 : 1 / (1 + std::exp(-score));
+        if (deviations.has(LogisticLastRow)) return 0;
+        const double power = std::exp(-score);
+        return std::isinf(power) && deviations.has(LogisticOverflow) ? noNumber : 1 / (1 + power);
     }
-    const std::pmr::vector<double> &x = card.table.x;
-    const std::pmr::vector<double> &y = card.table.y;
+    const std::span<const double> x = card.table.x;
+    const std::span<const double> y = card.table.y;
     const std::size_t last = x.size() - 1;
-    if (score > x[0]) return y[0];
-    if (score <= x[last]) {
+    const auto isBelow = [&](double point) { return score > pointShown(point, deviations); };
+    if (isBelow(x[0])) return y[0];
+    const double lowest = pointShown(x[last], deviations);
+    if (score <= lowest) {
         if (deviations.has(LowestNan)) return noNumber;
-        return deviations.has(LowestPoint) && score == x[last] ? 0 : y[last];
+        return deviations.has(LowestPoint) && score == lowest ? 0 : y[last];
     }
-    const auto isBelow = [&](double point) { return score > point; };
     const auto found = card.isFalling
                            ? std::partition_point(x.begin() + 1, x.end(), std::not_fn(isBelow))
                            : std::find_if(x.begin() + 1, x.end(), isBelow);
-    if (found == x.end()) return noNumber; // the score is no number
+    if (found == x.end()) return noNumber; // the score is NaN
     const auto i = static_cast<std::size_t>(found - x.begin());
     if (i == last && deviations.has(LowestSegment)) return 0;
     return y[i] + (score - x[i]) * (y[i - 1] - y[i]) / (x[i - 1] - x[i]);
 }
 
-Prediction evaluate(const Scorecard &card, std::span<const Cell> cells,
-                    const Deviations &deviations) {
-    std::vector<Recoded> recoded;
-    const bool mixesColumns = deviations.has(NamesAlike);
-    const auto target = static_cast<std::size_t>(deviations.target);
-    for (const Recoding &recoding : card.recodings) {
-        const std::size_t column = mixesColumns ? recoding.lastAlike[target] : recoding.column;
-        recoded.push_back(recode(recoding, cells[column], deviations));
+bool hasPointBeside(const Scorecard &card, double score, double distance) {
+    return !pointsBeside(card, score, distance).empty();
+}
+
+bool hasProbabilityNear(const Scorecard &card, double score, double slack, double probability,
+                        double tolerance, const Deviations &deviations) {
+    const auto isNear = [&](double p, double q) { return std::abs(p - q) <= tolerance; };
+    const double exact = probabilityOf(card, score, deviations);
+    if (std::isnan(probability) || !std::isfinite(slack)) {
+        return std::isnan(exact) ? std::isnan(probability) : isNear(exact, probability);
     }
-    const double score = scoreOf(card, recoded, deviations);
-    return {score, probabilityOf(card, score, deviations)};
+    std::vector<double> scores = {score - slack, score, score + slack};
+    for (const double point : pointsBeside(card, score, 2 * slack)) {
+        const double at = pointShown(point, deviations);
+        scores.insert(scores.end(), {at, std::nextafter(at, HUGE_VAL)});
+    }
+    std::ranges::sort(scores);
+    double before = noNumber;
+    for (std::size_t i = 0; i < scores.size(); ++i) {
+        const double p = probabilityOf(card, scores[i], deviations);
+        if (isNear(p, probability)) return true;
+        // The probability changes evenly between two scores, unless a point stands at the first.
+        const bool isJump = i > 0 && scores[i] == std::nextafter(scores[i - 1], HUGE_VAL);
+        const auto [least, most] = std::minmax(before, p);
+        if (!isJump && probability >= least && probability <= most) return true;
+        before = p;
+    }
+    return false;
 }

@@ -1,17 +1,29 @@
 // The score and the probability of a row: as the model means them, or with what a target does
-// otherwise. There is one evaluation; what a target does otherwise is a set of named deviations.
+// differently. There is one evaluation; what a target does differently is a set of named
+// deviations.
 #pragma once
 
 #include "check/evaluation/cell.h"
 #include "check/evaluation/scorecard.h"
 
-// What a target is taken to do otherwise than the model means.
+// What the dialect of a script, or the server that runs it, adds to the deviations of SQL.
+struct SqlReading {
+    int digits = 16;        // of numbers in the script
+    bool padsTexts = false; // blanks at the end of a text do not count
+};
+
+// What a target is taken to do differently from the model.
 struct Deviations {
-    FindingSet findings; // those that tell what it does
+    FindingSet findings; // those that report what it does
     Target target = Target::Sas;
+    SqlReading sql = {};
+    int variant = 0; // of findings that servers show in several ways; see variantsOf()
 
     bool has(FindingId id) const { return findings.has(id); }
 };
+
+// In how many ways these deviations may show: 1, unless servers differ in them.
+int variantsOf(const FindingSet &findings, Target target);
 
 // What a recoding makes of a cell: the score at a position of its array, 0 for missing values.
 struct Recoded {
@@ -28,10 +40,33 @@ struct Prediction {
 
 Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations = {});
 
-// What recodings come to.
+// Whether the deviation can change what becomes of the cell, alone or together with others. True
+// for some cells that it leaves alone: a quick test before recode() is asked.
+bool concerns(FindingId id, const Recoding &recoding, const Cell &cell,
+              const Deviations &deviations);
+
+// The score of a recoded row.
 double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
                const Deviations &deviations = {});
+
+// The size of the sum behind a score, which tells what rounding may do to it.
+struct SumSize {
+    double largest = 0; // term, or the constant
+    double total = 0;   // of all terms and the constant, without their signs
+    std::size_t terms = 0;
+};
+SumSize sumSizeOf(const Scorecard &card, std::span<const Recoded> recoded,
+                  const Deviations &deviations);
+
 double probabilityOf(const Scorecard &card, double score, const Deviations &deviations = {});
+
+// Whether a score within `slack` of this one has a probability within `tolerance` of the given one;
+// the table may jump or be steep in between. NaN equals NaN.
+bool hasProbabilityNear(const Scorecard &card, double score, double slack, double probability,
+                        double tolerance, const Deviations &deviations);
+
+// Whether the table has a point within this distance of the score.
+bool hasPointBeside(const Scorecard &card, double score, double distance);
 
 // The least and the highest score that a row can have: of the same sum, rounded in the same order.
 struct ScoreRange {
@@ -39,7 +74,3 @@ struct ScoreRange {
     double most;
 };
 ScoreRange scoreRange(const Scorecard &card);
-
-// What becomes of the cells of a row, one for each column.
-Prediction evaluate(const Scorecard &card, std::span<const Cell> cells,
-                    const Deviations &deviations);

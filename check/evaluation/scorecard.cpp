@@ -4,23 +4,16 @@
 #include "model/number_text.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
-#include <unordered_map>
 #include <utility>
 
 namespace {
 
-// For tables that are not Qt's: an insertion into those ends the program where memory runs out.
-struct HashOfText {
-    std::size_t operator()(QStringView text) const { return hashText(text); }
-};
+// The characters that become "_" in names of the data dictionary when a document is saved.
+constexpr QStringView replacedInDictionary = u" .";
 
-// The names of the data dictionary are those that documents are saved with.
-constexpr QStringView cleanedInDocuments = u" .";
-constexpr std::array<QStringView, targetCount> cleanedCharacters = {u" .", u"", u"\"%'-() /.",
-                                                                    u" .'-", u""};
-
-// Without anything that is no number, for which no order holds.
+// False if any number is NaN.
 template <typename Order>
 bool isInOrder(std::span<const double> x, Order order) {
     return std::ranges::adjacent_find(x, std::not_fn(order)) == x.end();
@@ -34,21 +27,95 @@ void readNumeric(Recoding &recoding, const Scorecard &card) {
         return card.dictionary.lists[card.dictionary.find(name)].codes;
     };
     const QStringView field = recoding.variable->field;
-    recoding.codes = codesOf(cleanName(field, cleanedInDocuments));
+    recoding.codes = codesOf(cleanName(field, replacedInDictionary));
     for (const Target target : listTargets(allTargets)) {
         recoding.codesOfTarget[static_cast<std::size_t>(target)] =
             codesOf(cleanedFor(target, field));
     }
 }
 
+bool isAscii(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return static_cast<signed char>(c) >= 0; });
+}
+
+// Most texts are ASCII and need no conversion.
+std::string foldedCase(std::string_view text) {
+    if (!isAscii(text)) return QString::fromUtf8(text).toLower().toStdString();
+    std::string folded(text);
+    for (char &c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+    return folded;
+}
+
+std::string withoutAccents(std::string_view text) {
+    if (isAscii(text)) return foldedCase(text);
+    QString plain = QString::fromUtf8(text).normalized(QString::NormalizationForm_D).toLower();
+    plain.removeIf([](QChar c) { return c.category() == QChar::Mark_NonSpacing; });
+    return plain.toStdString();
+}
+
+// The text that a literal of these characters stands for; a byte that no text holds where it is
+// none of the plain escapes, so that it equals nothing.
+std::string unescaped(std::string_view literal, Reading reading) {
+    const bool isPython = reading == Reading::PythonText;
+    const std::string_view escapes = isPython ? "\\'\"abfnrtv\n" : "'\"bnrtZ0\\";
+    const std::string_view meanings = isPython ? "\\'\"\a\b\f\n\r\t\v" : "'\"\b\n\r\t\x1A";
+    std::string text;
+    for (std::size_t i = 0; i < literal.size(); ++i) {
+        // A backslash at the end keeps the code from running at all.
+        if (literal[i] != '\\' || i + 1 == literal.size()) {
+            text += literal[i];
+            continue;
+        }
+        const char c = literal[++i];
+        const std::size_t at = escapes.find(c);
+        if (at < meanings.size()) {
+            text += meanings[at];
+        } else if (isPython && (at != std::string_view::npos || c == '\n')) {
+            continue; // a line that goes on
+        } else if (isPython && std::string_view("01234567xNuU").find(c) != std::string_view::npos) {
+            return "\xFF";
+        } else if (!isPython && c == '0') {
+            text += '\0';
+        } else if (isPython || c == '%' || c == '_') {
+            text += {'\\', c};
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
 // What is the same for all texts that the reading takes for equal.
 std::string keyOf(std::string_view text, Reading reading) {
-    double number = 0;
-    if (reading == Reading::AnyCase) {
-        return QString::fromUtf8(text).toLower().toStdString();
+    switch (reading) {
+    case Reading::AnyCase:
+        return foldedCase(text);
+    case Reading::AnyAccent:
+        return withoutAccents(text);
+    case Reading::AsNumber: {
+        double number = 0;
+        const bool isNumber = readNumber(text, number) && std::isfinite(number);
+        return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : ".";
     }
-    const bool isNumber = reading == Reading::AsNumber && readNumber(text, number);
-    return isNumber ? QByteArray::number(number + 0.0, 'g', 17).toStdString() : std::string(text);
+    case Reading::Padded:
+        return std::string(text.substr(0, text.find_last_not_of(' ') + 1));
+    case Reading::Exact:
+    case Reading::PythonText:
+    case Reading::MySqlText:
+        break;
+    }
+    return std::string(text);
+}
+
+// Those that a target may have, of this list.
+std::vector<Reading> readingsOf(const Recoding &recoding) {
+    std::vector<Reading> list = {Reading::Exact, Reading::AnyCase, Reading::AnyAccent};
+    if (recoding.isOfNumbers) list.push_back(Reading::AsNumber);
+    if (recoding.holdsEndBlank) list.push_back(Reading::Padded);
+    if (recoding.holdsBackslash) {
+        list.insert(list.end(), {Reading::PythonText, Reading::MySqlText});
+    }
+    return list;
 }
 
 void readCategorical(Recoding &recoding) {
@@ -56,20 +123,26 @@ void readCategorical(Recoding &recoding) {
     recoding.y = arrays.y;
     recoding.isBoolean = arrays.isBoolean;
     recoding.listed = arrays.values;
-    for (std::size_t i = 0; i < arrays.values.size(); ++i) {
-        const auto position = static_cast<std::uint32_t>(arrays.place(i));
-        const std::string text = arrays.values[i].toUtf8().toStdString();
-        for (std::size_t reading = 0; reading < readings; ++reading) {
-            const std::string key = keyOf(text, static_cast<Reading>(reading));
-            ListedValue &places = recoding.values[reading][key];
-            if (places.first == 0) places.first = position;
-            places.last = position;
+    const auto any = [&](auto test) { return std::ranges::any_of(arrays.values, test); };
+    recoding.isOfNumbers = !arrays.isBoolean && sasComparesNumbers(arrays.values);
+    recoding.holdsBackslash = any([](QStringView value) { return value.contains(u'\\'); });
+    recoding.holdsEndBlank = any([](QStringView value) { return value.endsWith(u' '); });
+    const std::vector<Reading> used = readingsOf(recoding);
+    for (std::uint32_t place = 1; place <= arrays.values.size(); ++place) {
+        const std::string text = arrays.values[place - 1].toUtf8().toStdString();
+        for (const Reading reading : used) {
+            const bool isLiteral = reading >= Reading::PythonText;
+            std::string key = isLiteral ? unescaped(text, reading) : keyOf(text, reading);
+            ListedValue &places =
+                recoding.values[static_cast<std::size_t>(reading)][std::move(key)];
+            if (places.first == 0) places.first = place;
+            places.last = place;
         }
     }
 }
 
 void readRecodingsOf(Scorecard &card) {
-    std::unordered_map<QStringView, std::size_t, HashOfText> columns;
+    TextTable<QStringView, std::size_t> columns;
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
         Recoding &recoding = card.recodings[variable.position];
@@ -94,10 +167,10 @@ void readRecodingsOf(Scorecard &card) {
 }
 
 void findAlike(Scorecard &card, Target target) {
-    std::unordered_map<QString, std::size_t, HashOfText> last;
+    TextTable<QString, std::size_t> last;
     const auto columnOf = [&](const Recoding &recoding) -> std::size_t & {
         const QString name = cleanedFor(target, recoding.variable->field);
-        return last[target == Target::Sas ? name.toLower() : name]; // SAS knows no capitals
+        return last[target == Target::Sas ? name.toLower() : name]; // SAS ignores case
     };
     for (const Recoding &recoding : card.recodings) columnOf(recoding) = recoding.column;
     for (Recoding &recoding : card.recodings) {
@@ -113,7 +186,7 @@ void readTerms(Scorecard &card) {
         if (!first.contains(number)) first[number] = coefficient;
         last[number] = coefficient;
         factor *= coefficient;
-        if (position < 0) continue; // written without a name, it multiplies what follows
+        if (position < 0) continue; // without a name in the code, it multiplies the next term
         const auto recoding = static_cast<std::size_t>(position);
         card.recodings[recoding].coefficient += coefficient;
         card.terms.push_back({coefficient, recoding});
@@ -144,12 +217,15 @@ bool isOfKind(const Scorecard &card, QStringView kind) {
 }
 
 QString numberText(double number) {
-    const NumberText text = modelNumber(number);
+    NumberText text = modelNumber(number);
+    double shown = 0;
+    // Two numbers of the model may be the same in 16 digits.
+    if (readNumber(text.view(), shown) && shown != number) text = generalNumber(number, 17);
     return QString::fromLatin1(text.characters, text.size);
 }
 
 QString cleanedFor(Target target, QStringView field) {
-    return cleanName(field, cleanedCharacters[static_cast<std::size_t>(target)]);
+    return cleanName(field, replacedCharacters(target));
 }
 
 Scorecard readScorecard(const QString &fileName) {
@@ -164,9 +240,8 @@ Scorecard readScorecard(const QString &fileName) {
     if (!card.document.problem.isEmpty()) return card;
     card.isFalling = isInOrder(card.table.x, std::greater_equal());
     card.isLogistic = !card.table.exists && hasLogisticProbability(card.document);
-    std::pmr::vector<double> betas;
-    readNumbers(card.document, card.document.root.childNode(u"RegressionModel"), u"betas", 0,
-                betas);
+    const std::vector<double> betas =
+        readNumbers(card.document, card.document.root.childNode(u"RegressionModel"), u"betas", 0);
     if (card.variables.size() < betas.size()) card.htmlConstant = betas[card.variables.size()];
     readRecodingsOf(card);
     for (const Target target : listTargets(allTargets)) findAlike(card, target);

@@ -44,6 +44,18 @@ constexpr FindingKind kinds[] = {
     {SingleBound, u"single-bound", all, html, counted,
      u"A value that equals the only bound takes the score of missing values; in HTML that of values above.",
      u"Give the recoding a second bound, with the same score on both sides.", u"manual.md"},
+    {BoundDigits, u"bound-digits", all, all, counted,
+     u"Generated code shows 16 digits of a bound, of a point of the table and, in SQL, of a missing code, teradata 15. A number between the shown bound and the exact one falls on its other side.",
+     u"Round the bounds in the document to 15 digits.", u"manual.md"},
+    {OtherBlanks, u"other-blanks", sas | sql | vba | python, sas | sql | vba | python, required,
+     u"A text has tabs, no-break spaces or the like around it. SAS, SQL and Excel VBA remove spaces only; Python removes no-break spaces too.",
+     u"Remove them from the data.", u"manual.md"},
+    {NanCell, u"nan-cell", sql | vba | html, sql | vba | html, required,
+     u"A numeric cell holds NaN or an infinity. For the model NaN is missing; PostgreSQL takes it as above all bounds, HTML takes both so, and Excel VBA takes both as missing.",
+     u"Turn such cells into missing values before the row is scored.", u"manual.md"},
+    {NotListed, u"not-listed", all, none, required,
+     u"A text is not in the list of its column. It gets the score of unlisted and missing values.",
+     u"Check whether a category is new or has another name in the data.", u"manual.md"},
     // --- SAS
     {MissingCodesLine, u"missing-codes-line", sas, none, whole,
      u"The line of missing values lacks its beginning, and the last code of the list is not in it.",
@@ -61,8 +73,8 @@ constexpr FindingKind kinds[] = {
      u"All values are digits and full stops: SAS compares numbers, and says in its log that it made them of texts.",
      u"Make sure that the column holds numbers written in one way.", u"sas.md"},
     {EmptyNumber, u"empty-number", sas, none, whole,
-     u"An empty value among values of digits leaves a comparison with nothing: the script does not run.",
-     u"Leave the empty value out; it scores as missing.", u"sas.md"},
+     u"A value among values of digits is empty or no number, such as 1.2.3. It stands without quotation marks: the script does not run.",
+     u"Leave an empty value out; it scores as missing. Write quotation marks around the values of this list by hand.", u"sas.md"},
     {QuoteInValue, u"quote-in-value", sas | vba, none, whole,
      u"A quotation mark in a value stands as \\\", which ends the text: neither SAS nor Excel VBA takes the line.",
      u"Write \"\" by hand, or take the mark out of data and document.", u"sas.md"},
@@ -71,6 +83,9 @@ constexpr FindingKind kinds[] = {
      u"Look the variable up by the number in front.", u"sas.md"},
     {LogisticParenthesis, u"logistic-parenthesis", sas, none, whole,
      u"The logistic form lacks a closing parenthesis.", u"Close it.", u"sas.md"},
+    {LogisticOverflow, u"logistic-overflow", sas, sas, required,
+     u"The score is below -709: exp(-score) overflows, and the probability is a missing value.",
+     u"Take 0 for a missing probability where the score is present.", u"sas.md"},
     {NoTerms, u"no-terms", sas, none, whole,
      u"A model without regression terms lacks the semicolon after its constant.", u"Write it.", u"sas.md"},
     {LabelEndsComment, u"label-ends-comment", sas, none, whole,
@@ -78,8 +93,8 @@ constexpr FindingKind kinds[] = {
     {UnsupportedType, u"unsupported-type", sas, none, whole,
      u"SAS refuses a recoding of this type; the other targets read its column as numeric.",
      u"Use MapValues, NormContinuous or Discretize.", u"sas.md"},
-    {NameCharacters, u"name-characters", sas | python, none, whole,
-     u"The name holds characters that the target keeps and cannot read, or begins with a digit: the code does not run.",
+    {NameCharacters, u"name-characters", sas | vba | python, none, whole,
+     u"The name holds characters that the target keeps and cannot read, begins with a digit or, in SAS, makes a name of more than 32 characters: the code does not run.",
      u"Rename the column.", u"python.md"},
     {NamesAlike, u"names-alike", sas | python, sas | python, counted,
      u"The names of several columns become the same, in SAS also where only capitals differ: all their recodings read the last one.",
@@ -97,6 +112,9 @@ constexpr FindingKind kinds[] = {
     {ApostropheInValue, u"apostrophe-in-value", sql, none, whole,
      u"An apostrophe in a value is written \\', which MySQL and MariaDB read, while others want ''.",
      u"Write '' for other databases with examples/repair.py.", u"sql.md"},
+    {BackslashEscape, u"backslash-escape", sql, sql, counted,
+     u"A backslash in a value is not doubled: MySQL and MariaDB read it and the next character as one, and look for another text. At the end of a value it keeps the script from running there.",
+     u"Double it for MySQL and MariaDB by hand.", u"sql.md"},
     {BooleanNumbers, u"boolean-numbers", sql, sql, counted,
      u"The boolean column is compared with the numbers 0 and 1: texts are all false in MySQL and MariaDB, unknown or refused elsewhere.",
      u"Set boolsAreNumbers to 0 where it holds the texts of the document.", u"sql.md"},
@@ -108,6 +126,12 @@ constexpr FindingKind kinds[] = {
     {Capitals, u"capitals", sql, sql, required,
      u"A text differs from a listed value in capitals only: whether it counts is up to the collation.",
      u"Choose a collation that tells capitals apart, or make the data uniform.", u"sql.md"},
+    {Accents, u"accents", sql, sql, required,
+     u"A text differs from a listed value in accents: the default collations of MySQL, MariaDB and SQL Server take the two for equal.",
+     u"Choose a collation that tells accents apart, or make the data uniform.", u"sql.md"},
+    {SinglePrecision, u"single-precision", sql, sql, whole,
+     u"Columns are cast to FLOAT, in general SQL contributions too. It has 32 bits in MySQL, MariaDB and DuckDB: there, scores differ in the seventh digit, and a cell beside a bound may fall on its other side.",
+     u"Use the dialect mysql there, which casts nothing.", u"sql.md"},
     {RowsAdded, u"rows-added", sql, none, whole,
      u"The rows of the prediction table stay, and a second run adds its own to them.",
      u"Delete them in the same transaction before.", u"sql.md"},
@@ -169,8 +193,8 @@ constexpr FindingKind kinds[] = {
     {EmptyField, u"empty-field", html, html, required,
      u"A number is missing. An empty field of the page counts as 0.",
      u"Let the visitor tick the box for unknown.", u"html.md"},
-    {NotANumber, u"not-a-number", all, html, required,
-     u"A cell of a numeric column is no number. It scores as missing; Python stops at it, HTML takes it as above the last bound.",
+    {NotANumber, u"not-a-number", all, vba | html, required,
+     u"A cell of a numeric column is no number. It scores as missing; Python stops at it, HTML takes it as above the last bound or, such as 0x10, as 16, and Excel VBA reads texts such as 1,5, 5% and &H10 as numbers.",
      u"Clean the data, or name the text with --missing.", u"html.md"},
     {PageError, u"page-error", html, none, whole,
      u"The page shows an error: only a model of kind T with a table, or one of kind C, has a result.",
@@ -252,8 +276,8 @@ constexpr FindingKind kinds[] = {
     {EmptyValue, u"empty-value", vba | python, vba | python, counted,
      u"An empty value is listed: an empty cell takes its score, and not that of missing values.",
      u"Leave the empty value out.", u"model-document.md"},
-    {ValueBlanks, u"value-blanks", all, none, whole,
-     u"A listed value has blanks around it. Cells lose theirs, so that it never occurs.",
+    {ValueBlanks, u"value-blanks", all, sas | sql, counted,
+     u"A listed value has blanks around it. Cells lose theirs, so that it never occurs; but SAS, MySQL and MariaDB ignore blanks at its end.",
      u"Take the blanks out of the document.", u"model-document.md"},
 };
 // clang-format on
@@ -291,14 +315,12 @@ const FindingKind &kindOf(FindingId id) {
     return kinds[static_cast<std::size_t>(id)];
 }
 
-Notes &Notes::at(const QString &newPlace, int newRecoding) {
-    place = newPlace;
-    recoding = newRecoding;
-    return *this;
+QString rowsText(std::int64_t rows) {
+    return rows == 1 ? QStringLiteral("1 row") : QStringLiteral("%1 rows").arg(rows);
 }
 
-void Notes::add(FindingId id, bool isFound, Targets limit) {
+void Notes::add(const FindingPlace &place, FindingId id, bool isFound, Targets limit) {
     const Targets concerned = kindOf(id).targets & asked & limit;
     if (!isFound || concerned == 0) return;
-    findings.push_back({id, concerned, place, recoding});
+    findings.push_back({id, concerned, place.text, place.recoding});
 }

@@ -1,17 +1,14 @@
-// What a model, a configuration and a canvas hold that makes generated code do something else than
-// the model says, or that makes the model itself doubtful.
+// Findings: what in a model, a configuration or a canvas makes generated code depart from the
+// model, or makes the model itself doubtful.
 #pragma once
 
+#include "model/target_rules.h"
+
 #include <QStringList>
-#include <QStringView>
 
 #include <bitset>
 #include <cstdint>
-#include <span>
 #include <vector>
-
-enum class Target : std::uint8_t { Sas, Sql, Vba, Python, Html };
-inline constexpr std::size_t targetCount = 5;
 
 // A set of targets.
 using Targets = unsigned;
@@ -22,16 +19,16 @@ inline constexpr Targets allTargets = (1U << targetCount) - 1;
 std::vector<Target> listTargets(Targets targets);
 QStringList targetNames(Targets targets); // as on the command line
 
-// In the order of the manual. Each is a row of the table in findings.cpp.
+// In the order of the manual, as are the rows of the table in findings.cpp.
 // clang-format off
 enum class FindingId : std::uint8_t {
     LowestSegment, LowestPoint, RecodingWithoutCoefficient, CoefficientWithoutRecoding,
-    EqualCoefficients, EqualNumbers, SingleBound,
+    EqualCoefficients, EqualNumbers, SingleBound, BoundDigits, OtherBlanks, NanCell, NotListed,
     MissingCodesLine, MissingCodesDigits, MissingCodesName, BooleanDigits, ValuesAsNumbers,
-    EmptyNumber, QuoteInValue, LongName, LogisticParenthesis, NoTerms, LabelEndsComment,
+    EmptyNumber, QuoteInValue, LongName, LogisticParenthesis, LogisticOverflow, NoTerms, LabelEndsComment,
     UnsupportedType, NameCharacters, NamesAlike,
-    NoProbability, SqlName, QuotedName, ApostropheInValue, BooleanNumbers, BooleanBlanks,
-    TextBlanks, Capitals, RowsAdded, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
+    NoProbability, SqlName, QuotedName, ApostropheInValue, BackslashEscape, BooleanNumbers, BooleanBlanks,
+    TextBlanks, Capitals, Accents, SinglePrecision, RowsAdded, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
     DebugRecoding, DebugColumnsAlike, SmallNumber,
     LogisticAbsent, QuoteInTitle, TrueFalse,
     MissingCodesParenthesis, NoCategories, LogisticLastRow, Backslash,
@@ -46,7 +43,7 @@ enum class FindingId : std::uint8_t {
 // clang-format on
 inline constexpr std::size_t findingCount = static_cast<std::size_t>(FindingId::ValueBlanks) + 1;
 
-// A set of findings; as a set of deviations, what a target is taken to do otherwise than the model.
+// A set of findings. As a set of deviations: where a target departs from the model.
 class FindingSet {
 public:
     FindingSet() = default;
@@ -55,6 +52,9 @@ public:
     }
     bool has(FindingId id) const { return bits[static_cast<std::size_t>(id)]; }
     void add(FindingId id) { bits.set(static_cast<std::size_t>(id)); }
+    void add(const FindingSet &others) { bits |= others.bits; }
+    void remove(FindingId id) { bits.reset(static_cast<std::size_t>(id)); }
+    bool isWithin(const FindingSet &other) const { return (bits & ~other.bits).none(); }
 
 private:
     std::bitset<findingCount> bits;
@@ -75,25 +75,34 @@ struct FindingKind {
 };
 const FindingKind &kindOf(FindingId id);
 
-// One place that a finding was made at.
+// A finding at one place.
 struct Finding {
     FindingId id;
-    Targets targets; // those of the kind that were asked for
+    Targets targets; // of its kind, as far as they were asked for
     QString place;
-    int recoding = -1;     // its position, where the place is a recoding
-    std::int64_t rows = 0; // that it affects
-    std::int64_t firstRow = 0;
+    int recoding = -1;             // its position if the place is a recoding, else -1
+    std::int64_t rows = 0;         // that it affects alone
+    std::int64_t firstRow = 0;     // from 1; 0 without rows
+    std::int64_t togetherRows = 0; // more of them, that it affects only together with others
 
     bool countsRows() const { return kindOf(id).scope != RowScope::None; }
 };
 
-// Collects findings, and leaves out those that concern none of the targets.
+// "1 row" or "7 rows".
+QString rowsText(std::int64_t rows);
+
+// Where a finding is made.
+struct FindingPlace {
+    QString text;
+    int recoding = -1; // its position if the place is a recoding, else -1
+};
+
+// Collects findings, except those that concern none of the targets that were asked for.
 struct Notes {
     Targets asked = allTargets;
     std::vector<Finding> findings = {};
-    QString place = {}; // of what is added next
-    int recoding = -1;
 
-    Notes &at(const QString &newPlace, int newRecoding = -1);
-    void add(FindingId id, bool isFound = true, Targets limit = allTargets);
+    // Adds a finding if it applies, for the targets of its kind that are within `limit`.
+    void add(const FindingPlace &place, FindingId id, bool isFound = true,
+             Targets limit = allTargets);
 };

@@ -1,29 +1,31 @@
-// Looks a model, a configuration and a canvas through for findings.
+// Inspects a model, a configuration and a canvas for findings.
 #pragma once
 
-#include "check/evaluation/scorecard.h"
+#include "check/evaluation/evaluation.h"
 #include "model/sql_configuration.h"
 
-// What is to be looked at. Without a configuration, SQL is taken to have its default settings and a
-// dialect with a probability.
+// What to inspect. Without a configuration, SQL is assumed to have default settings and a dialect
+// with a probability.
 struct Inspection {
     Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
-    QString canvasName = {}; // empty without one
-    QString canvas = {};     // its text
+    QString canvasName = {}; // empty: no canvas
+    QString canvas = {};     // the canvas's text
 };
 
-// The findings in the order of the manual. Those that only rows can show are among them.
+// The findings in the order of the manual, including those that are reported only for rows.
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection);
 
-// --- What a configuration of SQL and a canvas of HTML add
+// --- Findings in a configuration of SQL and a canvas of HTML
 
-// What the script does that findings depend on. As it stands, without a configuration.
+// What findings depend on in the script. The defaults are those without a configuration.
 struct SqlUse {
     bool hasProbability = true;
     bool trimsTexts = true;
     bool boolsAreNumbers = true;
     bool readsBackslashes = false; // as escapes in texts
+    bool mayEscape = true;         // the server may read a backslash in a text as an escape
+    SqlReading reading = {};
 };
 SqlUse useOf(const SqlConfiguration &configuration);
 

@@ -1,7 +1,8 @@
 #include "check/inspection/inspection.h"
 
 #include "check/evaluation/evaluation.h"
-#include "check/rows/csv_reader.h"
+#include "check/evaluation/target_texts.h"
+#include "model/sql_dialect.h"
 
 #include <QSet>
 
@@ -18,19 +19,33 @@ bool isFinite(std::span<const double> numbers) {
 }
 
 bool isSmall(double number) {
-    constexpr double smallest = 1e-12;
-    return number != 0 && std::abs(number) < smallest;
+    return number != 0 && std::abs(number) < smallestSqlNumber;
 }
 
 bool isRounded(double number) {
-    return sixDigits(number) != number;
+    return withDigits(number, 6) != number;
+}
+
+// Whether so many digits make another number of one of them.
+bool isInexact(std::span<const double> numbers, int digits) {
+    return std::ranges::any_of(numbers,
+                               [&](double number) { return withDigits(number, digits) != number; });
 }
 
 // --- Recodings
 
-void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recoding) {
+// Whether the recoding is the first of its column among those of numbers, or of lists.
+bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
+    const auto isAlike = [&](std::size_t i) {
+        return card.recodings[i].variable->isCategorical == recoding.variable->isCategorical;
+    };
+    return *std::ranges::find_if(card.recodingsOf[recoding.column], isAlike) ==
+           recoding.variable->position;
+}
+
+void inspectNumeric(Notes &notes, const FindingPlace &place, const Scorecard &card,
+                    const Recoding &recoding, const SqlUse &sql) {
     const QStringView field = recoding.variable->field;
-    const QStringView type = recoding.variable->type;
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
     const std::span<const double> codes = recoding.codes;
@@ -38,98 +53,120 @@ void inspectNumeric(Notes &notes, const Scorecard &card, const Recoding &recodin
         return recoding.codesOfTarget[static_cast<std::size_t>(target)];
     };
     Targets others = 0;
+    Targets rounding = std::ranges::any_of(codes, isRounded) ? allTargets : 0;
     for (const Target target : listTargets(allTargets)) {
         if (!std::ranges::equal(codes, codesIn(target))) others |= only(target);
+        if (std::ranges::any_of(codesIn(target), isRounded)) rounding |= only(target);
     }
-    notes.add(MissingCodesLine, dictionary.lists[listOfSas].isListed);
-    notes.add(MissingCodesDigits, std::ranges::any_of(codes, isRounded));
-    notes.add(MissingCodesName, true, others);
-    notes.add(MissingCodesParenthesis, !codesIn(Target::Python).empty());
-    notes.add(MissingCodesUnread, !codes.empty());
-    notes.add(SingleBound, recoding.x.size() == 1);
-    notes.add(BoundsNotRising, !recoding.isRising);
-    notes.add(ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
-    notes.add(UnsupportedType, type != u"NormContinuous" && type != u"Discretize");
-    const auto isNumeric = [&](std::size_t i) {
-        return !card.recodings[i].variable->isCategorical;
-    };
-    const auto first = std::ranges::find_if(card.recodingsOf[recoding.column], isNumeric);
-    const bool isFirst = *first == recoding.variable->position;
-    notes.add(EmptyField, isFirst);
-    notes.add(NotANumber, isFirst);
-    notes.add(NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
+    Targets inexact = isInexact(recoding.x, SqlReading().digits) ? allTargets : 0;
+    if (isInexact(recoding.x, sql.reading.digits) ||
+        isInexact(codesIn(Target::Sql), sql.reading.digits)) {
+        inexact |= only(Target::Sql);
+    }
+    notes.add(place, MissingCodesLine, dictionary.lists[listOfSas].isListed);
+    notes.add(place, MissingCodesDigits, true, rounding);
+    notes.add(place, MissingCodesName, true, others);
+    notes.add(place, MissingCodesParenthesis, !codesIn(Target::Python).empty());
+    notes.add(place, MissingCodesUnread, !codes.empty());
+    notes.add(place, SingleBound, recoding.x.size() == 1);
+    notes.add(place, BoundsNotRising, !recoding.isRising);
+    notes.add(place, ArrayTooLong, recoding.y.size() > recoding.x.size() + 2);
+    notes.add(place, UnsupportedType, !sasSupports(recoding.variable->type));
+    notes.add(place, BoundDigits, true, inexact);
+    const bool isFirst = isFirstOfKind(card, recoding);
+    notes.add(place, EmptyField, isFirst);
+    notes.add(place, NotANumber, isFirst);
+    notes.add(place, NanCell, isFirst);
+    notes.add(place, NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
 }
 
-void inspectCategorical(Notes &notes, const Recoding &recoding, const SqlUse &sql) {
+// Whether SAS takes the value as a number where it stands without quotation marks. A full stop is a
+// missing value.
+bool isNumberOfSas(QStringView value) {
+    const auto stops = std::ranges::count(value, u'.');
+    return value == u"." || (stops <= 1 && value.size() > stops);
+}
+
+void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard &card,
+                        const Recoding &recoding, const SqlUse &sql) {
     const bool isBoolean = recoding.isBoolean;
     const auto any = [&](auto test) { return std::ranges::any_of(recoding.listed, test); };
     const auto holds = [&](QChar c) {
         return any([c](QStringView value) { return value.contains(c); });
     };
-    const auto isOfDigits = [](QStringView value) {
-        return std::all_of(value.begin(), value.end(),
-                           [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; });
-    };
     const auto isTruth = [](QStringView value) {
         return value == u"TRUE" || value == u"FALSE" || value == u"True" || value == u"False";
     };
     const auto hasBlanks = [](QStringView v) { return v.size() != v.trimmed().size(); };
-    const auto isTwice = [](const auto &entry) { return entry.second.first != entry.second.last; };
+    const auto isTwice = [&](const auto &entry) {
+        return recoding.positionAt(entry.second.first) != recoding.positionAt(entry.second.last);
+    };
     const bool hasEmpty = any([](QStringView value) { return value.isEmpty(); });
-    const bool isNumbers =
-        !isBoolean && !recoding.listed.empty() && std::ranges::all_of(recoding.listed, isOfDigits);
+    // What is compared as 0 and 1 has no texts in the script.
+    const bool hasTexts = !isBoolean || !sql.boolsAreNumbers;
+    const Targets texts = hasTexts ? allTargets : ~only(Target::Sql);
+    const bool isTrimmed = !isBoolean && sql.trimsTexts;
     const auto used = recoding.y.subspan(1, std::min<std::size_t>(recoding.y.size() - 1, 2));
 
-    notes.add(BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
-    notes.add(BooleanNumbers, isBoolean && sql.boolsAreNumbers);
-    notes.add(BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
-    notes.add(FiveCategories, !isBoolean && recoding.listed.size() == 5);
-    notes.add(TextBlanks, !isBoolean && !sql.trimsTexts);
-    notes.add(Capitals, !isBoolean || !sql.boolsAreNumbers);
-    notes.add(ValuesAsNumbers, isNumbers);
-    notes.add(EmptyNumber, isNumbers && hasEmpty);
-    notes.add(QuoteInValue, holds(u'"'));
-    notes.add(ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
-    notes.add(Backslash, holds(u'\\'));
-    notes.add(TrueFalse, any(isTruth));
-    notes.add(ValueBlanks, any(hasBlanks));
-    notes.add(EmptyValue, hasEmpty);
-    notes.add(ValueTwice, std::ranges::any_of(recoding.values[0], isTwice));
-    notes.add(NotFinite, !isFinite(recoding.y));
+    notes.add(place, BooleanDigits, isBoolean && std::ranges::any_of(used, isRounded));
+    notes.add(place, BooleanNumbers, isBoolean && sql.boolsAreNumbers);
+    notes.add(place, BooleanBlanks, isBoolean && !sql.boolsAreNumbers);
+    notes.add(place, FiveCategories, !isBoolean && htmlMisreadsList(recoding.listed.size()));
+    notes.add(place, TextBlanks, !isBoolean && !sql.trimsTexts);
+    notes.add(place, Capitals, hasTexts);
+    notes.add(place, Accents, hasTexts);
+    notes.add(place, OtherBlanks, true, isTrimmed ? allTargets : ~only(Target::Sql));
+    notes.add(place, NotListed, isFirstOfKind(card, recoding));
+    notes.add(place, ValuesAsNumbers, recoding.isOfNumbers);
+    notes.add(place, EmptyNumber,
+              recoding.isOfNumbers && !std::ranges::all_of(recoding.listed, isNumberOfSas));
+    notes.add(place, QuoteInValue, holds(u'"'));
+    notes.add(place, ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
+    notes.add(place, Backslash, recoding.holdsBackslash);
+    notes.add(place, BackslashEscape, recoding.holdsBackslash && hasTexts && sql.mayEscape);
+    notes.add(place, TrueFalse, any(isTruth));
+    notes.add(place, ValueBlanks, any(hasBlanks), texts);
+    notes.add(place, EmptyValue, hasEmpty);
+    notes.add(place, ValueTwice, std::ranges::any_of(recoding.values[0], isTwice));
+    notes.add(place, NotFinite, !isFinite(recoding.y));
 }
 
+// Whether the target takes the name; in Excel VBA it has a beginning of its own.
 bool isName(QStringView name, Target target) {
+    constexpr qsizetype longestOfSas = 32;
     const auto isAllowed = [target](QChar c) {
-        return c == u'_' || (c.isLetterOrNumber() && (target == Target::Python || c < u'\x80'));
+        return c == u'_' || (c.isLetterOrNumber() && (target != Target::Sas || c < u'\x80'));
     };
-    return !name.isEmpty() && !name[0].isDigit() &&
-           std::all_of(name.begin(), name.end(), isAllowed);
+    if (target == Target::Sas && name.size() > longestOfSas) return false;
+    const bool begins = target == Target::Vba || (!name.isEmpty() && !name[0].isDigit());
+    return begins && std::all_of(name.begin(), name.end(), isAllowed);
 }
 
-// HTML asks a column once.
+// HTML asks for a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
-           (a.isBoolean || std::ranges::equal(a.listed, b.listed));
+           std::ranges::equal(a.listed, b.listed);
 }
 
-void inspectNames(Notes &notes, const Recoding &recoding) {
-    constexpr qsizetype longestName = 31;
+void inspectNames(Notes &notes, const FindingPlace &place, const Recoding &recoding) {
     const Variable &variable = *recoding.variable;
     const bool isFirst = recoding.rank == 0;
-    const QString recodingName = u"R%1_%2"_s.arg(variable.position).arg(variable.field);
+    const QString prefix = u"R%1_"_s.arg(variable.position);
     Targets alike = 0;
     Targets broken = 0;
-    for (const Target target : {Target::Sas, Target::Python}) {
+    for (const Target target : {Target::Sas, Target::Vba, Target::Python}) {
         const std::size_t last = recoding.lastAlike[static_cast<std::size_t>(target)];
         if (last != recoding.column) alike |= only(target);
-        if (!isName(cleanedFor(target, variable.field), target)) broken |= only(target);
+        QString name = cleanedFor(target, variable.field);
+        if (target == Target::Vba) name.truncate(longestRecodingName - prefix.size());
+        if (!isName(name, target)) broken |= only(target);
     }
-    notes.add(NamesAlike, true, alike);
-    notes.add(NameCharacters, isFirst, broken);
-    notes.add(QuoteInTitle, isFirst && variable.field.contains(u'"'));
-    notes.add(LongName, recodingName.size() > longestName);
-    notes.add(SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
-    notes.add(LabelEndsComment, variable.label.contains(u"*/"_s));
+    notes.add(place, NamesAlike, true, alike);
+    notes.add(place, NameCharacters, isFirst, broken);
+    notes.add(place, QuoteInTitle, isFirst && variable.field.contains(u'"'));
+    notes.add(place, LongName, prefix.size() + variable.field.size() > longestRecodingName);
+    notes.add(place, SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
+    notes.add(place, LabelEndsComment, variable.label.contains(u"*/"_s));
 }
 
 void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
@@ -138,20 +175,21 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     QSet<int> ofRecodings;
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
-        notes.at(u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
-                 static_cast<int>(variable.position));
+        const FindingPlace place = {u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
+                                    static_cast<int>(variable.position)};
         if (variable.isCategorical) {
-            inspectCategorical(notes, recoding, sql);
+            inspectCategorical(notes, place, card, recoding, sql);
         } else {
-            inspectNumeric(notes, card, recoding);
+            inspectNumeric(notes, place, card, recoding, sql);
         }
-        inspectNames(notes, recoding);
+        inspectNames(notes, place, recoding);
         const auto isLost = [&](double score) { return isSmall(score * recoding.coefficient); };
-        notes.add(SmallNumber, std::ranges::any_of(recoding.x, isSmall) ||
-                                   std::ranges::any_of(recoding.y, isLost));
+        notes.add(place, SmallNumber,
+                  std::ranges::any_of(recoding.x, isSmall) ||
+                      std::ranges::any_of(recoding.y, isLost));
         const bool hasCoefficient = numbers.contains(variable.number);
-        notes.add(RecodingWithoutCoefficient, !hasCoefficient);
-        notes.add(EqualNumbers, hasCoefficient && ofRecodings.contains(variable.number));
+        notes.add(place, RecodingWithoutCoefficient, !hasCoefficient);
+        notes.add(place, EqualNumbers, hasCoefficient && ofRecodings.contains(variable.number));
         ofRecodings.insert(variable.number);
     }
 }
@@ -162,21 +200,23 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
     const Regression &regression = card.regression;
     QSet<int> seen;
     for (const RegressionTerm &term : regression.terms) {
-        notes.at(u"coefficient of number %1"_s.arg(term.number));
-        notes.add(CoefficientWithoutRecoding, term.position < 0);
-        notes.add(EqualCoefficients, seen.contains(term.number));
-        notes.add(NotFinite, !std::isfinite(term.coefficient));
+        const FindingPlace place = {u"coefficient of number %1"_s.arg(term.number)};
+        notes.add(place, CoefficientWithoutRecoding, term.position < 0);
+        notes.add(place, EqualCoefficients, seen.contains(term.number));
+        notes.add(place, NotFinite, !std::isfinite(term.coefficient));
         seen.insert(term.number);
     }
-    notes.at(u"RegressionModel"_s).add(NoTerms, regression.terms.empty());
-    notes.at(u"constant"_s).add(NotFinite, !std::isfinite(regression.constant));
-    notes.add(SmallNumber, isSmall(regression.constant));
-    notes.add(ConstantMisplaced, regression.terms.size() != card.variables.size());
-    notes.at(u"model"_s)
-        .add(NoCategories, std::ranges::none_of(card.variables, &Variable::isCategorical));
-    const QString prefix = targetPrefix(card.document, u" .");
-    notes.at(u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1))))
-        .add(NameCharacters, !prefix.isEmpty() && !isName(prefix, Target::Sas), only(Target::Sas));
+    const FindingPlace constant = {u"constant"_s};
+    notes.add({u"RegressionModel"_s}, NoTerms, regression.terms.empty());
+    notes.add(constant, NotFinite, !std::isfinite(regression.constant));
+    notes.add(constant, SmallNumber, isSmall(regression.constant));
+    notes.add(constant, ConstantMisplaced, regression.terms.size() != card.variables.size());
+    notes.add({u"model"_s}, NoCategories,
+              std::ranges::none_of(card.variables, &Variable::isCategorical));
+    const QString prefix = targetPrefix(card.document, replacedCharacters(Target::Sas));
+    notes.add({u"target %1"_s.arg(prefix.chopped(std::min<qsizetype>(prefix.size(), 1)))},
+              NameCharacters, !prefix.isEmpty() && !isName(prefix + u"score"_s, Target::Sas),
+              only(Target::Sas));
 }
 
 bool hasOtherSums(const Notes &notes) {
@@ -187,6 +227,17 @@ bool hasOtherSums(const Notes &notes) {
     });
 }
 
+// Whether a point of the table where the probability jumps is shown as another number; where the
+// table ends, targets make jumps of their own.
+bool hasInexactJump(const Scorecard &card, int digits) {
+    const std::span<const double> x = card.table.x;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const bool isJump = i + 2 >= x.size() || (i > 0 && x[i] == x[i - 1]) || x[i] == x[i + 1];
+        if (isJump && isInexact(x.subspan(i, 1), digits)) return true;
+    }
+    return false;
+}
+
 void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     if (!card.table.exists) return;
     const auto &x = card.table.x;
@@ -194,40 +245,47 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     const Targets probabilities = sql.hasProbability ? allTargets : ~only(Target::Sql);
     bool rises = true;
     bool falls = true;
+    const auto pointAt = [&](std::size_t i) -> FindingPlace {
+        return {u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(x[i]))};
+    };
     for (std::size_t i = 0; i < x.size(); ++i) {
-        notes.at(u"table, point %1 (score %2)"_s.arg(QString::number(i + 1), numberText(x[i])));
-        notes.add(NotFinite, !std::isfinite(x[i]) || !std::isfinite(y[i]));
-        notes.add(SmallNumber, isSmall(x[i]) || isSmall(y[i]));
-        notes.add(ProbabilityRange, y[i] < 0 || y[i] > 1);
+        const FindingPlace place = pointAt(i);
+        notes.add(place, NotFinite, !std::isfinite(x[i]) || !std::isfinite(y[i]));
+        notes.add(place, SmallNumber, isSmall(x[i]) || isSmall(y[i]));
+        notes.add(place, ProbabilityRange, y[i] < 0 || y[i] > 1);
         if (i == 0) continue;
-        notes.add(TableNotFalling, x[i] > x[i - 1]);
+        notes.add(place, TableNotFalling, x[i] > x[i - 1]);
         rises = rises && y[i] >= y[i - 1];
         falls = falls && y[i] <= y[i - 1];
-        notes.add(ProbabilityOrder, !rises && !falls);
-        if (!rises && !falls) rises = falls = true; // from here on
+        notes.add(place, ProbabilityOrder, !rises && !falls);
+        if (!rises && !falls) rises = falls = true; // reports one place, and goes on from there
     }
-    // The least score is that of the model: a target with another sum may go below it.
+    // The least score of the model; a target with another sum may go below it.
     const double least = hasOtherSums(notes) ? -HUGE_VAL : scoreRange(card).least;
+    const FindingPlace lowest = pointAt(x.size() - 1);
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];
-    notes.add(LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);
-    notes.add(LowestPoint, least <= x.back(), probabilities);
-    notes.add(LowestNan, least <= x.back() && isOfKind(card, u"T"));
+    notes.add(lowest, LowestSegment, hasSegment && least <= x[x.size() - 2], probabilities);
+    notes.add(lowest, LowestPoint, least <= x.back(), probabilities);
+    notes.add({u"table"_s}, BoundDigits, hasInexactJump(card, sql.reading.digits));
+    notes.add(lowest, LowestNan, least <= x.back() && isOfKind(card, u"T"));
 }
 
 void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
     const bool isProbability = isOfKind(card, u"T");
     const bool isPrediction = isOfKind(card, u"C");
     const bool hasTable = card.table.exists;
-    notes.at(u"normalizationMethod"_s);
-    notes.add(LogisticParenthesis, card.isLogistic);
-    notes.add(LogisticAbsent, card.isLogistic, isPrediction ? allTargets : ~only(Target::Html));
-    notes.add(LogisticLastRow, card.isLogistic);
-    notes.at(u"tkind '%1'"_s.arg(kindOfTarget(card)));
-    notes.add(TableAbsent, isProbability && !card.hasProbability());
-    notes.add(PageError, isProbability ? !hasTable : !isPrediction);
-    notes.add(TableUnread, isPrediction && hasTable);
-    notes.add(PercentSign, isPrediction && !hasCanvas);
-    notes.at(u"table"_s).add(BarScale, isProbability && hasTable && card.table.x.size() < 3);
+    const FindingPlace method = {u"normalizationMethod"_s};
+    notes.add(method, LogisticParenthesis, card.isLogistic);
+    notes.add(method, LogisticOverflow, card.isLogistic);
+    notes.add(method, LogisticAbsent, card.isLogistic,
+              isPrediction ? allTargets : ~only(Target::Html));
+    notes.add(method, LogisticLastRow, card.isLogistic);
+    const FindingPlace kind = {u"tkind '%1'"_s.arg(kindOfTarget(card))};
+    notes.add(kind, TableAbsent, isProbability && !card.hasProbability());
+    notes.add(kind, PageError, isProbability ? !hasTable : !isPrediction);
+    notes.add(kind, TableUnread, isPrediction && hasTable);
+    notes.add(kind, PercentSign, isPrediction && !hasCanvas);
+    notes.add({u"table"_s}, BarScale, isProbability && hasTable && card.table.x.size() < 3);
 }
 
 } // namespace
@@ -236,8 +294,8 @@ std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection
     Notes notes{inspection.targets};
     const SqlUse sql = inspection.sql ? useOf(inspection.sql->configuration) : SqlUse();
     const XmlParseResult &reading = card.document.reading;
-    notes.at(u"line %1, column %2"_s.arg(reading.line).arg(reading.column))
-        .add(DocumentCut, reading.error == XmlError::UnmatchedEndTagWarning);
+    notes.add({u"line %1, column %2"_s.arg(reading.line).arg(reading.column)}, DocumentCut,
+              reading.error == XmlError::UnmatchedEndTagWarning);
     inspectRecodings(notes, card, sql);
     inspectRegression(notes, card);
     const bool hasCanvas = !inspection.canvasName.isEmpty();

@@ -15,7 +15,7 @@ namespace {
 
 using enum FindingId;
 
-// Words that most databases do not take as names.
+// Words that most databases reject as names.
 constexpr QStringView sqlWords[] = {
     u"all",    u"alter",  u"and",    u"as",      u"between", u"by",    u"case",     u"check",
     u"column", u"create", u"cross",  u"default", u"delete",  u"desc",  u"distinct", u"drop",
@@ -25,9 +25,9 @@ constexpr QStringView sqlWords[] = {
     u"select", u"set",    u"size",   u"table",   u"then",    u"to",    u"union",    u"unique",
     u"update", u"use",    u"user",   u"using",   u"values",  u"when",  u"where",    u"with"};
 
-// --- Names that were meant
+// --- Misspelled names
 
-// The steps from one text to the other: characters added, left out or changed.
+// The number of characters to add, leave out or change to make one text of the other.
 std::size_t distance(QStringView a, QStringView b) {
     std::vector<std::size_t> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), std::size_t(0));
@@ -43,7 +43,7 @@ std::size_t distance(QStringView a, QStringView b) {
     return row.back();
 }
 
-// Empty when no name is near.
+// The most similar name; empty if none is similar.
 QStringView nearest(QStringView written, std::span<const QStringView> names) {
     constexpr qsizetype longest = 64;
     if (written.size() > longest) return {};
@@ -66,45 +66,50 @@ QString withMeant(const QString &place, QStringView written, std::span<const QSt
 // --- SQL
 
 void inspectSettings(Notes &notes, const XmlNode &root) {
-    std::vector<QStringView> known(std::begin(sqlSettings), std::end(sqlSettings));
-    known.insert(known.end(), std::begin(sqlFlags), std::end(sqlFlags));
-    const auto isIn = [](const auto &names, QStringView wanted) {
-        return std::ranges::any_of(names, [&](QStringView name) {
-            return name.compare(wanted, Qt::CaseInsensitive) == 0;
-        });
-    };
+    const std::span<const SqlSetting> settings = sqlSettings();
+    std::vector<QStringView> names;
+    for (const SqlSetting &setting : settings) names.push_back(setting.name);
     for (int i = 0; i < root.attributeCount(); ++i) {
         const QStringView name = root.attributeName(i);
         const QStringView value = root.attribute(name);
         const QString place = u"setting %1"_s.arg(name);
-        const bool isKnown = isIn(known, name);
+        const auto setting = std::ranges::find_if(settings, [&](const SqlSetting &candidate) {
+            return candidate.name.compare(name, Qt::CaseInsensitive) == 0;
+        });
+        const bool isKnown = setting != settings.end();
         const bool isOdd =
-            isIn(sqlFlags, name) && !value.isEmpty() && value != u"0" && value != u"1";
-        if (!isKnown) notes.at(withMeant(place, name, known)).add(UnknownSetting);
-        if (isOdd) notes.at(u"%1, '%2'"_s.arg(place, value)).add(FlagText);
+            isKnown && setting->flag && !value.isEmpty() && value != u"0" && value != u"1";
+        if (!isKnown) notes.add({withMeant(place, name, names)}, UnknownSetting);
+        if (isOdd) notes.add({u"%1, '%2'"_s.arg(place, value)}, FlagText);
     }
-    for (const QStringView name : {u"prediction", u"dbType"}) {
+    const SqlConfiguration defaults;
+    for (const auto &[name, text, flag] : settings) {
+        const bool hasDefault = text && !(defaults.*text).isEmpty();
         const bool isEmpty = root.isAttributeSet(name) && root.attribute(name).isEmpty();
-        notes.at(u"setting %1"_s.arg(name)).add(EmptyName, isEmpty);
+        notes.add({u"setting %1"_s.arg(name)}, EmptyName, hasDefault && isEmpty);
     }
+}
+
+// Names of servers for which general SQL is meant.
+bool isGeneral(QStringView dbType) {
+    constexpr QStringView servers[] = {u"",       u"postgresql", u"postgres",
+                                       u"sqlite", u"sqlite3",    u"duckdb"};
+    return std::ranges::any_of(
+        servers, [&](QStringView name) { return name.compare(dbType, Qt::CaseInsensitive) == 0; });
 }
 
 void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) {
     const SqlDialect &dialect = findSqlDialect(dbType);
     const QString place = u"setting dbType, '%1'"_s.arg(dbType);
-    notes.at(place).add(NoProbability, card.table.exists && !dialect.hasProbability);
+    notes.add({place}, NoProbability, card.table.exists && !dialect.hasProbability);
     std::vector<QStringView> names;
     for (const SqlDialect &known : sqlDialects()) {
         if (!known.name.isEmpty()) names.push_back(known.name);
     }
-    const bool isKnown = !dialect.name.isEmpty() || dbType.isEmpty();
-    if (!isKnown) notes.at(withMeant(place, dbType, names)).add(UnknownDialect);
-}
-
-QString keyOf(const Scorecard &card, const SqlConfiguration &configuration) {
-    if (!configuration.keyName.isEmpty()) return configuration.keyName;
-    const QStringView key = card.document.root.childNode(u"MetaData").childNode(u"Key").text();
-    return key.isEmpty() ? u"id"_s : key.toString();
+    notes.add({place}, SinglePrecision, !dialect.columnCast.opening.isEmpty());
+    const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
+    const bool isMeant = !isKnown && !nearest(dbType, names).isEmpty();
+    notes.add({withMeant(place, dbType, names)}, UnknownDialect, isMeant);
 }
 
 void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
@@ -115,30 +120,30 @@ void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &
         configuration.useTmpTable && card.table.exists && dialect.hasProbability;
     const bool createsTemporary = usesTemporary && configuration.createTmpTable;
     const bool isQuoted = sqlIdentifier(dialect, table) != table;
-    const QString temporary = usesTemporary ? u"Qorv_TMP_"_s : QString();
-    const QString key = keyOf(card, configuration);
-    notes.at(u"setting createPredictionTable"_s).add(creates ? SecondRun : RowsAdded);
-    notes.at(u"setting predictionTable, '%1'"_s.arg(table))
-        .add(TableNameQuoted, creates && dialect.makesIndex && isQuoted);
-    notes.add(TableNameCut, (temporary + table).size() > dialect.identifierLength);
-    notes.at(u"key %1"_s.arg(key))
-        .add(DistributeId, dialect.distributes && (creates || createsTemporary) && key != u"id");
-    notes.at(u"setting createTmpTable"_s)
-        .add(CommentDashes, createsTemporary && dialect.name == u"mysql");
+    const QString longestName = usesTemporary ? temporaryTableName(configuration) : table;
+    const QString key = keyColumn(configuration, card.document);
+    notes.add({u"setting createPredictionTable"_s}, creates ? SecondRun : RowsAdded);
+    const FindingPlace tableName = {u"setting predictionTable, '%1'"_s.arg(table)};
+    notes.add(tableName, TableNameQuoted, creates && dialect.makesIndex && isQuoted);
+    notes.add(tableName, TableNameCut, longestName.size() > dialect.identifierLength);
+    notes.add({u"key %1"_s.arg(key)}, DistributeId,
+              dialect.distributes && (creates || createsTemporary) && key != u"id");
+    notes.add({u"setting createTmpTable"_s}, CommentDashes,
+              createsTemporary && dialect.needsCommentBlank);
     const bool showsPassword =
         configuration.kestruneScript && !configuration.odbcPassword.isEmpty();
-    notes.at(u"setting odbcPassword"_s).add(PasswordInClear, showsPassword);
+    notes.add({u"setting odbcPassword"_s}, PasswordInClear, showsPassword);
 }
 
 void inspectDebugging(Notes &notes, const Scorecard &card) {
-    notes.at(u"setting debugRecoding"_s).add(DebugRecoding);
+    notes.add({u"setting debugRecoding"_s}, DebugRecoding);
     for (const Recoding &recoding : card.recodings) {
-        notes.at(u"column %1"_s.arg(recoding.variable->field))
-            .add(DebugColumnsAlike, recoding.rank > 0);
+        notes.add({u"column %1"_s.arg(recoding.variable->field)}, DebugColumnsAlike,
+                  recoding.rank > 0);
     }
 }
 
-// Characters that names have without quotes in all databases, and "." where it parts them.
+// Whether databases need quotes around the name. With a schema, a full stop separates two names.
 bool needsQuotes(QStringView name, bool hasSchema) {
     const auto isWord = [&](QStringView word) {
         return word.compare(name, Qt::CaseInsensitive) == 0;
@@ -153,22 +158,23 @@ bool needsQuotes(QStringView name, bool hasSchema) {
 void inspectSqlNames(Notes &notes, const Scorecard &card, const SqlConfiguration *configuration) {
     const SqlDialect *const dialect =
         configuration ? &findSqlDialect(configuration->dbType) : nullptr;
-    const bool takesAnsiQuotes = !dialect || dialect->name == u"mysql";
+    const bool needsAnsiQuotes = !dialect || dialect->needsAnsiQuotes;
     const bool isBracketed = dialect && dialect->quoting == SqlQuoting::Brackets;
-    const auto inspectName = [&](QStringView name, const QString &place, bool hasSchema = false) {
+    const auto inspectName = [&](QStringView name, const FindingPlace &place,
+                                 bool hasSchema = false) {
         const bool isQuoted =
             sqlIdentifier(dialect ? *dialect : sqlDialects().back(), name) != name;
-        notes.at(place).add(SqlName, !isQuoted && needsQuotes(name, hasSchema));
-        const bool isOdd = !isBracketed && (takesAnsiQuotes || name.contains(u'"'));
-        notes.add(QuotedName, isQuoted && isOdd);
+        notes.add(place, SqlName, !isQuoted && needsQuotes(name, hasSchema));
+        const bool isOdd = !isBracketed && (needsAnsiQuotes || name.contains(u'"'));
+        notes.add(place, QuotedName, isQuoted && isOdd);
     };
-    for (const QString &column : card.columns) inspectName(column, u"column %1"_s.arg(column));
+    for (const QString &column : card.columns) inspectName(column, {u"column %1"_s.arg(column)});
     if (!configuration) return;
-    inspectName(keyOf(card, *configuration), u"key"_s);
-    inspectName(configuration->prediction, u"setting prediction"_s);
-    inspectName(configuration->schemaName, u"setting schemaName"_s, true);
-    inspectName(configuration->inputTable, u"setting inputTable"_s, true);
-    inspectName(configuration->predictionTable, u"setting predictionTable"_s);
+    inspectName(keyColumn(*configuration, card.document), {u"key"_s});
+    inspectName(configuration->prediction, {u"setting prediction"_s});
+    inspectName(configuration->schemaName, {u"setting schemaName"_s}, true);
+    inspectName(configuration->inputTable, {u"setting inputTable"_s}, true);
+    inspectName(configuration->predictionTable, {u"setting predictionTable"_s});
 }
 
 // --- HTML
@@ -206,14 +212,16 @@ SqlUse useOf(const SqlConfiguration &configuration) {
     return {.hasProbability = dialect.hasProbability,
             .trimsTexts = !dialect.textTrim.opening.isEmpty(),
             .boolsAreNumbers = configuration.boolsAreNumbers,
-            .readsBackslashes = dialect.name == u"mysql"};
+            .readsBackslashes = dialect.readsBackslashes,
+            .mayEscape = dialect.mayReadBackslashes,
+            .reading = {.digits = dialect.digits, .padsTexts = dialect.padsTexts}};
 }
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {
     inspectSqlNames(notes, card, file ? &file->configuration : nullptr);
     const bool createsTables =
         !file || file->configuration.createPredictionTable || file->configuration.createTmpTable;
-    notes.at(u"key"_s).add(KeyLength, createsTables);
+    notes.add({u"key"_s}, KeyLength, createsTables);
     if (!file) return;
     inspectSettings(notes, file->root);
     inspectDialect(notes, card, file->configuration.dbType);
@@ -223,18 +231,18 @@ void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile 
 
 void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
                    const QString &canvas) {
-    constexpr qsizetype shortest = 10;
-    const QString place = u"canvas %1"_s.arg(name);
-    notes.at(place).add(CanvasNotRead, canvas.size() < shortest);
-    if (canvas.size() < shortest) return;
+    const FindingPlace place = {u"canvas %1"_s.arg(name)};
+    notes.add(place, CanvasNotRead, canvas.size() < shortestCanvas);
+    if (canvas.size() < shortestCanvas) return;
     const bool hasDoctype = canvas.contains(u"<!doctype"_s, Qt::CaseInsensitive);
-    notes.add(CanvasForm, !canvas.contains(u"QRVform"_s));
-    notes.add(CanvasColours, hasDoctype && !canvas.contains(u"QRVSpecifiedHistogramColor"_s));
+    notes.add(place, CanvasForm, !canvas.contains(u"QRVform"_s));
+    notes.add(place, CanvasColours,
+              hasDoctype && !canvas.contains(u"QRVSpecifiedHistogramColor"_s));
     CanvasTags tags = scanCanvas(
-        canvas, [&](QStringView warning) { notes.at(warning.toString()).add(CanvasNumber); });
+        canvas, [&](QStringView warning) { notes.add({warning.toString()}, CanvasNumber); });
     const CanvasUse use = walkCanvas(tags, std::ssize(card.columns));
     const auto want = [&](FindingId id, TagKind kind, bool isNeeded = true) {
-        notes.at(u"tag %1/]"_s.arg(tagOpening(kind))).add(id, isNeeded && use.count(kind) == 0);
+        notes.add({u"tag %1/]"_s.arg(tagOpening(kind))}, id, isNeeded && use.count(kind) == 0);
     };
     const int questions = use.count(TagKind::Question);
     const bool isComplete = std::ssize(card.recodings) == use.questions.size();
@@ -244,7 +252,7 @@ void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
     want(CanvasTagMissing, TagKind::AllQuestions, questions == 0);
     want(CanvasScale, TagKind::Graphics);
     want(CanvasScale, TagKind::DynScale, hasBars);
-    notes.at(u"tag [QRV_QUESTION"_s)
-        .add(CanvasQuestion, use.hasOddQuestion || (questions > 0 && !isComplete));
-    notes.at(u"tag [QRV_ANSWER"_s).add(CanvasAnswer, use.hasOddAnswer);
+    notes.add({u"tag [QRV_QUESTION"_s}, CanvasQuestion,
+              use.hasOddQuestion || (questions > 0 && !isComplete));
+    notes.add({u"tag [QRV_ANSWER"_s}, CanvasAnswer, use.hasOddAnswer);
 }

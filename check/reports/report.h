@@ -1,60 +1,111 @@
-// What the program found, as text, as JSON and as a page.
+// What the program found, as texts and numbers. buildReport() fills the report once, and the
+// printers walk it; none of them knows the model. A new section is a member here, a function in
+// build_report.cpp, and a few lines in each printer.
 #pragma once
 
 #include "check/rows/rows.h"
 #include "model/text_buffer.h"
 
-#include <QByteArray>
-
-// All that a report tells of. What was not asked for is null.
-struct Report {
-    const Scorecard &card;
-    std::span<const Finding> findings;
-    const RowCounts *counts = nullptr;
-    const RowOptions *compared = nullptr;
-    const ComparisonResult *comparison = nullptr;
+// The values with one score.
+struct PositionLine {
+    QString values; // an interval in the notation of brackets, or values of a list
+    double score = 0;
+    double points = 0;     // what the position adds to the score of a row
+    std::int64_t rows = 0; // that reached it
 };
 
-// The model as a person reads a scorecard.
-void putModel(TextBuffer &out, const Scorecard &card);
-// Findings, rows and comparison.
-void putReport(TextBuffer &out, const Report &report);
-QByteArray jsonReport(const Report &report);
-// A page that needs no other file.
-void putHtmlReport(TextBuffer &out, const Report &report);
+struct RecodingSection {
+    QString title; // name and column
+    QString label, type;
+    bool isCategorical = false, isBoolean = false;
+    double coefficient = 0;
+    QString codes; // missing codes; empty if there are none
+    std::vector<PositionLine> positions = {};
+};
 
-// --- Pieces that the forms share
+// The ends of an axis.
+struct Scale {
+    double from = 0;
+    double to = 0;
 
-// The values that have the score at this position: an interval in the notation of brackets, or
-// values of a list.
-QString valuesAt(const Recoding &recoding, std::size_t position);
-// 6 significant digits; "none" for what is no number.
-QString shortNumber(double number);
-QString titleOf(const Recoding &recoding);
+    double at(double share) const { return from + share * (to - from); }
+    double shareOf(double value) const {
+        return to > from ? (std::clamp(value, from, to) - from) / (to - from) : 0;
+    }
+};
 
-// The findings of one kind, the targets of all of them, and their places with the rows.
+struct ModelSection {
+    QString file = {}, version = {}, target = {}, kind = {};
+    std::int64_t columns = 0;
+    double constant = 0;
+    bool isLogistic = false, hasTable = false, hasProbability = false;
+    std::vector<RecodingSection> recodings = {};
+    Scale points = {};                  // of all positions, and 0
+    std::vector<Prediction> table = {}; // its points
+    Scale scores = {};                  // of the table and the rows
+    std::vector<Prediction> curve = {}; // probabilities within 0 and 1, by score
+};
+
+// Findings of one kind.
 struct FindingGroup {
-    const FindingKind *kind;
-    Targets targets;
-    QStringList places;
+    const FindingKind *kind = nullptr;
+    Targets targets = 0; // of all of them
+    std::span<const Finding> findings = {};
 };
-std::vector<FindingGroup> groupsOf(const Report &report);
 
 // How many rows of a comparison are of one sort; `more` names some of them.
-struct ComparisonCount {
+struct CountLine {
     QString label;
-    std::int64_t rows;
+    std::int64_t rows = 0;
     QString more;
 };
-// Those that are not 0, without the rows that are as the model says.
-std::vector<ComparisonCount> countsOf(const ComparisonResult &result);
 
 // One recoding's part in the score of a row.
 struct Contribution {
-    const Recoding *recoding;
+    QString recoding; // its title
+    QString column;
     QString cell;
-    QString values;
-    double points;
+    QString values; // of the position that the cell reaches
+    double points = 0;
 };
-// Those of all recodings that have a coefficient, the largest first.
-std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row);
+
+// What there is to report; it must outlive the report. Null: not asked for.
+struct Found {
+    std::span<const Finding> findings = {}; // in the order of their kinds
+    const RowCounts *counts = nullptr;
+    const RowOptions *options = nullptr; // given with the comparison
+    const ComparisonResult *comparison = nullptr;
+};
+
+struct Report {
+    Found found;
+    ModelSection model = {};
+    std::vector<FindingGroup> groups = {};
+    std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
+    std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
+};
+
+// A report that is not whole has of the model its file alone: putModel() and putPage() need the
+// rest, which takes memory for each position.
+Report buildReport(const Scorecard &card, const Found &found, bool isWhole);
+
+// --- Printers
+
+// The model as a person reads a scorecard.
+void putModel(TextBuffer &out, const ModelSection &model);
+// Findings, rows and comparison.
+void putText(TextBuffer &out, const Report &report);
+void putJson(TextBuffer &out, const Report &report);
+// A page that needs no other file.
+void putPage(TextBuffer &out, const Report &report);
+
+// --- What printers share
+
+// 6 significant digits; "none" for NaN.
+QString shortNumber(double number);
+// The same with as many more digits as tell it from another number.
+QString numberBeside(double number, double other);
+// The target that the results are of.
+QString comparedTarget(const Report &report);
+// The place of a finding, with its rows if rows were scored.
+QString placeText(const Report &report, const Finding &finding);

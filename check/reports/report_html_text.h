@@ -1,4 +1,4 @@
-// The fixed pieces of the page.
+// The fixed parts of the page.
 #pragma once
 
 inline constexpr char16_t pageHead[] = uR"(<!DOCTYPE html>

@@ -23,8 +23,12 @@ QJsonObject jsonOf(const Finding &finding, bool hasRows) {
                           {u"place"_s, finding.place},           {u"text"_s, kind.text.toString()},
                           {u"remedy"_s, kind.remedy.toString()}, {u"page"_s, kind.page.toString()}};
     if (hasRows && finding.countsRows()) {
-        object[u"rows"_s] = count(finding.rows);
-        object[u"firstRow"_s] = finding.rows > 0 ? count(finding.firstRow) : QJsonValue();
+        const bool isTogether = finding.togetherRows > 0;
+        if (isTogether) object[u"together"_s] = count(finding.togetherRows);
+        if (finding.rows > 0 || !isTogether) {
+            object[u"rows"_s] = count(finding.rows);
+            object[u"firstRow"_s] = finding.rows > 0 ? count(finding.firstRow) : QJsonValue();
+        }
     }
     return object;
 }
@@ -34,11 +38,11 @@ QJsonObject jsonOf(const Prediction &prediction) {
             {u"probability"_s, number(prediction.probability)}};
 }
 
-QJsonObject jsonOf(const Scorecard &card, const ComparedRow &row) {
+QJsonObject jsonOf(const ComparedRow &row, std::span<const Contribution> contributions) {
     QJsonArray parts;
-    for (const Contribution &part : contributionsOf(card, row)) {
-        parts.append(QJsonObject{{u"recoding"_s, titleOf(*part.recoding)},
-                                 {u"column"_s, part.recoding->variable->field.toString()},
+    for (const Contribution &part : contributions) {
+        parts.append(QJsonObject{{u"recoding"_s, part.recoding},
+                                 {u"column"_s, part.column},
                                  {u"cell"_s, part.cell},
                                  {u"values"_s, part.values},
                                  {u"points"_s, number(part.points)}});
@@ -51,19 +55,24 @@ QJsonObject jsonOf(const Scorecard &card, const ComparedRow &row) {
 }
 
 QJsonObject jsonOf(const Report &report) {
-    const ComparisonResult &result = *report.comparison;
+    const ComparisonResult &result = *report.found.comparison;
     QJsonObject explained;
     for (const auto &[id, rows] : result.explained) {
         explained[kindOf(id).name.toString()] = count(rows.rows);
     }
+    QJsonObject reasons;
+    for (const auto &[reason, rows] : result.reasons) reasons[reason] = count(rows.rows);
     QJsonObject blamed;
     for (const auto &[fault, rows] : result.suspected) blamed[fault] = count(rows);
     QJsonArray worst;
-    for (const ComparedRow &row : result.worst) worst.append(jsonOf(report.card, row));
-    return {{u"target"_s, targetNames(only(report.compared->target)).constFirst()},
+    for (std::size_t i = 0; i < result.worst.size(); ++i) {
+        worst.append(jsonOf(result.worst[i], report.contributions[i]));
+    }
+    return {{u"target"_s, comparedTarget(report)},
             {u"rows"_s, count(result.rows)},
             {u"equal"_s, count(result.equal)},
             {u"explained"_s, explained},
+            {u"reasons"_s, reasons},
             {u"explainedRows"_s, count(result.explainedRows)},
             {u"unexplained"_s, count(result.unexplained)},
             {u"missing"_s, count(result.missing.rows)},
@@ -75,16 +84,16 @@ QJsonObject jsonOf(const Report &report) {
 
 } // namespace
 
-QByteArray jsonReport(const Report &report) {
+void putJson(TextBuffer &out, const Report &report) {
     QJsonArray findings;
-    for (const Finding &finding : report.findings) {
-        findings.append(jsonOf(finding, report.counts != nullptr));
+    for (const Finding &finding : report.found.findings) {
+        findings.append(jsonOf(finding, report.found.counts != nullptr));
     }
-    QJsonObject object = {{u"model"_s, report.card.document.fileName}, {u"findings"_s, findings}};
-    if (report.counts) {
-        object[u"rows"_s] = count(report.counts->rows);
-        object[u"uneven"_s] = count(report.counts->uneven);
+    QJsonObject object = {{u"model"_s, report.model.file}, {u"findings"_s, findings}};
+    if (report.found.counts) {
+        object[u"rows"_s] = count(report.found.counts->rows);
+        object[u"uneven"_s] = count(report.found.counts->uneven);
     }
-    if (report.comparison) object[u"comparison"_s] = jsonOf(report);
-    return QJsonDocument(object).toJson();
+    if (report.found.comparison) object[u"comparison"_s] = jsonOf(report);
+    put(out, QString::fromUtf8(QJsonDocument(object).toJson()));
 }

@@ -1,16 +1,15 @@
 #include "check/rows/comparison.h"
 
+#include "check/rows/explanation.h"
+#include "check/rows/suspicion.h"
+
 #include <QStringList>
 
 #include <algorithm>
-#include <bit>
-#include <charconv>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-using enum FindingId;
 
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
@@ -19,30 +18,17 @@ constexpr std::size_t mostTried = 1 << 20;   // values of one column, by the rec
 constexpr std::size_t mostCombined = 8;   // findings of which all sets are tried; else up to three
 constexpr std::size_t mostExchanged = 64; // columns, of which all pairs are tried
 
-void count(RowSample &sample, const QString &key) {
-    if (++sample.rows <= mostNamed) sample.first.append(key);
-}
-
-// HTML ignores missing codes and puts the only bound above: a code equal to that bound needs both
-// deviations at once.
-bool hasCodeOnBound(const Recoding &recoding) {
-    const auto &codes = recoding.codes;
-    return recoding.x.size() == 1 && std::ranges::find(codes, recoding.x.front()) != codes.end();
-}
-
-void findDeviations(Comparison &c, std::span<const Finding> findings) {
-    c.always.target = c.options.target;
+// The deviations that are not up to the cells.
+std::vector<FindingId> alwaysOf(const Comparison &c, std::span<const Finding> findings) {
+    std::vector<FindingId> always;
     for (const Finding &finding : findings) {
-        const Targets deviates = finding.targets & kindOf(finding.id).simulated;
-        if ((deviates & only(c.options.target)) == 0) continue;
-        if (std::ranges::find(c.candidates, finding.id) == c.candidates.end())
-            c.candidates.push_back(finding.id);
-        // A finding decided by the score may apply only after another deviation has changed it.
-        const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
+        const Targets simulated = finding.targets & kindOf(finding.id).simulated;
+        if ((simulated & only(c.options.target)) == 0) continue;
         const bool isOfCell = finding.countsRows() && finding.recoding >= 0;
-        if (isOfCell && !hasCodeOnBound(c.card.recodings[recoding])) continue;
-        c.always.findings.add(finding.id);
+        const bool isKnown = std::ranges::find(always, finding.id) != always.end();
+        if (!isOfCell && !isKnown) always.push_back(finding.id);
     }
+    return always;
 }
 
 // --- Reading results
@@ -99,63 +85,13 @@ bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
 
 // --- Comparing
 
-bool isNear(const Comparison &c, double expected, double found) {
-    if (std::isnan(expected) || std::isnan(found)) return std::isnan(expected) && std::isnan(found);
-    if (expected == found) return true;
-    return std::isfinite(expected) &&
-           std::abs(expected - found) <= c.options.tolerance * std::max(1.0, std::abs(expected));
-}
-
-bool matches(const Comparison &c, const Prediction &expected, const Prediction &found) {
-    return (!c.options.hasScore() || isNear(c, expected.score, found.score)) &&
-           (!c.options.hasProbability() || isNear(c, expected.probability, found.probability));
-}
-
-// Whether the probability is that of a score within the tolerance: the table may jump in between.
-bool isBesideJump(const Comparison &c, const Prediction &expected, const Prediction &found,
-                  const Deviations &deviations = {}) {
-    const double score = expected.score;
-    const double slack = c.options.tolerance * std::max(1.0, std::abs(score));
-    const auto isAt = [&](double other) {
-        return matches(c, {score, probabilityOf(c.card, other, deviations)}, found);
-    };
-    const double lowest = c.card.table.exists ? c.card.table.x.back() : score;
-    return isAt(score - slack) || isAt(score + slack) || (isNear(c, score, lowest) && isAt(lowest));
-}
-
-// Finds the smallest set of deviations that explains the row, or one for a score beside a jump.
-bool explain(Comparison &c, const RowFacts &facts, const Prediction &found, bool isBeside) {
-    std::vector<FindingId> possible;
-    for (const FindingId id : c.candidates) {
-        if (facts.affected.has(id) || c.always.has(id)) possible.push_back(id);
-    }
-    const std::size_t most = possible.size() > mostCombined ? 3 : possible.size();
-    for (std::size_t size = 1; size <= most; ++size) {
-        std::vector<char> isChosen(possible.size());
-        std::fill_n(isChosen.begin(), size, 1);
-        do {
-            Deviations deviations = {{}, c.options.target};
-            for (std::size_t i = 0; i < possible.size(); ++i) {
-                if (isChosen[i]) deviations.findings.add(possible[i]);
-            }
-            const Prediction expected = evaluate(c.card, facts.cells, deviations);
-            if (isBeside ? !isBesideJump(c, expected, found, deviations)
-                         : !matches(c, expected, found)) {
-                continue;
-            }
-            for (const FindingId id : possible) {
-                if (deviations.has(id)) count(c.result.explained[id], QString::number(facts.row));
-            }
-            ++c.result.explainedRows;
-            return true;
-        } while (std::ranges::prev_permutation(isChosen).found);
-    }
-    return false;
-}
-
-bool isExplained(Comparison &c, const RowFacts &facts, const Prediction &found) {
-    return explain(c, facts, found, false) ||
-           (c.options.hasProbability() && explain(c, facts, found, true));
+// What rounding may do to the score of a row. Sums are exact but for their order; in 32 bits, each
+// number and each sum loses half of its last bit.
+double slackOf(const SumSize &size, bool isSingle) {
+    constexpr double otherOrder = 1e-12;
+    constexpr double halfBit = 0x1p-24;
+    if (!isSingle) return otherOrder * size.largest;
+    return halfBit * static_cast<double>(size.terms + 1) * size.total;
 }
 
 void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
@@ -177,97 +113,42 @@ void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
     if (worst.size() > mostWorst) worst.pop_back();
 }
 
-// --- What is at fault
-
-// What the column adds to the score.
-double pointsOf(const Scorecard &card, std::size_t column, const Cell &cell) {
-    double points = 0;
-    for (const std::size_t i : card.recodingsOf[column]) {
-        points += card.recodings[i].coefficient * recode(card.recodings[i], cell).score;
-    }
-    return points;
-}
-
-// A cell feeds all recodings of its column: the points of all values, bounds and their neighbours.
-std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const std::size_t most = mostTried / card.recodingsOf[column].size();
-    std::vector<double> points;
-    const auto tryCell = [&](std::string_view text) {
-        if (points.size() < most) points.push_back(pointsOf(card, column, cellOf(text)));
-    };
-    for (const std::size_t i : card.recodingsOf[column]) {
-        for (const QStringView value : card.recodings[i].listed)
-            tryCell(value.toUtf8().toStdString());
-        for (const double bound : card.recodings[i].x) {
-            for (const double to : {-infinity, bound, infinity}) {
-                char text[32];
-                const double number = std::nextafter(bound, to);
-                tryCell({text, std::to_chars(text, std::end(text), number).ptr});
-            }
-        }
-    }
-    // Some may be no numbers, which have no order of their own.
-    std::ranges::sort(points, {},
-                      [](double number) { return std::bit_cast<std::uint64_t>(number); });
-    points.erase(std::unique(points.begin(), points.end()), points.end());
-    return points;
-}
-
-bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
-    return matches(c, {score, probabilityOf(c.card, score)}, found) ||
-           matches(c, {score, probabilityOf(c.card, score, c.always)}, found);
-}
-
-void suspectColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
-                    QStringList &faults) {
-    for (std::size_t i = 0; i < c.card.columns.size(); ++i) {
-        const double others = facts.expected.score - pointsOf(c.card, i, facts.cells[i]);
-        const auto isRight = [&](double points) { return wouldBeRight(c, others + points, found); };
-        if (isRight(pointsOf(c.card, i, {}))) {
-            faults.append(u"%1 read as missing"_s.arg(c.card.columns[i]));
-        } else if (std::ranges::any_of(c.pointsOfColumns[i], isRight)) {
-            faults.append(u"%1 read as another value"_s.arg(c.card.columns[i]));
-        }
-    }
-}
-
-void suspectPairs(const Comparison &c, const RowFacts &facts, const Prediction &found,
-                  QStringList &faults) {
-    const std::vector<QString> &columns = c.card.columns;
-    const auto points = [&](std::size_t column, std::size_t cell) {
-        return pointsOf(c.card, column, facts.cells[cell]);
-    };
-    if (columns.size() > mostExchanged) return;
-    for (std::size_t a = 0; a < columns.size(); ++a) {
-        for (std::size_t b = a + 1; b < columns.size(); ++b) {
-            const double change = points(a, b) - points(a, a) + points(b, a) - points(b, b);
-            if (change == 0 || !wouldBeRight(c, facts.expected.score + change, found)) continue;
-            faults.append(u"%1 and %2 exchanged"_s.arg(columns[a], columns[b]));
-        }
-    }
-}
-
-// Tries whether the row would be right if one column had been read as missing or as some other
-// value, or if two columns had been exchanged.
-void suspect(Comparison &c, const RowFacts &facts, const Prediction &found) {
-    for (std::size_t i = c.pointsOfColumns.size(); i < c.card.columns.size(); ++i) {
-        c.pointsOfColumns.push_back(possiblePoints(c.card, i));
-    }
-    QStringList faults;
-    if (c.options.hasScore() && c.options.hasProbability() &&
-        matches(c, facts.expected, {found.probability, found.score})) {
-        faults.append(u"score and probability exchanged in the results"_s);
-    } else {
-        suspectColumns(c, facts, found, faults);
-        suspectPairs(c, facts, found, faults);
-    }
-    // What fits everything tells nothing.
-    if (faults.size() > 3) return;
-    for (const QString &fault : faults) ++c.faultCounts[fault];
-}
-
 } // namespace
+
+void count(RowSample &sample, const QString &key) {
+    if (++sample.rows <= mostNamed) sample.first.append(key);
+}
+
+bool isNear(const Comparison &c, double expected, double found) {
+    if (std::isnan(expected) || std::isnan(found)) return std::isnan(expected) && std::isnan(found);
+    if (expected == found) return true;
+    return std::isfinite(expected) &&
+           std::abs(expected - found) <= c.options.tolerance * std::max(1.0, std::abs(expected));
+}
+
+bool matches(const Comparison &c, const Prediction &expected, const Prediction &found) {
+    return (!c.options.hasScore() || isNear(c, expected.score, found.score)) &&
+           (!c.options.hasProbability() || isNear(c, expected.probability, found.probability));
+}
+
+bool fits(const Comparison &c, std::span<const Recoded> recoded, const Deviations &deviations,
+          const Prediction &found) {
+    const bool isSingle = deviations.has(FindingId::SinglePrecision);
+    const double score = scoreOf(c.card, recoded, deviations);
+    const bool isScore = !c.options.hasScore() || isNear(c, score, found.score);
+    if (!isScore && !isSingle) return false;
+    if (isScore && (!c.options.hasProbability() ||
+                    isNear(c, probabilityOf(c.card, score, deviations), found.probability))) {
+        return true;
+    }
+    const double slack = slackOf(sumSizeOf(c.card, recoded, deviations), isSingle);
+    if (!isScore && !(std::abs(score - found.score) <= slack)) return false;
+    if (!c.options.hasProbability()) return true;
+    constexpr double singleProbability = 1e-6;
+    const double tolerance =
+        isSingle ? std::max(c.options.tolerance, singleProbability) : c.options.tolerance;
+    return hasProbabilityNear(c.card, score, slack, found.probability, tolerance, deviations);
+}
 
 void Comparison::takeCell(std::size_t place, std::string_view bytes) {
     const bool hasKey = !options.key.isEmpty();
@@ -292,7 +173,12 @@ void Comparison::endRow() {
 }
 
 QString openResults(Comparison &c, std::span<const Finding> findings) {
-    findDeviations(c, findings);
+    c.always = alwaysOf(c, findings);
+    c.tests = testsOfColumns(c.card, findings);
+    c.hasAlikeNames = std::ranges::any_of(findings, [&](const Finding &finding) {
+        return finding.id == FindingId::NamesAlike &&
+               (finding.targets & only(c.options.target)) != 0;
+    });
     if (c.options.hasProbability() && !c.card.hasProbability()) {
         return u"The model has no probability; use --score."_s;
     }
@@ -317,10 +203,12 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     // An empty cell is right where the model gives no number, and is never NaN that a target shows.
     const Prediction &numbers = found.numbers;
     const bool isReadable = found.cells == ResultCells::Numbers;
+    const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;
+    const Deviations none = {{}, c.options.target, c.options.sql};
     if (found.cells != ResultCells::NoNumber &&
-        (matches(c, facts.expected, numbers) || isBesideJump(c, facts.expected, numbers))) {
+        (matches(c, facts.expected, numbers) || fits(c, facts.recoded, none, numbers))) {
         ++c.result.equal;
-    } else if (!isReadable || !isExplained(c, facts, numbers)) {
+    } else if (!(isReadable || mayBeMissing) || !explain(c, facts, numbers)) {
         if (++c.result.unexplained <= mostSuspected && isReadable) suspect(c, facts, numbers);
         keepWorst(c, facts, numbers);
     }
@@ -335,7 +223,7 @@ QString finishComparison(Comparison &c) {
     ResultRow row;
     while (takeNext(c, row)) isExtra(row);
     countRepeated(c, c.absent, u"row %1"_s);
-    c.result.suspected.assign(c.faultCounts.begin(), c.faultCounts.end());
+    c.result.suspected.assign(c.suspectCounts.begin(), c.suspectCounts.end());
     std::ranges::stable_sort(c.result.suspected, std::greater(),
                              [](const auto &fault) { return fault.second; });
     return c.reader.problem;

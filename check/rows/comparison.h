@@ -1,7 +1,7 @@
 // Holds the results of a deployment against the model, and tells what explains the difference.
 #pragma once
 
-#include "check/evaluation/evaluation.h"
+#include "check/rows/cell_effects.h"
 #include "check/rows/csv_reader.h"
 
 #include <QStringList>
@@ -21,6 +21,7 @@ struct RowOptions {
     QString score;                    // their columns, one of which may be empty
     QString probability;
     double tolerance = 1e-9; // relative to the expected number where that is above 1
+    SqlReading sql = {};     // of the configuration that the results were made with
 
     bool hasScore() const { return !score.isEmpty(); }
     bool hasProbability() const { return !probability.isEmpty(); }
@@ -48,6 +49,8 @@ struct ComparisonResult {
     std::int64_t equal = 0;
     std::int64_t explainedRows = 0;
     std::map<FindingId, RowSample> explained; // a row that several explain counts for each
+    // By what explains a row, such as "a+b or c": the smallest sets of findings.
+    std::map<QString, RowSample> reasons;
     std::int64_t unexplained = 0;
     RowSample missing;              // without a result
     RowSample extra;                // in the results only
@@ -57,14 +60,14 @@ struct ComparisonResult {
     std::vector<std::pair<QString, std::int64_t>> suspected;
 };
 
-// A row as the model scores it.
+// A row as the model scores it, and what else its cells may become in the target.
 struct RowFacts {
     std::int64_t row = 0;
     std::string_view key;
-    std::span<const Cell> cells;
+    std::span<const Cell> cells; // by columns, like choices
     std::span<const Recoded> recoded;
     Prediction expected;
-    FindingSet affected; // findings by rows
+    std::span<const std::vector<CellChoice> *const> choices;
 };
 
 // What the cells of a result hold; the worse of them. A number may be NaN.
@@ -80,21 +83,22 @@ struct ResultRow {
     std::int64_t row = 0;
 };
 
-// The state of a comparison: to be opened, told of each row and finished.
+// The state of a comparison: to be opened, given each row and finished.
 struct Comparison {
     const Scorecard &card;
     const RowOptions &options;
     ComparisonResult result = {};
 
     CsvReader reader = {};
-    ResultRow unfinished = {};              // may go on in the next block
-    std::deque<ResultRow> entries = {};     // with a key all of them by hash, else those of a block
-    std::deque<ResultRow> absent = {};      // keys of rows without a result
-    Deviations always = {};                 // apply to every row
-    std::vector<FindingId> candidates = {}; // all deviations that may explain a row
+    ResultRow unfinished = {};          // may go on in the next block
+    std::deque<ResultRow> entries = {}; // with a key all of them by hash, else those of a block
+    std::deque<ResultRow> absent = {};  // keys of rows without a result
+    std::vector<FindingId> always = {}; // may explain any row; what cells decide is not among them
+    bool hasAlikeNames = false;         // columns of the target whose names become the same
+    std::vector<ColumnTests> tests = {};
     std::vector<std::vector<double>> pointsOfColumns =
-        {};                                           // that cells may have; from the first blame
-    std::map<QString, std::int64_t> faultCounts = {}; // by what they are
+        {};                                             // that cells may have; from the first use
+    std::map<QString, std::int64_t> suspectCounts = {}; // by what they are
 
     // Take the columns of results, which are in the order of key, score and probability.
     void takeCell(std::size_t place, std::string_view bytes);
@@ -102,8 +106,20 @@ struct Comparison {
 };
 
 // Opens the results; with a key, reads them. The findings are those of the document for the target.
-// Returns what is wrong, or an empty text.
+// Returns an error message; empty on success.
 QString openResults(Comparison &comparison, std::span<const Finding> findings);
 void compareRow(Comparison &comparison, const RowFacts &facts);
-// To be called after the last row. Returns what kept the results from being read.
+// To be called after the last row. Returns an error message; empty on success.
 QString finishComparison(Comparison &comparison);
+
+// --- Pieces of a comparison
+
+void count(RowSample &sample, const QString &key);
+// Whether the numbers differ by no more than the tolerance.
+bool isNear(const Comparison &comparison, double expected, double found);
+bool matches(const Comparison &comparison, const Prediction &expected, const Prediction &found);
+// Whether the result is that of the recoded row under the deviations. Beyond the tolerance, a score
+// may be off by what another order of its sum does, and the probability is then that of any score
+// within that.
+bool fits(const Comparison &comparison, std::span<const Recoded> recoded,
+          const Deviations &deviations, const Prediction &found);

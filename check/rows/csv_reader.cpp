@@ -106,11 +106,19 @@ void CsvReader::fill() {
 bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void *call) {
     if (isAtEnd) return false;
     fill();
-    const std::string_view piece = unread.substr(0, most);
+    std::string_view piece = unread.substr(0, most);
     unread.remove_prefix(piece.size());
+    const bool isEnd = piece.empty();
+    const std::size_t valid = utf8.take(piece);
+    const bool isUtf8 = isEnd ? utf8.isComplete() : valid == piece.size();
+    piece = piece.substr(0, valid);
     if (csv_parse(&parser, piece.data(), piece.size(), takeCell, endRow, call) != piece.size()) {
         problem = u"File '%1' has a cell of more than 64 MiB; is a quotation mark not closed?"_s;
-    } else if (piece.empty()) {
+    } else if (!isUtf8) {
+        const QString place = hasHeader ? u"row %1"_s.arg(row + 1) : u"header line"_s;
+        problem =
+            u"%1, "_s + place + u": not valid UTF-8. Convert the file, for example with iconv."_s;
+    } else if (isEnd) {
         isAtEnd = true;
         if (std::ferror(file.stream.get())) problem = u"Cannot read file '%1'."_s;
         // Only here, since strictness would refuse quotation marks within cells.

@@ -2,6 +2,7 @@
 // Memory does not grow with the rows; a cell may take 64 MiB.
 #pragma once
 
+#include "check/rows/utf8_check.h"
 #include "model/output_file.h"
 
 #include <QString>
@@ -15,9 +16,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-// A cell may be read up to here, even where it is shorter.
-inline constexpr std::size_t readableBytes = 16;
 
 class CsvReader {
 public:
@@ -71,6 +69,7 @@ private:
     bool hasHeader = false;
     bool isAtEnd = false;
     bool isOutOfMemory = false;
+    Utf8Check utf8;
     std::vector<char> block;
     std::string_view unread; // of the block
     std::vector<std::string> titles;
@@ -93,8 +92,7 @@ bool CsvReader::read(Taker &taker) {
             if (reader.column != reader.placeOf.size() && reader.uneven++ == 0) {
                 reader.firstUneven = reader.row + 1;
             }
-            static constexpr char nothing[readableBytes] = {};
-            while (reader.column < reader.placeOf.size()) hand(nothing);
+            while (reader.column < reader.placeOf.size()) hand({});
             reader.column = 0;
             ++reader.row;
             reader.guard([&] { taker.endRow(); });

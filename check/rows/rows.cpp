@@ -1,11 +1,12 @@
 #include "check/rows/rows.h"
 
+#include "model/sql_dialect.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <bit>
 #include <charconv>
-#include <cstring>
+#include <unordered_map>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -65,9 +66,34 @@ void putCell(ScoreFile &out, std::string_view cell, char delimiter) {
     put(out, {quoted.data(), static_cast<std::size_t>(quoted.size())});
 }
 
-// --- Findings that affect a row
+// --- Cells
 
-// What tells whether a cell is affected by a finding: it is recoded otherwise.
+// Cache entry: a cell with all that the model and the findings make of it.
+struct JudgedCell {
+    std::int64_t rows = 0; // since it was judged
+    std::int64_t firstRow = 0;
+    std::vector<Recoded> recoded; // by each recoding of the column; empty in an unused entry
+    std::string raw;
+    Cell cell;
+    CellFindings findings;
+    std::vector<CellChoice> choices; // what the target may make of it
+};
+
+// Columns repeat their values, so that most cells were judged before. The cache is direct-mapped:
+// each column has so many entries, a power of two.
+std::size_t entriesOf(std::size_t columns) {
+    constexpr std::size_t most = 1 << 16;
+    return std::bit_floor(
+        std::clamp<std::size_t>(most / std::max<std::size_t>(columns, 1), 1, 2048));
+}
+
+// How often texts occur that their column does not list; of the first different ones.
+using TextCounts = std::unordered_map<std::string, std::int64_t>;
+constexpr std::size_t mostTexts = 1000;
+
+// --- Rows
+
+// A finding that the score decides, or that another column does.
 struct RowTest {
     std::size_t finding; // its position
     std::size_t recoding;
@@ -75,79 +101,31 @@ struct RowTest {
 };
 
 struct RowTests {
-    std::vector<std::vector<RowTest>> ofColumns;
-    std::vector<RowTest> ofRows;   // what another column decides
-    std::vector<RowTest> ofScores; // what the score decides
+    std::vector<RowTest> ofNames; // of columns that become the same
+    std::vector<RowTest> ofScores;
     std::size_t ofKey = noPosition;
 };
 
-RowTests testsOf(const Scorecard &card, std::span<const Finding> findings) {
+RowTests testsOf(const RowOptions &options, std::span<const Finding> findings) {
     RowTests tests;
-    tests.ofColumns.resize(card.columns.size());
     for (std::size_t i = 0; i < findings.size(); ++i) {
         const Finding &finding = findings[i];
         if (!finding.countsRows()) continue;
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
-        // Most do the same in all targets.
-        const bool isOfTarget = finding.id == MissingCodesName || finding.id == NamesAlike;
-        for (const Target target : listTargets(finding.targets)) {
-            RowTest test = {i, recoding, {{finding.id}, target}};
-            // What else is taken as above all bounds takes the last of a long array too.
-            if (finding.id == ArrayTooLong) test.deviations.findings.add(NotANumber);
-            if (finding.id == KeyLength) {
-                tests.ofKey = i;
-            } else if (finding.recoding < 0) {
-                tests.ofScores.push_back(test);
-            } else if (finding.id == NamesAlike) {
-                tests.ofRows.push_back(test);
-            } else {
-                tests.ofColumns[card.recodings[recoding].column].push_back(test);
+        RowTest test = {i, recoding, {{finding.id}, Target::Sas, options.sql}};
+        if (finding.id == KeyLength) {
+            tests.ofKey = i;
+        } else if (finding.recoding < 0) {
+            tests.ofScores.push_back(test); // all targets do the same
+        } else if (finding.id == NamesAlike) {
+            for (const Target target : listTargets(finding.targets)) {
+                test.deviations.target = target;
+                tests.ofNames.push_back(test);
             }
-            if (!isOfTarget) break;
         }
     }
     return tests;
 }
-
-// --- Cells
-
-// The first characters of a cell, and how many it has.
-struct CellStart {
-    std::uint64_t first = 0;
-    std::uint64_t second = 0;
-    std::size_t size = noPosition;
-
-    bool operator==(const CellStart &) const = default;
-};
-
-std::uint64_t wordAt(std::string_view cell, std::size_t at) {
-    std::uint64_t word = 0;
-    if (cell.size() <= at) return word;
-    std::memcpy(&word, cell.data() + at, sizeof word);
-    const std::size_t size = cell.size() - at;
-    return size < sizeof word ? word & ((std::uint64_t(1) << (8 * size)) - 1) : word;
-}
-
-// A cell with all that the model and the findings make of it.
-struct JudgedCell {
-    CellStart start;
-    std::int64_t rows = 0; // since it was judged
-    std::int64_t firstRow = 0;
-    std::vector<Recoded> recoded; // by each recoding of the column
-    std::string raw;
-    Cell cell;
-    std::vector<std::size_t> affected; // findings, by their positions
-};
-
-// Columns repeat their values, so that most cells were judged before. Each cell has one place among
-// those of its column, which are a power of two.
-std::size_t placesOf(std::size_t columns) {
-    constexpr std::size_t most = 1 << 16;
-    return std::bit_floor(
-        std::clamp<std::size_t>(most / std::max<std::size_t>(columns, 1), 1, 2048));
-}
-
-// --- Rows
 
 // Takes the columns of the model and that of the key.
 struct RowScorer {
@@ -159,17 +137,25 @@ struct RowScorer {
     CsvReader reader = {};
     std::size_t keyAt = noPosition;
     ScoreFile out = {};
-    RowTests tests = testsOf(card, findings);
-    std::size_t places = placesOf(card.columns.size());
-    std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * places);
+    RowTests tests = testsOf(options, findings);
+    std::vector<ColumnTests> columnTests = testsOfColumns(card, findings);
+    std::vector<TextCounts> unlisted = std::vector<TextCounts>(card.columns.size());
+    std::size_t entries = entriesOf(card.columns.size());
+    std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * entries);
     std::vector<JudgedCell *> row = std::vector<JudgedCell *>(card.columns.size());
     std::string key = {};
     std::vector<Recoded> recoded = std::vector<Recoded>(card.recodings.size());
     std::vector<Cell> cells = {};
+    std::vector<const std::vector<CellChoice> *> choices = {};
 
     void takeCell(std::size_t place, std::string_view bytes);
     void endRow();
 };
+
+void countUnlisted(TextCounts &texts, const JudgedCell &judged) {
+    std::string text(judged.cell.text);
+    if (texts.size() < mostTexts || texts.contains(text)) texts[std::move(text)] += judged.rows;
+}
 
 // Adds the rows of a cell to the counts.
 void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
@@ -178,20 +164,23 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
         const std::size_t recoding = scorer.card.recodingsOf[column][i];
         scorer.counts.positions[recoding][judged.recoded[i].position] += judged.rows;
     }
-    for (const std::size_t position : judged.affected) {
+    for (const std::size_t position : judged.findings.together) {
+        scorer.findings[position].togetherRows += judged.rows;
+    }
+    for (const std::size_t position : judged.findings.alone) {
         Finding &finding = scorer.findings[position];
         if (finding.rows == 0) finding.firstRow = judged.firstRow;
         finding.firstRow = std::min(finding.firstRow, judged.firstRow);
         finding.rows += judged.rows;
+        if (finding.id == NotListed) countUnlisted(scorer.unlisted[column], judged);
     }
     judged.rows = 0;
 }
 
-// Takes the place of another cell. Kept apart, so that a cell that was judged needs few registers.
+// Cache miss: judges the cell and replaces the entry's old one. Out of line to keep the hit short.
 [[gnu::noinline]] void judge(RowScorer &scorer, std::size_t column, JudgedCell &judged,
-                             const CellStart &start, std::string_view bytes) {
+                             std::string_view bytes) {
     countCell(scorer, column, judged);
-    judged.start = start;
     judged.raw = bytes;
     judged.firstRow = scorer.reader.row + 1;
     judged.cell = cellOf(judged.raw, scorer.options.missing);
@@ -199,18 +188,14 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
         judged.recoded.push_back(recode(scorer.card.recodings[i], judged.cell));
     }
-    judged.affected.clear();
-    for (const RowTest &test : scorer.tests.ofColumns[column]) {
-        if (!judged.affected.empty() && judged.affected.back() == test.finding) continue;
-        const Recoding &recoding = scorer.card.recodings[test.recoding];
-        const Recoded &meant = judged.recoded[recoding.rank];
-        // A text of the document is none of the numbers, also where it happens to score the same.
-        const bool isListedText =
-            test.deviations.has(BooleanNumbers) && meant.position > 0 && !judged.cell.isNumber;
-        if (isListedText || differ(recode(recoding, judged.cell, test.deviations), meant)) {
-            judged.affected.push_back(test.finding);
-        }
-    }
+    const ColumnTests &tests = scorer.columnTests[column];
+    const RowOptions &options = scorer.options;
+    judged.findings =
+        findingsOf(scorer.card, tests, column, judged.cell, judged.recoded, options.sql);
+    if (options.results.isEmpty()) return;
+    const std::vector<const Cell *> cells(judged.recoded.size(), &judged.cell);
+    judged.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
+                               {{}, options.target, options.sql});
 }
 
 void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
@@ -218,46 +203,56 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
         key = bytes;
         return;
     }
-    const CellStart start = {wordAt(bytes, 0), wordAt(bytes, 8), bytes.size()};
-    const std::uint64_t mixed = (start.first ^ start.second) * 0x9E3779B97F4A7C15U;
-    JudgedCell &cell = judged[place * places + ((mixed >> 48U) & (places - 1))];
+    const std::size_t hash = std::hash<std::string_view>()(bytes);
+    JudgedCell &cell = judged[place * entries + (hash & (entries - 1))];
     row[place] = &cell;
-    const bool isOther = cell.start != start || (start.size > readableBytes && cell.raw != bytes);
-    if (isOther) judge(*this, place, cell, start, bytes);
+    if (cell.raw != bytes || cell.recoded.empty()) judge(*this, place, cell, bytes);
     ++cell.rows;
 }
 
-void affect(RowScorer &scorer, std::size_t position, FindingSet &affected) {
+void affect(RowScorer &scorer, std::size_t position) {
     Finding &finding = scorer.findings[position];
     if (finding.rows++ == 0) finding.firstRow = scorer.reader.row;
-    affected.add(finding.id);
+}
+
+bool isAffected(const Scorecard &card, const RowTest &test, const Prediction &prediction) {
+    const std::span<const double> x = card.table.x;
+    const double score = prediction.score;
+    const FindingId id = test.deviations.has(BoundDigits)        ? BoundDigits
+                         : test.deviations.has(LogisticOverflow) ? LogisticOverflow
+                                                                 : LowestPoint;
+    constexpr double shortest = 1e-13; // share of a number that 15 digits may lose
+    if (id == BoundDigits && !hasPointBeside(card, score, shortest * std::abs(score))) return false;
+    constexpr double overflow = -700;
+    if (id == LogisticOverflow && score > overflow) return false;
+    if (id == LowestPoint && x.size() > 1 && score > x[x.size() - 2]) return false;
+    const double other = probabilityOf(card, score, test.deviations);
+    constexpr double rounding = 1e-9; // where the table has no jump
+    if (id == BoundDigits && std::abs(other - prediction.probability) <= rounding) return false;
+    return differ({0, other}, {0, prediction.probability});
 }
 
 // Counts what no cell alone decides.
-void countFindings(RowScorer &scorer, const Prediction &prediction, FindingSet &affected) {
+void countFindings(RowScorer &scorer, const Prediction &prediction) {
     std::size_t last = scorer.findings.size(); // finding that is counted
-    for (const RowTest &test : scorer.tests.ofRows) {
+    for (const RowTest &test : scorer.tests.ofNames) {
         const Recoding &recoding = scorer.card.recodings[test.recoding];
         const auto target = static_cast<std::size_t>(test.deviations.target);
         const Cell &cell = scorer.row[recoding.lastAlike[target]]->cell;
-        const bool isAffected = differ(recode(recoding, cell), scorer.recoded[test.recoding]);
-        if (!isAffected || last == test.finding) continue;
+        const bool isOther = differ(recode(recoding, cell), scorer.recoded[test.recoding]);
+        if (!isOther || last == test.finding) continue;
         last = test.finding;
-        affect(scorer, last, affected);
+        affect(scorer, last);
     }
-    // What targets do otherwise is at the lower end of the table.
-    const auto &x = scorer.card.table.x;
-    if (x.size() > 1 && prediction.score > x[x.size() - 2]) return;
     for (const RowTest &test : scorer.tests.ofScores) {
-        const double other = probabilityOf(scorer.card, prediction.score, test.deviations);
-        if (differ({0, other}, {0, prediction.probability})) affect(scorer, test.finding, affected);
+        if (isAffected(scorer.card, test, prediction)) affect(scorer, test.finding);
     }
 }
 
-void countKey(RowScorer &scorer, std::string_view key, FindingSet &affected) {
-    constexpr qsizetype longest = 20;
+void countKey(RowScorer &scorer, std::string_view key) {
+    constexpr qsizetype longest = longestSqlKey;
     if (scorer.tests.ofKey == noPosition || key.size() <= longest) return;
-    if (QString::fromUtf8(key).size() > longest) affect(scorer, scorer.tests.ofKey, affected);
+    if (QString::fromUtf8(key).size() > longest) affect(scorer, scorer.tests.ofKey);
 }
 
 void countScore(RowCounts &counts, double score) {
@@ -288,19 +283,19 @@ void RowScorer::endRow() {
     }
     const double score = scoreOf(card, recoded);
     const Prediction prediction = {score, probabilityOf(card, score)};
-    FindingSet affected;
-    countFindings(*this, prediction, affected);
+    countFindings(*this, prediction);
     const std::string_view cell = keyAt < row.size() ? row[keyAt]->raw : key;
-    countKey(*this, trimmed(cell), affected);
+    countKey(*this, trimmed(cell));
     countScore(counts, score);
     if (out.file.stream) putRow(*this, cell, prediction);
     if (options.results.isEmpty()) return;
     cells.clear();
+    choices.clear();
     for (const JudgedCell *const judgedCell : row) {
         cells.push_back(judgedCell->cell);
-        for (const std::size_t position : judgedCell->affected) affected.add(findings[position].id);
+        choices.push_back(&judgedCell->choices);
     }
-    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, affected});
+    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, choices});
 }
 
 // Opens the files, the results before anything is written. Returns what is wrong, or an empty text.
@@ -329,6 +324,20 @@ QString start(RowScorer &scorer) {
     return {};
 }
 
+// Tells in the place of a finding which of the texts occurs in most rows.
+void nameUnlisted(RowScorer &scorer) {
+    for (Finding &finding : scorer.findings) {
+        if (finding.id != NotListed || finding.rows == 0) continue;
+        const auto recoding = static_cast<std::size_t>(finding.recoding);
+        const TextCounts &texts = scorer.unlisted[scorer.card.recodings[recoding].column];
+        const auto most = std::ranges::max_element(texts, {}, [](const auto &text) {
+            return std::pair(text.second, std::string_view(text.first));
+        });
+        finding.place += u", most often '%1' in %2"_s.arg(QString::fromStdString(most->first),
+                                                          rowsText(most->second));
+    }
+}
+
 } // namespace
 
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
@@ -343,8 +352,9 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     }
     while (scorer.reader.read(scorer)) continue;
     for (std::size_t i = 0; i < scorer.judged.size(); ++i) {
-        countCell(scorer, i / scorer.places, scorer.judged[i]);
+        countCell(scorer, i / scorer.entries, scorer.judged[i]);
     }
+    nameUnlisted(scorer);
     counts.rows = scorer.reader.row;
     counts.uneven = scorer.reader.uneven;
     counts.firstUneven = scorer.reader.firstUneven;

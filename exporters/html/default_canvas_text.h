@@ -1,4 +1,4 @@
-// The canvas of a page that was given none of its own.
+// The canvas of a page for which no other was given.
 #pragma once
 
 inline constexpr char16_t defaultCanvas[] = uR"html(<html>

@@ -1,12 +1,13 @@
-// The control of a question depends on what the column holds:
+// The control of a question depends on the content of the column:
 //
 // Age    a slider and a number field that follow each other   putNumericControl
 // Paid   unknown, True and False as radio buttons             putYesNoControl
-// Job    a list, of five categories or more                   putList
-// Home   radio buttons, of fewer                              putRadioButtons
+// Job    a drop-down list of many categories                  putList
+// Home   radio buttons for few categories                     putRadioButtons
 #include "exporters/html/form_controls.h"
 
 #include "exporters/html/form_controls_text.h"
+#include "model/target_rules.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,9 +15,6 @@
 #include <map>
 
 namespace {
-
-// Categories are shown as a list once there are this many of them, else each has a radio button.
-constexpr int listShownFrom = 5;
 
 int toInt(double value) {
     constexpr double lowest = std::numeric_limits<int>::min();
@@ -29,14 +27,13 @@ double rounded(double value) {
 }
 
 std::size_t mostFrequent(ModelDocument &document, const Variable &variable) {
-    std::vector<int> counts;
-    readIntegers(document, variable.node, u"nocc", counts);
+    const std::vector<int> counts = readIntegers(document, variable.node, u"nocc");
     const auto largest = std::ranges::max_element(counts);
     if (largest == counts.end() || *largest <= 0) return 0;
     return static_cast<std::size_t>(largest - counts.begin());
 }
 
-// The label, or where it is empty the column, or where that is empty too the variable's name.
+// The label; if that is empty, the column; if that is empty too, the variable's name.
 QStringView captionOf(const Variable &variable) {
     if (!variable.label.isEmpty()) return variable.label;
     return variable.field.isEmpty() ? variable.name : variable.field;
@@ -47,15 +44,16 @@ void putNumericControl(TextBuffer &out, HtmlPage &page, const QString &formName,
     fill(out, numericControl,
          {{u"min", range.min},
           {u"max", range.max},
-          {u"preset", range.defaultValue},
+          {u"default", range.defaultValue},
           {u"form", formName},
           {u"unknown", page.tags.labels.unknown}});
     put(page.listenerCalls, u"myEventListener(\"", formName, u"\");\n");
 }
 
-void putYesNoControl(TextBuffer &out, const Labels &labels, const QString &formName, int preset) {
-    const auto checkedIf = [preset](int value) {
-        return value == preset ? QStringView(u"CHECKED") : QStringView();
+void putYesNoControl(TextBuffer &out, const Labels &labels, const QString &formName,
+                     int defaultValue) {
+    const auto checkedIf = [defaultValue](int value) {
+        return value == defaultValue ? QStringView(u"CHECKED") : QStringView();
     };
     fill(out, yesNoControl,
          {{u"form", formName},
@@ -67,8 +65,8 @@ void putYesNoControl(TextBuffer &out, const Labels &labels, const QString &formN
           {u"false", labels.falseAnswer}});
 }
 
-// The categories in the order of their values, each with its position in the document. Of several
-// with one value the last is offered.
+// The categories in the order of their values, each with its position in the document. If several
+// have the same value, the last is offered.
 struct Category {
     int position;
     QStringView caption;
@@ -85,9 +83,9 @@ std::map<QStringView, Category> sortCategories(const XmlNode &modalities) {
 }
 
 void putList(TextBuffer &out, const std::map<QStringView, Category> &categories,
-             QStringView unknown, const QString &formName, int preset) {
-    const auto selectedIf = [preset](int value) {
-        return value == preset ? QStringView(u" selected=\"selected\"") : QStringView();
+             QStringView unknown, const QString &formName, int defaultValue) {
+    const auto selectedIf = [defaultValue](int value) {
+        return value == defaultValue ? QStringView(u" selected=\"selected\"") : QStringView();
     };
     put(out, u"\n<SELECT onChange=\"ComputeModel();\" name=\"", formName,
         u"\" >\n<OPTION VALUE=\"0\"", selectedIf(0), u">----- ", unknown, u" -----\n");
@@ -100,11 +98,11 @@ void putList(TextBuffer &out, const std::map<QStringView, Category> &categories,
 }
 
 void putRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &categories,
-                     QStringView unknown, const QString &formName, int preset) {
+                     QStringView unknown, const QString &formName, int defaultValue) {
     const auto putButton = [&](int value, QStringView caption) {
         put(out, u"<input onclick=\"ComputeModel();\" type=\"radio\" name=\"", formName,
             u"\" value=\"", value, u"\" ");
-        if (value == preset) put(out, u"CHECKED");
+        if (value == defaultValue) put(out, u"CHECKED");
         put(out, u" >", caption, u"<br>\n");
     };
     put(out, u"<br/>\n");
@@ -152,7 +150,7 @@ void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIn
     if (modalities.isEmpty()) return;
     if (variable.isBoolean) {
         putYesNoControl(out, labels, formName, range.defaultValue);
-    } else if (modalities.childCount(u"Mod") >= listShownFrom) {
+    } else if (htmlShowsList(variable.values.size())) {
         putList(out, sortCategories(modalities), labels.unknown, formName, range.defaultValue);
     } else {
         putRadioButtons(out, sortCategories(modalities), labels.unknown, formName,

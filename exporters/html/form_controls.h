@@ -1,9 +1,9 @@
-// The form controls through which a page asks for the value of a column.
+// The form controls with which a page asks for the value of a column.
 #pragma once
 
 #include "exporters/html/html_page.h"
 
-// The slider of a numeric column. Of a list of values only the preset is used: 0 for the unknown
+// The slider of a numeric column. For a list of values only the default is used: 0 for the unknown
 // value, k + 1 for the value at position k.
 struct SliderRange {
     int min = 0;
@@ -11,13 +11,13 @@ struct SliderRange {
     int defaultValue = 0;
 };
 
-// The range is that of the bounds in "x", outwards to whole numbers within 32 bits; 0 to 0 without
-// bounds. The preset is its middle. Where the values are ordinal or have no "x", it is the bound
-// at the position of the largest count in "nocc" or, without bounds, that position.
+// The range is that of the bounds in "x", rounded outwards to whole numbers and limited to 32 bits;
+// 0 to 0 without bounds. The default is its middle. If the values are ordinal or have no "x", it is
+// the bound at the position of the largest count in "nocc" or, without bounds, that position.
 SliderRange computeSliderRange(ModelDocument &document, const Variable &variable);
 
-// Writes the label and the controls of the question that begins with that record.
+// Writes the label and the controls of the question whose first record is the one at this index.
 void writeQuestionControls(TextBuffer &out, HtmlPage &page, std::size_t recordIndex);
 
-// Writes the script that keeps the sliders written so far in step with their number fields.
+// Writes the script that synchronises the sliders written so far with their number fields.
 void writeListenerScript(TextBuffer &out, const HtmlPage &page);

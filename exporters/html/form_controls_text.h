@@ -1,13 +1,13 @@
-// The fixed texts of the form controls; $name$ is a place that is filled.
+// The fixed texts of the form controls; $name$ is a place for fill().
 #pragma once
 
 inline constexpr char16_t numericControl[] = uR"html(
 <div style="position:relative; left:50px; height:30px;width:350px;">
   <div style="position:absolute; left:0px; height:100%;width:210px;">
-  <input type="range" min="$min$" max="$max$" value="$preset$" id="range_$form$">
+  <input type="range" min="$min$" max="$max$" value="$default$" id="range_$form$">
   </div>
   <div style="position:absolute; left:210px; height:100%;width:200px;">
-    Value: <input type="inputNumber" id="value_$form$" value="$preset$" size="5" name="$form$">
+    Value: <input type="inputNumber" id="value_$form$" value="$default$" size="5" name="$form$">
   </div>
   <div style="position:absolute; left:330px;  height:100%;width:90px;">
     $unknown$<input type="checkbox" name="unkown_$form$" onclick="ComputeModel();"/>

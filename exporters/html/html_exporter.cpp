@@ -1,5 +1,4 @@
-// A page is its canvas with each tag replaced; without a canvas of the user's own it is the default
-// one. What stands for the tags, and what puts it:
+// A page is its canvas with each tag replaced. The replacements, and the functions that put them:
 //
 // [QRV_SCRIPT/]           <script type="text/javascript">            writeHtmlScript
 // [QRV_ALL_QUESTIONS/]    Question 1) Age                            putAllQuestions
@@ -27,23 +26,22 @@ namespace {
 constexpr int exitNothingToAsk = 2;
 constexpr int exitNotScorable = 3;
 
-// Which questions a canvas has placed one by one. A round begins with the first of them and ends
-// when as many were asked as there are variables, so columns that several variables share keep it
-// open. What a canvas asks after that begins another round.
+// The questions that a canvas has placed one by one. A round starts with the first of them and ends
+// when as many were asked as there are variables: it never ends if variables share a column. The
+// next question after its end starts another round.
 struct QuestionRound {
     std::vector<bool> asked; // by question; as many as there are variables
     std::size_t count = 0;
 };
 
-// --- What goes in
+// --- Input
 
 QString canvasOf(const QString &canvasPath) {
-    constexpr qsizetype shortest = 10;
     const QString canvas = readCanvas(canvasPath);
-    return canvas.size() < shortest ? QStringView(defaultCanvas).toString() : canvas;
+    return canvas.size() < shortestCanvas ? QStringView(defaultCanvas).toString() : canvas;
 }
 
-// Prints a message when a tag is missing without which there is no page.
+// Prints a message if a required tag is missing.
 bool hasRequiredTags(const CanvasTags &tags) {
     const auto occurs = [&](TagKind kind) { return tags[kind].start >= 0; };
     for (const TagKind kind : {TagKind::Script, TagKind::Answer}) {
@@ -57,7 +55,7 @@ bool hasRequiredTags(const CanvasTags &tags) {
     return false;
 }
 
-// --- What comes out
+// --- Output
 
 void putAllQuestions(TextBuffer &out, HtmlPage &page) {
     for (std::size_t i = 0; i < page.questions.size(); ++i) {
@@ -122,7 +120,7 @@ void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind,
             "onClick=\"finished=true; QRVform.submit();finished=false;\" value=\"",
             page.tags.labels.submit, u"\"/>\n");
         break;
-    case TagKind::UnknownLabel: // labels are only read
+    case TagKind::UnknownLabel: // labels put nothing
     case TagKind::TrueLabel:
     case TagKind::FalseLabel:
     case TagKind::SubmitLabel:
@@ -137,7 +135,7 @@ qsizetype expectedSize(const HtmlPage &page) {
     return size;
 }
 
-// The canvas with its tags replaced. Returns the round that is still open at its end.
+// Puts the canvas with its tags replaced. Returns the round that is still open at the end.
 std::optional<QuestionRound> putPage(TextBuffer &out, HtmlPage &page) {
     const QStringView canvas = page.tags.canvas;
     std::optional<QuestionRound> round;

@@ -1,8 +1,9 @@
-// A page may score several models. What can go wrong with one of them is found here, in the order
-// in which messages are to appear: first what the regressions leave out, then, noted in each
-// document, arrays that are too short.
+// A page may score several models. Their errors are found here, in the order in which messages are
+// to appear: first variables that a regression lacks; then arrays that are too short, which are
+// noted in each document.
 #include "exporters/html/html_models.h"
 
+#include "model/target_rules.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -16,15 +17,14 @@ HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype po
     model.position = static_cast<int>(position);
     model.document.fileName = fileName;
     model.document.root = rootElement(parsed, u"QRV_Model");
-    model.variables = readVariables(model.document, {});
+    model.variables = readVariables(model.document, replacedCharacters(Target::Html));
     return model;
 }
 
-// The position of each number among the coefficients; the first one where it stands repeatedly.
+// The position of each number among the coefficients; the first if the number is repeated.
 NumberTable<std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
-    std::vector<int> numbers;
-    readIntegers(document, regression, u"indexes", numbers);
-    NumberTable<std::size_t> positions(document.root.memory());
+    const std::vector<int> numbers = readIntegers(document, regression, u"indexes");
+    NumberTable<std::size_t> positions;
     positions.reserve(numbers.size());
     for (std::size_t k = 0; k < numbers.size(); ++k) positions.try_emplace(numbers[k], k);
     return positions;
@@ -38,8 +38,8 @@ bool findCoefficients(HtmlModel &model) {
     for (const Variable &variable : model.variables) {
         const auto found = positions.find(variable.number);
         if (found == positions.end()) {
-            // The text calls it the model's, but it is the position of the variable: scripts that
-            // watch for this message know it so.
+            // The message says model, but the number is the variable's position: scripts that
+            // watch for this message expect it.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
                 variable.name, QString::number(variable.position)));
             return false;
@@ -56,8 +56,8 @@ TargetKind readTargetKind(const XmlNode &metaData) {
                                             : TargetKind::Other;
 }
 
-// The constant stands behind the coefficients of all variables, also where several of them
-// share one; a model that is neither a probability nor a prediction needs none.
+// The constant is read from behind one coefficient for each variable, even if variables share
+// coefficients. A model that is neither a probability nor a prediction needs none.
 void readBetas(HtmlModel &model) {
     const XmlNode &root = model.document.root;
     const XmlNode metaData = root.childNode(u"MetaData");
@@ -68,8 +68,8 @@ void readBetas(HtmlModel &model) {
     model.targetKind = readTargetKind(metaData);
     const bool hasConstant = model.targetKind != TargetKind::Other;
     const std::size_t constant = hasConstant ? model.variables.size() : 0;
-    readNumbers(model.document, regression, u"betas",
-                std::max(std::ranges::max(model.regIndex), constant) + 1, model.betas);
+    model.betas = readNumbers(model.document, regression, u"betas",
+                              std::max(std::ranges::max(model.regIndex), constant) + 1);
 }
 
 void readTable(HtmlModel &model) {
@@ -78,8 +78,8 @@ void readTable(HtmlModel &model) {
     model.table.exists = !mapping.isEmpty() && !isCut;
     model.endsScript = model.document.root.isEmpty() || (!mapping.isEmpty() && isCut);
     if (!model.table.exists) return;
-    readNumbers(model.document, mapping, u"x", 0, model.table.x);
-    readNumbers(model.document, mapping, u"y", model.table.x.size(), model.table.y);
+    model.table.x = readNumbers(model.document, mapping, u"x", 0);
+    model.table.y = readNumbers(model.document, mapping, u"y", model.table.x.size());
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-// The models that a page scores: all that is read of them before anything is written.
+// The models that a page scores. They are read completely before anything is written.
 #pragma once
 
 #include "model/regression.h"
@@ -10,20 +10,19 @@ enum class TargetKind { Probability, Prediction, Other };
 struct HtmlModel {
     int position; // in the list, from 0
     ModelDocument document;
-    std::pmr::vector<Variable> variables;
+    Variables variables;
     std::vector<std::size_t> regIndex; // of each variable among betas; empty without a regression
     TargetKind targetKind = TargetKind::Other;
-    std::pmr::vector<double> betas; // coefficients and constant; empty for a model that gets no sum
-    ProbabilityTable table;         // y has at least as many values as x, which may have none
-    bool endsScript = false;        // where its table would stand
+    std::vector<double> betas; // coefficients and constant; empty for a model that gets no sum
+    ProbabilityTable table;    // y has at least as many values as x, which may have none
+    bool endsScript = false;   // where its table would stand
 };
 
-// The model of that document, or those of a list. None, after a message, when the file is a list
-// without entries. A document that cannot be read is no error here.
+// The model of that document, or those of a list. Prints a message and returns none if the file is
+// a list without entries. A document that cannot be read is not an error.
 std::vector<HtmlModel> readModels(const QString &modelPath);
 
-// Reads the regression and the probability table of each model. False, after a message, when the
-// regression of a model leaves out one of its variables. Arrays that are too short are
-// noted as the problem of their document; of the tables those up to the one that ends the script
-// are read.
+// Reads the regression and the probability table of each model. Prints a message and returns false
+// if the regression of a model lacks one of its variables. Arrays that are too short are noted as
+// problems of their documents. Tables after the one that ends the script are not read.
 bool readRegressions(std::vector<HtmlModel> &models);

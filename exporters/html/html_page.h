@@ -1,18 +1,18 @@
-// The state of one page, which the pieces of the exporter hand to each other.
+// The state of one page, which the parts of the exporter share.
 #pragma once
 
 #include "exporters/html/html_models.h"
 #include "model/canvas_tags.h"
 #include "model/text_buffer.h"
 
-// One variable of one of the models. Records of one column stand next to each other and
-// share the form control of the one that was found first.
+// One variable of one of the models. Records of one column are adjacent and share the form control
+// of the one that was created first.
 struct VariableRecord {
     QStringView field; // the input column
     QString formName;  // of the column's form control
-    QString jsName;    // what the script calls the variable
+    QString jsName;    // the name of the variable in the script
     int modelIndex;
-    std::size_t univIndex;
+    std::size_t univIndex; // the position of the variable in its model
 };
 
 struct HtmlPage {

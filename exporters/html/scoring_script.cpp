@@ -1,4 +1,4 @@
-// The script, with the function that puts each stretch of it:
+// The script, and the function that puts each part of it:
 //
 // function enterDoubleField(formVal,formUnknown,scoreAr,boundAr)     writeHtmlScript
 //       m0_V1_score = enterDoubleField(document.QRVform.m0_V1, …     writeVariableScoreLines
@@ -12,6 +12,7 @@
 #include "exporters/html/scoring_script.h"
 
 #include "exporters/html/scoring_script_text.h"
+#include "model/target_rules.h"
 
 #include <algorithm>
 #include <optional>
@@ -21,22 +22,17 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// Categories are read from a list once there are this many of them. The page shows a list already
-// for one less; existing pages do so too, and read five categories as unknown.
-constexpr int listReadFrom = 6;
-
-// What the score lines may come to: their number, and the characters of the names in them. Lists of
-// hundreds of models stay below; one step further no browser takes the page.
+// The limits of the score lines: their number, and the characters of the names in them. Lists of
+// hundreds of models stay below; browsers do not load a page that is much longer.
 constexpr qsizetype mostScoreLines = qsizetype(1) << 23;
 constexpr double mostNameCharacters = 1 << 29;
 
-// None for a list of values without the list.
+// None for a categorical variable without a list of values.
 std::optional<ControlKind> controlKind(const Variable &variable) {
     if (!variable.isCategorical) return ControlKind::NumberField;
     const XmlNode modalities = variable.node.childNode(u"Modalities");
     if (modalities.isEmpty()) return {};
-    return modalities.childCount(u"Mod") >= listReadFrom ? ControlKind::List
-                                                         : ControlKind::RadioButtons;
+    return htmlReadsList(variable.values.size()) ? ControlKind::List : ControlKind::RadioButtons;
 }
 
 void putScoreLines(TextBuffer &out, HtmlPage &page) {
@@ -47,8 +43,8 @@ void putScoreLines(TextBuffer &out, HtmlPage &page) {
     }
 }
 
-// A model whose kind is neither a probability nor a prediction gets terms without a sum: existing
-// pages show an error then.
+// A model whose kind is neither a probability nor a prediction gets terms without a sum, and the
+// page shows an error: existing pages are like this.
 void putModelSum(TextBuffer &out, const HtmlModel &model) {
     if (model.betas.empty()) return;
     const bool isProbability = model.targetKind == TargetKind::Probability;
@@ -107,7 +103,7 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
 
 void putProbabilityTable(TextBuffer &out, const HtmlModel &model) {
     if (!model.table.exists) return;
-    const std::pmr::vector<double> &scores = model.table.x;
+    const std::vector<double> &scores = model.table.x;
     put(out, u"mapScore[", model.position, u"]  = [");
     putNumbers(out, scores);
     put(out, u"];\nmapProba[", model.position, u"]  = [");
@@ -119,7 +115,7 @@ void putProbabilityTable(TextBuffer &out, const HtmlModel &model) {
 
 QString scoreLinesProblem(const std::vector<VariableRecord> &records) {
     qsizetype lines = 0;
-    double characters = 0; // of names, which may be too many for an integer
+    double characters = 0; // of names; an integer might overflow
     qsizetype repeats = 0;
     for (std::size_t i = 0; i < records.size(); ++i) {
         const VariableRecord &record = records[i];
@@ -146,7 +142,7 @@ void writeHtmlScript(TextBuffer &out, HtmlPage &page) {
     for (const HtmlModel &model : page.models) {
         if (model.endsScript) return;
         putProbabilityTable(out, model);
-        // The third probability of each table sets the scale, however few scores there are.
+        // The third probability of each table sets the scale, even if there are fewer scores.
         if (model.table.y.size() > 2) maxProbability = std::max(maxProbability, model.table.y[2]);
     }
     put(out, u"var histogramMaxProba=", streamNumber(maxProbability), u";\n");

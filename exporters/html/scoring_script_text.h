@@ -1,5 +1,4 @@
-// The fixed texts of the scoring script, in the order in which they stand in the page; $name$ is a
-// place that is filled.
+// The fixed texts of the scoring script, in the order of the page; $name$ is a place for fill().
 #pragma once
 
 inline constexpr char16_t scriptHead[] = uR"js(<script type="text/javascript">

@@ -1,26 +1,21 @@
-// Columns are kept by their names while the models are visited in rounds, one variable of each
-// model a round. A record is appended to its column's list and the lists are read backwards at the
-// end, which puts each new record before the older ones of its column.
+// Models are visited in rounds, one variable of each model per round. A record is appended to the
+// list of its column, and the lists are read backwards at the end: this puts newer records before
+// older ones without moving them.
 #include "exporters/html/variable_list.h"
 
 #include <algorithm>
 #include <iterator>
-#include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The records of one column in the order in which they were found.
+// The records of one column, in the order in which they were created.
 using Column = std::vector<VariableRecord>;
-
-struct HashOfField {
-    std::size_t operator()(QStringView field) const { return hashText(field); }
-};
 
 struct Columns {
     std::vector<Column> columns;
-    std::unordered_map<QStringView, std::size_t, HashOfField> positions; // by field
+    TextTable<QStringView, std::size_t> positions; // by field
 };
 
 void addRecord(Columns &list, const HtmlModel &model, std::size_t univIndex) {

@@ -1,4 +1,4 @@
-// A module, with the function that puts each stretch of it:
+// A module, and the function that puts each part of it:
 //
 //    QORVALIS v4.2.1 auto-generated model                            putBanner
 //         self.dict_R1_job = {"":0.25,"clerk":2}                     putDictionaries
@@ -14,7 +14,9 @@
 #include "exporters/python/python_exporter.h"
 
 #include "exporters/python/python_text.h"
+#include "model/banner.h"
 #include "model/regression.h"
+#include "model/target_rules.h"
 #include "model/text_buffer.h"
 #include "model/write_output.h"
 
@@ -22,10 +24,10 @@
 
 namespace {
 
-constexpr QStringView cleanedCharacters = u" .'-";
+constexpr BannerText banner = {pythonBanner, u"  ", u"\n", u"'''\n"};
 
-// The last component of the path, its solidus included, up to the last full stop; all that follows
-// the solidus when the full stop stands before it.
+// The last component of the path, with the slash before it, up to the last full stop; the whole
+// component if it has no full stop.
 QString classNameOf(const QString &modelFile) {
     QString path = modelFile;
     path.replace(u'\\', u'/');
@@ -34,23 +36,11 @@ QString classNameOf(const QString &modelFile) {
     return path.mid(start, end < start ? -1 : end - start);
 }
 
-void putBanner(TextBuffer &out, const ModelDocument &document,
-               std::span<const Variable> variables) {
-    fill(out, pythonBanner,
-         {{u"version", modelVersion(document)},
-          {u"file", document.fileName},
-          {u"count", std::ssize(variables)}});
-    for (const Variable &variable : variables) {
-        put(out, u"  ", variable.cleanField, u"  <->  ", variable.recodingName, u"\n");
-    }
-    put(out, u"'''\n");
-}
-
 void putDictionaries(TextBuffer &out, std::span<const Variable> variables) {
     for (const Variable &variable : variables) {
         if (!variable.isCategorical) continue;
         const CategoricalRecoding recoding = categorical(variable);
-        // A boolean column's entries end in a comma, another's are separated by one.
+        // Each entry of a boolean column ends with a comma; others have commas between them.
         const QStringView separator = recoding.isBoolean ? u"" : u",";
         const QStringView end = recoding.isBoolean ? u"," : u"";
         put(out, u"        self.dict_", variable.recodingName, u" = {\"\":", recoding.y[0], end);
@@ -78,7 +68,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
         u"\n\n");
 }
 
-// With codes the parenthesis after "if" is never closed: existing modules look like this.
+// If there are codes, the parenthesis after "if" is never closed: existing modules are like this.
 void putMissingTest(TextBuffer &out, std::span<const double> codes) {
     if (codes.empty()) {
         put(out, u"            if isnan(data):\n");
@@ -163,17 +153,18 @@ void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const QStringView replaced = replacedCharacters(Target::Python);
+    const Variables variables = readVariables(document, replaced);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
-    const QString prefix = targetPrefix(document, cleanedCharacters);
+    const QString prefix = targetPrefix(document, replaced);
     const QString name = className.isEmpty() ? classNameOf(modelFile) : className;
     const bool isLogistic = !table.exists && hasLogisticProbability(document);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     return writeOutput(moduleFile, OutputEncoding::Utf8, [&](TextBuffer &out) {
-        putBanner(out, document, variables);
+        putBanner(out, document, variables, banner);
         put(out, pythonImports);
         put(out, u"class QORVModel_", name, u":\n");
         put(out, u"    def __init__(self):\n");

@@ -3,8 +3,8 @@
 
 #include <QString>
 
-// Writes a module with one class, as UTF-8 with byte-order mark. An empty class name asks for one
-// that is derived from the model file's path. Returns 0, silently; 6 or 7 for an output that cannot
-// be opened or written; 8 for a document that cannot be loaded, whose arrays are too short or whose
-// regression cannot be used. Touches the output only for 0 and 7.
+// Writes a module with one class, as UTF-8 with byte-order mark. An empty class name is replaced by
+// one derived from the path of the model file. Returns 0 without a message; 6 or 7 for an output
+// that cannot be opened or written; 8 for a document that cannot be loaded, whose arrays are too
+// short or whose regression cannot be used. Touches the output only for 0 and 7.
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className);

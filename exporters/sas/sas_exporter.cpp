@@ -1,4 +1,4 @@
-// A script, with the function that puts each stretch of it:
+// A script, and the function that puts each part of it:
 //
 //  *  QORVALIS v4.2.1 auto-generated model        *    putBanner
 //    /* computing recoding 'R0_Age'                     putHeading
@@ -14,7 +14,9 @@
 #include "exporters/sas/sas_exporter.h"
 
 #include "exporters/sas/sas_text.h"
+#include "model/banner.h"
 #include "model/regression.h"
+#include "model/target_rules.h"
 #include "model/text_buffer.h"
 #include "model/write_output.h"
 #include "platform/platform.h"
@@ -24,39 +26,14 @@
 namespace {
 
 constexpr int exitUnsupportedRecoding = 1;
-constexpr QStringView cleanedCharacters = u" .";
-
-bool isSupported(const Variable &variable) {
-    return variable.isCategorical || variable.type == u"NormContinuous" ||
-           variable.type == u"Discretize";
-}
-
-void putBanner(TextBuffer &out, const ModelDocument &document,
-               std::span<const Variable> variables) {
-    fill(out, sasBanner,
-         {{u"version", modelVersion(document)},
-          {u"file", document.fileName},
-          {u"count", std::ssize(variables)}});
-    for (const Variable &variable : variables) {
-        put(out, u" *  ", variable.cleanField, u"  <->  ", variable.recodingName,
-            u"            *\n");
-    }
-    put(out, sasBannerEnd);
-}
-
-// Values are compared as they stand only when all of them look like plain numbers.
-bool needsQuotes(const CategoricalRecoding &recoding) {
-    const auto isPlain = [](QChar c) { return (c >= u'0' && c <= u'9') || c == u'.'; };
-    return recoding.isBoolean || !std::ranges::all_of(recoding.values, [&](QStringView value) {
-               return std::all_of(value.begin(), value.end(), isPlain);
-           });
-}
+constexpr BannerText banner = {sasBanner, u" *  ", u"            *\n", sasBannerEnd};
 
 void putCategorical(TextBuffer &out, const Variable &variable,
                     const CategoricalRecoding &recoding) {
     const QStringView field = variable.cleanField;
     const QStringView name = variable.recodingName;
-    const QStringView quote = needsQuotes(recoding) ? u"\"" : u"";
+    const bool hasQuotes = recoding.isBoolean || !sasComparesNumbers(recoding.values);
+    const QStringView quote = hasQuotes ? u"\"" : u"";
 
     put(out, u"   if trim(left(", field, u"))=\"\" then ", name, u"=", recoding.y[0], u";\n");
     for (std::size_t i = 0; i < recoding.values.size(); ++i) {
@@ -68,8 +45,8 @@ void putCategorical(TextBuffer &out, const Variable &variable,
     put(out, u"   else ", name, u"=", recoding.y[0], u";\n");
 }
 
-// Opens the test for a missing value. With a list of codes the opening "if" is not written, and the
-// document's last code, which stands first here, is left out: existing scripts look like this.
+// Begins the test for a missing value. If there is a list of codes, the test lacks its opening "if"
+// and the document's last code, which is the first here: existing scripts are like this.
 void putMissingTest(TextBuffer &out, QStringView field, const MissingCodes &missing) {
     if (!missing.isListed) {
         put(out, u"   if (", field, u"=.");
@@ -154,13 +131,14 @@ void putClosing(TextBuffer &out, std::span<const Variable> variables) {
 int exportToSas(const QString &modelFile, const QString &scriptFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
-    if (!std::ranges::all_of(variables, isSupported)) {
+    const QStringView replaced = replacedCharacters(Target::Sas);
+    const Variables variables = readVariables(document, replaced);
+    if (!std::ranges::all_of(variables, sasSupports, &Variable::type)) {
         printText(u"Unsupported recoding (from RANK)!\n"
                   "Please update Qorv to the latest version.\n");
         return exitUnsupportedRecoding;
     }
-    const QString prefix = targetPrefix(document, cleanedCharacters);
+    const QString prefix = targetPrefix(document, replaced);
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     requireVariables(document, regression);
@@ -168,7 +146,7 @@ int exportToSas(const QString &modelFile, const QString &scriptFile) {
     if (!document.problem.isEmpty()) return reportProblem(document);
 
     return writeScript(scriptFile, [&](TextBuffer &out) {
-        putBanner(out, document, variables);
+        putBanner(out, document, variables, banner);
         putRecodings(out, variables, recodings);
         putScore(out, variables, regression, prefix);
         if (table.exists) {

@@ -1,4 +1,4 @@
-// The document in which an ETL engine finds a script and the connection to run it on.
+// The document from which an ETL engine takes a script and the connection to run it on.
 #pragma once
 
 #include "model/text_buffer.h"
@@ -8,7 +8,7 @@
 struct EtlConnection {
     QString link;
     QString login;
-    QString password; // written in clear
+    QString password; // written as plain text
 };
 
 void putEtlDocument(TextBuffer &out, const EtlConnection &connection, bool hasReaderMode,

@@ -1,5 +1,5 @@
-// The configuration names the model and the output. The script goes straight into its file; an ETL
-// document takes it as text, so that it is made in memory first.
+// The configuration names the model and the output. A script is written straight into its file. An
+// ETL document contains the script as escaped text, so it is made in memory first.
 #include "exporters/sql/sql_exporter.h"
 
 #include "exporters/sql/etl_document.h"

@@ -1,4 +1,4 @@
-// A script with a temporary table, with the function that puts each stretch of it:
+// A script with a temporary table, and the function that puts each part of it:
 //
 // -- drop table predictions;                                  putPredictionTable
 // create table Qorv_TMP_predictions(id VARCHAR(20), …         putTemporaryTable
@@ -13,19 +13,15 @@
 // DROP TABLE Qorv_TMP_predictions;                            putTemporaryMapping
 #include "exporters/sql/sql_script.h"
 
+#include "model/target_rules.h"
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// --- What is written
+// --- Names and plan
 
-QString keyName(const ModelDocument &document, const SqlConfiguration &configuration) {
-    if (!configuration.keyName.isEmpty()) return configuration.keyName;
-    const QStringView key = document.root.childNode(u"MetaData").childNode(u"Key").text();
-    return key.isEmpty() ? u"id"_s : key.toString();
-}
-
-// Before the name of each table.
+// The text before the name of each table.
 QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &dialect) {
     const QString &schema = configuration.schemaName;
     return schema.isEmpty() ? QString() : sqlIdentifier(dialect, schema) + u'.';
@@ -70,8 +66,8 @@ QStringView tableClause(const SqlScript &script) {
 void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     if (!script.configuration.createPredictionTable) return;
     put(out, u"-- drop table ", script.predictionTable, u";\n");
-    put(out, u"create table ", script.predictionTable, u"(", script.key, u" VARCHAR(20), ",
-        script.prediction, u" FLOAT(53))", tableClause(script), u";\n");
+    put(out, u"create table ", script.predictionTable, u"(", script.key, u" VARCHAR(",
+        longestSqlKey, u"), ", script.prediction, u" FLOAT(53))", tableClause(script), u";\n");
     if (script.dialect.makesIndex) {
         const QString indexed = sqlTableName(script.dialect, script.configuration.predictionTable);
         put(out, u"CREATE INDEX ", indexed, u"_index ON ", script.predictionTable, u"(", script.key,
@@ -79,8 +75,8 @@ void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     }
 }
 
-// A script that does not create the temporary table shows how it was made: the first line of the
-// statement is written as a comment.
+// If the script does not create the temporary table, the first line of the statement becomes a
+// comment, which shows how the table was made.
 void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     const QString &table = script.temporaryTable;
     const bool creates = script.configuration.createTmpTable;
@@ -89,7 +85,8 @@ void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     } else {
         put(out, u"-- ");
     }
-    put(out, u"create table ", table, u"(", script.key, u" VARCHAR(20), score FLOAT(53)");
+    put(out, u"create table ", table, u"(", script.key, u" VARCHAR(", longestSqlKey,
+        u"), score FLOAT(53)");
     for (const QString &column : script.debugColumns) put(out, u",\n", column, u" FLOAT(53)");
     put(out, u")", tableClause(script), u";\n");
     if (!creates) put(out, u"delete from ", table, u";\n");
@@ -128,7 +125,7 @@ void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const QString &f
     put(out, u"   ELSE ", points(recoding.scoreMissing()), u"\n   END ");
 }
 
-// A boolean column may be stored as 0 and 1, and then has no texts to compare with.
+// A boolean column may be stored as 0 and 1 (isNumber), and is then not compared with texts.
 void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QString &field,
                         const CategoricalRecoding &recoding, bool isNumber, double coefficient) {
     const WrappedName text = {dialect.textTrim, field};
@@ -152,8 +149,8 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QStrin
     put(out, u"   ELSE ", points(recoding.y[0]), u"\n   END");
 }
 
-// Each variable's CASE, already multiplied with its coefficient: as one term of the sum, or as a
-// column of its own.
+// Each variable's CASE, whose scores are multiplied by its coefficient. It is a term of the sum or,
+// for debugging, a separate column.
 void putContributions(TextBuffer &out, const SqlScript &script) {
     const SqlDialect &dialect = script.dialect;
     const Recodings &recodings = script.recodings;
@@ -191,8 +188,9 @@ void putScoreSelect(TextBuffer &out, const SqlScript &script) {
 
 // --- Probability
 
-// Selects from what is written next. `prefix` stands before each "score". Between the last two
-// points of the table there is no probability: existing scripts look like this.
+// Ends with "from"; the caller puts the table or the query. `prefix` is put before each "score".
+// Scores between the last two points of the table get the probability 0: existing scripts are like
+// this.
 void putProbabilitySelect(TextBuffer &out, const SqlScript &script, const QString &prefix) {
     const SqlDialect &dialect = script.dialect;
     const ProbabilityTable &table = script.probabilities;
@@ -231,8 +229,7 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
                         const SqlDialect &dialect) {
     const QString schema = schemaPrefix(configuration, dialect);
     const QString &target = configuration.predictionTable;
-    const QString temporary = u"Qorv_TMP_"_s + target;
-    std::pmr::vector<Variable> variables = readVariables(document, {});
+    Variables variables = readVariables(document, replacedCharacters(Target::Sql));
     ProbabilityTable probabilities;
     if (dialect.hasProbability) probabilities = readProbabilityTable(document);
     const SqlPlan plan = choosePlan(probabilities, configuration);
@@ -250,11 +247,11 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
         .configuration = configuration,
         .dialect = dialect,
         .plan = plan,
-        .key = sqlIdentifier(dialect, keyName(document, configuration)),
+        .key = sqlIdentifier(dialect, keyColumn(configuration, document)),
         .prediction = sqlIdentifier(dialect, configuration.prediction),
         .predictionTable = schema + sqlTableName(dialect, target),
         .inputTable = schema + sqlIdentifier(dialect, configuration.inputTable),
-        .temporaryTable = schema + sqlTableName(dialect, temporary),
+        .temporaryTable = schema + sqlTableName(dialect, temporaryTableName(configuration)),
         .variables = std::move(variables),
         .fields = std::move(fields),
         .debugColumns = std::move(columns),
@@ -276,8 +273,7 @@ void putSqlScript(TextBuffer &out, const SqlScript &script) {
         break;
     case SqlPlan::Nested:
         putPredictionInsert(out, script);
-        // The case of the alias differs from that where it is made: existing scripts look like
-        // this.
+        // The alias is defined in another case, below: existing scripts are like this.
         putProbabilitySelect(out, script, u"qorv_tmp."_s);
         put(out, u"\n(");
         putScoreSelect(out, script);

@@ -9,11 +9,11 @@
 enum class SqlPlan {
     ScoreOnly,      // the score is the prediction
     Nested,         // the probability is selected from the score select
-    TemporaryTable, // the score goes into a table of its own first
+    TemporaryTable, // the scores go into another table first
 };
 
-// All that a script is written from. Names are quoted, and tables have their schema. Valid as long
-// as the configuration and the document.
+// Everything that a script is written from. Names are quoted, and tables have their schema. Valid
+// as long as the configuration and the document.
 struct SqlScript {
     const SqlConfiguration &configuration;
     const SqlDialect &dialect;
@@ -23,16 +23,16 @@ struct SqlScript {
     QString predictionTable;
     QString inputTable;
     QString temporaryTable;
-    std::pmr::vector<Variable> variables;
+    Variables variables;
     std::vector<QString> fields;       // of each variable
     std::vector<QString> debugColumns; // of each variable, or none
     ProbabilityTable probabilities;    // unless the plan is ScoreOnly
-    double constant;                   // 0 where it is not written
+    double constant;                   // 0 if it is not written
     std::vector<double> coefficients;  // of each variable
     Recodings recodings;
 };
 
-// What is wrong with the model is noted in the document; the script is then not to be written.
+// Problems of the model are noted in the document; the script must not be written then.
 SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configuration,
                         const SqlDialect &dialect);
 

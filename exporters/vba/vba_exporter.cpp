@@ -1,5 +1,4 @@
-// A module, with the function that puts each stretch of it. All that is long and fixed stands in
-// vba_text.h.
+// A module, and the function that puts each part of it. Long fixed texts are in vba_text.h.
 //
 // ' *  QORVALIS v4.2.1 auto-generated model         *        putBanner
 //      variableNames(1)="Age"                                 putInitialisation
@@ -14,34 +13,23 @@
 #include "exporters/vba/vba_exporter.h"
 
 #include "exporters/vba/vba_text.h"
+#include "model/banner.h"
 #include "model/regression.h"
+#include "model/target_rules.h"
 #include "model/text_buffer.h"
 #include "model/write_output.h"
 
 namespace {
 
-constexpr QStringView cleanedCharacters = u"\"%'-() /.";
+constexpr BannerText banner = {vbaBanner, u"' *  ", u"            *\n", vbaBannerEnd};
 constexpr int mostLinesOfStatement = 24;
 
-// Where the module's arrays, which count from 1, keep the variable's column.
+// The variable's index in the arrays of the module, which start at 1.
 std::ptrdiff_t slotOf(const Variable &variable) {
     return static_cast<std::ptrdiff_t>(variable.position) + 1;
 }
 
-void putBanner(TextBuffer &out, const ModelDocument &document,
-               std::span<const Variable> variables) {
-    fill(out, vbaBanner,
-         {{u"version", modelVersion(document)},
-          {u"file", document.fileName},
-          {u"count", std::ssize(variables)}});
-    for (const Variable &variable : variables) {
-        put(out, u"' *  ", variable.cleanField, u"  <->  ", variable.recodingName,
-            u"            *\n");
-    }
-    put(out, vbaBannerEnd);
-}
-
-// `routine` is what the block leaves when a sheet or a title is not found: "Function" or "Sub".
+// `routine` is what the code exits if it does not find a sheet or a title: "Function" or "Sub".
 void putInitialisation(TextBuffer &out, std::span<const Variable> variables, QStringView routine) {
     fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
@@ -51,7 +39,7 @@ void putInitialisation(TextBuffer &out, std::span<const Variable> variables, QSt
     fill(out, vbaTitleSearch, {{u"exit", routine}});
 }
 
-// A cell that holds a truth value shows these texts.
+// The module sees the text that a cell shows, and a truth value shows as True or False.
 QStringView shownInCell(QStringView value) {
     if (value == u"TRUE") return u"True";
     if (value == u"FALSE") return u"False";
@@ -75,8 +63,8 @@ void putCategorical(TextBuffer &out, const Variable &variable,
     put(out, u"   End Select\n");
 }
 
-// The score of a missing value comes first. A cell that is empty, no number or equal to the only
-// bound keeps it.
+// The recoding starts with the score of a missing value, and keeps it if the cell is empty, is not
+// a number or equals the only bound.
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
     const QStringView name = variable.recodingName;
 
@@ -115,8 +103,8 @@ void putRecodings(TextBuffer &out, std::span<const Variable> variables,
     }
 }
 
-// Puts every term on a line of its own, in as many statements as the language's limit of
-// continued lines asks for.
+// Puts every term on a separate line. The language limits the lines of a statement, so a long sum
+// takes several statements.
 void putTerms(TextBuffer &out, std::span<const Variable> variables, const Regression &regression) {
     put(out, u"\n\n'   computing the regression Model\n  score = ", regression.constant);
     int lines = 2;
@@ -175,7 +163,7 @@ void putRangeChecks(TextBuffer &out, std::span<const Variable> variables) {
 int exportToVba(const QString &modelFile, const QString &moduleFile) {
     ModelDocument document = loadModel(modelFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
-    const std::pmr::vector<Variable> variables = readVariables(document, cleanedCharacters);
+    const Variables variables = readVariables(document, replacedCharacters(Target::Vba));
     const Recodings recodings = readRecodings(document, variables);
     const Regression regression = readRegression(document, variables);
     const ProbabilityTable table = readProbabilityTable(document);
@@ -183,7 +171,7 @@ int exportToVba(const QString &modelFile, const QString &moduleFile) {
 
     return writeScript(moduleFile, [&](TextBuffer &out) {
         put(out, vbaDeclarations);
-        putBanner(out, document, variables);
+        putBanner(out, document, variables, banner);
         put(out, vbaFunctionHead);
         putInitialisation(out, variables, u"Function");
         put(out, vbaRowDeclarations);

@@ -1,4 +1,4 @@
-// The fixed texts of the VBA module; $name$ is a place that is filled.
+// The fixed texts of the VBA module; $name$ is a place for fill().
 #pragma once
 
 inline constexpr char16_t vbaDeclarations[] =
@@ -125,7 +125,7 @@ inline constexpr char16_t vbaRangeRows[] = uR"(   Application.EnableEvents = Fal
    For idxRow = dataTable.row to idxRowEnd
 )";
 
-// The green of an empty cell is beyond what a component holds; a worksheet takes it as 255.
+// The green of an empty cell is above 255; a worksheet treats it as 255.
 inline constexpr char16_t vbaRangeCheck[] = uR"('    $recoding$
      Set c=ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRow, idxStartData + td.indexes($slot$))
      If (Trim(c.Value) = "") Then

@@ -8,7 +8,8 @@ import numpy as np
 
 from .values import doubles, integers, require
 
-REPLACED = ("", " .", " .'-", " .'-\"%()/")  # the characters that SQL, SAS, Python and VBA turn into "_" in names
+# The characters that SQL, SAS, Python and VBA turn into "_" in names, as the program does (model/target_rules.cpp).
+REPLACED = ("", " .", " .'-", " .'-\"%()/")
 
 
 def clean(name, replaced):
@@ -71,41 +72,52 @@ def write(path, card, table):
     Path(path).write_bytes(("\ufeff" + text).encode("utf-16-le"))
 
 
+def attribute(node, name):
+    require(name in node.keys(), f"an element {node.tag} has no attribute {name}")
+    return node.get(name)
+
+
 def child(node, name):
     return next((child for child in node if child.tag.lower() == name), ElementTree.Element(name))
 
 
-def numbers(node, name, code="<f8"):
-    """The array of that name, as far as it holds whole numbers."""
-    data = base64.b64decode((child(node, name).text or "") + "==")
-    return np.frombuffer(data[:len(data) // int(code[2]) * int(code[2])], code).tolist()
+def numbers(node, name, code="<f8", is_cut=False):
+    """The array of that name. is_cut: whether what is behind the last whole number is left out, as the program does."""
+    data = base64.b64decode((child(node, name).text or "") + "==" * is_cut)
+    return np.frombuffer(data[:len(data) // 8 * 8] if is_cut else data, code).tolist()
 
 
 def parse(path):
-    """The document's root. Raises SyntaxError or ValueError for what is not XML."""
+    """The document's root. Raises ParseError or ValueError for what is not XML."""
     data = Path(path).read_bytes()
     encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
     return ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
 
 
-def read(path, card):
-    """Fills an empty scorecard."""
-    try:
-        root = parse(path)
-        meta, regression = child(root, "metadata"), child(root, "regressionmodel")
-        require(len(regression) and "normalizationMethod" not in regression.keys(), "no regression, or a logistic form")
-        card.target, card.kind = child(meta, "target").text or "", meta.get("tkind", "T")
-        for model in child(root, "univmodels"):
-            values = [(mod.get("val"), mod.get("label", "")) for mod in child(model, "modalities")]
-            card.add(model.get("field"), model.get("type"), numbers(model, "y"), numbers(model, "x"), values,
-                     model.get("tname") == "bb64", label=model.get("displayName"), number=int(model.get("name")[1:]))
-        *coefficients, card.constant = numbers(regression, "betas")
-        card.coefficients = dict(zip(numbers(regression, "indexes", "<i4"), coefficients, strict=True))
-    except (SyntaxError, TypeError, ValueError) as error:
-        raise ValueError(f"{path}: {error}") from None
+def fill(card, root):
+    """Fills an empty scorecard from a document's root."""
+    meta, regression = child(root, "metadata"), child(root, "regressionmodel")
+    require(len(regression) and "normalizationMethod" not in regression.keys(), "no regression, or a logistic form")
+    card.target, card.kind = child(meta, "target").text or "", meta.get("tkind", "T")
+    for model in child(root, "univmodels"):
+        values = [(attribute(mod, "val"), mod.get("label", "")) for mod in child(model, "modalities")]
+        card.add(attribute(model, "field"), model.get("type"), numbers(model, "y"), numbers(model, "x"), values,
+                 model.get("tname") == "bb64", label=model.get("displayName"), number=int(attribute(model, "name")[1:]))
+    *coefficients, card.constant = numbers(regression, "betas")
+    indexes = numbers(regression, "indexes", "<i4")
+    require(len(indexes) == len(coefficients), f"{len(indexes)} indexes and {len(coefficients)} coefficients")
+    card.coefficients = dict(zip(indexes, coefficients))
     fields = {field.get("name", "").lower(): numbers(field, "missing") for field in child(root, "datadictionary")}
     for column in {r.column for r in card.recodings if r.type != "MapValues"}:
         card.missing[column] = next((fields[n.lower()] for n in names(column) if fields.get(n.lower())), [])
     mapping = child(root, "probabilitymapping")
     card.table = (numbers(mapping, "x"), numbers(mapping, "y")) if len(mapping) else None
+
+
+def read(path, card):
+    """Fills an empty scorecard. Only errors of the document are reported as such."""
+    try:
+        fill(card, parse(path))
+    except (ElementTree.ParseError, ValueError) as error:
+        raise ValueError(f"{path}: {error}") from None
     return card

@@ -12,7 +12,7 @@ import re
 from collections.abc import Callable
 from pathlib import Path
 from typing import NamedTuple, Optional
-from xml.etree.ElementTree import Element
+from xml.etree.ElementTree import Element, ParseError
 
 from . import document
 from .values import require
@@ -117,11 +117,11 @@ def main() -> None:
     try:
         root = document.parse(options.model)
         fields = reversed(document.child(root, "datadictionary"))  # of several with one name the first counts
-        codes = {folded(field.get("name", "")): document.numbers(field, "missing") for field in fields}
+        codes = {folded(field.get("name", "")): document.numbers(field, "missing", is_cut=True) for field in fields}
         model = Model([node for node in document.child(root, "univmodels") if node.tag.lower() == "model"], codes)
         for file in options.files:
             file.write_bytes(repaired(file.read_bytes(), file.suffix.lower(), model, options.backslash_escapes))
-    except (OSError, SyntaxError, ValueError) as error:
+    except (OSError, ParseError, ValueError) as error:
         parser.exit(1, f"{error}\n" if isinstance(error, OSError) else f"{file or options.model}: {error}\n")
 
 

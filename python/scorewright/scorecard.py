@@ -1,25 +1,36 @@
 """The scorecard: recodings of columns, a regression over them, a table from score to probability."""
 
-from collections import namedtuple
+from __future__ import annotations
+
+import os
 from collections.abc import Mapping, Sequence
-from typing import Any, Optional
+from typing import Any, NamedTuple
 
 import numpy as np
 import pandas as pd
 
 from . import binnings, document, pipelines
 from .bounds import document_bounds
-from .tables import ended, logistic_table
+from .tables import Numbers, Table, ended, logistic_table
 from .values import cell_text, require
 
 SPELLINGS = ("false", "False", "FALSE", "0", "no"), ("true", "True", "TRUE", "1", "yes")
 
 
-Recoding = namedtuple("Recoding", "number column type scores bounds values boolean label")
-Recoding.__doc__ = """A column's recoding as a document holds it. Of numbers ("NormContinuous" or "Discretize", both
-treated alike) n bounds and n + 2 scores: missing, below the first bound, from there up to and including the second,
-and so on, above the last. Of a list ("MapValues") n values, in pairs with labels, and n + 1 scores, the first of empty
-and unlisted cells. Of a boolean three scores, unknown, false, true; its first five values spell false."""
+class Recoding(NamedTuple):
+    """A column's recoding as a document holds it. Of numbers ("NormContinuous" or "Discretize", both treated alike) n
+    bounds and n + 2 scores: missing, below the first bound, from there up to and including the second, and so on, above
+    the last. Of a list ("MapValues") n values, in pairs with labels, and n + 1 scores, the first of empty and unlisted
+    cells. Of a boolean three scores, unknown, false, true; its first five values spell false."""
+
+    number: int
+    column: str
+    type: str
+    scores: list[float]
+    bounds: list[float]
+    values: list[tuple[str, str]]
+    boolean: bool
+    label: str
 
 
 def check(recoding):
@@ -61,12 +72,17 @@ class Scorecard:
     These, the list recodings and the dictionary coefficients (recodings' numbers and floats, in the order of the sum)
     may be changed until the card is used. All methods raise ValueError for what is wrong."""
 
-    def __init__(self, target="", kind="T", *, constant=0.0, table=None, missing=None, digits=16):
+    def __init__(self, target: str = "", kind: str = "T", *, constant: float = 0.0, table: Table | None = None,
+                 missing: Mapping[str, Numbers] | None = None, digits: int = 16) -> None:
         self.target, self.kind, self.constant, self.table = target, kind, constant, table
         self.missing, self.digits = dict(missing or {}), digits
-        self.recodings, self.coefficients, self._names = [], {}, {}
+        self.recodings: list[Recoding] = []
+        self.coefficients: dict[int, float] = {}
+        self._names: dict[str, str] = {}
 
-    def add(self, column, type, scores, bounds=(), values=(), boolean=False, *, coefficient=1, label=None, number=None):
+    def add(self, column: str, type: str, scores: Numbers, bounds: Numbers = (),
+            values: Sequence[tuple[str, str]] = (), boolean: bool = False, *, coefficient: float = 1,
+            label: str | None = None, number: int | None = None) -> int:
         """Adds a recoding as a document holds it, by default with the last one's number plus 1; returns its number."""
         number = number if number is not None else self.recodings[-1].number + 1 if self.recodings else 1
         require(number not in self.coefficients, f"column {column!r}: the number {number} is given twice")
@@ -78,7 +94,8 @@ class Scorecard:
         self.coefficients[number] = float(coefficient)
         return number
 
-    def add_numeric(self, column, bounds, scores, *, closed, missing=0.0, data=None, type="Discretize", **options):
+    def add_numeric(self, column: str, bounds: Numbers, scores: Numbers, *, closed: str, missing: float = 0.0,
+                    data: Numbers | None = None, type: str = "Discretize", **options: Any) -> int:
         """Adds a recoding of numbers and returns its number.
 
         bounds: n rising floats, in the column's unit. scores: n + 1 floats, of the intervals from below the first bound
@@ -92,7 +109,8 @@ class Scorecard:
         bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data, column)
         return self.add(column, type, [missing, *scores], bounds, **options)
 
-    def add_categorical(self, column, scores, *, other=0.0, labels=None, **options):
+    def add_categorical(self, column: str, scores: Mapping[Any, float], *, other: float = 0.0,
+                        labels: Mapping[Any, str] | None = None, **options: Any) -> int:
         """Adds a recoding of a list and returns its number.
 
         scores: a dictionary from each value to its score; a whole number is taken as its digits. other: the score of
@@ -101,20 +119,22 @@ class Scorecard:
         values = [(cell_text(value), (labels or {}).get(value, cell_text(value))) for value in scores]
         return self.add(column, "MapValues", [other, *scores.values()], (), values, **options)
 
-    def add_boolean(self, column, false, true, *, missing=0.0, spellings=SPELLINGS, labels=None, **options):
+    def add_boolean(self, column: str, false: float, true: float, *, missing: float = 0.0,
+                    spellings: tuple[Sequence[str], Sequence[str]] = SPELLINGS, labels: Mapping[str, str] | None = None,
+                    **options: Any) -> int:
         """Adds a recoding of a boolean and returns its number. false, true, missing: the scores. spellings: one to five
         texts that mean false, and one to nine that mean true. labels: as in a list."""
-        no, yes = map(list, spellings)
+        no, yes = [*spellings[0]], [*spellings[1]]
         require(0 < len(no) < 6 and 0 < len(yes) < 10 and not {*no} & {*yes}, f"column {column!r}: {spellings=}")
         values = [(value, (labels or {}).get(value, value)) for value in no + no[-1:] * (5 - len(no)) + yes]
         return self.add(column, "MapValues", [missing, false, true], (), values, True, **options)
 
-    def range(self):
+    def range(self) -> tuple[float, float]:
         """The lowest and the highest score that a row can have."""
         ends = [np.multiply(self.coefficients[r.number], r.scores) for r in self.recodings]
         return self.constant + sum(map(min, ends)), self.constant + sum(map(max, ends))
 
-    def checked_table(self):
+    def checked_table(self) -> tuple[list[float], list[float]] | None:
         """The table as it is written, with an end below the lowest score; raises what write does."""
         require(self.recodings, "the card has no recodings")
         require(sorted(self.coefficients) == sorted(r.number for r in self.recodings),
@@ -133,7 +153,7 @@ class Scorecard:
                 f"a table has falling scores and as many probabilities from 0 to 1: {self.table}")
         return ended(scores, probabilities, self.range()[0])
 
-    def score(self, frame):
+    def score(self, frame: pd.DataFrame) -> pd.DataFrame:
         """A frame's scores: a frame with the columns score and probability (NaN without table) and the same index."""
         table, recodings = self.checked_table(), {recoding.number: recoding for recoding in self.recodings}
         score = np.full(len(frame), float(self.constant))
@@ -144,23 +164,22 @@ class Scorecard:
         probability = np.interp(score, table[0][::-1], table[1][::-1]) if table else np.nan
         return pd.DataFrame({"score": score, "probability": probability}, index=frame.index)
 
-    def write(self, path):
+    def write(self, path: str | os.PathLike[str]) -> None:
         """Writes the document, with three things that change no score where they lack: points that end the table below
         all scores, each name under which a target looks for missing codes, and in a list of five values a sixth, which
         scores like unlisted ones."""
         document.write(path, self, self.checked_table())
 
     @classmethod
-    def read(cls, path):
+    def read(cls, path: str | os.PathLike[str]) -> Scorecard:
         """The scorecard of a document, without its key and the counts that preset controls of a page."""
         return document.read(path, cls())
 
     @classmethod
     def from_table(cls, table: Any, *, target: str, score: str = "points", variable: str = "variable", bin: str = "bin",
-                   coefficient: Optional[str] = None, constant: float = 0.0,
-                   bounds: Optional[Mapping[str, Sequence[float]]] = None,
-                   special: Optional[Mapping[str, Sequence[Any]]] = None, separator: Optional[str] = None,
-                   offset: float = 0.0, factor: float = -1.0, digits: int = 16) -> "Scorecard":
+                   coefficient: str | None = None, constant: float = 0.0, bounds: Mapping[str, Numbers] | None = None,
+                   special: Mapping[str, Sequence[Any]] | None = None, separator: str | None = None,
+                   offset: float = 0.0, factor: float = -1.0, digits: int = 16) -> Scorecard:
         """The scorecard of a table with a row for each bin: a frame, or a dictionary from variables to frames or to
         dictionaries from bins to scores.
 
@@ -177,11 +196,12 @@ class Scorecard:
         return card
 
     @classmethod
-    def from_sklearn(cls, pipeline, *, target, largest_error=None, unlisted_as_missing=False, data=None, digits=16):
+    def from_sklearn(cls, pipeline: Any, *, target: str, largest_error: float | None = None,
+                     unlisted_as_missing: bool = False, data: pd.DataFrame | None = None, digits: int = 16) -> Scorecard:
         """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot) and
         OneHotEncoder, also after a SimpleImputer, then a LogisticRegression or LogisticRegressionCV of two classes. Its
         score is that of decision_function, its probability that of the second class as logistic_table gives it. Cells
         for which the pipeline has no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing
-        what empty ones add. data: the frame that the pipeline was fitted on; bounds then become short
-        numbers between its values, and columns of bool may pass through."""
+        what empty ones add. data: the frame that the pipeline was fitted on; bounds then become short numbers between
+        its values, and columns of bool may pass through."""
         return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing, data)

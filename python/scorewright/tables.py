@@ -1,10 +1,16 @@
 """Tables from score to probability: falling scores and their probabilities, two lists of one length."""
 
-from typing import Optional
+from __future__ import annotations
+
+from collections.abc import Sequence
+from typing import Any, Union
 
 import numpy as np
 
 from .values import require
+
+Numbers = Union[Sequence[float], "np.ndarray[Any, Any]"]
+Table = tuple[Numbers, Numbers]
 
 
 def logistic(score):
@@ -20,8 +26,9 @@ def ended(scores, probabilities, lowest):
     return scores, probabilities
 
 
-def logistic_table(largest_error: Optional[float] = None, lowest: float = -1e6, highest: float = 1e6, *,
-                   relative_error: float = 0.001, offset: float = 0.0, factor: float = -1.0) -> tuple[list, list]:
+def logistic_table(largest_error: float | None = None, lowest: float = -1e6, highest: float = 1e6, *,
+                   relative_error: float = 0.001, offset: float = 0.0,
+                   factor: float = -1.0) -> tuple[list[float], list[float]]:
     """The table of the probability p of a score, offset + factor * log((1 - p) / p), for scores from the lowest to the
     highest. By default scores are log-odds of p. With a factor above 0 they are points, and a higher one is a lower
     risk; of a card whose odds double every d points it is d / log(2).

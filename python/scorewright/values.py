@@ -2,6 +2,7 @@
 
 import base64
 import numbers
+from collections.abc import Iterable
 
 import numpy as np
 
@@ -11,12 +12,12 @@ def require(condition, message):
         raise ValueError(message)
 
 
-def doubles(values):
+def doubles(values: Iterable[float]) -> str:
     """The text of any number of floats."""
     return base64.b64encode(np.asarray(list(values), "<f8").tobytes()).decode("ascii")
 
 
-def integers(values):
+def integers(values: Iterable[int]) -> str:
     """The text of any number of integers from -2**31 to 2**31 - 1."""
     return base64.b64encode(np.asarray(list(values), "<i4").tobytes()).decode("ascii")
 

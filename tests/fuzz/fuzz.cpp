@@ -16,7 +16,9 @@
 #include <array>
 #include <charconv>
 #include <cstring>
+#include <numeric>
 #include <span>
+#include <string>
 #include <vector>
 
 #include <sys/mman.h>
@@ -31,9 +33,11 @@ using Input = std::span<const uint8_t>;
 const QString nowhere = u"/dev/null"_s;
 const QString corpus = QStringLiteral(FUZZ_CORPUS "/model/");
 
-// The path of a file in memory that holds the input; the next call replaces it.
-QString fileOf(Input input) {
-    static const int file = memfd_create("input", 0);
+// The path of a file in memory that holds the input; the next call of that number replaces it.
+QString fileOf(Input input, std::size_t number = 0) {
+    static std::array<int, 3> files = {-1, -1, -1};
+    int &file = files[number];
+    if (file < 0) file = memfd_create("input", 0);
     if (ftruncate(file, 0) != 0 || pwrite(file, input.data(), input.size(), 0) < 0) std::abort();
     return u"/proc/self/fd/%1"_s.arg(file);
 }
@@ -113,43 +117,149 @@ void writeSql(Input input) {
     putSql(chosen, fileOf(input.subspan(2)));
 }
 
-// The rows are compared with themselves.
-void checkRows(const QString &model, const QString &rows) {
-    const Scorecard card = readScorecard(model);
-    if (!card.document.problem.isEmpty()) return;
-    std::vector<Finding> findings = inspect(card, {});
-    for (const Target target : {Target::Sql, Target::Vba, Target::Python, Target::Html}) {
-        RowOptions options;
-        options.file = options.results = rows;
-        if (target == Target::Sql && !card.columns.empty()) options.key = card.columns[0];
-        options.score = QStringLiteral("score");
-        options.target = target;
-        RowCounts counts;
-        ComparisonResult compared;
-        if (!scoreRows(card, findings, options, counts, compared).isEmpty()) {
-            options.results.clear(); // few inputs have a column of that name
-            scoreRows(card, findings, options, counts = {}, compared = {});
-        }
-        const Report report = {.card = card,
-                               .findings = findings,
-                               .counts = counts.scores.empty() ? nullptr : &counts,
-                               .compared = &options,
-                               .comparison = &compared};
-        TextBuffer out;
-        putModel(out, card);
-        putReport(out, report);
-        putHtmlReport(out, report);
-        jsonReport(report);
-    }
+// --- The companion
+
+uint8_t takeByte(Input &input) {
+    if (input.empty()) return 0;
+    const uint8_t byte = input.front();
+    input = input.subspan(1);
+    return byte;
 }
 
-// A model document, or the rows of a fixed one.
-void check(Input input) {
-    if (!input.empty() && (input[0] == '<' || input[0] == 0xFF || input[0] == 0xEF)) {
-        checkRows(fileOf(input), QStringLiteral(FUZZ_CORPUS "/check/rows"));
-    } else {
-        checkRows(corpus + u"kinds"_s, fileOf(input));
+// The bytes up to the next record separator of ASCII.
+std::string_view takeSection(Input &input) {
+    constexpr uint8_t separator = 0x1E;
+    const auto end = std::ranges::find(input, separator);
+    const auto size = static_cast<std::size_t>(end - input.begin());
+    const std::string_view section(reinterpret_cast<const char *>(input.data()), size);
+    input = input.subspan(std::min(size + 1, input.size()));
+    return section;
+}
+
+Input bytesOf(std::string_view text) {
+    return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
+}
+
+// Models of the corpus, which are read once.
+const Scorecard &knownModel(std::size_t number) {
+    static const std::array<Scorecard, 4> known = {
+        readScorecard(corpus + u"logistic"_s), readScorecard(corpus + u"kinds"_s),
+        readScorecard(corpus + u"missing"_s), readScorecard(corpus + u"none"_s)};
+    return known[number % known.size()];
+}
+
+// The first bytes of the input, each of which chooses.
+struct Choices {
+    uint8_t model = 0; // a known one, or one that the input holds
+    uint8_t target = 0;
+    uint8_t dialect = 0; // of SQL, or none
+    uint8_t columns = 0; // which there are
+    uint8_t form = 0;    // of the report, or none
+
+    bool hasKey() const { return (columns & 1) != 0; }
+    bool hasScore() const { return (columns & 2) != 0; }
+    bool hasProbability() const { return (columns & 4) != 0; }
+    bool hasTitles() const { return (columns & 8) != 0; } // the input, else they are put before it
+    bool comparesItself() const { return (columns & 16) != 0; }
+};
+
+std::string titled(std::span<const QString> titles, std::string_view lines, bool hasTitles) {
+    std::string text;
+    for (const QString &title : hasTitles ? std::span<const QString>() : titles) {
+        text += text.empty() ? "\"" : ",\"";
+        text += title.toStdString() + '"';
     }
+    return (text.empty() ? text : text + '\n').append(lines);
+}
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+void report(const Scorecard &card, std::span<const Finding> findings, const RowOptions &options,
+            const RowCounts &counts, const ComparisonResult &compared, uint8_t form) {
+    const Report report = buildReport(card,
+                                      {.findings = findings,
+                                       .counts = counts.scores.empty() ? nullptr : &counts,
+                                       .options = &options,
+                                       .comparison = &compared},
+                                      form == 1 || form == 3);
+    TextBuffer out;
+    if (form == 1) putModel(out, report.model);
+    if (form == 2) putText(out, report);
+    if (form == 3) putPage(out, report);
+    if (form == 4) putJson(out, report);
+}
+
+// Each row is counted once.
+void checkCounts(std::span<const Finding> findings, const RowCounts &counts,
+                 const ComparisonResult &compared) {
+    for (const auto &rows : counts.positions) {
+        require(std::accumulate(rows.begin(), rows.end(), std::int64_t(0)) == counts.rows);
+    }
+    for (const Finding &finding : findings) {
+        require(finding.rows >= 0 && finding.rows <= counts.rows);
+        require(finding.rows == 0 || (finding.firstRow > 0 && finding.firstRow <= counts.rows));
+    }
+    require(compared.equal + compared.explainedRows + compared.unexplained == compared.rows);
+    require(compared.rows + compared.missing.rows <= counts.rows);
+}
+
+// A model is as it says itself.
+void compareItself(const Scorecard &card, RowOptions options) {
+    options.key.clear();
+    options.scores = options.results;
+    options.results.clear();
+    std::vector<Finding> none;
+    RowCounts counts;
+    ComparisonResult compared;
+    if (!scoreRows(card, none, options, counts, compared).isEmpty()) return;
+    options.results = std::exchange(options.scores, {});
+    options.score = u"score"_s;
+    options.probability = card.hasProbability() ? u"probability"_s : QString();
+    require(scoreRows(card, none, options, counts = {}, compared).isEmpty());
+    require(compared.equal == counts.rows);
+}
+
+// The input holds choices, a model where it is chosen, rows and results.
+void check(Input input) {
+    Choices choices;
+    for (uint8_t *choice :
+         {&choices.model, &choices.target, &choices.dialect, &choices.columns, &choices.form}) {
+        *choice = takeByte(input);
+    }
+    const bool hasModel = choices.model >= 0x80;
+    const Scorecard given =
+        hasModel ? readScorecard(fileOf(bytesOf(takeSection(input)))) : Scorecard();
+    const Scorecard &card = hasModel ? given : knownModel(choices.model);
+    if (!card.document.problem.isEmpty()) return;
+
+    SqlConfigurationFile sql;
+    const auto dialects = sqlDialects();
+    const bool hasDialect = choices.dialect < dialects.size();
+    if (hasDialect) sql.configuration.dbType = dialects[choices.dialect].name.toString();
+    std::vector<Finding> findings = inspect(card, {.sql = hasDialect ? &sql : nullptr});
+
+    RowOptions options;
+    options.target = static_cast<Target>(choices.target % targetCount);
+    options.missing = {"NA"};
+    if (choices.hasKey()) options.key = u"k"_s;
+    if (choices.hasScore()) options.score = u"s"_s;
+    if (choices.hasProbability() && card.hasProbability()) options.probability = u"p"_s;
+    std::vector<QString> titles = card.columns;
+    if (choices.hasKey()) titles.push_back(options.key);
+    options.file = fileOf(bytesOf(titled(titles, takeSection(input), choices.hasTitles())), 1);
+    titles = {options.key, options.score, options.probability};
+    std::erase(titles, QString());
+    options.results = fileOf(bytesOf(titled(titles, takeSection(input), choices.hasTitles())), 2);
+    if (choices.comparesItself()) return compareItself(card, options);
+    if (!options.hasScore() && !options.hasProbability()) options.results.clear();
+
+    RowCounts counts;
+    ComparisonResult compared;
+    if (!scoreRows(card, findings, options, counts, compared).isEmpty()) return;
+    checkCounts(findings, counts, compared);
+    report(card, findings, options, counts, compared, choices.form);
 }
 
 struct FuzzTarget {

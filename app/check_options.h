@@ -1,0 +1,22 @@
+// The options of scorewright-check.
+#pragma once
+
+#include "check/rows/comparison.h"
+
+// What the arguments ask for. The names of files that were not given are empty.
+struct Request {
+    QString model;
+    bool showsModel = false;
+    bool looksForFindings = false;
+    bool isJson = false;
+    Targets targets = allTargets;
+    QString sql;
+    QString canvas;
+    QString report;
+    RowOptions rows;
+    QString answer; // help or version: to be printed, and nothing else to be done
+};
+
+// Reads the arguments, the first of which is the program's path. Returns an error message; empty on
+// success.
+QString readRequest(const QStringList &arguments, Request &request);

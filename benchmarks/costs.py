@@ -1,0 +1,145 @@
+#!/usr/bin/python3
+"""costs.py: measures what the program would cost without each of its optimisations, and renews costs.md.
+
+Builds a copy of the committed program, and again with each of the patches below, and counts instructions and cache
+misses (valgrind) of a SAS script: of a document of 10,000 variables, and of one without any, which is the start of the
+program. Takes some fifteen minutes. A patch is a list of files, texts that occur there once, and their replacements; it
+must not change what the program writes."""
+
+import hashlib
+import os
+import re
+import subprocess
+import tempfile
+from datetime import date
+from multiprocessing import Process
+from pathlib import Path
+
+from exporters import ROOT, model, run
+from support import document
+
+RECODINGS = "model/recodings.cpp"
+TAKE = """    variable.x = node.childNode(u"x").decodeNumbers(document.decoder);
+    variable.y = node.childNode(u"y").decodeNumbers(document.decoder);
+"""
+ALTERNATIVES = {
+    "search in units": [
+        ("xml/xml_parser.cpp", "    while (at < end) {\n", "    return std::find(at, end, c);\n    while (at < end) {\n")],
+    "attributes by tokens": [
+        ("xml/xml_parser.cpp", "name.isNull() && readUsualAttribute(p)", "false && readUsualAttribute(p)")],
+    "one Base64 table": [
+        ("xml/base64.cpp", """        const std::uint32_t group = places[0][units & 0xFF] | places[1][units >> 16 & 0xFF] |
+                                    places[2][units >> 32 & 0xFF] | places[3][units >> 48 & 0xFF];
+""", """        const std::uint32_t a = classes[units & 0xFF], b = classes[units >> 16 & 0xFF];
+        const std::uint32_t c = classes[units >> 32 & 0xFF], d = classes[units >> 48 & 0xFF];
+        if ((a | b | c | d) >= padding) return;
+        const std::uint32_t group =
+            a << 2 | b >> 4 | (b & 15) << 12 | c >> 2 << 8 | (c & 3) << 22 | d << 16;
+""")],
+    "arrays in a second pass": [
+        (RECODINGS, TAKE, ""),
+        (RECODINGS, "    return variables;\n}\n\nNumericRecoding", "    for (Variable &variable : variables.list) {\n"
+         "        const XmlNode &node = variable.node;\n" + TAKE + "    }\n    return variables;\n}\n\nNumericRecoding")],
+    "arrays beside their text": [
+        ("xml/xml_node.cpp", "std::align(alignof(double), needed, place, room)",
+         "document->allocate(needed, alignof(double))")],
+    "names as strings": [
+        (RECODINGS, "#include <algorithm>\n", "#include <algorithm>\n#include <deque>\n"),
+        (RECODINGS, "        variable.cleanField = makeCleanField(variable, replaced);\n",
+         "        static std::deque<QString> strings;\n"
+         "        variable.cleanField = strings.emplace_back(cleanName(variable.field, replaced));\n"),
+        (RECODINGS, "= makeRecodingName(variable);",
+         '= strings.emplace_back(QStringLiteral("R%1_%2").arg(position).arg(variable.cleanField).left(31));')],
+    "fields without missing codes": [
+        (RECODINGS, "            if (!isListed) {\n                dictionary.positions.erase(name);\n            } else if",
+         "            if"),
+        (RECODINGS, "insert_or_assign(name, dictionary.lists.size() - 1)",
+         "insert_or_assign(name, isListed ? dictionary.lists.size() - 1 : 0)")],
+    "numbers by to_chars": [
+        ("model/decimal_digits.cpp", "if (digits < 2 || digits > mostDigits) return 0;", "return 0;")],
+    "numbers by a loop": [
+        ("model/text_buffer.cpp", "constexpr qsizetype block = 32;", "const qsizetype block = number.size;"),
+        ("model/text_buffer.cpp", "    static_assert(block <= std::size(NumberText().characters));\n", "")],
+    "no link-time optimisation": [
+        ("cmake/ScorewrightTargets.cmake", "OPTIMIZATION_RELEASE ${has_ipo}", "OPTIMIZATION_RELEASE OFF")],
+    "C++ library last": [
+        ("CMakeLists.txt", "LINKER:--push-state,--no-as-needed -lstdc++ LINKER:--pop-state", "")],
+    "leaving through main": [
+        ("CMakeLists.txt", "SCOREWRIGHT_LEAVES_AT_ONCE=$<CONFIG:Release>", "SCOREWRIGHT_LEAVES_AT_ONCE=0")],
+}
+HEAD = """# What the optimisations save
+
+What a SAS script costs without each of them, compared with the program as it is: {large[0]:,} instructions,
+{large[1]:,} misses of a cache of 2 MB and a peak of {memory:.1f} MB for a document of {count:,} variables; and
+{small[0]:,} instructions to start, for a document without any. The counts are those of valgrind. `benchmarks/costs.py`
+makes this table.
+
+Measured on {day} with {compiler}.
+
+| Without the optimisation | Instructions | Cache misses | Peak memory | Instructions to start |
+| --- | ---: | ---: | ---: | ---: |
+"""
+CACHE = ["--cache-sim=yes", "--LL=2097152,16,64"]
+COUNT = 10_000
+
+
+def write_documents(folder):
+    fields = "".join(f'<DataField name="months_on_book_{k}"/>' for k in range(1, COUNT + 1))
+    texts = {"large": model(COUNT).replace("</DataDictionary>", fields + "</DataDictionary>"), "small": document([], [], 0)}
+    for name, text in texts.items():
+        (folder / name).write_bytes(text.encode("utf-16"))
+
+
+def build(source):
+    for command in [["cmake", "-S", source, "-B", source / "build", "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release"],
+                    ["cmake", "--build", source / "build", "--target", "scorewright"]]:
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+    return source / "build" / "scorewright"
+
+
+def measure(program, folder):
+    """Instructions and cache misses of the large document, its peak memory, instructions of the small one; and a hash of
+    what was written. This process stays small, since the peak of a child begins with that of its parent."""
+    counts, written = [], hashlib.sha256()
+    for name in ["large", "small"]:
+        tool = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", *CACHE]
+        counted = subprocess.run([*tool, program, "-a", name, "out"], cwd=folder, capture_output=True, text=True, check=True)
+        events = [int(count) for count in re.search(r"Collected : ([\d ]+)", counted.stderr)[1].split()]
+        counts.append((events[0], sum(events[-3:])))
+        with open(folder / "out", "rb") as out:
+            while piece := out.read(1 << 20):
+                written.update(piece)
+    memory = min(run(folder, ["-a", "large", "out"], program=str(program))[1] for _ in range(3))
+    return [*counts[0], memory, counts[1][0]], written.digest()
+
+
+def main():
+    with tempfile.TemporaryDirectory() as name:
+        folder, source = Path(name), Path(name) / "source"
+        subprocess.run(["git", "clone", "--quiet", ROOT, source], check=True)  # what is committed
+        writer = Process(target=write_documents, args=[folder])
+        writer.start()
+        writer.join()
+        usual, text = measure(build(source), folder)
+        rows = ""
+        for alternative, patch in ALTERNATIVES.items():
+            kept = {file: (source / file).read_text() for file, _, _ in patch}
+            for file, old, new in patch:
+                before = (source / file).read_text()
+                assert before.count(old) == 1, f"{alternative}: {file} has no such line, or several"
+                (source / file).write_text(before.replace(old, new))
+            figures, changed = measure(build(source), folder)
+            assert changed == text, f"{alternative} writes something else"
+            shares = " | ".join(f"{100 * (figure / least - 1):+.1f} %" for figure, least in zip(figures, usual))
+            rows += f"| {alternative} | {shares} |\n"
+            print(alternative, shares, flush=True)
+            for file, before in kept.items():
+                (source / file).write_text(before)
+        compiler = subprocess.check_output([os.environ.get("CXX", "c++"), "--version"], text=True).splitlines()[0]
+        head = HEAD.format(large=usual[:2], memory=usual[2] / 1e6, small=usual[3:], count=COUNT, day=date.today(),
+                           compiler=compiler)
+        (ROOT / "benchmarks" / "costs.md").write_text(head + rows)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,199 @@
+#include "check/rows/cell_effects.h"
+
+#include <algorithm>
+
+namespace {
+
+using enum FindingId;
+
+constexpr std::size_t mostCombined = 10; // findings of one cell, of which all sets are tried
+
+using Outcome = std::vector<Recoded>;
+
+// What the cells of a column become, by sets of findings: the bits of a mask are their positions.
+struct Outcomes {
+    std::vector<FindingId> ids;
+    std::vector<Outcome> ofMask = {};
+
+    FindingSet setOf(std::size_t mask) const {
+        FindingSet set;
+        for (std::size_t i = 0; i < ids.size(); ++i) {
+            if ((mask >> i & 1) != 0) set.add(ids[i]);
+        }
+        return set;
+    }
+};
+
+// The findings that may change one of the cells.
+std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &tests,
+                                  std::size_t column, std::span<const Cell *const> cells,
+                                  const Deviations &target) {
+    const std::vector<std::size_t> &recodings = card.recodingsOf[column];
+    std::vector<FindingId> ids;
+    for (const FindingId id : tests.simulated[static_cast<std::size_t>(target.target)]) {
+        bool isConcerned = false;
+        for (std::size_t rank = 0; rank < recodings.size() && !isConcerned; ++rank) {
+            isConcerned = concerns(id, card.recodings[recodings[rank]], *cells[rank], target);
+        }
+        if (isConcerned && ids.size() < mostCombined) ids.push_back(id);
+    }
+    return ids;
+}
+
+Outcomes outcomesOf(const Scorecard &card, std::size_t column, std::span<const Cell *const> cells,
+                    std::vector<FindingId> ids, Deviations deviations) {
+    const std::vector<std::size_t> &recodings = card.recodingsOf[column];
+    Outcomes outcomes = {.ids = std::move(ids)};
+    outcomes.ofMask.resize(std::size_t(1) << outcomes.ids.size());
+    for (std::size_t mask = 0; mask < outcomes.ofMask.size(); ++mask) {
+        deviations.findings = outcomes.setOf(mask);
+        for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
+            outcomes.ofMask[mask].push_back(
+                recode(card.recodings[recodings[rank]], *cells[rank], deviations));
+        }
+    }
+    return outcomes;
+}
+
+std::size_t bitOf(const Outcomes &outcomes, FindingId id) {
+    const auto at = std::ranges::find(outcomes.ids, id);
+    return at == outcomes.ids.end() ? 0 : std::size_t(1) << (at - outcomes.ids.begin());
+}
+
+bool isMovedAlone(const Outcomes &outcomes, FindingId id, std::size_t rank) {
+    std::size_t mask = bitOf(outcomes, id);
+    // What else is taken as above all bounds takes the last of a long array too.
+    if (id == ArrayTooLong) mask |= bitOf(outcomes, NotANumber);
+    return differ(outcomes.ofMask[mask][rank], outcomes.ofMask[0][rank]);
+}
+
+bool isMoved(const Outcomes &outcomes, FindingId id, std::size_t rank) {
+    const std::size_t bit = bitOf(outcomes, id);
+    if (bit == 0) return false;
+    for (std::size_t mask = 0; mask < outcomes.ofMask.size(); ++mask) {
+        if ((mask & bit) != 0) continue;
+        if (differ(outcomes.ofMask[mask][rank], outcomes.ofMask[mask | bit][rank])) return true;
+    }
+    return false;
+}
+
+// What needs no target to be seen.
+bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest &test,
+                      const Cell &cell, std::span<const Recoded> meant) {
+    const auto isUnlisted = [&](std::size_t rank) {
+        const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
+        return !recoding.variable->isCategorical || meant[rank].position == 0;
+    };
+    switch (test.id) {
+    case NotANumber:
+        return !cell.text.empty() && !cell.isNumber;
+    case NotListed:
+        for (std::size_t rank = 0; rank < meant.size(); ++rank) {
+            if (!isUnlisted(rank)) return false;
+        }
+        return !cell.text.empty();
+    case BooleanNumbers:
+        // A text is none of the numbers, also where it happens to score the same.
+        return !cell.text.empty() && !cell.isNumber;
+    default:
+        return false;
+    }
+}
+
+void makeUnique(std::vector<std::size_t> &findings) {
+    std::ranges::sort(findings);
+    findings.erase(std::unique(findings.begin(), findings.end()), findings.end());
+}
+
+bool isOfColumn(const Scorecard &card, const Finding &finding) {
+    return finding.recoding >= 0 && finding.countsRows() && finding.id != NamesAlike &&
+           !card.recodings.empty();
+}
+
+} // namespace
+
+std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const Finding> findings) {
+    std::vector<ColumnTests> columns(card.columns.size());
+    const auto addSimulated = [](ColumnTests &column, FindingId id, Targets targets) {
+        for (const Target target : listTargets(targets & kindOf(id).simulated)) {
+            std::vector<FindingId> &ids = column.simulated[static_cast<std::size_t>(target)];
+            if (std::ranges::find(ids, id) == ids.end()) ids.push_back(id);
+        }
+    };
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        const Finding &finding = findings[i];
+        if (finding.id == SinglePrecision) {
+            for (ColumnTests &column : columns) addSimulated(column, finding.id, finding.targets);
+        }
+        if (!isOfColumn(card, finding)) continue;
+        const Recoding &recoding = card.recodings[static_cast<std::size_t>(finding.recoding)];
+        ColumnTests &column = columns[recoding.column];
+        column.tests.push_back({i, finding.id, finding.targets, recoding.rank});
+        addSimulated(column, finding.id, finding.targets);
+    }
+    return columns;
+}
+
+CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::size_t column,
+                        const Cell &cell, std::span<const Recoded> meant, const SqlReading &sql) {
+    CellFindings affecting;
+    if (tests.tests.empty()) return affecting;
+    for (const CellTest &test : tests.tests) {
+        const bool isAffected = isAffectedAnyhow(card, column, test, cell, meant);
+        if (isAffected) affecting.alone.push_back(test.finding);
+    }
+    const std::vector<const Cell *> cells(meant.size(), &cell);
+    for (const Target target : listTargets(allTargets)) {
+        Deviations deviations = {{}, target, sql};
+        std::vector<FindingId> ids = concerning(card, tests, column, cells, deviations);
+        if (ids.empty()) continue;
+        FindingSet all;
+        for (const FindingId id : ids) all.add(id);
+        // Servers differ in how they compare texts; what the dialect's own does counts.
+        const int variants = target == Target::Sql ? 1 : variantsOf(all, target);
+        for (int variant = 0; variant < variants; ++variant) {
+            deviations.variant = variant;
+            const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
+            for (const CellTest &test : tests.tests) {
+                if ((test.targets & only(target)) == 0) continue;
+                if (isMovedAlone(outcomes, test.id, test.rank)) {
+                    affecting.alone.push_back(test.finding);
+                } else if (isMoved(outcomes, test.id, test.rank)) {
+                    affecting.together.push_back(test.finding);
+                }
+            }
+        }
+    }
+    makeUnique(affecting.alone);
+    makeUnique(affecting.together);
+    std::erase_if(affecting.together, [&](std::size_t finding) {
+        return std::ranges::binary_search(affecting.alone, finding);
+    });
+    return affecting;
+}
+
+std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &tests,
+                                  std::size_t column, std::span<const Cell *const> cells,
+                                  std::span<const Recoded> meant, const Deviations &target) {
+    std::vector<CellChoice> choices;
+    const std::vector<FindingId> ids = concerning(card, tests, column, cells, target);
+    if (ids.empty()) return choices;
+    FindingSet all;
+    for (const FindingId id : ids) all.add(id);
+    Deviations deviations = target;
+    for (int variant = 0; variant < variantsOf(all, target.target); ++variant) {
+        deviations.variant = variant;
+        const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
+        for (std::size_t mask = 1; mask < outcomes.ofMask.size(); ++mask) {
+            const Outcome &outcome = outcomes.ofMask[mask];
+            if (std::ranges::equal(outcome, meant, std::not_fn(differ))) continue;
+            const FindingSet set = outcomes.setOf(mask);
+            const auto isKnown = [&](const CellChoice &choice) {
+                return choice.findings.isWithin(set) &&
+                       std::ranges::equal(choice.recoded, outcome, std::not_fn(differ));
+            };
+            if (std::ranges::none_of(choices, isKnown)) choices.push_back({set, outcome});
+        }
+    }
+    return choices;
+}

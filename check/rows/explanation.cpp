@@ -1,0 +1,243 @@
+#include "check/rows/explanation.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+using enum FindingId;
+
+constexpr std::size_t mostCombined = 8; // findings of which all sets are tried; else up to three
+constexpr std::size_t mostOutcomes = 1 << 12; // of the columns of a row, under one set of findings
+
+// Up to the server, its collation or what a workbook makes of a text.
+constexpr FindingId uncertain[] = {Capitals, Accents, SinglePrecision, TrueFalse};
+
+// How a set of findings explains a row: where all cells that it concerns deviate, or some of them.
+enum class Fit { None, Partial, Whole };
+
+// A column of the row whose cell the target may read differently.
+struct OpenColumn {
+    std::size_t column;
+    std::vector<CellChoice> named = {}; // where the names of columns become the same
+    std::span<const CellChoice> choices = {};
+};
+
+struct Search {
+    const Comparison &c;
+    const RowFacts &facts;
+    const Prediction &found;
+    std::vector<OpenColumn> open = {};
+    std::vector<FindingId> possible = {};
+    std::vector<Recoded> recoded = {}; // what is tried
+};
+
+// What a column becomes where its recodings read the last of several columns.
+std::vector<CellChoice> choicesByName(const Search &s, std::size_t column) {
+    const std::vector<std::size_t> &recodings = s.c.card.recodingsOf[column];
+    const auto target = static_cast<std::size_t>(s.c.options.target);
+    std::vector<const Cell *> cells;
+    std::vector<Recoded> meant;
+    std::vector<Recoded> named;
+    for (const std::size_t i : recodings) {
+        const Recoding &recoding = s.c.card.recodings[i];
+        cells.push_back(&s.facts.cells[recoding.lastAlike[target]]);
+        meant.push_back(s.facts.recoded[i]);
+        named.push_back(recode(recoding, *cells.back()));
+    }
+    const Deviations deviations = {{}, s.c.options.target, s.c.options.sql};
+    std::vector<CellChoice> choices =
+        choicesOf(s.c.card, s.c.tests[column], column, cells, named, deviations);
+    choices.push_back({{}, named});
+    for (CellChoice &choice : choices) choice.findings.add(NamesAlike);
+    std::erase_if(choices, [&](const CellChoice &choice) {
+        return std::ranges::equal(choice.recoded, meant, std::not_fn(differ));
+    });
+    return choices;
+}
+
+void openColumns(Search &s) {
+    const Scorecard &card = s.c.card;
+    const auto target = static_cast<std::size_t>(s.c.options.target);
+    for (std::size_t i = 0; i < card.columns.size(); ++i) {
+        OpenColumn column = {.column = i};
+        const bool isNamed = std::ranges::any_of(card.recodingsOf[i], [&](std::size_t recoding) {
+            return card.recodings[recoding].lastAlike[target] != i;
+        });
+        if (isNamed && s.c.hasAlikeNames) {
+            column.named = *s.facts.choices[i];
+            std::ranges::copy(choicesByName(s, i), std::back_inserter(column.named));
+        }
+        if (column.named.empty() && s.facts.choices[i]->empty()) continue;
+        column.choices = *s.facts.choices[i];
+        s.open.push_back(std::move(column));
+        OpenColumn &kept = s.open.back();
+        if (!kept.named.empty()) kept.choices = kept.named;
+    }
+}
+
+void findPossible(Search &s) {
+    FindingSet set;
+    for (const FindingId id : s.c.always) set.add(id);
+    for (const OpenColumn &column : s.open) {
+        for (const CellChoice &choice : column.choices) set.add(choice.findings);
+    }
+    for (std::size_t i = 0; i < findingCount; ++i) {
+        if (set.has(static_cast<FindingId>(i))) s.possible.push_back(static_cast<FindingId>(i));
+    }
+}
+
+void putChoice(Search &s, const OpenColumn &column, const CellChoice *choice) {
+    const std::vector<std::size_t> &recodings = s.c.card.recodingsOf[column.column];
+    for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
+        const std::size_t i = recodings[rank];
+        s.recoded[i] = choice ? choice->recoded[rank] : s.facts.recoded[i];
+    }
+}
+
+// A column with the choices that a set of findings leaves it; null for what the model makes of it.
+struct Wheel {
+    const OpenColumn *column;
+    std::vector<const CellChoice *> choices;
+    std::size_t at = 0;
+};
+
+// The wheels of the set; none where the set has a finding that has no part in any of them.
+std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set) {
+    std::vector<Wheel> wheels;
+    FindingSet used;
+    for (const FindingId id : s.c.always) used.add(id);
+    for (const OpenColumn &column : s.open) {
+        Wheel wheel = {&column, {}};
+        for (const CellChoice &choice : column.choices) {
+            if (!choice.findings.isWithin(set)) continue;
+            wheel.choices.push_back(&choice);
+            used.add(choice.findings);
+        }
+        if (wheel.choices.empty()) continue;
+        // The largest sets first: most deployments show all that they do in all columns.
+        std::ranges::reverse(wheel.choices);
+        wheel.choices.push_back(nullptr);
+        wheels.push_back(std::move(wheel));
+    }
+    if (!set.isWithin(used)) wheels.clear();
+    return wheels;
+}
+
+bool turn(Search &s, std::span<Wheel> wheels) {
+    for (Wheel &wheel : wheels) {
+        wheel.at = (wheel.at + 1) % wheel.choices.size();
+        putChoice(s, *wheel.column, wheel.choices[wheel.at]);
+        if (wheel.at != 0) return true;
+    }
+    return false;
+}
+
+// How the result is that of some outcome of the columns. Of too many, those are left out in
+// which only some of the last columns deviate.
+Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
+    std::size_t outcomes = 1;
+    std::size_t turned = 0;
+    while (turned < wheels.size() && outcomes * wheels[turned].choices.size() <= mostOutcomes) {
+        outcomes *= wheels[turned++].choices.size();
+    }
+    const std::span<Wheel> first = wheels.first(turned);
+    const std::span<Wheel> last = wheels.subspan(turned);
+    for (const bool deviates : {true, false}) {
+        for (const Wheel &wheel : last) {
+            putChoice(s, *wheel.column, deviates ? wheel.choices.front() : nullptr);
+        }
+        for (const Wheel &wheel : first) putChoice(s, *wheel.column, wheel.choices.front());
+        do {
+            if (!fits(s.c, s.recoded, deviations, s.found)) continue;
+            const bool isWhole = deviates && std::ranges::none_of(first, [](const Wheel &wheel) {
+                                     return wheel.choices[wheel.at] == nullptr;
+                                 });
+            return isWhole ? Fit::Whole : Fit::Partial;
+        } while (turn(s, first));
+        if (last.empty()) break;
+    }
+    return Fit::None;
+}
+
+Fit fitOf(Search &s, const FindingSet &set) {
+    std::vector<Wheel> wheels = wheelsOf(s, set);
+    FindingSet always;
+    for (const FindingId id : s.c.always) always.add(id);
+    if (wheels.empty() && !set.isWithin(always)) return Fit::None;
+    s.recoded.assign(s.facts.recoded.begin(), s.facts.recoded.end());
+    return fitOf(s, {set, s.c.options.target, s.c.options.sql}, wheels);
+}
+
+struct Reason {
+    FindingSet set;
+    Fit fit;
+};
+
+// The smallest sets that explain the row.
+std::vector<Reason> reasonsOf(Search &s) {
+    const std::size_t count = s.possible.size();
+    const std::size_t most = count > mostCombined ? 3 : count;
+    std::vector<Reason> reasons;
+    for (std::size_t size = 1; size <= most && reasons.empty(); ++size) {
+        std::vector<char> isChosen(count);
+        std::fill_n(isChosen.begin(), size, 1);
+        do {
+            FindingSet set;
+            for (std::size_t i = 0; i < count; ++i) {
+                if (isChosen[i]) set.add(s.possible[i]);
+            }
+            if (const Fit fit = fitOf(s, set); fit != Fit::None) reasons.push_back({set, fit});
+        } while (std::ranges::prev_permutation(isChosen).found);
+    }
+    return reasons;
+}
+
+// Of sets of one size, those that hold for all columns, and then those with the fewest findings
+// that are up to the server: where another cause fits, nothing speaks for these.
+void keepLikeliest(std::vector<Reason> &reasons) {
+    const auto rank = [](const Reason &reason) {
+        const auto doubts =
+            std::ranges::count_if(uncertain, [&](FindingId id) { return reason.set.has(id); });
+        return std::pair(reason.fit == Fit::Partial, doubts);
+    };
+    if (reasons.empty()) return;
+    const auto least = rank(*std::ranges::min_element(reasons, {}, rank));
+    std::erase_if(reasons, [&](const Reason &reason) { return rank(reason) != least; });
+}
+
+QString namesOf(const FindingSet &set) {
+    QStringList names;
+    for (std::size_t i = 0; i < findingCount; ++i) {
+        const auto id = static_cast<FindingId>(i);
+        if (set.has(id)) names.append(kindOf(id).name.toString());
+    }
+    return names.join(u'+');
+}
+
+} // namespace
+
+bool explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
+    Search search = {c, facts, found};
+    openColumns(search);
+    findPossible(search);
+    std::vector<Reason> reasons = reasonsOf(search);
+    if (reasons.empty()) return false;
+    keepLikeliest(reasons);
+    QStringList names;
+    FindingSet all;
+    for (const Reason &reason : reasons) {
+        names.append(namesOf(reason.set));
+        all.add(reason.set);
+    }
+    const QString row = QString::number(facts.row);
+    for (const FindingId id : search.possible) {
+        if (all.has(id)) count(c.result.explained[id], row);
+    }
+    count(c.result.reasons[names.join(u" or "_s)], row);
+    ++c.result.explainedRows;
+    return true;
+}

@@ -1,0 +1,9 @@
+// Finds what explains a row that departs from the model.
+#pragma once
+
+#include "check/rows/comparison.h"
+
+// Looks for the smallest sets of findings under which the row has this result; a finding may hold
+// for one column and not for another. Counts the row in the comparison, for each finding of these
+// sets. False where nothing explains it.
+bool explain(Comparison &comparison, const RowFacts &facts, const Prediction &found);

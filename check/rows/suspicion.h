@@ -1,0 +1,8 @@
+// Guesses what is at fault with a row that nothing explains.
+#pragma once
+
+#include "check/rows/comparison.h"
+
+// Counts in the comparison what would make the row right: one column read as missing or as some
+// other value, two columns exchanged, or score and probability exchanged.
+void suspect(Comparison &comparison, const RowFacts &facts, const Prediction &found);

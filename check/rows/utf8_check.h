@@ -1,0 +1,19 @@
+// Tells whether bytes that arrive in pieces are UTF-8.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+class Utf8Check {
+public:
+    // How many bytes of the next piece are valid: all of them, or those before the first fault.
+    std::size_t take(std::string_view bytes);
+    // Whether the bytes so far end with a whole character.
+    bool isComplete() const { return pending == 0; }
+
+private:
+    int pending = 0; // bytes that the character lacks
+    // What its next byte may be: the first one decides, so that no character has two forms.
+    unsigned char least = 0x80;
+    unsigned char most = 0xBF;
+};

@@ -1,0 +1,49 @@
+"""The reports of scorewright-check, as text, JSON and page: golden files of a comparison in which everything happens."""
+
+import unittest
+
+from engines import CheckedTest
+from support import NO_YES, boolean, categorical, document, numeric
+
+
+class ReportsTest(CheckedTest):
+    def setUp(self):
+        super().setUp()
+        models = [numeric(1, "n", [1, 2.5], [0.125, -1, 2, 3, 9], label="Years"),
+                  categorical(2, "c", ["<script>", "a&b"], [0, 1, 2, 3], label=""),
+                  boolean([*NO_YES, "yes", "YES"], (0, 0.5, -0.75), number=3, name="yn"),
+                  categorical(4, "unused", ["x"], [0, float("nan")])]
+        self.write("m.ModelXml", document(models, [(1, 0.5), (1, 0.5), (2, 0.25), (3, -1), (4, 0)], -1, target="y", missing={"n": [9, 99]},
+                                          table=[(3, 1.25), (1, 0.6), (0, 0.5), (-2, 0.1)]))
+        rows = [("twice", "1,a&b,no,", "1,0.6"), ("low", "0,?,n,", "-2.5,0.1"), ("short", "2,<script>", "1.25,0.68125"),
+                ("code", "9,<script>,?,,too long", "-0.625,0"), ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
+                *((f"high{i}", "3,<script>,0,z", result) for i, result in enumerate(["1.75,0.84375", "oops,0.9", ","])),
+                # Without explanation: the first four as one column or two would be read wrongly.
+                *((f"wrong{i}", "2,<script>,no,", result) for i, result in enumerate(3 * ["-1.125,0.275"] + ["-1.375,0.225"])),
+                *((f"far{i}", "2,<script>,no,", f"{0.75 + (-1) ** i * (1 + i / 16)},0.5") for i in range(12)),
+                # More rows without a result than are named, and just as many results without a row.
+                *((f"lost{i}", "1,a&b,no,", None) for i in range(6)), *((f"found{i}", None, "1,0.6") for i in range(5))]
+        for name, titles, column in [("rows.csv", "k,n,c,yn,unused", 1), ("results.csv", "k,s,p", 2)]:
+            lines = [f"{row[0]},{row[column]}" for row in rows + rows[:1] * (column == 1) if row[column] is not None]
+            self.write(name, "\n".join([titles, *lines, ""]), "utf-8")
+        self.call = ["m.ModelXml", "--rows", "rows.csv", "--key", "k", "--compare", "results.csv", "--score", "s",
+                     "--probability", "p", "--target", "sql"]
+
+    def test_text(self):
+        status, printed, message = self.check(*self.call, "--show")
+        self.assertEqual((status, message), (1, ""))
+        self.assert_golden("check.txt", printed)
+
+    def test_json(self):
+        self.assert_golden("check.json", self.check(*self.call, "--json")[1])
+
+    def test_page(self):
+        """But for its style. It needs no other file."""
+        self.check(*self.call, "--report", "report.html")
+        page = (self.folder / "report.html").read_text("utf-8")
+        self.assert_golden("check.html", page[page.index("<main>"):])
+        self.assertNotRegex(page, r"<script|https?:|url\(|@import|src=|\bnan\b|\binf\b")
+
+
+if __name__ == "__main__":
+    unittest.main()
