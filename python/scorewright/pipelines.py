@@ -29,8 +29,10 @@ def add_numbers(card, column, binning, position, coefficients, filled, data):
     edges = binning.bin_edges_[position]
     inner = [double_bound(edge) if binning.dtype == np.float32 else edge for edge in edges[1:-1]]
     bounds, scores = (inner, coefficients[:len(edges) - 1]) if inner else ([0.0], coefficients[[0, 0]])
-    missing = 0.0 if filled is None else scores[np.searchsorted(bounds, filled, "right")]
     values = None if data is None else pd.to_numeric(data[column])
+    if filled is not None and values is not None and values.dtype == np.float32:
+        filled = np.float32(filled)  # as the imputer writes it into such a column
+    missing = 0.0 if filled is None else scores[np.searchsorted(bounds, float(filled), "right")]
     card.add_numeric(column, bounds, scores, closed="left", missing=missing, data=values)
     return len(edges) - 1
 
