@@ -12,9 +12,13 @@ from .values import doubles, integers, require
 REPLACED = ("", " .", " .'-", " .'-\"%()/")
 
 
+def clean(name, replaced):
+    return "".join("_" if c in replaced else c for c in name)
+
+
 def names(column):
     """The names of a column in SQL, SAS, Python and VBA."""
-    return ["".join("_" if c in characters else c for c in column) for characters in REPLACED]
+    return [clean(column, characters) for characters in REPLACED]
 
 
 def with_sixth(values):
@@ -77,8 +81,17 @@ def child(node, name):
     return next((child for child in node if child.tag.lower() == name), ElementTree.Element(name))
 
 
-def numbers(node, name, code="<f8"):
-    return np.frombuffer(base64.b64decode(child(node, name).text or ""), code).tolist()
+def numbers(node, name, code="<f8", is_cut=False):
+    """The array of that name. is_cut: whether what is behind the last whole number is left out, as the program does."""
+    data = base64.b64decode((child(node, name).text or "") + "==" * is_cut)
+    return np.frombuffer(data[:len(data) // 8 * 8] if is_cut else data, code).tolist()
+
+
+def parse(path):
+    """The document's root. Raises ParseError or ValueError for what is not XML."""
+    data = Path(path).read_bytes()
+    encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
+    return ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
 
 
 def fill(card, root):
@@ -103,10 +116,8 @@ def fill(card, root):
 
 def read(path, card):
     """Fills an empty scorecard. Only errors of the document are reported as such."""
-    data = Path(path).read_bytes()
-    encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
     try:
-        fill(card, ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding)))
+        fill(card, parse(path))
     except (ElementTree.ParseError, ValueError) as error:
         raise ValueError(f"{path}: {error}") from None
     return card

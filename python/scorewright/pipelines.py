@@ -1,7 +1,5 @@
 """Pipelines of scikit-learn, which is known here by the names of its classes alone."""
 
-from typing import Any
-
 import numpy as np
 import pandas as pd
 
@@ -10,54 +8,104 @@ from .values import cell_text, require
 
 
 def name(estimator):
-    return type(estimator).__name__
+    """The name of an estimator's class, empty for a step that passes columns through."""
+    kind = type(estimator).__name__
+    return "" if kind in ("NoneType", "str") or kind == "FunctionTransformer" and estimator.func is None else kind
 
 
-def add_numbers(card, column, edges, coefficients, filled):
+def steps(pipeline):
+    return [step for _, step in getattr(pipeline, "steps", [("", pipeline)]) if name(step)]
+
+
+def double_bound(edge):
+    """The least double that as a float of 32 bits is not below an edge."""
+    above = np.float32(edge) if np.float32(edge) >= edge else np.nextafter(np.float32(edge), np.float32(np.inf))
+    middle = (float(above) + float(np.nextafter(above, np.float32(-np.inf)))) / 2
+    return middle if np.float32(middle) == above else np.nextafter(middle, np.inf)
+
+
+def add_numbers(card, column, binning, position, coefficients, filled, data):
     """Adds the bins of a column, whose coefficients come first; filled: what takes the place of a missing cell."""
-    bounds, scores = (edges[1:-1], coefficients[:len(edges) - 1]) if len(edges) > 2 else ([0.0], coefficients[[0, 0]])
-    missing = 0.0 if filled is None else scores[np.searchsorted(bounds, filled, "right")]
-    card.add_numeric(column, bounds, scores, closed="left", missing=missing)
+    edges = binning.bin_edges_[position]
+    inner = [double_bound(edge) if binning.dtype == np.float32 else edge for edge in edges[1:-1]]
+    bounds, scores = (inner, coefficients[:len(edges) - 1]) if inner else ([0.0], coefficients[[0, 0]])
+    values = None if data is None else pd.to_numeric(data[column])
+    if filled is not None and values is not None and values.dtype == np.float32:
+        filled = np.float32(filled)  # as the imputer writes it into such a column
+    missing = 0.0 if filled is None else scores[np.searchsorted(bounds, float(filled), "right")]
+    card.add_numeric(column, bounds, scores, closed="left", missing=missing, data=values)
     return len(edges) - 1
 
 
 def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_missing):
-    values = list(encoder.categories_[position])
-    dropped = None if encoder.drop_idx_ is None else encoder.drop_idx_[position]
-    scores = coefficients if dropped is None else np.insert(coefficients, dropped, 0)
-    scored = {"" if pd.isna(value) else cell_text(value): score for value, score in zip(values, scores)}
+    values, rare = encoder.categories_[position], getattr(encoder, "infrequent_categories_", None)
+    rare = [] if rare is None or rare[position] is None else [*rare[position]]
+    used = len(values) - len(rare[1:]) - (encoder.drop_idx_ is not None and encoder.drop_idx_[position] is not None)
+    # Releases disagree on what drop_idx_ counts; the encoder itself shows where it puts each value.
+    rows = pd.DataFrame({i: values if i == position else [others[0]] * len(values)
+                         for i, others in enumerate(encoder.categories_)})
+    ones = encoder.transform(rows.set_axis(getattr(encoder, "feature_names_in_", rows.columns), axis=1))
+    ones = np.asarray(ones.toarray() if hasattr(ones, "toarray") else ones)
+    ones = ones[:, ones.shape[1] - len(coefficients):][:, :used]
+    scored = {"" if pd.isna(v) else cell_text(v): score for v, score in zip(values, ones @ coefficients[:used])}
     empty = {scored[value] for value in {"", "" if filled is None else cell_text(filled)} & set(scored)}
-    unlisted = set() if encoder.handle_unknown == "error" or empty and unlisted_as_missing else {0.0}
+    has_rare = rare and encoder.handle_unknown == "infrequent_if_exist"
+    unlisted = set() if encoder.handle_unknown == "error" or empty and unlisted_as_missing else \
+        {scored["" if pd.isna(rare[0]) else cell_text(rare[0])] if has_rare else 0.0}
     require(len(scored) == len(values), f"column {column!r}: two of its values are one text: {values}")
     require(len(empty | unlisted) < 2, f"column {column!r}: empty cells and unlisted values score differently in the "
             "pipeline; unlisted_as_missing=True lets both score like empty cells")
     scored.pop("", None)
-    card.add_categorical(column, scored, other=max(empty | unlisted, default=0.0))
-    return len(values) - (dropped is not None)
+    other = max(empty | unlisted, default=0.0)
+    if all(isinstance(value, (bool, np.bool_)) or pd.isna(value) for value in values) and scored:
+        card.add_boolean(column, scored.get("False", other), scored.get("True", other), missing=other)
+    else:
+        card.add_categorical(column, scored, other=other)
+    return used
 
 
-def fill(card, pipeline, largest_error, unlisted_as_missing):
+def parts(pipeline, target):
+    """The ColumnTransformer and the model of a pipeline that can be expressed."""
+    require(not name(pipeline).endswith("SearchCV"), "this is a search: give its best_estimator_")
+    first, model, *others = [*steps(pipeline), None, None]
+    require(name(first) == "ColumnTransformer" and len(others) == 2, "the pipeline must have two steps, a "
+            f"ColumnTransformer and a LogisticRegression, and has {[*map(name, steps(pipeline))]}")
+    require(name(model) in ("LogisticRegression", "LogisticRegressionCV"), f"{name(model)} is no LogisticRegression")
+    require(hasattr(model, "classes_"), "the pipeline is not fitted")
+    require(len(model.classes_) == 2, f"the model tells several classes apart: {model.classes_}")
+    require(getattr(model, "multi_class", None) != "multinomial", "multi_class='multinomial' has another probability")
+    require(target != str(model.classes_[0]), f"the probability is that of {model.classes_[1]!r}, not of {target!r}")
+    return first, model
+
+
+def fill(card, pipeline, largest_error, unlisted_as_missing, data):
     """Fills an empty scorecard."""
-    steps: Any = [*getattr(pipeline, "named_steps", {}).values(), None, None]
-    first, model, *others = steps
-    require([name(first), name(model), len(others)] == ["ColumnTransformer", "LogisticRegression", 2] and
-            len(getattr(model, "classes_", ())) == 2 and getattr(model, "multi_class", None) != "multinomial",
-            f"a pipeline must be a fitted ColumnTransformer and LogisticRegression of two classes: {pipeline}")
+    first, model = parts(pipeline, card.target)
     card.constant = float(model.intercept_[0])
     for key, transformer, columns in first.transformers_:
-        if name(transformer) == "str" and transformer == "drop":
-            continue
-        *before, last = [step for _, step in getattr(transformer, "steps", [(key, transformer)])]
-        known = name(last) == "KBinsDiscretizer" and last.encode != "ordinal" and last.dtype is None or \
-            name(last) == "OneHotEncoder" and not getattr(last, "_infrequent_enabled", False)
-        require(known and (not before or [name(step) for step in before] == ["SimpleImputer"] and
-                           not before[0].add_indicator and pd.isna(before[0].missing_values)),
-                f"columns {columns}: {transformer} cannot be expressed as recodings of columns")
-        require(hasattr(transformer, "feature_names_in_"), f"columns {columns} had no names when they were fitted")
         betas = model.coef_[0][first.output_indices_[key]] * (first.transformer_weights or {}).get(key, 1)
-        for position, column in enumerate(transformer.feature_names_in_):
+        if not len(betas):
+            continue
+        require(hasattr(first, "feature_names_in_"), "the pipeline was fitted on columns without names")
+        try:
+            columns = [*pd.DataFrame(columns=first.feature_names_in_).loc[:, columns]]
+        except (KeyError, TypeError):
+            columns = [*pd.DataFrame(columns=first.feature_names_in_).iloc[:, columns]]
+        *before, last = steps(transformer) or [None]
+        if not last:
+            require(data is not None and all(data[column].dtype == bool for column in columns),
+                    f"columns {columns} are raw numbers: put them into bins (columns of bool may stay, with data=)")
+            for column, beta in zip(columns, betas):
+                card.add_boolean(column, 0.0, beta)
+            continue
+        is_binning = name(last) == "KBinsDiscretizer" and last.encode != "ordinal"
+        is_filled = [*map(name, before)] == ["SimpleImputer"] and not before[0].add_indicator and \
+            pd.isna(before[0].missing_values) and not pd.isna(before[0].statistics_).any()
+        require((is_binning or name(last) == "OneHotEncoder") and (is_filled or not before),
+                f"columns {columns}: {transformer} cannot be expressed as recodings of columns")
+        for position, column in enumerate(columns):
             filled = before[0].statistics_[position] if before else None
-            used = add_numbers(card, column, last.bin_edges_[position], betas, filled) if hasattr(last, "encode") else \
+            used = add_numbers(card, column, last, position, betas, filled, data) if is_binning else \
                 add_list(card, column, last, position, betas, filled, unlisted_as_missing)
             betas = betas[used:]
     card.table = logistic_table(largest_error, *card.range())

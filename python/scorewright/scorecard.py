@@ -9,9 +9,9 @@ from typing import Any, NamedTuple
 import numpy as np
 import pandas as pd
 
-from . import document, pipelines
+from . import binnings, document, pipelines
 from .bounds import document_bounds
-from .tables import Numbers, Table, ended
+from .tables import Numbers, Table, ended, logistic_table
 from .values import cell_text, require
 
 SPELLINGS = ("false", "False", "FALSE", "0", "no"), ("true", "True", "TRUE", "1", "yes")
@@ -38,6 +38,7 @@ def check(recoding):
     is_list, scores, bounds = recoding.type == "MapValues", recoding.scores, recoding.bounds
     wanted = 3 if recoding.boolean else len(values) + 1 if is_list else len(bounds) + 2
     require(len(scores) == wanted, f"{column} has {len(scores)} scores, and should have {wanted}")
+    require(column != "column ''" and (not is_list or values), f"{column} has no name or no values")
     require(np.isfinite([*scores, *bounds]).all(), f"{column}: a score or bound is not finite")
     require(is_list or bounds and np.all(np.diff(bounds) > 0),
             f"{column}: there must be bounds, and they must increase as generated code shows them: {bounds}")
@@ -48,6 +49,8 @@ def check(recoding):
 def recode(recoding, cells, missing):
     """The scores of a series' cells; missing: the codes that count as missing in a column of numbers."""
     if recoding.type == "MapValues":
+        require(recoding.boolean or cells.dtype != "boolean", f"column {recoding.column!r} has pandas' type boolean, "
+                "of which scikit-learn made the values 1 and 0: make the column bool, and fit again")
         listed = {v: 1 + (i >= 5 if recoding.boolean else i) for i, (v, _) in enumerate(recoding.values)}
         codes, cells = pd.factorize(cells)
         return np.take(recoding.scores, np.array([listed.get(cell_text(cell), 0) for cell in cells] + [0])[codes])
@@ -91,18 +94,19 @@ class Scorecard:
         self.coefficients[number] = float(coefficient)
         return number
 
-    def add_numeric(self, column: str, bounds: Numbers, scores: Numbers, *, closed: str,
-                    missing: float = 0.0, type: str = "Discretize", **options: Any) -> int:
+    def add_numeric(self, column: str, bounds: Numbers, scores: Numbers, *, closed: str, missing: float = 0.0,
+                    data: Numbers | None = None, type: str = "Discretize", **options: Any) -> int:
         """Adds a recoding of numbers and returns its number.
 
         bounds: n rising floats, in the column's unit. scores: n + 1 floats, of the intervals from below the first bound
         to above the last. missing: the score of missing cells. closed: the side on which an interval holds its bound,
-        "left" or "right"; bounds are then moved as document_bounds tells. With "document" they stay as they are.
+        "left" or "right"; bounds are then moved as document_bounds tells. With "document" they stay as they are. data:
+        values that the bounds were fitted on; each bound then becomes a short number between two of them.
         options, here and below: coefficient (1), label (the column) and number, the next one where it is not given."""
         require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
         require(len(scores) == len(bounds) + 1 > 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
-        bounds, scores = document_bounds([float(bound) for bound in bounds], list(scores), closed, self.digits)
+        bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data, column)
         return self.add(column, type, [missing, *scores], bounds, **options)
 
     def add_categorical(self, column: str, scores: Mapping[Any, float], *, other: float = 0.0,
@@ -111,6 +115,7 @@ class Scorecard:
 
         scores: a dictionary from each value to its score; a whole number is taken as its digits. other: the score of
         empty and unlisted cells. labels: a dictionary from values to captions, for those that have one of their own."""
+        require(not pd.isna([*scores]).any(), f"column {column!r}: NaN is no value; other is the score of empty cells")
         values = [(cell_text(value), (labels or {}).get(value, cell_text(value))) for value in scores]
         return self.add(column, "MapValues", [other, *scores.values()], (), values, **options)
 
@@ -131,6 +136,7 @@ class Scorecard:
 
     def checked_table(self) -> tuple[list[float], list[float]] | None:
         """The table as it is written, with an end below the lowest score; raises what write does."""
+        require(self.recodings, "the card has no recodings")
         require(sorted(self.coefficients) == sorted(r.number for r in self.recodings),
                 f"recodings and coefficients do not go together: {self.coefficients}")
         require(np.isfinite([*self.coefficients.values(), *self.range()]).all(), "a coefficient or score is not finite")
@@ -170,10 +176,32 @@ class Scorecard:
         return document.read(path, cls())
 
     @classmethod
-    def from_sklearn(cls, pipeline: Any, *, target: str, largest_error: float = 0.001,
-                     unlisted_as_missing: bool = False, digits: int = 16) -> Scorecard:
-        """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot, also
-        after a SimpleImputer) and OneHotEncoder, then a LogisticRegression of two classes. Its score is that of
-        decision_function, its probability that of the second class to largest_error. Cells for which the pipeline has
-        no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing what empty ones add."""
-        return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing)
+    def from_table(cls, table: Any, *, target: str, score: str = "points", variable: str = "variable", bin: str = "bin",
+                   coefficient: str | None = None, constant: float = 0.0, bounds: Mapping[str, Numbers] | None = None,
+                   special: Mapping[str, Sequence[Any]] | None = None, separator: str | None = None,
+                   offset: float = 0.0, factor: float = -1.0, digits: int = 16) -> Scorecard:
+        """The scorecard of a table with a row for each bin: a frame, or a dictionary from variables to frames or to
+        dictionaries from bins to scores.
+
+        score, variable, bin and coefficient name columns; in place of bin there may be lower and upper, bins that are
+        closed on the left. A bin is an interval such as [25, 40), values (an array, or texts between which stands
+        separator, "%,%" or in dictionaries of bins ","), or missing, special or else. Unlisted values without a row add
+        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, special
+        the special codes. offset and factor are those of logistic_table."""
+        nested = isinstance(table, Mapping) and all(isinstance(part, Mapping) for part in table.values())
+        card = cls(target, constant=constant, digits=digits)
+        titles = {"variable": variable, "bin": bin, "score": score, "coefficient": coefficient}
+        binnings.fill(card, table, titles, bounds or {}, special or {}, separator or ("," if nested else "%,%"))
+        card.table = logistic_table(None, *card.range(), offset=offset, factor=factor)
+        return card
+
+    @classmethod
+    def from_sklearn(cls, pipeline: Any, *, target: str, largest_error: float | None = None,
+                     unlisted_as_missing: bool = False, data: pd.DataFrame | None = None, digits: int = 16) -> Scorecard:
+        """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot) and
+        OneHotEncoder, also after a SimpleImputer, then a LogisticRegression or LogisticRegressionCV of two classes. Its
+        score is that of decision_function, its probability that of the second class as logistic_table gives it. Cells
+        for which the pipeline has no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing
+        what empty ones add. data: the frame that the pipeline was fitted on; bounds then become short numbers between
+        its values, and columns of bool may pass through."""
+        return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing, data)
