@@ -3,7 +3,6 @@
 #include "check/evaluation/target_texts.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -166,6 +165,13 @@ std::size_t positionOfNumber(const Cell &cell, int variant) {
     return of(cell.isNumber ? cell.number : leadingNumber(cell.text));
 }
 
+// Python removes all blanks of Unicode, SAS, Excel VBA and most servers spaces only, and DuckDB
+// spaces of all kinds but no tabs.
+std::string_view withoutBlanks(std::string_view text, Target target, int variant) {
+    if (target == Target::Python) return withoutUnicodeBlanks(text, true);
+    return variant == 1 ? withoutUnicodeBlanks(text, false) : withoutSpaces(text);
+}
+
 std::string_view comparedText(const Recoding &recoding, const Cell &cell,
                               const Deviations &deviations) {
     if (deviations.has(recoding.isBoolean ? BooleanBlanks : TextBlanks)) {
@@ -173,9 +179,9 @@ std::string_view comparedText(const Recoding &recoding, const Cell &cell,
         const bool isPadded = deviations.sql.padsTexts && deviations.variant == 0;
         return isPadded ? withoutEndBlanks(cell.raw) : cell.raw;
     }
-    if (!deviations.has(OtherBlanks)) return cell.text;
-    return deviations.target == Target::Python ? withoutUnicodeBlanks(cell.raw)
-                                               : withoutSpaces(cell.raw);
+    return deviations.has(OtherBlanks)
+               ? withoutBlanks(cell.raw, deviations.target, deviations.variant)
+               : cell.text;
 }
 
 std::uint32_t placeOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
@@ -246,8 +252,8 @@ bool concernsList(FindingId id, const Recoding &recoding, const Cell &cell, Targ
     case TextBlanks:
         return !text.empty() && cell.raw != text;
     case OtherBlanks:
-        return !text.empty() && (target == Target::Python ? withoutUnicodeBlanks(cell.raw)
-                                                          : withoutSpaces(cell.raw)) != text;
+        return !text.empty() && (withoutBlanks(cell.raw, target, 0) != text ||
+                                 withoutBlanks(cell.raw, target, 1) != text);
     case TrueFalse:
         return isTruthText(text);
     case Capitals:
@@ -298,14 +304,22 @@ double constantOf(const Scorecard &card, const Deviations &deviations) {
 
 } // namespace
 
-int variantsOf(const FindingSet &findings, Target target) {
-    if (findings.has(BooleanNumbers)) return 4;
-    if (findings.has(NotANumber) && target == Target::Vba) return 4;
-    const auto has = [&](FindingId id) { return findings.has(id); };
-    return std::ranges::any_of(std::array{SinglePrecision, TrueFalse, BooleanBlanks, TextBlanks},
-                               has)
-               ? 2
-               : 1;
+int variantsOf(FindingId id, Target target) {
+    switch (id) {
+    case BooleanNumbers:
+        return 4;
+    case NotANumber:
+        return target == Target::Vba ? 4 : 1;
+    case SinglePrecision:
+    case BooleanBlanks:
+    case TextBlanks:
+    case TrueFalse:
+        return 2;
+    case OtherBlanks:
+        return target == Target::Sql ? 2 : 1;
+    default:
+        return 1;
+    }
 }
 
 bool differ(const Recoded &a, const Recoded &b) {

@@ -17,13 +17,13 @@ struct Deviations {
     FindingSet findings; // those that report what it does
     Target target = Target::Sas;
     SqlReading sql = {};
-    int variant = 0; // of findings that servers show in several ways; see variantsOf()
+    int variant = 0; // of findings that servers show in several ways; from 0; see variantsOf()
 
     bool has(FindingId id) const { return findings.has(id); }
 };
 
-// In how many ways these deviations may show: 1, unless servers differ in them.
-int variantsOf(const FindingSet &findings, Target target);
+// In how many ways a deviation may show: 1, unless servers, workbooks or languages differ in it.
+int variantsOf(FindingId id, Target target);
 
 // What a recoding makes of a cell: the score at a position of its array, 0 for missing values.
 struct Recoded {

@@ -44,11 +44,14 @@ std::string_view withoutSpaces(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(' '), text.size()));
 }
 
-std::string_view withoutUnicodeBlanks(std::string_view text) {
+std::string_view withoutUnicodeBlanks(std::string_view text, bool withControls) {
     // The lengths in UTF-8 of what is cut off at both ends. Python's blanks are Qt's, and four
     // control characters.
     const QString all = QString::fromUtf8(text);
-    const auto isBlank = [](QChar c) { return c.isSpace() || (c >= u'\x1C' && c <= u'\x1F'); };
+    const auto isBlank = [&](QChar c) {
+        if (!withControls) return c.category() == QChar::Separator_Space;
+        return c.isSpace() || (c >= u'\x1C' && c <= u'\x1F');
+    };
     const auto *const first = std::find_if_not(all.begin(), all.end(), isBlank);
     const auto *last = all.end();
     while (last != first && isBlank(*(last - 1))) --last;

@@ -8,8 +8,9 @@
 
 std::string_view withoutEndBlanks(std::string_view text); // spaces
 std::string_view withoutSpaces(std::string_view text);    // at both ends; tabs stay
-// At both ends, of all kinds that Python knows. The text is UTF-8.
-std::string_view withoutUnicodeBlanks(std::string_view text);
+// At both ends: spaces of all kinds or, with control characters, all blanks that Python knows. The
+// text is UTF-8.
+std::string_view withoutUnicodeBlanks(std::string_view text, bool withControls);
 
 // --- Numbers
 

@@ -107,6 +107,26 @@ void makeUnique(std::vector<std::size_t> &findings) {
     findings.erase(std::unique(findings.begin(), findings.end()), findings.end());
 }
 
+int mostVariants(std::span<const FindingId> ids, Target target) {
+    int most = 1;
+    for (const FindingId id : ids) most = std::max(most, variantsOf(id, target));
+    return most;
+}
+
+// Adds an outcome, unless a smaller set has it in the same variant.
+void addChoice(std::vector<CellChoice> &choices, const FindingSet &set, const Outcome &outcome,
+               unsigned variant) {
+    for (CellChoice &choice : choices) {
+        const bool isSmaller = choice.findings.isWithin(set);
+        if (!isSmaller || !std::ranges::equal(choice.recoded, outcome, std::not_fn(differ)))
+            continue;
+        const bool isSame = set.isWithin(choice.findings);
+        if (isSame) choice.variants |= variant;
+        if ((choice.variants & variant) != 0) return;
+    }
+    choices.push_back({set, outcome, variant});
+}
+
 bool isOfColumn(const Scorecard &card, const Finding &finding) {
     return finding.recoding >= 0 && finding.countsRows() && finding.id != NamesAlike &&
            !card.recodings.empty();
@@ -151,10 +171,8 @@ CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::si
         Deviations deviations = {{}, target, sql};
         std::vector<FindingId> ids = concerning(card, tests, column, cellOf, deviations);
         if (ids.empty()) continue;
-        FindingSet all;
-        for (const FindingId id : ids) all.add(id);
         // Servers differ in how they compare texts; what the dialect's own does counts.
-        const int variants = target == Target::Sql ? 1 : variantsOf(all, target);
+        const int variants = target == Target::Sql ? 1 : mostVariants(ids, target);
         for (int variant = 0; variant < variants; ++variant) {
             deviations.variant = variant;
             const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
@@ -183,21 +201,15 @@ std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &test
     const auto cellOf = [&](std::size_t rank) -> const Cell & { return *cells[rank]; };
     const std::vector<FindingId> ids = concerning(card, tests, column, cellOf, target);
     if (ids.empty()) return choices;
-    FindingSet all;
-    for (const FindingId id : ids) all.add(id);
     Deviations deviations = target;
-    for (int variant = 0; variant < variantsOf(all, target.target); ++variant) {
+    for (int variant = 0; variant < mostVariants(ids, target.target); ++variant) {
         deviations.variant = variant;
+        const unsigned bit = 1U << static_cast<unsigned>(variant);
         const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
         for (std::size_t mask = 1; mask < outcomes.ofMask.size(); ++mask) {
             const Outcome &outcome = outcomes.ofMask[mask];
             if (std::ranges::equal(outcome, meant, std::not_fn(differ))) continue;
-            const FindingSet set = outcomes.setOf(mask);
-            const auto isKnown = [&](const CellChoice &choice) {
-                return choice.findings.isWithin(set) &&
-                       std::ranges::equal(choice.recoded, outcome, std::not_fn(differ));
-            };
-            if (std::ranges::none_of(choices, isKnown)) choices.push_back({set, outcome});
+            addChoice(choices, outcomes.setOf(mask), outcome, bit);
         }
     }
     return choices;

@@ -10,6 +10,7 @@
 struct CellChoice {
     FindingSet findings;
     std::vector<Recoded> recoded; // by the recodings of the column
+    unsigned variants = 0;        // bits: the variants of these findings in which it becomes so
 };
 
 // A finding that counts the rows with affected cells.

@@ -22,7 +22,8 @@ struct RowOptions {
     QString probability;
     double tolerance = 1e-9; // relative to the expected number where that is above 1
     SqlReading sql = {};     // of the configuration that the results were made with
-    std::size_t cachedCells = 1 << 16; // that are judged once; they take memory before the first row
+    std::size_t cachedCells =
+        1 << 16; // that are judged once; they take memory before the first row
 
     bool hasScore() const { return !score.isEmpty(); }
     bool hasProbability() const { return !probability.isEmpty(); }

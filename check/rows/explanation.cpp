@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -15,6 +16,11 @@ constexpr std::size_t mostOutcomes = 1 << 12; // of the columns of a row, under 
 
 // Up to the server, its collation or what a workbook makes of a text.
 constexpr FindingId uncertain[] = {Capitals, Accents, SinglePrecision, TrueFalse};
+
+// What shows in the same way in all columns, since one server or one system made the results.
+constexpr FindingId shared[] = {BooleanNumbers, BooleanBlanks, TextBlanks,
+                                OtherBlanks,    NotANumber,    SinglePrecision};
+constexpr unsigned allVariants = ~0U;
 
 // How a set of findings explains a row: where all cells that it concerns deviate, or some of them.
 enum class Fit { None, Partial, Whole };
@@ -51,7 +57,7 @@ std::vector<CellChoice> choicesByName(const Search &s, std::size_t column) {
     const Deviations deviations = {{}, s.c.options.target, s.c.options.sql};
     std::vector<CellChoice> choices =
         choicesOf(s.c.card, s.c.tests[column], column, cells, named, deviations);
-    choices.push_back({{}, named});
+    choices.push_back({{}, named, allVariants});
     for (CellChoice &choice : choices) choice.findings.add(NamesAlike);
     std::erase_if(choices, [&](const CellChoice &choice) {
         return std::ranges::equal(choice.recoded, meant, std::not_fn(differ));
@@ -105,15 +111,36 @@ struct Wheel {
     std::size_t at = 0;
 };
 
+// The variant of each finding that is shared.
+using Variants = std::array<int, std::size(shared)>;
+
+bool isOf(const CellChoice &choice, const Variants &variants) {
+    for (std::size_t i = 0; i < variants.size(); ++i) {
+        const bool isShown = (choice.variants >> static_cast<unsigned>(variants[i]) & 1U) != 0;
+        if (choice.findings.has(shared[i]) && !isShown) return false;
+    }
+    return true;
+}
+
+// Turns to the next variants of the findings of the set; false after the last.
+bool turnVariants(Variants &variants, const FindingSet &set, Target target) {
+    for (std::size_t i = 0; i < variants.size(); ++i) {
+        if (!set.has(shared[i])) continue;
+        variants[i] = (variants[i] + 1) % variantsOf(shared[i], target);
+        if (variants[i] != 0) return true;
+    }
+    return false;
+}
+
 // The wheels of the set; none where the set has a finding that has no part in any of them.
-std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set) {
+std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set, const Variants &variants) {
     std::vector<Wheel> wheels;
     FindingSet used;
     for (const FindingId id : s.c.always) used.add(id);
     for (const OpenColumn &column : s.open) {
         Wheel wheel = {&column, {}};
         for (const CellChoice &choice : column.choices) {
-            if (!choice.findings.isWithin(set)) continue;
+            if (!choice.findings.isWithin(set) || !isOf(choice, variants)) continue;
             wheel.choices.push_back(&choice);
             used.add(choice.findings);
         }
@@ -164,12 +191,18 @@ Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
 }
 
 Fit fitOf(Search &s, const FindingSet &set) {
-    std::vector<Wheel> wheels = wheelsOf(s, set);
     FindingSet always;
     for (const FindingId id : s.c.always) always.add(id);
-    if (wheels.empty() && !set.isWithin(always)) return Fit::None;
-    s.recoded.assign(s.facts.recoded.begin(), s.facts.recoded.end());
-    return fitOf(s, {set, s.c.options.target, s.c.options.sql}, wheels);
+    const Deviations deviations = {set, s.c.options.target, s.c.options.sql};
+    Fit best = Fit::None;
+    Variants variants{};
+    do {
+        std::vector<Wheel> wheels = wheelsOf(s, set, variants);
+        if (wheels.empty() && !set.isWithin(always)) continue;
+        s.recoded.assign(s.facts.recoded.begin(), s.facts.recoded.end());
+        best = std::max(best, fitOf(s, deviations, wheels));
+    } while (best != Fit::Whole && turnVariants(variants, set, deviations.target));
+    return best;
 }
 
 struct Reason {
