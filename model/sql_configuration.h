@@ -59,5 +59,11 @@ SqlConfigurationFile readSqlConfiguration(const QString &fileName);
 // The column that identifies a row: that of the setting, else the model's own, else "id".
 QString keyColumn(const SqlConfiguration &configuration, const ModelDocument &document);
 
+// Whether the script goes through a temporary table; `mapsScores`: it makes probabilities of scores
+// by the model's table.
+inline bool usesTemporaryTable(const SqlConfiguration &configuration, bool mapsScores) {
+    return mapsScores && configuration.useTmpTable;
+}
+
 // The table for the scores, if there is one; without its schema, and before it is cut.
 QString temporaryTableName(const SqlConfiguration &configuration);

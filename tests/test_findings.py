@@ -101,7 +101,7 @@ FINDINGS = {
     "rows-added": (sql(), None, sql(createPredictionTable="1")),
     "second-run": (sql(createPredictionTable="1"), None, sql(createPredictionTable="0")),
     "key-length": (of(rows=LONG, key="k"), (2, 2), of(rows="n,c,k|1,a, 01234567890123456789 |1,a," + 20 * "é", key="k"),
-                   sql(rows=LONG, key="k", createTmpTable="0")),
+                   sql(rows=LONG, key="k"), sql(model(table=TABLE), LONG, "k", createTmpTable="0"), sql(model(table=TABLE), LONG, "k", useTmpTable="0")),
     "table-name-quoted": (sql(dbType="mysql", createPredictionTable="1", predictionTable="a b"), None,
                           *(sql(dbType=name, createPredictionTable=creates, predictionTable=table) for name, creates, table in
                             [("oracle", "1", "a b"), ("mysql", "0", "a b"), ("mysql", "1", "a_b")])),

@@ -117,12 +117,13 @@ void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &
     const QString &table = configuration.predictionTable;
     const bool creates = configuration.createPredictionTable;
     const bool usesTemporary =
-        configuration.useTmpTable && card.table.exists && dialect.hasProbability;
+        usesTemporaryTable(configuration, card.table.exists && dialect.hasProbability);
     const bool createsTemporary = usesTemporary && configuration.createTmpTable;
     const bool isQuoted = sqlIdentifier(dialect, table) != table;
     const QString longestName = usesTemporary ? temporaryTableName(configuration) : table;
     const QString key = keyColumn(configuration, card.document);
     notes.add({u"setting createPredictionTable"_s}, creates ? SecondRun : RowsAdded);
+    notes.add({u"key"_s}, KeyLength, creates || createsTemporary);
     const FindingPlace tableName = {u"setting predictionTable, '%1'"_s.arg(table)};
     notes.add(tableName, TableNameQuoted, creates && dialect.makesIndex && isQuoted);
     notes.add(tableName, TableNameCut, longestName.size() > dialect.identifierLength);
@@ -219,10 +220,10 @@ SqlUse useOf(const SqlConfiguration &configuration) {
 
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file) {
     inspectSqlNames(notes, card, file ? &file->configuration : nullptr);
-    const bool createsTables =
-        !file || file->configuration.createPredictionTable || file->configuration.createTmpTable;
-    notes.add({u"key"_s}, KeyLength, createsTables);
-    if (!file) return;
+    if (!file) {
+        notes.add({u"key"_s}, KeyLength);
+        return;
+    }
     inspectSettings(notes, file->root);
     inspectDialect(notes, card, file->configuration.dbType);
     inspectTables(notes, card, file->configuration);

@@ -14,9 +14,6 @@ namespace {
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
 constexpr std::int64_t mostSuspected = 1000; // rows that are looked into for a column at fault
-constexpr std::size_t mostTried = 1 << 20;   // values of one column, by the recodings that read it
-constexpr std::size_t mostCombined = 8;   // findings of which all sets are tried; else up to three
-constexpr std::size_t mostExchanged = 64; // columns, of which all pairs are tried
 
 // The deviations that are not up to the cells.
 std::vector<FindingId> alwaysOf(const Comparison &c, std::span<const Finding> findings) {

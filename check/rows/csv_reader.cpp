@@ -120,10 +120,11 @@ bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void 
             u"%1, "_s + place + u": not valid UTF-8. Convert the file, for example with iconv."_s;
     } else if (isEnd) {
         isAtEnd = true;
-        if (std::ferror(file.stream.get())) problem = u"Cannot read file '%1'."_s;
+        const bool isBroken = std::ferror(file.stream.get()) != 0;
+        if (isBroken) problem = u"Cannot read file '%1'."_s;
         // Only here, since strictness would refuse quotation marks within cells.
         csv_set_opts(&parser, CSV_STRICT | CSV_STRICT_FINI);
-        if (csv_fini(&parser, takeCell, endRow, call) != 0) {
+        if (csv_fini(&parser, takeCell, endRow, call) != 0 && !isBroken) {
             problem = u"File '%1' ends within quotation marks."_s;
         }
     }

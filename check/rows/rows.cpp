@@ -110,6 +110,7 @@ constexpr std::size_t mostTexts = 1000;
 // A finding that the score decides, or that another column does.
 struct RowTest {
     std::size_t finding; // its position
+    FindingId id;
     std::size_t recoding;
     Deviations deviations;
 };
@@ -126,7 +127,7 @@ RowTests testsOf(const RowOptions &options, std::span<const Finding> findings) {
         const Finding &finding = findings[i];
         if (!finding.countsRows()) continue;
         const auto recoding = static_cast<std::size_t>(std::max(finding.recoding, 0));
-        RowTest test = {i, recoding, {{finding.id}, Target::Sas, options.sql}};
+        RowTest test = {i, finding.id, recoding, {{finding.id}, Target::Sas, options.sql}};
         if (finding.id == KeyLength) {
             tests.ofKey = i;
         } else if (finding.recoding < 0) {
@@ -230,21 +231,34 @@ void affect(RowScorer &scorer, std::size_t position) {
     if (finding.rows++ == 0) finding.firstRow = scorer.reader.row;
 }
 
-bool isAffected(const Scorecard &card, const RowTest &test, const Prediction &prediction) {
+// Whether the score is where the finding can make a difference: a quick test.
+bool isConcerned(const Scorecard &card, FindingId id, double score) {
     const std::span<const double> x = card.table.x;
-    const double score = prediction.score;
-    const FindingId id = test.deviations.has(BoundDigits)        ? BoundDigits
-                         : test.deviations.has(LogisticOverflow) ? LogisticOverflow
-                                                                 : LowestPoint;
-    constexpr double shortest = 1e-13; // share of a number that 15 digits may lose
-    if (id == BoundDigits && !hasPointBeside(card, score, shortest * std::abs(score))) return false;
-    constexpr double overflow = -700;
-    if (id == LogisticOverflow && score > overflow) return false;
-    if (id == LowestPoint && x.size() > 1 && score > x[x.size() - 2]) return false;
-    const double other = probabilityOf(card, score, test.deviations);
-    constexpr double rounding = 1e-9; // where the table has no jump
-    if (id == BoundDigits && std::abs(other - prediction.probability) <= rounding) return false;
-    return differ({0, other}, {0, prediction.probability});
+    switch (id) {
+    case BoundDigits: {
+        constexpr double share = 1e-13; // of a number that 15 digits may lose
+        return hasPointBeside(card, score, share * std::abs(score));
+    }
+    case LogisticOverflow: {
+        constexpr double highest = -700;
+        return score < highest;
+    }
+    case LowestSegment:
+    case LowestPoint:
+    case LowestNan:
+        return x.size() < 2 || score <= x[x.size() - 2];
+    default:
+        return true;
+    }
+}
+
+bool isAffected(const Scorecard &card, const RowTest &test, const Prediction &prediction) {
+    if (!isConcerned(card, test.id, prediction.score)) return false;
+    const double other = probabilityOf(card, prediction.score, test.deviations);
+    constexpr double rounding = 1e-9; // of the probability where the table has no jump
+    const bool isRounded =
+        test.id == BoundDigits && std::abs(other - prediction.probability) <= rounding;
+    return !isRounded && differ({0, other}, {0, prediction.probability});
 }
 
 // Counts what no cell alone decides.

@@ -48,8 +48,8 @@ std::vector<QString> quotedFields(std::span<const Variable> variables, const Sql
 }
 
 SqlPlan choosePlan(const ProbabilityTable &probabilities, const SqlConfiguration &configuration) {
-    if (!probabilities.exists) return SqlPlan::ScoreOnly;
-    return configuration.useTmpTable ? SqlPlan::TemporaryTable : SqlPlan::Nested;
+    if (usesTemporaryTable(configuration, probabilities.exists)) return SqlPlan::TemporaryTable;
+    return probabilities.exists ? SqlPlan::Nested : SqlPlan::ScoreOnly;
 }
 
 // --- Tables
