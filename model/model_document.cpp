@@ -89,7 +89,12 @@ void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView a
 
 std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                                 std::size_t needed) {
-    std::vector<double> values = decodeArray<double>(document, owner.childNode(array).text());
+    const XmlNode node = owner.childNode(array);
+    std::vector<double> values = decodeArray<double>(document, node.text());
+    if (values.empty()) { // or they stand in the place of their text already
+        const std::span<const double> decoded = node.decodeNumbers(document.decoder);
+        values.assign(decoded.begin(), decoded.end());
+    }
     requireNumbers(document, owner, array, values.size(), needed);
     if (values.size() < needed) values.resize(needed);
     return values;

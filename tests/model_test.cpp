@@ -93,6 +93,8 @@ TEST(Variables, KeepTheirDocument) {
         std::filesystem::remove(path);
         const Variables first = readVariables(document, u"b");
         kept = readVariables(document, u" ");
+        // An array that was read with the variables is there again.
+        EXPECT_EQ(readNumbers(document, kept[1].node, u"y", 1), std::vector<double>{1});
         EXPECT_EQ(first[1].y.data(), kept[1].y.data());
         EXPECT_EQ(first[0].recodingName, u"R0_a _");
     }
