@@ -290,12 +290,17 @@ double pointShown(double point, const Deviations &deviations) {
 }
 
 // The scores of the table within this distance.
-std::span<const double> pointsBeside(const Scorecard &card, double score, double distance) {
-    const std::span<const double> x = card.table.x;
-    if (!card.isFalling) return x;
-    const auto first = std::ranges::lower_bound(x, score + distance, std::greater());
-    const auto last = std::ranges::upper_bound(x, score - distance, std::greater());
-    return {first, std::max(first, last)};
+std::vector<double> pointsBeside(const Scorecard &card, double score, double distance) {
+    std::span<const double> x = card.table.x;
+    if (card.isFalling) {
+        const auto first = std::ranges::lower_bound(x, score + distance, std::greater());
+        const auto last = std::ranges::upper_bound(x, score - distance, std::greater());
+        x = {first, std::max(first, last)};
+    }
+    std::vector<double> points;
+    std::ranges::copy_if(x, std::back_inserter(points),
+                         [&](double point) { return std::abs(point - score) <= distance; });
+    return points;
 }
 
 double constantOf(const Scorecard &card, const Deviations &deviations) {
@@ -424,11 +429,12 @@ bool hasProbabilityNear(const Scorecard &card, double score, double slack, doubl
                         double tolerance, const Deviations &deviations) {
     const auto isNear = [&](double p, double q) { return std::abs(p - q) <= tolerance; };
     const double exact = probabilityOf(card, score, deviations);
-    if (std::isnan(probability) || !std::isfinite(slack)) {
-        return std::isnan(exact) ? std::isnan(probability) : isNear(exact, probability);
+    if (std::isnan(probability) || std::isnan(exact)) {
+        return std::isnan(probability) && std::isnan(exact);
     }
+    if (!std::isfinite(score) || !std::isfinite(slack)) return isNear(exact, probability);
     std::vector<double> scores = {score - slack, score, score + slack};
-    for (const double point : pointsBeside(card, score, 2 * slack)) {
+    for (const double point : pointsBeside(card, score, slack)) {
         const double at = pointShown(point, deviations);
         scores.insert(scores.end(), {at, std::nextafter(at, HUGE_VAL)});
     }
@@ -444,4 +450,43 @@ bool hasProbabilityNear(const Scorecard &card, double score, double slack, doubl
         before = p;
     }
     return false;
+}
+
+ScoreRange scoresWithProbability(const Scorecard &card, double probability, double tolerance,
+                                 const Deviations &deviations) {
+    const ScoreRange all = {-HUGE_VAL, HUGE_VAL};
+    const double least = probability - tolerance;
+    const double most = probability + tolerance;
+    for (const FindingId id : {NoProbability, LogisticAbsent, TableUnread}) {
+        const double slack = 2 * tolerance * std::max(1.0, std::abs(probability));
+        if (deviations.has(id)) return {probability - slack, probability + slack};
+    }
+    if (!std::isfinite(probability) || !card.table.exists || !card.isFalling) return all;
+    ScoreRange range = {HUGE_VAL, -HUGE_VAL};
+    const auto add = [&](double a, double b) {
+        range = {std::min({range.least, a, b}), std::max({range.most, a, b})};
+    };
+    const std::span<const double> x = card.table.x;
+    const std::span<const double> y = card.table.y;
+    const std::size_t last = x.size() - 1;
+    const auto isNear = [&](double p) { return p >= least && p <= most; };
+    if (isNear(y[0])) add(x[0], HUGE_VAL);
+    if (isNear(y[last]) || isNear(0)) add(-HUGE_VAL, x[last > 0 ? last - 1 : last]);
+    for (std::size_t i = 1; i <= last; ++i) {
+        const auto [low, high] = std::minmax(y[i], y[i - 1]);
+        if (most < low || least > high) continue;
+        const auto at = [&](double p) {
+            return y[i] == y[i - 1] ? x[i]
+                                    : x[i] + (std::clamp(p, low, high) - y[i]) * (x[i - 1] - x[i]) /
+                                                 (y[i - 1] - y[i]);
+        };
+        add(at(least), at(most));
+        if (y[i] == y[i - 1]) add(x[i], x[i - 1]);
+    }
+    // What interpolation may be off by.
+    constexpr double rounding = 1e-9;
+    const auto widen = [](double score) { return rounding * std::max(1.0, std::abs(score)); };
+    if (std::isfinite(range.least)) range.least -= widen(range.least);
+    if (std::isfinite(range.most)) range.most += widen(range.most);
+    return range;
 }

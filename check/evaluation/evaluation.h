@@ -68,9 +68,14 @@ bool hasProbabilityNear(const Scorecard &card, double score, double slack, doubl
 // Whether the table has a point within this distance of the score.
 bool hasPointBeside(const Scorecard &card, double score, double distance);
 
-// The least and the highest score that a row can have: of the same sum, rounded in the same order.
+// Scores from the least to the highest; none where the least is above.
 struct ScoreRange {
     double least;
     double most;
 };
+// What a row can have: of the same sum, rounded in the same order.
 ScoreRange scoreRange(const Scorecard &card);
+
+// Outside of these scores, none has a probability within the tolerance of this one.
+ScoreRange scoresWithProbability(const Scorecard &card, double probability, double tolerance,
+                                 const Deviations &deviations);

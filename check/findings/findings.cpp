@@ -130,7 +130,7 @@ constexpr FindingKind kinds[] = {
      u"A text differs from a listed value in accents: the default collations of MySQL and MariaDB, and those of SQL Server without accents, take the two for equal.",
      u"Choose a collation that tells accents apart, or make the data uniform.", u"sql.md"},
     {SinglePrecision, u"single-precision", sql, sql, whole,
-     u"Columns are cast to FLOAT, in general SQL contributions too. It has 32 bits in MySQL, MariaDB and DuckDB: there, scores differ in the seventh digit, and a cell beside a bound may fall on its other side.",
+     u"Columns and contributions are cast to FLOAT. It has 32 bits in MySQL, MariaDB and DuckDB: there, scores differ in the seventh digit, and a cell beside a bound may fall on its other side.",
      u"Use the dialect mysql there, which casts nothing.", u"sql.md"},
     {RowsAdded, u"rows-added", sql, none, whole,
      u"The rows of the prediction table stay, and a second run adds its own to them.",

@@ -135,7 +135,8 @@ void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard
 bool isName(QStringView name, Target target) {
     constexpr qsizetype longestOfSas = 32;
     const auto isAllowed = [target](QChar c) {
-        return c == u'_' || (c.isLetterOrNumber() && (target != Target::Sas || c < u'\x80'));
+        return c == u'_' ||
+               ((c.isLetter() || c.isDigit()) && (target != Target::Sas || c < u'\x80'));
     };
     if (target == Target::Sas && name.size() > longestOfSas) return false;
     const bool begins = target == Target::Vba || (!name.isEmpty() && !name[0].isDigit());

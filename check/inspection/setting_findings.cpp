@@ -106,7 +106,7 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     for (const SqlDialect &known : sqlDialects()) {
         if (!known.name.isEmpty()) names.push_back(known.name);
     }
-    notes.add({place}, SinglePrecision, !dialect.columnCast.opening.isEmpty());
+    notes.add({place}, SinglePrecision, !dialect.scoreCast.opening.isEmpty());
     const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
     const bool isMeant = !isKnown && !nearest(dbType, names).isEmpty();
     notes.add({withMeant(place, dbType, names)}, UnknownDialect, isMeant);

@@ -11,6 +11,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
+constexpr double singleProbability = 1e-6; // that 32 bits hold
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
 constexpr std::int64_t mostSuspected = 1000; // rows that are looked into for a column at fault
@@ -82,15 +83,6 @@ bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
 
 // --- Comparing
 
-// What rounding may do to the score of a row. Sums are exact but for their order; in 32 bits, each
-// number and each sum loses half of its last bit.
-double slackOf(const SumSize &size, bool isSingle) {
-    constexpr double otherOrder = 1e-12;
-    constexpr double halfBit = 0x1p-24;
-    if (!isSingle) return otherOrder * size.largest;
-    return halfBit * static_cast<double>(size.terms + 1) * size.total;
-}
-
 void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
     const bool isByScore = c.options.hasScore() && !(c.options.hasProbability() &&
                                                      isNear(c, facts.expected.score, found.score));
@@ -128,6 +120,33 @@ bool matches(const Comparison &c, const Prediction &expected, const Prediction &
            (!c.options.hasProbability() || isNear(c, expected.probability, found.probability));
 }
 
+// Sums are exact but for their order; in 32 bits, each number and each sum loses half of its last
+// bit.
+double slackOf(const Comparison &c, std::span<const Recoded> recoded,
+               const Deviations &deviations) {
+    constexpr double otherOrder = 1e-12;
+    constexpr double halfBit = 0x1p-24;
+    const SumSize size = sumSizeOf(c.card, recoded, deviations);
+    if (!deviations.has(FindingId::SinglePrecision)) return otherOrder * size.largest;
+    return halfBit * static_cast<double>(size.terms + 1) * size.total;
+}
+
+ScoreRange scoresOf(const Comparison &c, const Deviations &deviations, const Prediction &found) {
+    const bool isSingle = deviations.has(FindingId::SinglePrecision);
+    if (!c.options.hasScore()) {
+        const double tolerance =
+            isSingle ? std::max(c.options.tolerance, singleProbability) : c.options.tolerance;
+        return scoresWithProbability(c.card, found.probability, tolerance, deviations);
+    }
+    if (!std::isfinite(found.score)) return {-HUGE_VAL, HUGE_VAL};
+    // Twice the tolerance, which is relative to the score that is expected, and what sums of
+    // differences may be off by.
+    constexpr double rounding = 1e-9;
+    const double slack =
+        (2 * c.options.tolerance + rounding) * std::max(1.0, std::abs(found.score));
+    return {found.score - slack, found.score + slack};
+}
+
 bool fits(const Comparison &c, std::span<const Recoded> recoded, const Deviations &deviations,
           const Prediction &found) {
     const bool isSingle = deviations.has(FindingId::SinglePrecision);
@@ -138,10 +157,9 @@ bool fits(const Comparison &c, std::span<const Recoded> recoded, const Deviation
                     isNear(c, probabilityOf(c.card, score, deviations), found.probability))) {
         return true;
     }
-    const double slack = slackOf(sumSizeOf(c.card, recoded, deviations), isSingle);
+    const double slack = slackOf(c, recoded, deviations);
     if (!isScore && !(std::abs(score - found.score) <= slack)) return false;
     if (!c.options.hasProbability()) return true;
-    constexpr double singleProbability = 1e-6;
     const double tolerance =
         isSingle ? std::max(c.options.tolerance, singleProbability) : c.options.tolerance;
     return hasProbabilityNear(c.card, score, slack, found.probability, tolerance, deviations);

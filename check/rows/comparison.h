@@ -125,3 +125,9 @@ bool matches(const Comparison &comparison, const Prediction &expected, const Pre
 // within that.
 bool fits(const Comparison &comparison, std::span<const Recoded> recoded,
           const Deviations &deviations, const Prediction &found);
+// What rounding may do to the score of the recoded row.
+double slackOf(const Comparison &comparison, std::span<const Recoded> recoded,
+               const Deviations &deviations);
+// The least and the highest score with which fits() may hold, but for rounding.
+ScoreRange scoresOf(const Comparison &comparison, const Deviations &deviations,
+                    const Prediction &found);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -12,7 +13,8 @@ namespace {
 using enum FindingId;
 
 constexpr std::size_t mostCombined = 8; // findings of which all sets are tried; else up to three
-constexpr std::size_t mostOutcomes = 1 << 12; // of the columns of a row, under one set of findings
+constexpr std::size_t mostTurned = 32;  // columns, of which all outcomes may be tried
+constexpr std::int64_t budgetOfRow = 1 << 13; // outcomes and parts of them; a row takes some 0.1 ms
 
 // Up to the server, its collation or what a workbook makes of a text.
 constexpr FindingId uncertain[] = {Capitals, Accents, SinglePrecision, TrueFalse};
@@ -39,6 +41,7 @@ struct Search {
     std::vector<OpenColumn> open = {};
     std::vector<FindingId> possible = {};
     std::vector<Recoded> recoded = {}; // what is tried
+    std::int64_t budget = budgetOfRow;
 };
 
 // What a column becomes where its recodings read the last of several columns.
@@ -108,7 +111,7 @@ void putChoice(Search &s, const OpenColumn &column, const CellChoice *choice) {
 struct Wheel {
     const OpenColumn *column;
     std::vector<const CellChoice *> choices;
-    std::size_t at = 0;
+    std::vector<double> changes = {}; // of the score, by the choices
 };
 
 // The variant of each finding that is shared.
@@ -133,7 +136,7 @@ bool turnVariants(Variants &variants, const FindingSet &set, Target target) {
 }
 
 // The wheels of the set; none where the set has a finding that has no part in any of them.
-std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set, const Variants &variants) {
+std::vector<Wheel> wheelsOf(Search &s, const FindingSet &set, const Variants &variants) {
     std::vector<Wheel> wheels;
     FindingSet used;
     for (const FindingId id : s.c.always) used.add(id);
@@ -144,6 +147,7 @@ std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set, const Varian
             wheel.choices.push_back(&choice);
             used.add(choice.findings);
         }
+        s.budget -= std::ssize(column.choices);
         if (wheel.choices.empty()) continue;
         // The largest sets first: most deployments show all that they do in all columns.
         std::ranges::reverse(wheel.choices);
@@ -154,40 +158,85 @@ std::vector<Wheel> wheelsOf(const Search &s, const FindingSet &set, const Varian
     return wheels;
 }
 
-bool turn(Search &s, std::span<Wheel> wheels) {
-    for (Wheel &wheel : wheels) {
-        wheel.at = (wheel.at + 1) % wheel.choices.size();
-        putChoice(s, *wheel.column, wheel.choices[wheel.at]);
-        if (wheel.at != 0) return true;
-    }
-    return false;
+// Tries the outcomes of the wheels whose score may have the result.
+struct Hunt {
+    Search &s;
+    const Deviations &deviations;
+    std::span<const Wheel> wheels;
+    ScoreRange wanted;
+    std::vector<ScoreRange> behind = {}; // what the wheels from each on may add to the score
+    Fit best = Fit::None;
+};
+
+// What a choice adds to the score of the row as the model makes it.
+double changeBy(Hunt &h, const Wheel &wheel, const CellChoice *choice, double score) {
+    if (!choice) return 0;
+    putChoice(h.s, *wheel.column, choice);
+    const double change = scoreOf(h.s.c.card, h.s.recoded, h.deviations) - score;
+    putChoice(h.s, *wheel.column, nullptr);
+    return change;
 }
 
-// How the result is that of some outcome of the columns. Of too many, those are left out in
-// which only some of the last columns deviate.
-Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
-    std::size_t outcomes = 1;
-    std::size_t turned = 0;
-    while (turned < wheels.size() && outcomes * wheels[turned].choices.size() <= mostOutcomes) {
-        outcomes *= wheels[turned++].choices.size();
+void measure(Hunt &h, std::span<Wheel> wheels, double score) {
+    h.behind.assign(wheels.size() + 1, {0, 0});
+    for (std::size_t i = wheels.size(); i-- > 0;) {
+        double least = 0;
+        double most = 0;
+        wheels[i].changes.clear();
+        for (const CellChoice *const choice : wheels[i].choices) {
+            const double change = changeBy(h, wheels[i], choice, score);
+            wheels[i].changes.push_back(change);
+            least = std::isfinite(change) ? std::min(least, change) : -HUGE_VAL;
+            most = std::isfinite(change) ? std::max(most, change) : HUGE_VAL;
+            if (!std::isfinite(change)) break;
+        }
+        wheels[i].changes.resize(wheels[i].choices.size(), noNumber);
+        h.behind[i] = {h.behind[i + 1].least + least, h.behind[i + 1].most + most};
     }
+}
+
+// No deeper than mostTurned.
+void tryOutcomes(Hunt &h, std::size_t i, double score, bool isWhole) {
+    constexpr std::int64_t costOfFit = 16;
+    h.s.budget -= 1;
+    if (h.s.budget < 0 || h.best == Fit::Whole || score + h.behind[i].most < h.wanted.least ||
+        score + h.behind[i].least > h.wanted.most) {
+        return;
+    }
+    if (i == h.wheels.size()) {
+        h.s.budget -= costOfFit;
+        if (!fits(h.s.c, h.s.recoded, h.deviations, h.s.found)) return;
+        h.best = isWhole ? Fit::Whole : Fit::Partial;
+        return;
+    }
+    const Wheel &wheel = h.wheels[i];
+    for (std::size_t k = 0; k < wheel.choices.size(); ++k) {
+        putChoice(h.s, *wheel.column, wheel.choices[k]);
+        tryOutcomes(h, i + 1, score + wheel.changes[k], isWhole && wheel.choices[k] != nullptr);
+    }
+    putChoice(h.s, *wheel.column, nullptr);
+}
+
+// How the result is that of some outcome of the columns. Of very many columns, those are left out
+// in which only some of the last ones deviate.
+Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
+    const std::size_t turned = std::min(wheels.size(), mostTurned);
     const std::span<Wheel> first = wheels.first(turned);
     const std::span<Wheel> last = wheels.subspan(turned);
+    Hunt hunt = {s, deviations, first, scoresOf(s.c, deviations, s.found)};
     for (const bool deviates : {true, false}) {
         for (const Wheel &wheel : last) {
             putChoice(s, *wheel.column, deviates ? wheel.choices.front() : nullptr);
         }
-        for (const Wheel &wheel : first) putChoice(s, *wheel.column, wheel.choices.front());
-        do {
-            if (!fits(s.c, s.recoded, deviations, s.found)) continue;
-            const bool isWhole = deviates && std::ranges::none_of(first, [](const Wheel &wheel) {
-                                     return wheel.choices[wheel.at] == nullptr;
-                                 });
-            return isWhole ? Fit::Whole : Fit::Partial;
-        } while (turn(s, first));
-        if (last.empty()) break;
+        const double score = scoreOf(s.c.card, s.recoded, deviations);
+        const double slack = slackOf(s.c, s.recoded, deviations);
+        measure(hunt, first, score);
+        hunt.wanted.least -= slack;
+        hunt.wanted.most += slack;
+        tryOutcomes(hunt, 0, score, deviates);
+        if (last.empty() || hunt.best != Fit::None) break;
     }
-    return Fit::None;
+    return hunt.best;
 }
 
 Fit fitOf(Search &s, const FindingSet &set) {
@@ -219,6 +268,7 @@ std::vector<Reason> reasonsOf(Search &s) {
         std::vector<char> isChosen(count);
         std::fill_n(isChosen.begin(), size, 1);
         do {
+            if (s.budget < 0) return reasons;
             FindingSet set;
             for (std::size_t i = 0; i < count; ++i) {
                 if (isChosen[i]) set.add(s.possible[i]);
@@ -229,13 +279,13 @@ std::vector<Reason> reasonsOf(Search &s) {
     return reasons;
 }
 
-// Of sets of one size, those that hold for all columns, and then those with the fewest findings
-// that are up to the server: where another cause fits, nothing speaks for these.
+// Of sets of one size, those with the fewest findings that are up to the server, for which nothing
+// speaks where another cause fits; and of these the ones that hold for all columns.
 void keepLikeliest(std::vector<Reason> &reasons) {
     const auto rank = [](const Reason &reason) {
         const auto doubts =
             std::ranges::count_if(uncertain, [&](FindingId id) { return reason.set.has(id); });
-        return std::pair(reason.fit == Fit::Partial, doubts);
+        return std::pair(doubts, reason.fit == Fit::Partial);
     };
     if (reasons.empty()) return;
     const auto least = rank(*std::ranges::min_element(reasons, {}, rank));

@@ -101,9 +101,12 @@ std::size_t hashOf(std::string_view bytes) {
     return ((first ^ last << 1U ^ bytes.size()) * 0x9E3779B97F4A7C15U) >> 48U;
 }
 
-// How often texts occur that their column does not list; of the first different ones.
-using TextCounts = std::unordered_map<std::string, std::int64_t>;
-constexpr std::size_t mostTexts = 1000;
+// How often texts occur that their column does not list. Of very many different texts, the rare
+// ones make room for others, and each may have occurred `more` times.
+struct TextCounts {
+    std::unordered_map<std::string, std::int64_t> rows = {};
+    std::int64_t more = 0;
+};
 
 // --- Rows
 
@@ -168,8 +171,14 @@ struct RowScorer {
 };
 
 void countUnlisted(TextCounts &texts, const JudgedCell &judged) {
-    std::string text(judged.cell.text);
-    if (texts.size() < mostTexts || texts.contains(text)) texts[std::move(text)] += judged.rows;
+    constexpr std::size_t most = 1000;
+    texts.rows[std::string(judged.cell.text)] += judged.rows;
+    if (texts.rows.size() <= most) return;
+    std::int64_t least = judged.rows;
+    for (const auto &[text, rows] : texts.rows) least = std::min(least, rows);
+    texts.more += least;
+    for (auto &[text, rows] : texts.rows) rows -= least;
+    std::erase_if(texts.rows, [](const auto &text) { return text.second == 0; });
 }
 
 // Adds the rows of a cell to the counts.
@@ -353,17 +362,30 @@ QString start(RowScorer &scorer) {
     return {};
 }
 
+// A text of the data as a message can hold it.
+QString shownText(const std::string &text) {
+    constexpr qsizetype longest = 60;
+    QString shown = QString::fromStdString(text);
+    if (shown.size() > longest) shown = shown.left(longest) + u'…';
+    for (QChar &c : shown) {
+        if (c.category() == QChar::Other_Control) c = u' ';
+    }
+    return shown;
+}
+
 // Tells in the place of a finding which of the texts occurs in most rows.
 void nameUnlisted(RowScorer &scorer) {
     for (Finding &finding : scorer.findings) {
         if (finding.id != NotListed || finding.rows == 0) continue;
         const auto recoding = static_cast<std::size_t>(finding.recoding);
         const TextCounts &texts = scorer.unlisted[scorer.card.recodings[recoding].column];
-        const auto most = std::ranges::max_element(texts, {}, [](const auto &text) {
+        const auto most = std::ranges::max_element(texts.rows, {}, [](const auto &text) {
             return std::pair(text.second, std::string_view(text.first));
         });
-        finding.place += u", most often '%1' in %2"_s.arg(QString::fromStdString(most->first),
-                                                          rowsText(most->second));
+        if (most == texts.rows.end()) continue;
+        finding.place += u", most often '%1' in %2%3"_s.arg(
+            shownText(most->first), texts.more > 0 ? u"at least "_s : QString(),
+            rowsText(most->second));
     }
 }
 
