@@ -11,7 +11,7 @@ inline constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 // One cell, as the model looks at it.
 struct Cell {
     std::string_view raw;
-    std::string_view text; // without blanks around it; empty where it means nothing
+    std::string_view text; // without blanks around it; empty if it is missing
     double number = 0;     // NaN counts as one that is missing
     bool isNumber = false; // the text
 };

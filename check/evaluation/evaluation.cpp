@@ -139,7 +139,7 @@ std::uint32_t otherPlace(const Recoding &recoding, std::string_view text, Readin
 }
 
 // Excel VBA sees True and False where a cell holds a truth value, and compares TRUE and FALSE of a
-// list in this spelling. `isTruth` tells whether the cell holds one, or a text.
+// list in this spelling. `isTruth`: whether the cell holds one, not a text.
 std::uint32_t truthPlace(const Recoding &recoding, std::string_view text, bool isTruth) {
     const bool isTrue = (text[0] | 0x20) == 't';
     const std::string_view spelling = isTrue ? "True" : "False";
@@ -153,8 +153,8 @@ std::uint32_t truthPlace(const Recoding &recoding, std::string_view text, bool i
 }
 
 // What servers make of a text that is compared with the numbers 0 and 1: MySQL, MariaDB and a cast
-// of SQLite take the number that it begins with; texts may be compared as texts; a text that holds
-// no number may equal neither.
+// of SQLite take the number that it begins with; texts may be compared as texts; a text that is not
+// numeric may equal neither.
 std::size_t positionOfNumber(const Cell &cell, int variant) {
     if (cell.text.empty()) return variant == 3 ? 1 : 0;
     const auto of = [](double number) -> std::size_t {

@@ -1,6 +1,5 @@
-// The score and the probability of a row: as the model means them, or with what a target does
-// differently. There is one evaluation; what a target does differently is a set of named
-// deviations.
+// The score and the probability of a row: as the model defines them, or as a target departs from
+// it. There is one evaluation; where a target departs from the model is a set of named deviations.
 #pragma once
 
 #include "check/evaluation/cell.h"
@@ -12,7 +11,7 @@ struct SqlReading {
     bool padsTexts = false; // blanks at the end of a text do not count
 };
 
-// What a target is taken to do differently from the model.
+// How a target departs from the model.
 struct Deviations {
     FindingSet findings; // those that report what it does
     Target target = Target::Sas;
@@ -49,7 +48,7 @@ bool concerns(FindingId id, const Recoding &recoding, const Cell &cell,
 double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
                const Deviations &deviations = {});
 
-// The size of the sum behind a score, which tells what rounding may do to it.
+// The size of the sum behind a score, which limits what rounding may do to it.
 struct SumSize {
     double largest = 0; // term, or the constant
     double total = 0;   // of all terms and the constant, without their signs

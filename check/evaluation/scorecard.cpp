@@ -53,8 +53,8 @@ std::string withoutAccents(std::string_view text) {
     return plain.toStdString();
 }
 
-// The text that a literal of these characters stands for; a byte that no text holds where it is
-// none of the plain escapes, so that it equals nothing.
+// The text that a literal stands for; \xFF, which equals nothing, for an escape that is not
+// supported.
 std::string unescaped(std::string_view literal, Reading reading) {
     const bool isPython = reading == Reading::PythonText;
     const std::string_view escapes = isPython ? "\\'\"abfnrtv\n" : "'\"bnrtZ0\\";

@@ -14,9 +14,9 @@ std::string_view withoutUnicodeBlanks(std::string_view text, bool withControls);
 
 // --- Numbers
 
-// The same number with so many significant digits.
+// The number, rounded to `digits` significant digits.
 double withDigits(double number, int digits);
-// The same number in 32 bits; one that is too large for them stays.
+// The number, rounded to 32 bits; one that is too large for them is returned unchanged.
 double inSinglePrecision(double number);
 
 // The number that a field of a page holds: decimal, or hexadecimal, octal or binary behind 0x, 0o

@@ -7,6 +7,7 @@
 #include <QSet>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -26,7 +27,7 @@ bool isRounded(double number) {
     return withDigits(number, 6) != number;
 }
 
-// Whether so many digits make another number of one of them.
+// Whether rounding to `digits` changes one of the numbers.
 bool isInexact(std::span<const double> numbers, int digits) {
     return std::ranges::any_of(numbers,
                                [&](double number) { return withDigits(number, digits) != number; });

@@ -1,6 +1,7 @@
 #include "check/reports/report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <functional>
 
 using namespace Qt::Literals::StringLiterals;
@@ -99,10 +100,10 @@ std::vector<Prediction> curveOf(const Scorecard &card, const Scale &scale) {
 }
 
 ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
-    const XmlNode &root = card.document.root;
-    const QStringView target = root.childNode(u"MetaData").childNode(u"Target").text();
+    const QStringView target =
+        card.document.root.childNode(u"MetaData").childNode(u"Target").text();
     ModelSection model = {.file = card.document.fileName,
-                          .version = root.childNode(u"Header").attribute(u"version").toString(),
+                          .version = modelVersion(card.document).toString(),
                           .target = target.toString(),
                           .kind = kindOfTarget(card).toString(),
                           .columns = std::ssize(card.columns),

@@ -6,6 +6,8 @@
 #include "check/rows/rows.h"
 #include "model/text_buffer.h"
 
+#include <algorithm>
+
 // The values with one score.
 struct PositionLine {
     QString values; // an interval in the notation of brackets, or values of a list
@@ -103,7 +105,7 @@ void putPage(TextBuffer &out, const Report &report);
 
 // 6 significant digits; "none" for NaN.
 QString shortNumber(double number);
-// The same with as many more digits as tell it from another number.
+// The same, but with as many digits as distinguish it from `other`.
 QString numberBeside(double number, double other);
 // The target that the results are of.
 QString comparedTarget(const Report &report);

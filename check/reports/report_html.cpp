@@ -3,6 +3,7 @@
 #include "check/reports/report_html_text.h"
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -1,6 +1,7 @@
 #include "check/reports/report.h"
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -62,7 +63,7 @@ void putRows(TextBuffer &out, const RowCounts &counts) {
         counts.firstUneven, u"\n");
 }
 
-// `other` is what the numbers are held against.
+// `other` is what the numbers are compared with.
 void putNumbers(TextBuffer &out, QStringView title, const Prediction &numbers,
                 const Prediction &other) {
     put(out, u"    ", title, u" score ", numberBeside(numbers.score, other.score));

@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -215,7 +216,7 @@ void compareRow(Comparison &c, const RowFacts &facts) {
         return;
     }
     ++c.result.rows;
-    // An empty cell is right where the model gives no number, and is never NaN that a target shows.
+    // An empty cell is right where the model gives NaN, and is never NaN that a target shows.
     const Prediction &numbers = found.numbers;
     const bool isReadable = found.cells == ResultCells::Numbers;
     const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;

@@ -1,4 +1,4 @@
-// Holds the results of a deployment against the model, and tells what explains the difference.
+// Compares the results of a deployment with the model and explains the differences.
 #pragma once
 
 #include "check/rows/cell_effects.h"
@@ -15,7 +15,7 @@ struct RowOptions {
     QString key;    // column; may be empty: rows are joined by position
     QString scores; // file to be written; may be empty
     char delimiter = ',';
-    std::vector<std::string> missing; // texts that mean nothing, as an empty cell does
+    std::vector<std::string> missing; // texts that count as missing, as an empty cell does
     QString results;                  // file of a deployment; may be empty
     Target target = Target::Sas;      // that they are of
     QString score;                    // their columns, one of which may be empty
@@ -75,7 +75,7 @@ struct RowFacts {
 // What the cells of a result hold; the worse of them. A number may be NaN.
 enum class ResultCells : std::uint16_t { Numbers, Empty, NoNumber };
 
-// 40 bytes for each row of results that is kept. Keys are told apart by 96 bits of hash.
+// 40 bytes for each row of results that is kept. 96 bits of hash distinguish keys.
 struct ResultRow {
     std::uint64_t hash = 0;
     std::uint32_t check = 0;

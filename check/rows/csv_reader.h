@@ -24,12 +24,12 @@ public:
     CsvReader &operator=(const CsvReader &) = delete;
     ~CsvReader();
 
-    // Opens the file and reads its header line. Returns what is wrong, or an empty text.
+    // Opens the file and reads its header line. Returns an error message; empty on success.
     QString open(const QString &fileName, char delimiter);
 
     // Chooses the columns of these titles, whose positions are the places of their cells; blanks
-    // around a title count only where a name has them too. Returns what is wrong: each name needs
-    // one column of its own.
+    // around a title count only where a name has them too. Each name needs one column of its own.
+    // Returns an error message; empty on success.
     QString choose(std::span<const QString> names);
 
     // Hands the next block to the taker, of each row the chosen cells by takeCell(place, cell) and
@@ -58,7 +58,7 @@ private:
         }
     }
     void fill();
-    // Parses at most so many bytes of the block.
+    // Parses at most `most` bytes of the block.
     bool parse(std::size_t most, CellCall takeCell, RowCall endRow, void *call);
 
     static constexpr std::size_t notChosen = static_cast<std::size_t>(-1);

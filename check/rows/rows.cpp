@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <unordered_map>
 #include <utility>
@@ -32,7 +33,7 @@ void flush(ScoreFile &out) {
     if (size > 0) std::fwrite(out.text.data(), 1, size, out.file.stream.get());
 }
 
-// Where so many characters may be put; what was used of them is to be counted.
+// Room for `size` characters; the caller adds what it used to `used`.
 char *roomFor(ScoreFile &out, std::size_t size) {
     constexpr std::size_t block = 1 << 16;
     if (out.used + size > out.text.size()) {
@@ -49,7 +50,7 @@ void put(ScoreFile &out, std::string_view text) {
 
 constexpr std::ptrdiff_t longestNumber = 32;
 
-// Nothing for what is no number. Digits are made where they stay: copying fresh ones is slow.
+// Writes nothing for NaN; formats straight into the output block.
 template <typename Number>
 char *numberAt(char *at, Number number) {
     const bool isNumber = !std::isnan(static_cast<double>(number));
@@ -81,7 +82,7 @@ struct JudgedCell {
 };
 
 // Columns repeat their values, so that most cells were judged before. The cache is direct-mapped:
-// each column has so many entries, a power of two.
+// each column has the same number of entries, a power of two.
 std::size_t entriesOf(const RowOptions &options, std::size_t columns) {
     constexpr std::size_t most = 2048;
     const std::size_t share = options.cachedCells / std::max<std::size_t>(columns, 1);
@@ -296,7 +297,7 @@ void countKey(RowScorer &scorer, std::string_view key) {
 void countScore(RowCounts &counts, double score) {
     const auto [least, most] = counts.range;
     const double step = (score - least) / (most - least) * scoreSteps;
-    if (!(step >= 0)) return; // no number, or a model of one score
+    if (!(step >= 0)) return; // NaN, or a model of one score
     const auto last = static_cast<double>(scoreSteps - 1);
     ++counts.scores[static_cast<std::size_t>(std::min(step, last))];
 }
@@ -336,7 +337,8 @@ void RowScorer::endRow() {
     compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, choices});
 }
 
-// Opens the files, the results before anything is written. Returns what is wrong, or an empty text.
+// Opens the files, the results before anything is written. Returns an error message; empty on
+// success.
 QString start(RowScorer &scorer) {
     const RowOptions &options = scorer.options;
     QString problem;
@@ -373,7 +375,7 @@ QString shownText(const std::string &text) {
     return shown;
 }
 
-// Tells in the place of a finding which of the texts occurs in most rows.
+// Adds the most frequent unlisted text to the place of the finding.
 void nameUnlisted(RowScorer &scorer) {
     for (Finding &finding : scorer.findings) {
         if (finding.id != NotListed || finding.rows == 0) continue;

@@ -1,4 +1,5 @@
-// Scores the rows of a file, counts what touches them, and hands each to the comparison.
+// Scores the rows of a file, counts those that each finding affects, and hands each to the
+// comparison.
 #pragma once
 
 #include "check/rows/comparison.h"
@@ -20,7 +21,7 @@ struct RowCounts {
     }
 };
 
-// Counts the rows in the findings, and compares them where results are given. Returns what is wrong
-// with the call or a file, or an empty text.
+// Counts the rows in the findings, and compares them if results are given. Returns an error
+// message; empty on success.
 QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const RowOptions &options,
                   RowCounts &counts, ComparisonResult &compared);

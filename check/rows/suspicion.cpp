@@ -40,7 +40,7 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
             }
         }
     }
-    // Some may be no numbers, which have no order of their own.
+    // Some may be NaN, which has no order.
     std::ranges::sort(points, {},
                       [](double number) { return std::bit_cast<std::uint64_t>(number); });
     points.erase(std::unique(points.begin(), points.end()), points.end());
@@ -97,7 +97,7 @@ void suspect(Comparison &c, const RowFacts &facts, const Prediction &found) {
         suspectColumns(c, facts, found, faults);
         suspectPairs(c, facts, found, faults);
     }
-    // What fits everything tells nothing.
+    // More than three causes are no evidence for any.
     if (faults.size() > 3) return;
     for (const QString &fault : faults) ++c.suspectCounts[fault];
 }

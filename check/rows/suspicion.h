@@ -1,4 +1,4 @@
-// Guesses what is at fault with a row that nothing explains.
+// Suggests causes for a row that no finding explains.
 #pragma once
 
 #include "check/rows/comparison.h"

@@ -1,4 +1,4 @@
-// Tells whether bytes that arrive in pieces are UTF-8.
+// Checks that bytes that arrive in pieces are UTF-8.
 #pragma once
 
 #include <cstddef>
