@@ -81,13 +81,13 @@ FINDINGS = {
     "no-terms": (of(terms=[]), None, of(terms=[(1, 0)])),
     "label-ends-comment": (of(n(label="a */ b")), None, of(n(label="a * / b"))),
     "unsupported-type": (of(n(kind="Rank")), None, of(n(kind="Discretize"))),
-    "name-characters": (of(n(name="x(1)")), None, of(n(name="x_1"))),
+    "name-characters": (of(n(name="x(1)")), None, of(n(name="x_1")), of(n(name=32 * "n"))),
     "names-alike": (of(n(name="a b"), c("3", name="a.b"), rows="a b,a.b|3,3|1,3|3,1|3,4"), (2, 2), of(n(name="a b"), c("3", name="a(b"))),
     "no-probability": (sql(model(table=TABLE), dbType="default"), None, sql(dbType="default"), sql(model(table=TABLE), dbType="")),
     "sql-name": (sql(keyName="Order"), None, sql(keyName="Orders", schemaName="a.b", inputTable="c.d")),
     "quoted-name": (of(n(name="a b")), None, sql(model(n(name="a b"))), sql(model(n(name='a"b')), dbType="sqlserver")),
     "apostrophe-in-value": (of(None, c("it's")), None, sql(model(None, c("it's")), dbType="mysql")),
-    "backslash-escape": (of(None, c("a\\c", "b"), rows="n,c|1,b|1,a\\c|1,ac"), (2, 2), sql(model(None, c("a\\b"))),
+    "backslash-escape": (of(None, c("a\\c", "b", "x\\%"), rows="n,c|1,b|1,a\\c|1,ac|1,x%|1,x\\%"), (2, 2), sql(model(None, c("a\\b"))),
                          of(None, boolean([*NO_YES, "\\"]))),
     "boolean-numbers": (of(None, FLAGS, rows="n,c|1,0|1,2|1,no|1,1|1,x"), (3, 3), sql(model(None, FLAGS), boolsAreNumbers="0"),
                         of(None, c("no", "1"))),
@@ -130,7 +130,7 @@ FINDINGS = {
     "table-unread": (of(table=TABLE), None, of(kind="T", table=TABLE)),
     "missing-codes-unread": (of(missing=CODES, rows="n,c|1,a|9,a|9.0,a"), (2, 2), of(missing={"m": [9]})),
     "empty-field": (of(rows="n,c|1,a|,a| ,b"), (2, 2), of(rows="n,c|0,|ten,a")),
-    "not-a-number": (of(rows="n,c|1,a|ten,b|+-1,b|1e,a"), (3, 2), of(rows="n,c|,ten|-1e1,ten|nan,a|-inf,a|+1,a")),
+    "not-a-number": (of(None, None, numeric(3, "n", [1, 2], [0, 1, 2, 3]), rows="n,c|1,a|ten,b|+-1,b|1e,a"), (3, 2), of(rows="n,c|,ten|-1e1,ten|nan,a|-inf,a|+1,a")),
     "page-error": (of(kind="X"), None, of(kind="c"), of(kind="t", table=TABLE)),
     "canvas-scale": (canvas("[QRV_GRAPHICS]"), None, canvas("[QRV_DYN_SCALE]")),
     "bar-scale": (of(kind="T", table=TABLE[:2]), None, of(kind="T", table=TABLE[:3]), of(table=TABLE[:2])),
@@ -167,7 +167,8 @@ FINDINGS = {
     "value-blanks": (of(None, c("a "), rows="n,c|1,b|1,a|1,a |1,A"), (2, 2), of(None, c("a b"))),
 }
 
-# Other causes of findings, with the targets of which they are reported, and as above what rows they count.
+# Other causes of findings, with the targets of which they are reported, and as above what rows they count; a single number
+# is that of rows which they affect only together with others.
 EVERY = "sas sql vba python html"
 CAUSES = [
     # The score of another sum may go below that of the model, and a negative coefficient turns the range of scores.
@@ -181,11 +182,16 @@ CAUSES = [
     *(("name-characters", "sas", None, of(target=target)) for target in ["y-1", 27 * "y"]),
     ("name-characters", "sas", None, of(n(name=33 * "n"))),
     ("name-characters", "sas vba python", None, of(n(name="R&D"))),
+    ("name-characters", "sas python", None, of(n(name=31 * "n" + "&"))),
     ("empty-number", "sas", None, of(None, c("1", "1.2.3"))),
     # The codes of another name are rounded, and a code of 0 is what an empty field counts as.
     ("missing-codes-digits", "vba python", None, of(n(name="O'B"), missing={"O_B": [1234567]})),
     ("bound-digits", EVERY, (1, 2), of(n(scores=[0, 1 / 7, 2, 3]), table=[(3, 0.9), (1 / 7, 0.6), (1 / 7, 0.2), (-9, 0)], rows="n,c|1,|0,")),
     ("bound-digits", "sql", None, sql(model(n([1, 123456789.0123456])), dbType="teradata")),
+    ("bound-digits", EVERY, None, of(n(scores=[0, 1 / 7, 2, 3]), table=[(3, 0.9), (1 / 7, 0.6), (-1 / 7, 0.1)], rows="n,c|0,")),
+    ("empty-field", "html", 1, of(missing={"n": [0]}, rows="n,c|,a")),
+    ("boolean-blanks", "sql", None, sql(model(None, FLAGS), "n,c|1,yes ", dbType="mysql", boolsAreNumbers="0")),
+    ("quoted-name", "sql", None, sql(model(n(name="a b")), dbType="mysql")),
     ("names-alike", "sas", None, of(None, c("a", name="N"))),
     ("sql-name", "sql", None, sql(keyName="1k")),
     ("sql-name", "sql", None, sql(keyName="a.b")),
@@ -217,7 +223,7 @@ CAUSES = [
 
 
 def rows_of(finding):
-    return (finding["rows"], finding["firstRow"]) if finding.get("rows") else None
+    return (finding["rows"], finding["firstRow"]) if finding.get("rows") else finding.get("together")
 
 
 class FindingsTest(CheckedTest):
@@ -255,6 +261,15 @@ class FindingsTest(CheckedTest):
             with self.subTest(name, number=number):
                 finding, *_ = self.found_of(name, case)
                 self.assertEqual((" ".join(finding["targets"]), rows_of(finding)), (targets, rows))
+
+    def test_places(self):
+        """The most frequent text that is not listed, and rows that findings affect only together."""
+        for name, text, rows, place in [("not-listed", model(), "1,y|1,z|1,x|1,x|1,x|1,z", "recoding V2 (column c), most often 'x' in 3 rows"),
+                                        ("table-not-falling", model(table=[(0.1, 0.5), (0.1 + 2**-56, 0.1)]), "",
+                                         "table, point 2 (score 0.10000000000000002)")]:
+            self.assertEqual(self.found_of(name, Case(text, rows="n,c|" + rows))[0]["place"], place)
+        self.found(of(missing={"n": [0]}, rows="n,c|,a"))
+        self.assertIn("(column n): 0 rows; 1 row only together with other findings\n", self.check("m.ModelXml", "--rows", "rows")[1])
 
     def test_models_without_findings(self):
         for case, names in [(Case(), []), (of(kind="T", table=[(3, 0.9), (-1, 0.5), (-2, 0.1)]), []),
