@@ -44,6 +44,7 @@ def canvas(old="", new="", text=model()):
 
 LOGISTIC, OF_TABLE = of(method="softmax"), of(method="softmax", table=TABLE)
 FLAGS = boolean(NO_YES)
+BESIDE = n(scores=[0, math.nextafter(1 / 7, 0), 2, 3])  # above 1/7 as generated code shows it
 SUMS = [(1, 1), (2, 1), (2, 1)]  # which targets add up differently
 LONG = "n,c,k|1,a,short|1,a,012345678901234567890|1,a," + 21 * "é" + "|1,a," + 20 * "é"
 
@@ -186,9 +187,9 @@ CAUSES = [
     ("empty-number", "sas", None, of(None, c("1", "1.2.3"))),
     # The codes of another name are rounded, and a code of 0 is what an empty field counts as.
     ("missing-codes-digits", "vba python", None, of(n(name="O'B"), missing={"O_B": [1234567]})),
-    ("bound-digits", EVERY, (1, 2), of(n(scores=[0, 1 / 7, 2, 3]), table=[(3, 0.9), (1 / 7, 0.6), (1 / 7, 0.2), (-9, 0)], rows="n,c|1,|0,")),
+    ("bound-digits", EVERY, (1, 2), of(BESIDE, table=[(3, 0.9), (1 / 7, 0.6), (1 / 7, 0.2), (-9, 0)], rows="n,c|1,|0,")),
     ("bound-digits", "sql", None, sql(model(n([1, 123456789.0123456])), dbType="teradata")),
-    ("bound-digits", EVERY, None, of(n(scores=[0, 1 / 7, 2, 3]), table=[(3, 0.9), (1 / 7, 0.6), (-1 / 7, 0.1)], rows="n,c|0,")),
+    ("bound-digits", EVERY, None, of(BESIDE, table=[(3, 0.9), (1 / 7, 0.6), (0.14, 0.1)], rows="n,c|0,")),
     ("other-blanks", "sas vba python", (1, 1), sql(dbType="teradata", rows="n,c|1,\ta")),
     ("value-twice", "sas sql vba", (1, 2), of(None, None, c("a", "b", "a", number=3), rows="n,c|1,b|1,a")),
     ("empty-field", "html", 1, of(missing={"n": [0]}, rows="n,c|,a")),
