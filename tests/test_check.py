@@ -136,7 +136,8 @@ class ScoresAndFindingsTest(CheckedTest):
         for status, message, arguments in [
             (2, "One model document is needed.\nscorewright-check --help tells the options.\n", []),
             (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
-            (2, "There is no target 'r'.", ["m.ModelXml", "--target", "sql,r"]), (2, "--key wants --rows.", ["m.ModelXml", "--key", "n"]),
+            (2, "There is no target 'r'.", ["m.ModelXml", "--target", "sql,r", "--json"]),
+            (2, "--key wants --rows.", ["m.ModelXml", "--key", "n", "--score", "s"]),
             (2, "File 'rows.csv' lacks the column 'c'.", ["m.ModelXml", "--rows", "rows.csv"]),
             (2, "File 'kept.html' lacks the columns 'n', 'c'.", ["m.ModelXml", "--rows", "kept.html"]),
             (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
@@ -146,7 +147,7 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "File 'link.csv' would be written over.", [*good, "--scores", "link.csv"]),
             (2, "File 'rows.csv' would be written over.", [*good, *compare[2:], "--target", "sql", "--score", "n", "--report", "rows.csv"]),
             (2, "File 'new' would be written over.", [*good, "--scores", "new", "--report", "new"]),
-            (2, "Cannot write to file '/dev/full'.", [*good, "--scores", "/dev/full"]),
+            (2, "Cannot write to file '/dev/full'.", [*good, "--scores", "/dev/full", "--report", "/dev/full"]),
             *((2, "The tolerance must be a number that is not below 0.", [*scored, "--tolerance", text])
               for text in ["inf", "nan", "-1", "x"]),
             *((2, "The delimiter must be one character of ASCII", [*good, "--delimiter", text])
@@ -170,6 +171,12 @@ class ScoresAndFindingsTest(CheckedTest):
                 *found, told = self.check(*arguments)
                 self.assertEqual((found, told[:len(message)]), ([status, ""], message))
         self.assertEqual((self.folder / "kept.html").read_text(), "x")
+        for text in ["\xc0\x80", "\xf5\x80\x80\x80", "\xe0\x80\x80", "\xf0\x80\x80\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xc3",
+                     "abcde\xff"]:
+            self.write("rows.csv", "n,c\n1," + text, "latin-1")
+            self.assertIn("rows.csv, row 1: not valid UTF-8", self.check("m.ModelXml", "--rows", "rows.csv")[2], text)
+        self.write("rows.csv", "n,c\n1,\x7f\x80\u07ff\u0800\ud7ff\ue000\uffff\U00010000\U0010ffff", "utf-8")
+        self.assertEqual(self.report("m.ModelXml", "--rows", "rows.csv")["rows"], 1)
 
     def test_outputs_that_cannot_be_written(self):
         """A file with several names would overwrite itself, and a full device takes nothing."""
@@ -185,8 +192,9 @@ class ScoresAndFindingsTest(CheckedTest):
             for option in ["--show", "--json", "--target=sql", "--help", "--version"]:
                 run = subprocess.run([engines.CHECK, "m.ModelXml", option], cwd=self.folder, stdout=full, stderr=subprocess.PIPE)
                 self.assertEqual((run.returncode, run.stderr), (2, b"Cannot write to standard output.\n"), option)
-        status, _, message = self.check("m.ModelXml", "--report", "/dev/full")
-        self.assertEqual((status, message), (2, "Cannot write to file '/dev/full'.\n"))
+        for name, wrong in [("/dev/full", "Cannot write to file '/dev/full'.\n"), ("none/new", "Cannot open file 'none/new' for writing.\n")]:
+            status, _, message = self.check("m.ModelXml", "--rows", "rows.csv", "--scores", "new", "--report", name)
+            self.assertEqual((status, message), (2, wrong))
 
 
 class DeploymentTest(CheckedTest):
@@ -255,8 +263,12 @@ class DeploymentTest(CheckedTest):
         three, twice = [(1, 1), (2, 1), (3, 1)], numeric(2, "n", [1, 2], [0, 5, 7, 11])
         lost = numeric(1, "n", [1, 2], [0, 1, math.nan, 3])
         above = model(numeric(1, "n", [1, 2], [0, 1, 1e6, 3]))
+        scale = model(numeric(1, "n", [-1.4, 0.03, 1.2, 8, 15.5], range(7)))
+        single = model(numeric(1, "n", [0, 0.1], [0, 1, 2, 3]))
+        x = [categorical(i, f"c{i}", "x", [0, 2**i]) for i in range(1, 15)]
+        y = [categorical(i, f"c{i}", "xyx", [0, 2**i, 3, 1]) for i in range(4)]
         unequal = model(terms=[(1, 1), (2, 1), (2, 5)])
-        jump = model(table=JUMP)
+        jump = model(table=JUMP, constant=-(2**-53))
         self.write("c.xml", configuration(dbType="sqlite"))
         self.write("m.xml", configuration(dbType="mysql", boolsAreNumbers="0"))
         for name, target, text, cells, result, expected, *more in [
@@ -338,6 +350,41 @@ class DeploymentTest(CheckedTest):
             ("32 bits", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.33333337", ["single-precision"], "--sql", "c.xml"),
             ("more than 32 bits lose", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.333335", [], "--sql", "c.xml"),
             ("blanks at the end in MySQL", "sql", model(None, boolean(NO_YES)), "1, yes ", "s\n2", ["boolean-blanks"], "--sql", "m.xml"),
+            *((f"{text} in {target}", target, scale, f'"{text}",a', f"s\n{score}", told) for target, text, score, told in [
+                *(("vba", text, score, ["not-a-number"]) for text, score in [
+                    ("&HF", 6), ("&O10", 5), ("(1,5)", 2), ("1-", 3), ("(1-)", 4), ("5%", 4), ("5%", 5), ("1,5", 5), ("1,5", 6)]),
+                ("vba", "&O8", 5, "n read as another value"), ("vba", "5%%", 5, "n read as another value"),
+                *(("html", text, score, ["not-a-number"]) for text, score in [("0XF", 6), ("0b11", 5), ("0b2", 7)]),
+                ("html", "-inf", 7, ["nan-cell"]), *((target, "-Infinity", 7, "n read as another value") for target in ["html", "sql"])]),
+            *((f"{cell} in 32 bits", "sql", single, f"{cell},a", f"s\n{score}", ["single-precision"], "--sql", "c.xml")
+              for cell, score in [("0.1", 4), ("0.10000000001", 3)]),
+            ("32 bits of a large score", "sql", model(numeric(1, "n", [1, 2], [0, 1e6 + 1 / 3, 2, 3])), "0,a", "s\n1000001.375",
+             ["single-precision"], "--sql", "c.xml"),
+            ("32 bits of a probability", "sql", model(table=TABLE), ",a", "p\n0.6000003", ["single-precision"], "--sql", "c.xml"),
+            ("blanks at the end elsewhere", "sql", model(None, boolean(NO_YES)), "1,yes ", "s\n2", ["boolean-blanks"], "--sql", "m.xml"),
+            ("a control character that Python removes", "python", model(), "1,\x1ca", "s\n3", ["other-blanks"]),
+            ("a text that begins with 1", "sql", model(None, boolean(NO_YES)), "1,+1x", "s\n4", ["boolean-numbers"]),
+            ("a list beside numbers of one column", "sql", model(categorical(1, "c", ["z", "yes"], [0, 5, 10]), boolean(NO_YES)), "yes", "s\n11",
+             ["boolean-numbers"]),
+            ("a truth value in two spellings", "vba", model(None, categorical(2, "c", ["TRUE", "True"], [0, 1, 2])), ",True", "s\n1", ["true-false"]),
+            ("five values read as six", "html", model(categorical(1, "c", "abcdef", [0, 1, 2, 30, 4, 5, 6]), categorical(2, "c", "edcba", [-5, 1, 1, 1, 1, 1])),
+             "d", "s\n-3", ["five-categories", "shared-values"]),
+            ("no overflow", "sas", LOGISTIC, ",b", 'p\n""', []),
+            ("between the sides of a jump", "sas", jump, ",a", "p\n0.4", []),
+            ("a steep line", "sas", model(table=[(1.0000001, 0.9), *JUMP[1:]], constant=5e-8), ",a", "p\n0.750001", None),
+            ("a text that is not 0", "sas", model(None, categorical(2, "c", "01", [0, 1, 2])), ",x", "s\n1", "c read as another value"),
+            ("near a jump, but not by rounding", "sas", model(table=JUMP, constant=-1e-7), ",a", "p\n0.6", []),
+            ("a backslash and a zero", "sql", model(None, categorical(2, "c", ["a\\0"], [0, 1])), ",a0", "s\n1", "c read as another value"),
+            ("a boolean's digits", "sas", model(None, boolean(NO_YES, (0, 1, 1.1234567))), "1,yes", "s\n3.12346", ["boolean-digits"]),
+            ("an empty cell is not NaN", "html", model(None, five, table=TABLE, kind="T"), ",a", 'p\n""', []),
+            ("a cause that holds for all columns", "sql", model(*y[1:3], boolean(NO_YES, (0, 3, 2), number=3, name="d"), terms=three),
+             "x,x,yes", "s\n5", ["boolean-numbers"]),
+            ("a cause that is not up to the server", "sql", model(categorical(1, "c1", "x", [0, 3]), y[2], terms=three[:2]), "X,x", "s\n4", ["value-twice"]),
+            ("some of many columns", "sql", model(*x, terms=[(i, 1) for i in range(1, 15)]), ",".join(14 * "X"), "s\n18", ["capitals"]),
+            ("another blank, and not another name", "python", model(categorical(1, "a b", "xy", [0, 1, 3]), categorical(2, "a.b", "x", [0, 10])),
+             "\u00a0x,y", "s\n1", ["other-blanks"]),
+            ("either of two findings of a cell", "python", model(numeric(1, "O'B", [1, 2], [0, 1, 2, 3]), missing={"O'B": [1234567]}),
+             "1234567,a", "s\n4", ["missing-codes-digits", "missing-codes-name"]),
             ("any of four columns", "sas", model(*same, terms=[*three, (4, 1)]), "1,1,1,1", "s\n9", []),
         ]:
             with self.subTest(name):

@@ -44,6 +44,7 @@ def canvas(old="", new="", text=model()):
 
 LOGISTIC, OF_TABLE = of(method="softmax"), of(method="softmax", table=TABLE)
 FLAGS = boolean(NO_YES)
+BESIDE = n(scores=[0, math.nextafter(1 / 7, 0), 2, 3])  # above 1/7 as generated code shows it
 SUMS = [(1, 1), (2, 1), (2, 1)]  # which targets add up differently
 LONG = "n,c,k|1,a,short|1,a,012345678901234567890|1,a," + 21 * "é" + "|1,a," + 20 * "é"
 
@@ -62,7 +63,7 @@ FINDINGS = {
                      of(n([0, 0.1 + 0.7])), sql(model(n([0, 0.1234567890123456])))),
     "other-blanks": (of(rows="n,c|1, a |1,\ta|1,a\u00a0"), (2, 2), of(rows="n,c|1, a|\t1,a"), sql(dbType="teradata", rows="n,c|1,a|")),
     "nan-cell": (of(rows="n,c|1,a|nan,a|-inf,a|1e999,a"), (3, 2), of(rows="n,c|1e308,a|ten,a|,nan")),
-    "not-listed": (of(rows="n,c|1, a |1,?|1,x|1,|?,x"), (3, 2), of(rows="n,c|?,|7, b"), of(None, c("z"), c("a", number=3), rows="n,c|1,z|1,a")),
+    "not-listed": (of(None, None, c("a", "b", number=3), rows="n,c|1, a |1,?|1,x|1,|?,x"), (3, 2), of(rows="n,c|?,|7, b"), of(None, c("z"), c("a", number=3), rows="n,c|1,z|1,a")),
     "missing-codes-line": (of(missing=CODES), None, of(missing={"m": [9]})),
     "missing-codes-digits": (of(missing={"n": [1234567]}, rows="n,c|123457,a|1234567,a|1234570,a|1234571,a"), (2, 2),
                              of(missing={"n": [123456]})),
@@ -72,7 +73,7 @@ FINDINGS = {
                        of(None, boolean(NO_YES, (0.1234567, 1.12345, 2, 1.1234567))), of(None, c("no", scores=[0, 1.1234567]))),
     "values-as-numbers": (of(None, c("1", "2.5"), rows="n,c|1,1|1,1.0|1,1.0000001|1,2.50"), (2, 2), of(None, c("1", "-2")),
                           of(None, boolean(list("111112"))), of(None, c())),
-    "empty-number": (of(None, c("1", "")), None, of(None, c("a", "")), of(None, boolean([*"11111", ""]))),
+    "empty-number": (of(None, c("1", "")), None, of(None, c("1", ".")), of(None, c("a", "")), of(None, boolean([*"11111", ""]))),
     "quote-in-value": (of(None, c('5"')), None, of(None, c("5''"))),
     "long-name": (of(n(name=29 * "n")), None, of(n(name=28 * "n"))),
     "logistic-parenthesis": (LOGISTIC, None, OF_TABLE),
@@ -81,13 +82,13 @@ FINDINGS = {
     "no-terms": (of(terms=[]), None, of(terms=[(1, 0)])),
     "label-ends-comment": (of(n(label="a */ b")), None, of(n(label="a * / b"))),
     "unsupported-type": (of(n(kind="Rank")), None, of(n(kind="Discretize"))),
-    "name-characters": (of(n(name="x(1)")), None, of(n(name="x_1"))),
+    "name-characters": (of(n(name="x(1)")), None, of(n(name="x_1")), of(n(name=32 * "n"))),
     "names-alike": (of(n(name="a b"), c("3", name="a.b"), rows="a b,a.b|3,3|1,3|3,1|3,4"), (2, 2), of(n(name="a b"), c("3", name="a(b"))),
     "no-probability": (sql(model(table=TABLE), dbType="default"), None, sql(dbType="default"), sql(model(table=TABLE), dbType="")),
     "sql-name": (sql(keyName="Order"), None, sql(keyName="Orders", schemaName="a.b", inputTable="c.d")),
     "quoted-name": (of(n(name="a b")), None, sql(model(n(name="a b"))), sql(model(n(name='a"b')), dbType="sqlserver")),
     "apostrophe-in-value": (of(None, c("it's")), None, sql(model(None, c("it's")), dbType="mysql")),
-    "backslash-escape": (of(None, c("a\\c", "b"), rows="n,c|1,b|1,a\\c|1,ac"), (2, 2), sql(model(None, c("a\\b"))),
+    "backslash-escape": (of(None, c("a\\c", "b", "x\\%"), rows="n,c|1,b|1,a\\c|1,ac|1,x%|1,x\\%"), (2, 2), sql(model(None, c("a\\b"))),
                          of(None, boolean([*NO_YES, "\\"]))),
     "boolean-numbers": (of(None, FLAGS, rows="n,c|1,0|1,2|1,no|1,1|1,x"), (3, 3), sql(model(None, FLAGS), boolsAreNumbers="0"),
                         of(None, c("no", "1"))),
@@ -95,7 +96,7 @@ FINDINGS = {
                        sql(boolsAreNumbers="0")),
     "text-blanks": (sql(dbType="teradata", rows="n,c|1,a|1, a|1, x|1,b "), (2, 2), sql(), sql(model(None, FLAGS), dbType="teradata")),
     "capitals": (of(None, c("a", "ä"), rows="n,c|1,a|1,A|1,Ab|1,Ä"), (2, 2), of(None, c("A", "Ab", "Ä"), rows="n,c|1,A|1,Ab|1,Ä"),
-                 of(None, FLAGS, rows="n,c|1,YES")),
+                 of(None, FLAGS, rows="n,c|1,YES"), of(None, c("a", "b", "a"), rows="n,c|1,a")),
     "accents": (of(None, c("Zürich"), rows="n,c|1,Zürich|1,ZÜRICH|1,zurich"), (1, 3), of(None, c("Zürich"), rows="n,c|1,zürich")),
     "single-precision": (sql(dbType="sqlite"), None, sql(), sql(dbType="mysql")),
     "rows-added": (sql(), None, sql(createPredictionTable="1")),
@@ -130,7 +131,7 @@ FINDINGS = {
     "table-unread": (of(table=TABLE), None, of(kind="T", table=TABLE)),
     "missing-codes-unread": (of(missing=CODES, rows="n,c|1,a|9,a|9.0,a"), (2, 2), of(missing={"m": [9]})),
     "empty-field": (of(rows="n,c|1,a|,a| ,b"), (2, 2), of(rows="n,c|0,|ten,a")),
-    "not-a-number": (of(rows="n,c|1,a|ten,b|+-1,b|1e,a"), (3, 2), of(rows="n,c|,ten|-1e1,ten|nan,a|-inf,a|+1,a")),
+    "not-a-number": (of(None, None, numeric(3, "n", [1, 2], [0, 1, 2, 3]), rows="n,c|1,a|ten,b|+-1,b|1e,a"), (3, 2), of(rows="n,c|,ten|-1e1,ten|nan,a|-inf,a|+1,a")),
     "page-error": (of(kind="X"), None, of(kind="c"), of(kind="t", table=TABLE)),
     "canvas-scale": (canvas("[QRV_GRAPHICS]"), None, canvas("[QRV_DYN_SCALE]")),
     "bar-scale": (of(kind="T", table=TABLE[:2]), None, of(kind="T", table=TABLE[:3]), of(table=TABLE[:2])),
@@ -167,7 +168,8 @@ FINDINGS = {
     "value-blanks": (of(None, c("a "), rows="n,c|1,b|1,a|1,a |1,A"), (2, 2), of(None, c("a b"))),
 }
 
-# Other causes of findings, with the targets of which they are reported, and as above what rows they count.
+# Other causes of findings, with the targets of which they are reported, and as above what rows they count; a single number
+# is that of rows which they affect only together with others.
 EVERY = "sas sql vba python html"
 CAUSES = [
     # The score of another sum may go below that of the model, and a negative coefficient turns the range of scores.
@@ -181,11 +183,19 @@ CAUSES = [
     *(("name-characters", "sas", None, of(target=target)) for target in ["y-1", 27 * "y"]),
     ("name-characters", "sas", None, of(n(name=33 * "n"))),
     ("name-characters", "sas vba python", None, of(n(name="R&D"))),
+    ("name-characters", "sas python", None, of(n(name=31 * "n" + "&"))),
     ("empty-number", "sas", None, of(None, c("1", "1.2.3"))),
     # The codes of another name are rounded, and a code of 0 is what an empty field counts as.
     ("missing-codes-digits", "vba python", None, of(n(name="O'B"), missing={"O_B": [1234567]})),
-    ("bound-digits", EVERY, (1, 2), of(n(scores=[0, 1 / 7, 2, 3]), table=[(3, 0.9), (1 / 7, 0.6), (1 / 7, 0.2), (-9, 0)], rows="n,c|1,|0,")),
+    ("bound-digits", EVERY, (1, 2), of(BESIDE, table=[(3, 0.9), (1 / 7, 0.6), (1 / 7, 0.2), (-9, 0)], rows="n,c|1,|0,")),
     ("bound-digits", "sql", None, sql(model(n([1, 123456789.0123456])), dbType="teradata")),
+    ("bound-digits", EVERY, None, of(BESIDE, table=[(3, 0.9), (1 / 7, 0.6), (0.14, 0.1)], rows="n,c|0,")),
+    ("other-blanks", "sas vba python", (1, 1), sql(dbType="teradata", rows="n,c|1,\ta")),
+    ("value-twice", "sas sql vba", (1, 2), of(None, None, c("a", "b", "a", number=3), rows="n,c|1,b|1,a")),
+    ("empty-field", "html", 1, of(missing={"n": [0]}, rows="n,c|,a")),
+    ("boolean-blanks", "sql", None, sql(model(None, FLAGS), "n,c|1,yes ", dbType="mysql", boolsAreNumbers="0")),
+    ("quoted-name", "sql", None, sql(model(n(name="a b")), dbType="mysql")),
+    ("backslash-escape", "sql", None, sql(model(None, c("a\\b")), dbType="mysql")),
     ("names-alike", "sas", None, of(None, c("a", name="N"))),
     ("sql-name", "sql", None, sql(keyName="1k")),
     ("sql-name", "sql", None, sql(keyName="a.b")),
@@ -217,7 +227,7 @@ CAUSES = [
 
 
 def rows_of(finding):
-    return (finding["rows"], finding["firstRow"]) if finding.get("rows") else None
+    return (finding["rows"], finding["firstRow"]) if finding.get("rows") else finding.get("together")
 
 
 class FindingsTest(CheckedTest):
@@ -255,6 +265,15 @@ class FindingsTest(CheckedTest):
             with self.subTest(name, number=number):
                 finding, *_ = self.found_of(name, case)
                 self.assertEqual((" ".join(finding["targets"]), rows_of(finding)), (targets, rows))
+
+    def test_places(self):
+        """The most frequent text that is not listed, and rows that findings affect only together."""
+        for name, text, rows, place in [("not-listed", model(), "1,~|1,x|1,z|1,z|1,z|1,x", "recoding V2 (column c), most often 'z' in 3 rows"),
+                                        ("table-not-falling", model(table=[(0.1, 0.5), (0.1 + 2**-56, 0.1)]), "",
+                                         "table, point 2 (score 0.10000000000000002)")]:
+            self.assertEqual(self.found_of(name, Case(text, rows="n,c|" + rows))[0]["place"], place)
+        self.found(of(missing={"n": [0]}, rows="n,c|,a"))
+        self.assertIn("(column n): 0 rows; 1 row only together with other findings\n", self.check("m.ModelXml", "--rows", "rows")[1])
 
     def test_models_without_findings(self):
         for case, names in [(Case(), []), (of(kind="T", table=[(3, 0.9), (-1, 0.5), (-2, 0.1)]), []),
