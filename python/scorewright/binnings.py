@@ -16,7 +16,7 @@ ITEM = re.compile(r"""'(?:[^'\\]|\\.)*'|"(?:[^"\\]|\\.)*"|[-+.\w]+""")
 WORDS = {"missing": "missing", "nan": "missing", "special": "special", "else": "else"}
 
 
-def frame_of(table: Any, titles: dict[str, Optional[str]]) -> pd.DataFrame:
+def frame_of(table: Any, titles: Mapping[str, Any]) -> pd.DataFrame:
     """The columns of titles, by their keys. A dictionary's keys are variables; a frame's titles may be in any case."""
     if isinstance(table, Mapping):
         parts = [pd.DataFrame({titles["bin"]: [*part], titles["score"]: [*part.values()]}) if isinstance(part, Mapping)
@@ -26,8 +26,8 @@ def frame_of(table: Any, titles: dict[str, Optional[str]]) -> pd.DataFrame:
     if {"lower", "upper"} <= {*found} and titles["bin"].casefold() not in found:
         ends = zip(pd.Series(found["lower"]).fillna(-np.inf), pd.Series(found["upper"]).fillna(np.inf))
         found[titles["bin"].casefold()] = ["missing" if a == -b == -np.inf else f"[{a}, {b})" for a, b in ends]
-    for title in filter(None, titles.values()):
-        require(title.casefold() in found, f"the table has no column {title!r}, only {[*table]}")
+    for title in titles.values():
+        require(not title or title.casefold() in found, f"the table has no column {title!r}, only {[*table]}")
     return pd.DataFrame({key: found[title.casefold()] if title else 1.0 for key, title in titles.items()})
 
 
@@ -54,7 +54,10 @@ def pieces(text: Any, separator: str) -> list[tuple[Any, ...]]:
 def add(card: Any, variable: str, rows: pd.DataFrame, bounds: Optional[Sequence[float]],
         special: Optional[Sequence[Any]], separator: str) -> None:
     """Adds the bins of a variable: columns bin, score and coefficient, indexed by the rows' numbers."""
-    intervals, values, words, column = [], {}, {}, f"column {variable!r}"
+    intervals: list[Any] = []
+    values: dict[Any, float] = {}
+    words: dict[str, float] = {}
+    column = f"column {variable!r}"
     for place, text, score in zip(rows.index, rows.bin, rows.score):
         try:
             for kind, *rest in pieces(text, separator):
@@ -76,7 +79,8 @@ def add(card: Any, variable: str, rows: pd.DataFrame, bounds: Optional[Sequence[
         return
     card.missing.update({variable: [*special]} if special else {})
     intervals.sort(key=lambda interval: interval[0])
-    lowers, uppers, sides, scores = map(list, zip(*intervals))
+    ends: Any = map(list, zip(*intervals))
+    lowers, uppers, sides, scores = ends
     require(not values and lowers[0] == -np.inf and uppers == [*lowers[1:], np.inf] and len(set().union(*sides)) < 2,
             f"{column}: its bins are not intervals from -inf to inf without a gap, closed on one side: {[*rows.bin]}")
     inner = lowers[1:] if bounds is None else [*bounds]
@@ -85,7 +89,7 @@ def add(card: Any, variable: str, rows: pd.DataFrame, bounds: Optional[Sequence[
                      closed=next(iter(set().union(*sides)), "left"), **options)
 
 
-def fill(card: Any, table: Any, titles: dict[str, Optional[str]], bounds: Mapping[str, Sequence[float]],
+def fill(card: Any, table: Any, titles: Mapping[str, Any], bounds: Mapping[str, Any],
          special: Mapping[str, Sequence[Any]], separator: str) -> None:
     """Fills an empty scorecard with the recodings of a table."""
     rows = frame_of(table, titles).astype({"score": float, "coefficient": float})

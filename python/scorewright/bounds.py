@@ -1,5 +1,7 @@
 """Bounds that fall in generated code where they fell in the library that fitted them."""
 
+from typing import Any
+
 import numpy as np
 
 from .values import require
@@ -30,7 +32,7 @@ def parting(bounds, closed, values, digits, column):
         high = min(values[place] if place < len(values) else bound + max(1, abs(bound)), following)
         room = min((high - low) / 4, 1e-14 * max(abs(low), abs(high)))
         tried = (float(f"{number:.{k}g}") for k in range(1, digits + 1) for number in (bound, low + (high - low) / 2))
-        found = next((n for n in tried if low + room < n < high - room and not 0 < abs(n) < SMALLEST), None)
+        found: Any = next((n for n in tried if low + room < n < high - room and not 0 < abs(n) < SMALLEST), None)
         require(found is not None, f"column {column!r}: no number of {digits} digits parts {low!r} and {high!r}")
         parted.append(found)
     return parted[1:]

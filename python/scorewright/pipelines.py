@@ -1,5 +1,7 @@
 """Pipelines of scikit-learn, which is known here by the names of its classes alone."""
 
+from typing import Any
+
 import numpy as np
 import pandas as pd
 
@@ -67,7 +69,8 @@ def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_
 def parts(pipeline, target):
     """The ColumnTransformer and the model of a pipeline that can be expressed."""
     require(not name(pipeline).endswith("SearchCV"), "this is a search: give its best_estimator_")
-    first, model, *others = [*steps(pipeline), None, None]
+    found: Any = [*steps(pipeline), None, None]
+    first, model, *others = found
     require(name(first) == "ColumnTransformer" and len(others) == 2, "the pipeline must have two steps, a "
             f"ColumnTransformer and a LogisticRegression, and has {[*map(name, steps(pipeline))]}")
     require(name(model) in ("LogisticRegression", "LogisticRegressionCV"), f"{name(model)} is no LogisticRegression")

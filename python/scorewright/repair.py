@@ -11,7 +11,7 @@ import math
 import re
 from collections.abc import Callable
 from pathlib import Path
-from typing import NamedTuple, Optional
+from typing import Any, NamedTuple, Optional
 from xml.etree.ElementTree import Element, ParseError
 
 from . import document
@@ -45,15 +45,16 @@ def repair_lists(text: str, model: Model, head: str, opening: Callable[[re.Match
     for recoding in model.recodings:
         if recoding.get("type") != "MapValues":
             continue
-        start, column = re.compile(head).search(text, at), f"column {recoding.get('field')!r}"
+        start: Any = re.compile(head).search(text, at)
+        column = f"column {recoding.get('field')!r}"
         require(start, f"{column} has no list here")
-        before = opening(start, recoding.get("tname") == "bb64")
+        before: Any = opening(start, recoding.get("tname") == "bb64")
         parts.append(text[at:start.end()])
         at = start.end()
         for value in document.child(recoding, "modalities") if before is not None else []:
             known = [before + form for form in forms(value.get("val", ""))]
             ends = (re.compile(end).match(text, at + len(form)) for form in known if text.startswith(form, at))
-            found = next(filter(None, ends), None)
+            found: Any = next(filter(None, ends), None)
             require(found, f"{column} has other values than in the model")
             parts += known[-1], found[0]
             at = found.end()

@@ -43,7 +43,7 @@ def logistic_table(largest_error: float | None = None, lowest: float = -1e6, hig
     require(factor and np.isfinite([offset, factor]).all(), f"no scores of offset {offset} and factor {factor}")
     ends = sorted([(offset - lowest) / factor, (offset - highest) / factor])
     points = sorted((offset - factor * odds, p) for odds, p in logistic_points(error, relative, *ends))
-    return ended(*map(list, zip(*points[::-1])), lowest)
+    return ended([score for score, _ in points[::-1]], [p for _, p in points[::-1]], lowest)
 
 
 def logistic_points(error: float, relative: float, lowest: float, highest: float) -> list[tuple[float, float]]:
