@@ -192,7 +192,7 @@ class ScoresAndFindingsTest(CheckedTest):
             for option in ["--show", "--json", "--target=sql", "--help", "--version"]:
                 run = subprocess.run([engines.CHECK, "m.ModelXml", option], cwd=self.folder, stdout=full, stderr=subprocess.PIPE)
                 self.assertEqual((run.returncode, run.stderr), (2, b"Cannot write to standard output.\n"), option)
-        for name, wrong in [("/dev/full", "Cannot write to file '/dev/full'.\n"), ("none/new", "Cannot open file 'none/new' for writing.\n")]:
+        for name, wrong in [("none/new", "Cannot open file 'none/new' for writing.\n"), ("/dev/full", "Cannot write to file '/dev/full'.\n")]:
             status, _, message = self.check("m.ModelXml", "--rows", "rows.csv", "--scores", "new", "--report", name)
             self.assertEqual((status, message), (2, wrong))
 
