@@ -473,7 +473,8 @@ ScoreRange scoresWithProbability(const Scorecard &card, double probability, doub
     if (isNear(y[0])) add(x[0], HUGE_VAL);
     if (isNear(y[last]) || isNear(0)) add(-HUGE_VAL, x[last > 0 ? last - 1 : last]);
     for (std::size_t i = 1; i <= last; ++i) {
-        const auto [low, high] = std::minmax(y[i], y[i - 1]);
+        const double low = std::min(y[i], y[i - 1]);
+        const double high = std::max(y[i], y[i - 1]);
         if (most < low || least > high) continue;
         const auto at = [&](double p) {
             return y[i] == y[i - 1] ? x[i]
