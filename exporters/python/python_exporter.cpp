@@ -24,7 +24,7 @@
 
 namespace {
 
-constexpr BannerText banner = {pythonBanner, u"  ", u"\n", u"'''\n"};
+const BannerText banner = {pythonBanner, u"  ", u"\n", u"'''\n"};
 
 // The last component of the path, with the slash before it, up to the last full stop; the whole
 // component if it has no full stop.

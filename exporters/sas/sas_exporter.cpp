@@ -26,7 +26,7 @@
 namespace {
 
 constexpr int exitUnsupportedRecoding = 1;
-constexpr BannerText banner = {sasBanner, u" *  ", u"            *\n", sasBannerEnd};
+const BannerText banner = {sasBanner, u" *  ", u"            *\n", sasBannerEnd};
 
 void putCategorical(TextBuffer &out, const Variable &variable,
                     const CategoricalRecoding &recoding) {

@@ -21,7 +21,7 @@
 
 namespace {
 
-constexpr BannerText banner = {vbaBanner, u"' *  ", u"            *\n", vbaBannerEnd};
+const BannerText banner = {vbaBanner, u"' *  ", u"            *\n", vbaBannerEnd};
 constexpr int mostLinesOfStatement = 24;
 
 // The variable's index in the arrays of the module, which start at 1.
