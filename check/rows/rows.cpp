@@ -230,8 +230,7 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
     }
     JudgedCell &cell = judged[place * entries + (hashOf(bytes) & (entries - 1))];
     row[place] = &cell;
-    const bool isHit = cell.raw.size() == bytes.size() && !cell.recoded.empty() &&
-                       std::memcmp(cell.raw.data(), bytes.data(), bytes.size()) == 0;
+    const bool isHit = !cell.recoded.empty() && std::string_view(cell.raw) == bytes;
     if (!isHit) judge(*this, place, cell, bytes);
     ++cell.rows;
 }
