@@ -7,6 +7,7 @@ import re
 import sqlite3
 import subprocess
 import unittest
+from pathlib import Path
 
 import pandas
 
@@ -154,7 +155,9 @@ class ScoresAndFindingsTest(CheckedTest):
               for text in ["", ";;", "é", '"', "\n", "\r"]),
             (2, "File 'wide.csv' is UTF-16; save it as UTF-8.", ["m.ModelXml", "--rows", "wide.csv"]),
             (2, "latin.csv, row 2: not valid UTF-8. Convert the file, for example with iconv.", ["m.ModelXml", "--rows", "latin.csv"]),
-            (2, "File 'large.csv' has a cell of more than 64 MiB; is a quotation mark not closed?", ["m.ModelXml", "--rows", "large.csv"]),
+            # The address sanitizer copies a cell each time that it grows.
+            *[(2, "File 'large.csv' has a cell of more than 64 MiB; is a quotation mark not closed?", ["m.ModelXml", "--rows", "large.csv"])
+              for _ in range(b"__asan_init" not in Path(engines.CHECK).read_bytes())],
             (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv", "--report", "kept.html"]),
             (2, "--rows wants a file.", ["m.ModelXml", "--rows", ""]),
             (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
