@@ -97,7 +97,7 @@ constexpr Option options[] = {
 };
 // clang-format on
 
-// --- Errors. Each function returns a message; empty: there is none.
+// --- Errors. Each function returns an error message; empty on success.
 
 QString findIncomplete(const QCommandLineParser &parser, const Option &option) {
     if (!option.needed.isEmpty() && !parser.isSet(option.needed.toString())) {
@@ -128,7 +128,7 @@ QString checkComparison(Request &request) {
     return {};
 }
 
-// Whether two names are of one file, which need not exist yet. A folder or a device is none.
+// Whether two names are of one regular file, which need not exist yet.
 bool isSameFile(const QString &a, const QString &b) {
     const QFileInfo one(a);
     const QFileInfo other(b);

@@ -21,7 +21,7 @@ struct RecodingSection {
     QString label, type;
     bool isCategorical = false, isBoolean = false;
     double coefficient = 0;
-    QString codes; // missing codes; empty if there are none
+    QString codes; // missing codes; may be empty
     std::vector<PositionLine> positions = {};
 };
 

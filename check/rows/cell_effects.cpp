@@ -95,7 +95,7 @@ bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest 
         }
         return !cell.text.empty();
     case BooleanNumbers:
-        // A text is none of the numbers, also where it happens to score the same.
+        // A text equals neither number, also where it happens to score the same.
         return !cell.text.empty() && !cell.isNumber;
     default:
         return false;

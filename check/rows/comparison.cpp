@@ -53,7 +53,7 @@ void countRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &pl
     }
 }
 
-// The next row of results; false when there is none.
+// Takes the next row of results; false after the last.
 bool takeNext(Comparison &c, ResultRow &found) {
     while (c.entries.empty()) {
         if (!c.reader.read(c)) return false;
