@@ -3,6 +3,7 @@
 #include "app/check_options.h"
 #include "check/inspection/inspection.h"
 #include "check/reports/report.h"
+#include "check/rows/probe.h"
 #include "model/canvas_tags.h"
 #include "model/exit_status.h"
 #include "platform/platform.h"
@@ -89,6 +90,10 @@ int check(Request &request) {
     if (!card.document.problem.isEmpty()) {
         printError(problemMessage(card.document.fileName, card.document.problem));
         return exitUnusableModel;
+    }
+    if (!request.probe.isEmpty()) {
+        const QString problem = writeProbe(card, request.probe);
+        if (!problem.isEmpty()) return fail(problem, exitUsage);
     }
     Inspection inspection{.targets = request.targets, .canvasName = request.canvas};
     SqlConfigurationFile sql;

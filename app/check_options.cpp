@@ -82,6 +82,7 @@ constexpr Option options[] = {
     {u"target", u"Look for findings of these targets only: sas, sql, vba, python, html.", setTargets, u"list", {}, None, true},
     {u"sql", u"The configuration file of SQL.", set<&Request::sql>, u"file", {}, Input, true},
     {u"canvas", u"The canvas of HTML.", set<&Request::canvas>, u"file", {}, Input, true},
+    {u"probe", u"Write rows that try everything to this CSV file.", set<&Request::probe>, u"file", {}, Output},
     {u"rows", u"Score the rows of this CSV file.", set<&RowOptions::file>, u"file", {}, RequiredInput, true},
     {u"key", u"The column that names a row.", set<&RowOptions::key>, u"column", u"rows"},
     {u"scores", u"Write key, score and probability to this CSV file.", set<&RowOptions::scores>, u"file", u"rows", Output},
@@ -184,7 +185,8 @@ QString readOptions(const QCommandLineParser &parser, Request &request) {
         if (hasFile) (option.file == Output ? outputs : inputs).append(values.constLast());
         request.looksForFindings = request.looksForFindings || option.looksForFindings;
     }
-    request.looksForFindings = request.looksForFindings || !request.showsModel;
+    const bool hasOther = request.showsModel || !request.probe.isEmpty();
+    request.looksForFindings = request.looksForFindings || !hasOther;
     if (request.showsModel && request.isJson) return u"--show prints text, and cannot be JSON."_s;
     if (!incomplete.isEmpty()) return incomplete;
     if (wrong.isEmpty() && !request.rows.results.isEmpty()) wrong = checkComparison(request);

@@ -13,6 +13,7 @@ struct Request {
     QString sql;
     QString canvas;
     QString report;
+    QString probe;
     RowOptions rows;
     QString answer; // help or version: to be printed, and nothing else to be done
 };

@@ -1,5 +1,7 @@
 #include "check/reports/report.h"
 
+#include "check/rows/probe.h"
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -124,6 +126,34 @@ ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
     return model;
 }
 
+// --- Rows
+
+Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
+                      std::span<const std::string> missing) {
+    Unreached unreached;
+    const auto hasGap = [&](std::size_t i) {
+        return std::ranges::count(counts.positions[i], 0) > 0;
+    };
+    for (std::size_t column = 0; column < card.columns.size(); ++column) {
+        const std::vector<std::size_t> &recodings = card.recodingsOf[column];
+        std::vector<std::vector<bool>> reachable; // which is not needed where rows reach all
+        if (std::ranges::any_of(recodings, hasGap)) {
+            reachable = reachablePositions(card, column, missing);
+        }
+        for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
+            const Recoding &recoding = card.recodings[recodings[rank]];
+            const std::vector<std::int64_t> &rows = counts.positions[recodings[rank]];
+            for (std::size_t i = 0; i < rows.size(); ++i) {
+                if (rows[i] == 0 && !reachable[rank][i]) continue;
+                ++unreached.of;
+                if (rows[i] > 0) continue;
+                unreached.places.append(titleOf(recoding) + u": "_s + valuesAt(recoding, i));
+            }
+        }
+    }
+    return unreached;
+}
+
 // --- Findings and comparison
 
 std::vector<FindingGroup> groupsOf(std::span<const Finding> findings) {
@@ -186,6 +216,7 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
                      .model = isWhole ? modelOf(card, found.counts)
                                       : ModelSection{.file = card.document.fileName},
                      .groups = groupsOf(found.findings)};
+    if (found.counts) report.unreached = unreachedOf(card, *found.counts, found.options->missing);
     if (!found.comparison) return report;
     report.counts = countsOf(*found.comparison);
     for (const ComparedRow &row : found.comparison->worst) {

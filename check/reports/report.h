@@ -71,11 +71,17 @@ struct Contribution {
     double points = 0;
 };
 
+// Positions that no row reaches although a cell can. The others are proven by the rows.
+struct Unreached {
+    std::int64_t of = 0; // how many a cell can reach
+    QStringList places = {};
+};
+
 // What there is to report; it must outlive the report. Null: not asked for.
 struct Found {
     std::span<const Finding> findings = {}; // in the order of their kinds
     const RowCounts *counts = nullptr;
-    const RowOptions *options = nullptr; // given with the comparison
+    const RowOptions *options = nullptr; // given with the rows
     const ComparisonResult *comparison = nullptr;
 };
 
@@ -83,6 +89,7 @@ struct Report {
     Found found;
     ModelSection model = {};
     std::vector<FindingGroup> groups = {};
+    Unreached unreached = {};           // if rows were scored
     std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
     std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
 };
@@ -107,6 +114,9 @@ void putPage(TextBuffer &out, const Report &report);
 QString shortNumber(double number);
 // The same, but with as many digits as distinguish it from `other`.
 QString numberBeside(double number, double other);
+// How many positions no row reaches, and the first of them, one in each line.
+QString unreachedTitle(const Unreached &unreached);
+QStringList unreachedLines(const Unreached &unreached);
 // The target that the results are of.
 QString comparedTarget(const Report &report);
 // The place of a finding, with its rows if rows were scored.

@@ -159,6 +159,14 @@ void putCurve(TextBuffer &out, const Report &report) {
 
 // --- Recodings
 
+void putUnreached(TextBuffer &out, const Unreached &unreached) {
+    put(out, u"<article><h3>", unreachedTitle(unreached), u"</h3>\n<ul>\n");
+    for (const QString &line : unreachedLines(unreached)) {
+        put(out, u"<li>", escaped(line), u"</li>\n");
+    }
+    put(out, u"</ul></article>\n");
+}
+
 void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &scale,
                  bool hasRows) {
     put(out, u"<article><h3>", escaped(recoding.title), u"</h3>\n<p class=\"soft\">",
@@ -189,7 +197,9 @@ void putPage(TextBuffer &out, const Report &report) {
     if (report.found.comparison) putComparison(out, report);
     putCurve(out, report);
     put(out, u"<section><h2>Recodings</h2>\n<p>Constant ", model.constant,
-        u"; all bars have one scale.</p>\n<div class=\"recodings\">\n");
+        u"; all bars have one scale.</p>\n");
+    if (report.found.counts) putUnreached(out, report.unreached);
+    put(out, u"<div class=\"recodings\">\n");
     for (const RecodingSection &recoding : model.recodings) {
         putRecoding(out, recoding, model.points, report.found.counts != nullptr);
     }

@@ -95,6 +95,11 @@ void putJson(TextBuffer &out, const Report &report) {
     if (report.found.counts) {
         object[u"rows"_s] = count(report.found.counts->rows);
         object[u"uneven"_s] = count(report.found.counts->uneven);
+        const Unreached &unreached = report.unreached;
+        object[u"unreached"_s] =
+            QJsonObject{{u"positions"_s, count(std::ssize(unreached.places))},
+                        {u"of"_s, count(unreached.of)},
+                        {u"places"_s, QJsonArray::fromStringList(unreached.places)}};
     }
     if (report.found.comparison) object[u"comparison"_s] = jsonOf(report);
     put(out, QString::fromUtf8(QJsonDocument(object).toJson()));

@@ -56,8 +56,10 @@ void putFindings(TextBuffer &out, const Report &report) {
     }
 }
 
-void putRows(TextBuffer &out, const RowCounts &counts) {
-    put(out, u"\n", rowsText(counts.rows), u" scored\n");
+void putRows(TextBuffer &out, const Report &report) {
+    const RowCounts &counts = *report.found.counts;
+    put(out, u"\n", rowsText(counts.rows), u" scored\n", unreachedTitle(report.unreached), u"\n");
+    for (const QString &line : unreachedLines(report.unreached)) put(out, u"  - ", line, u"\n");
     if (counts.uneven == 0) return;
     put(out, rowsText(counts.uneven), u" with fewer or more cells than titles, first row ",
         counts.firstUneven, u"\n");
@@ -121,7 +123,7 @@ void putModel(TextBuffer &out, const ModelSection &model) {
 
 void putText(TextBuffer &out, const Report &report) {
     putFindings(out, report);
-    if (report.found.counts) putRows(out, *report.found.counts);
+    if (report.found.counts) putRows(out, report);
     if (report.found.comparison) putComparison(out, report);
 }
 
@@ -137,6 +139,21 @@ QString numberBeside(double number, double other) {
     while (digits < most && number != other && text(number).view() == text(other).view()) ++digits;
     const NumberText shown = text(number);
     return QString::fromLatin1(shown.characters, shown.size);
+}
+
+QString unreachedTitle(const Unreached &unreached) {
+    const auto positions = std::ssize(unreached.places);
+    const QString of = unreached.of == 1 ? u"1 position"_s : u"%1 positions"_s.arg(unreached.of);
+    return positions == 0 ? u"Rows reach all of %1"_s.arg(of)
+                          : u"No row reaches %1 of %2"_s.arg(positions).arg(of);
+}
+
+QStringList unreachedLines(const Unreached &unreached) {
+    constexpr qsizetype most = 10;
+    QStringList lines = unreached.places.first(std::min(most, unreached.places.size()));
+    const qsizetype more = unreached.places.size() - lines.size();
+    if (more > 0) lines.append(u"and %1 more"_s.arg(more));
+    return lines;
 }
 
 QString comparedTarget(const Report &report) {

@@ -1,0 +1,447 @@
+#include "check/rows/probe.h"
+
+#include "check/evaluation/target_texts.h"
+#include "model/output_file.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <numeric>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// --- Cells
+
+// The next number to the one side. Those next to 0 are not the same in all engines, and neither is
+// their text; this one has a place in 32 bits too.
+double beside(double bound, double way) {
+    constexpr double nextToZero = 1e-30;
+    const double next = std::nextafter(bound, way);
+    return std::isnormal(next) || std::isinf(next) ? next : std::copysign(nextToZero, way);
+}
+
+// A number with few digits in the middle of two others; NaN if there is none.
+double between(double least, double most) {
+    const double middle = least / 2 + most / 2;
+    constexpr int digits = 17; // which distinguish any two
+    for (int i = 1; std::isfinite(middle) && i <= digits; ++i) {
+        const double number = withDigits(middle, i);
+        if (number > least && number < most) return number;
+    }
+    return noNumber;
+}
+
+// Without exponent where that is not too long, since programs differ in how they read one.
+QString digitsOf(double number) {
+    constexpr double least = 1e-30;
+    constexpr double most = 1e22;
+    const double size = std::abs(number);
+    const bool isPlain = size == 0 || (size >= least && size < most);
+    std::array<char, 64> text{};
+    const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
+    const auto end = std::to_chars(text.begin(), text.end(), number + 0.0, format).ptr; // no -0
+    return QString::fromLatin1(text.data(), end - text.begin());
+}
+
+void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
+                std::vector<double> bounds) {
+    std::erase_if(bounds, [](double bound) { return !std::isfinite(bound); });
+    std::ranges::sort(bounds);
+    bounds.erase(std::unique(bounds.begin(), bounds.end()), bounds.end());
+    for (const double code : codes) tries.push_back({Trial::Code, code});
+    const auto margin = [](double bound) { return 2 * std::max(1.0, std::abs(bound)); };
+    double last = bounds.empty() ? -1 : bounds.front() - margin(bounds.front());
+    for (const double bound : bounds) {
+        tries.insert(tries.end(), {{Trial::Between, between(last, bound)},
+                                   {Trial::Below, beside(bound, -HUGE_VAL), bound},
+                                   {Trial::Bound, bound, bound},
+                                   {Trial::Above, beside(bound, HUGE_VAL), bound}});
+        last = bound;
+    }
+    tries.push_back({Trial::Between, between(last, last + margin(last))});
+    std::erase_if(tries, [](const Try &cell) { return !std::isfinite(cell.number); });
+    std::ranges::sort(tries, {}, [](const Try &a) { return std::pair(a.number, a.trial); });
+    const auto again = std::ranges::unique(tries, {}, &Try::number);
+    tries.erase(again.begin(), again.end());
+}
+
+void addValues(std::vector<Try> &tries, TextTable<QStringView, bool> &listed,
+               std::span<const QStringView> values) {
+    for (const QStringView value : values) {
+        if (value.isEmpty() || !listed.emplace(value, true).second) continue;
+        tries.push_back({.trial = Trial::Value, .value = value});
+    }
+}
+
+QString textOf(const Try &cell) {
+    const bool isText = cell.trial == Trial::Value || cell.trial == Trial::Unlisted;
+    return isText                       ? cell.value.toString()
+           : cell.trial == Trial::Empty ? QString()
+                                        : digitsOf(cell.number);
+}
+
+// What the recodings of the column make of the cell.
+std::vector<Recoded> recodedOf(const Scorecard &card, std::size_t column, const Try &cell,
+                               std::span<const std::string> missing = {}) {
+    const std::string raw = textOf(cell).toStdString();
+    const Cell read = cellOf(std::string_view(raw), missing);
+    std::vector<Recoded> recoded;
+    for (const std::size_t i : card.recodingsOf[column]) {
+        recoded.push_back(recode(card.recodings[i], read));
+    }
+    return recoded;
+}
+
+// --- From the least score to the highest
+
+// A cell, and what it adds to the score.
+struct Level {
+    std::size_t cell = 0; // its position among the tries
+    double points = 0;
+};
+
+struct ProbeColumn {
+    std::vector<Try> tries;
+    std::vector<Level> levels; // of all cells by points, each number of points once
+    std::vector<Level> plain;  // of plain cells
+    std::size_t usual = 0;     // the cell of rows that try another column
+};
+
+// Findings concern neither of them, so that these cells blur no row that tries something else.
+bool isPlain(const Try &cell) {
+    return cell.trial == Trial::Between || cell.trial == Trial::Value;
+}
+
+std::vector<Level> levelsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries,
+                            bool onlyPlain) {
+    std::vector<Level> levels;
+    for (std::size_t i = 0; i < tries.size(); ++i) {
+        if (onlyPlain && !isPlain(tries[i])) continue;
+        Level level = {i};
+        const std::vector<Recoded> recoded = recodedOf(card, column, tries[i]);
+        for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
+            const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
+            if (recoding.coefficient != 0)
+                level.points += recoding.coefficient * recoded[rank].score;
+        }
+        if (std::isfinite(level.points)) levels.push_back(level);
+    }
+    std::ranges::stable_sort(levels, {}, [&](const Level &level) {
+        return std::pair(level.points, !isPlain(tries[level.cell]));
+    });
+    const auto again = std::ranges::unique(levels, {}, &Level::points);
+    levels.erase(again.begin(), again.end());
+    if (levels.empty()) levels.push_back({tries.size() - 1});
+    return levels;
+}
+
+// One cell of each column.
+struct Choice {
+    std::vector<std::size_t> cells;
+    double score = 0; // but for rounding
+};
+
+using LevelsOf = std::vector<Level> ProbeColumn::*;
+
+// Cells whose score comes near to this one, but not above it. Columns that can change the score
+// most come first, so that the others fill up what is left.
+Choice choiceBelow(const Scorecard &card, std::span<const ProbeColumn> columns, LevelsOf levelsOf,
+                   std::span<const std::size_t> order, double score) {
+    Choice choice = {std::vector<std::size_t>(columns.size()), card.regression.constant};
+    for (const ProbeColumn &column : columns) choice.score += (column.*levelsOf).front().points;
+    for (const std::size_t i : order) {
+        const std::vector<Level> &levels = columns[i].*levelsOf;
+        const double rest = choice.score - levels.front().points;
+        auto above = std::ranges::upper_bound(levels, score - rest, {}, &Level::points);
+        if (above != levels.begin()) --above;
+        choice.cells[i] = above->cell;
+        choice.score = rest + above->points;
+    }
+    return choice;
+}
+
+std::vector<std::size_t> orderOf(std::span<const ProbeColumn> columns) {
+    std::vector<std::size_t> order(columns.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::ranges::stable_sort(order, std::greater(), [&](std::size_t i) {
+        return columns[i].levels.back().points - columns[i].levels.front().points;
+    });
+    return order;
+}
+
+// A score where the probability changes with it: in the segment of the table that is nearest to the
+// middle of the probabilities. NaN if the table has none.
+double sensitiveScore(const Scorecard &card) {
+    const std::span<const double> x = card.table.x;
+    const std::span<const double> y = card.table.y;
+    if (!card.table.exists) return card.isLogistic ? 0 : noNumber;
+    const double middle = (y.front() + y.back()) / 2;
+    double nearest = HUGE_VAL;
+    double score = noNumber;
+    for (std::size_t i = 1; i < x.size(); ++i) {
+        const double distance = std::abs((y[i - 1] + y[i]) / 2 - middle);
+        if (x[i - 1] == x[i] || y[i - 1] == y[i] || !(distance < nearest)) continue;
+        nearest = distance;
+        score = (x[i - 1] + x[i]) / 2;
+    }
+    return score;
+}
+
+std::vector<ProbeColumn> columnsOf(const Scorecard &card) {
+    std::vector<ProbeColumn> columns(card.columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        columns[i].tries = triesOf(card, i);
+        columns[i].levels = levelsOf(card, i, columns[i].tries, false);
+        columns[i].plain = levelsOf(card, i, columns[i].tries, true);
+    }
+    const std::vector<std::size_t> order = orderOf(columns);
+    const auto choose = [&](double score) {
+        return choiceBelow(card, columns, &ProbeColumn::plain, order, score);
+    };
+    double score = sensitiveScore(card);
+    if (std::isnan(score)) score = (choose(-HUGE_VAL).score + choose(HUGE_VAL).score) / 2;
+    const Choice usual = choose(score);
+    for (std::size_t i = 0; i < columns.size(); ++i) columns[i].usual = usual.cells[i];
+    return columns;
+}
+
+// Where the table has the score: how many of its points are not below. 0 for all scores of a table
+// that is out of order.
+std::size_t segmentOf(const Scorecard &card, double score) {
+    if (!card.isFalling) return 0;
+    const auto isAbove = [&](double point) { return point >= score; };
+    const auto found = std::ranges::partition_point(card.table.x, isAbove);
+    return static_cast<std::size_t>(found - card.table.x.begin());
+}
+
+// A score in each segment of the table that lies between these two, but no more than `most`.
+std::vector<double> scoresBetween(const Scorecard &card, double lowest, double highest,
+                                  std::size_t most) {
+    std::vector<double> scores;
+    const std::span<const double> x = card.table.x;
+    for (std::size_t i = card.isFalling ? x.size() : 0; i-- > 1;) {
+        const double from = std::max(x[i], lowest);
+        const double to = std::min(x[i - 1], highest);
+        if (from < to) scores.push_back((from + to) / 2);
+    }
+    if (scores.size() <= most) return scores;
+    for (std::size_t i = 0; i < most; ++i) scores[i] = scores[i * scores.size() / most];
+    scores.resize(most);
+    return scores;
+}
+
+// --- What rows are for
+
+// A text of the document as a row can hold it.
+QString shortened(QStringView text) {
+    constexpr qsizetype longest = 60;
+    QString shown = text.first(std::min(longest, text.size())).toString();
+    if (endsInHalfPair(shown)) shown.chop(1);
+    if (text.size() > longest) shown += u'…';
+    for (QChar &c : shown) {
+        if (c.category() == QChar::Other_Control) c = u' ';
+    }
+    return shown;
+}
+
+QString trialText(QStringView field, const Try &cell) {
+    const QString name = shortened(field);
+    switch (cell.trial) {
+    case Trial::Code:
+        return u"%1 = %2, a missing code"_s.arg(name, digitsOf(cell.number));
+    case Trial::Bound:
+        return u"%1 at the bound %2"_s.arg(name, numberText(cell.bound));
+    case Trial::Below:
+        return u"%1 just below %2"_s.arg(name, numberText(cell.bound));
+    case Trial::Above:
+        return u"%1 just above %2"_s.arg(name, numberText(cell.bound));
+    case Trial::Between:
+        return u"%1 = %2"_s.arg(name, digitsOf(cell.number));
+    case Trial::Value:
+        return u"%1 = '%2'"_s.arg(name, shortened(cell.value));
+    case Trial::Unlisted:
+        return u"%1 = '%2', which is not listed"_s.arg(name, cell.value);
+    case Trial::Empty:
+        break;
+    }
+    return u"%1 empty"_s.arg(name);
+}
+
+QString scoreText(const Scorecard &card, double score) {
+    const std::span<const double> x = card.table.x;
+    QString text = u"a score of about %1"_s.arg(QString::number(score, 'g', 4));
+    if (x.empty() || !card.isFalling) return text;
+    const std::size_t at = segmentOf(card, score);
+    const QString above = numberText(x[at < x.size() ? at : x.size() - 1]);
+    if (at == 0) return text + u", above the table"_s;
+    if (at == x.size()) return text + u", below the table"_s;
+    return text + u", from %1 to %2 in the table"_s.arg(above, numberText(x[at - 1]));
+}
+
+// --- The file
+
+// Quoted where a reader could take it apart or strip it.
+QString csvCell(const QString &text) {
+    const auto isSpecial = [](QChar c) {
+        return c == u',' || c == u'"' || c == u';' || c == u'\t' || c == u'\n' || c == u'\r';
+    };
+    const bool hasBlank = !text.isEmpty() && (text.front().isSpace() || text.back().isSpace());
+    if (!hasBlank && std::ranges::none_of(text, isSpecial)) return text;
+    return u'"' + QString(text).replace(u'"', u"\"\""_s) + u'"';
+}
+
+// The name, changed until no column of the model has it, in whatever case.
+QString freeTitle(const Scorecard &card, QString title) {
+    const auto isTitle = [&](const QString &column) {
+        return column.trimmed().compare(title, Qt::CaseInsensitive) == 0;
+    };
+    while (std::ranges::any_of(card.columns, isTitle)) title += u'_';
+    return title;
+}
+
+struct ProbeFile {
+    const Scorecard &card;
+    OutputFile file;
+    std::int64_t rows = 0;
+};
+
+// cellAt(i) is the cell of column i.
+template <typename CellAt>
+void putRow(ProbeFile &out, const CellAt &cellAt, const QString &text) {
+    QString row = QString::number(++out.rows);
+    for (std::size_t i = 0; i < out.card.columns.size(); ++i) {
+        row += u',';
+        row += csvCell(textOf(cellAt(i)));
+    }
+    writeText(out.file, row + u',' + csvCell(text) + u'\n');
+}
+
+// Row k tries the cell k of each column of the group.
+void putGroup(ProbeFile &out, std::span<const ProbeColumn> columns,
+              std::span<const std::size_t> group) {
+    constexpr qsizetype mostNamed = 8;
+    std::vector<bool> isTried(columns.size());
+    for (const std::size_t i : group) isTried[i] = true;
+    for (std::size_t k = 0;; ++k) {
+        QStringList texts;
+        qsizetype tried = 0;
+        for (const std::size_t i : group) {
+            if (k >= columns[i].tries.size() || tried++ >= mostNamed) continue;
+            texts.append(trialText(out.card.columns[i], columns[i].tries[k]));
+        }
+        if (tried == 0) return;
+        if (tried > mostNamed) texts.append(u"and %1 columns more"_s.arg(tried - mostNamed));
+        const auto cellAt = [&](std::size_t i) {
+            const bool isOfRow = isTried[i] && k < columns[i].tries.size();
+            return columns[i].tries[isOfRow ? k : columns[i].usual];
+        };
+        putRow(out, cellAt, texts.join(u"; "_s));
+    }
+}
+
+// Rows from the least score to the highest, one in each segment of the table that they can reach.
+void putPath(ProbeFile &out, std::span<const ProbeColumn> columns, std::size_t most) {
+    const std::vector<std::size_t> order = orderOf(columns);
+    const auto choose = [&](LevelsOf levels, double score) {
+        return choiceBelow(out.card, columns, levels, order, score);
+    };
+    const auto put = [&](const Choice &choice) {
+        const auto cellAt = [&](std::size_t i) { return columns[i].tries[choice.cells[i]]; };
+        putRow(out, cellAt, scoreText(out.card, choice.score));
+    };
+    const Choice lowest = choose(&ProbeColumn::levels, -HUGE_VAL);
+    const Choice highest = choose(&ProbeColumn::levels, HUGE_VAL);
+    put(lowest);
+    for (const double score : scoresBetween(out.card, lowest.score, highest.score, most)) {
+        for (const LevelsOf levels : {&ProbeColumn::plain, &ProbeColumn::levels}) {
+            const Choice choice = choose(levels, score);
+            if (segmentOf(out.card, choice.score) != segmentOf(out.card, score)) continue;
+            put(choice);
+            break;
+        }
+    }
+    put(highest);
+}
+
+void putRows(ProbeFile &out, std::span<const ProbeColumn> columns) {
+    constexpr std::size_t mostCells = 1 << 20; // of one column in a row
+    const auto sizeOf = [&](std::size_t i) { return columns[i].tries.size(); };
+    std::vector<std::size_t> order(columns.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::size_t total = 0;
+    std::size_t longest = 0;
+    for (const std::size_t i : order) {
+        total += sizeOf(i);
+        longest = std::max(longest, sizeOf(i));
+    }
+    const std::size_t together = total * order.size() / mostCells + 1;
+    // Columns with as many tries share their rows.
+    if (together > 1) std::ranges::stable_sort(order, {}, sizeOf);
+    for (std::size_t i = 0; i < order.size(); i += together) {
+        const std::size_t size = std::min(together, order.size() - i);
+        putGroup(out, columns, std::span(order).subspan(i, size));
+    }
+    putPath(out, columns, std::max(longest, mostCells / std::max<std::size_t>(order.size(), 1)));
+}
+
+} // namespace
+
+std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
+    std::vector<Try> tries;
+    std::vector<Try> values;
+    std::vector<double> bounds;
+    std::vector<double> codes;
+    TextTable<QStringView, bool> listed;
+    bool hasNumbers = false;
+    bool hasValues = false;
+    for (const std::size_t i : card.recodingsOf[column]) {
+        const Recoding &recoding = card.recodings[i];
+        (recoding.variable->isCategorical ? hasValues : hasNumbers) = true;
+        bounds.insert(bounds.end(), recoding.x.begin(), recoding.x.end());
+        codes.insert(codes.end(), recoding.codes.begin(), recoding.codes.end());
+        addValues(values, listed, recoding.listed);
+    }
+    if (hasNumbers) addNumbers(tries, codes, std::move(bounds));
+    tries.insert(tries.end(), values.begin(), values.end());
+    constexpr QStringView unlisted = u"unlisted________";
+    for (qsizetype size = 8; hasValues && size <= unlisted.size(); ++size) {
+        if (listed.contains(unlisted.first(size))) continue;
+        tries.push_back({.trial = Trial::Unlisted, .value = unlisted.first(size)});
+        break;
+    }
+    tries.push_back({});
+    return tries;
+}
+
+std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::size_t column,
+                                                  std::span<const std::string> missing) {
+    std::vector<std::vector<bool>> reachable;
+    for (const std::size_t i : card.recodingsOf[column]) {
+        reachable.emplace_back(card.recodings[i].y.size());
+    }
+    for (const Try &cell : triesOf(card, column)) {
+        const std::vector<Recoded> recoded = recodedOf(card, column, cell, missing);
+        for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
+            const std::size_t position = recoded[rank].position;
+            if (position < reachable[rank].size()) reachable[rank][position] = true;
+        }
+    }
+    return reachable;
+}
+
+QString writeProbe(const Scorecard &card, const QString &fileName) {
+    const std::vector<ProbeColumn> columns = columnsOf(card);
+    ProbeFile out = {card, {.stream = {}, .encoding = OutputEncoding::Utf8}};
+    out.file.stream.reset(openFile(fileName, FileUse::Write));
+    if (!out.file.stream) return u"Cannot open file '%1' for writing."_s.arg(fileName);
+    QString titles = freeTitle(card, u"probe"_s);
+    for (const QString &column : card.columns) titles += u',' + csvCell(column);
+    writeText(out.file, titles + u',' + freeTitle(card, u"tries"_s) + u'\n');
+    putRows(out, columns);
+    return isClosed(out.file) ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
+}
