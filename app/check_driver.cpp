@@ -94,6 +94,7 @@ int check(Request &request) {
     if (!request.probe.isEmpty()) {
         const QString problem = writeProbe(card, request.probe);
         if (!problem.isEmpty()) return fail(problem, exitUsage);
+        if (!request.showsModel && !request.looksForFindings) return exitNothingFound;
     }
     Inspection inspection{.targets = request.targets, .canvasName = request.canvas};
     SqlConfigurationFile sql;

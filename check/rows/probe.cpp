@@ -117,20 +117,24 @@ bool isPlain(const Try &cell) {
     return cell.trial == Trial::Between || cell.trial == Trial::Value;
 }
 
-std::vector<Level> levelsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries,
-                            bool onlyPlain) {
+// What each cell of the column adds; NaN and infinity are left out.
+std::vector<Level> pointsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries) {
     std::vector<Level> levels;
     for (std::size_t i = 0; i < tries.size(); ++i) {
-        if (onlyPlain && !isPlain(tries[i])) continue;
         Level level = {i};
         const std::vector<Recoded> recoded = recodedOf(card, column, tries[i]);
         for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
             const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
-            if (recoding.coefficient != 0)
-                level.points += recoding.coefficient * recoded[rank].score;
+            if (recoding.coefficient == 0) continue;
+            level.points += recoding.coefficient * recoded[rank].score;
         }
         if (std::isfinite(level.points)) levels.push_back(level);
     }
+    return levels;
+}
+
+// By points, each number of points once, with a plain cell if there is one. Never empty.
+std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries) {
     std::ranges::stable_sort(levels, {}, [&](const Level &level) {
         return std::pair(level.points, !isPlain(tries[level.cell]));
     });
@@ -195,9 +199,11 @@ double sensitiveScore(const Scorecard &card) {
 std::vector<ProbeColumn> columnsOf(const Scorecard &card) {
     std::vector<ProbeColumn> columns(card.columns.size());
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        columns[i].tries = triesOf(card, i);
-        columns[i].levels = levelsOf(card, i, columns[i].tries, false);
-        columns[i].plain = levelsOf(card, i, columns[i].tries, true);
+        const std::vector<Try> &tries = columns[i].tries = triesOf(card, i);
+        std::vector<Level> levels = pointsOf(card, i, tries);
+        columns[i].levels = ranked(levels, tries);
+        std::erase_if(levels, [&](const Level &level) { return !isPlain(tries[level.cell]); });
+        columns[i].plain = ranked(std::move(levels), tries);
     }
     const std::vector<std::size_t> order = orderOf(columns);
     const auto choose = [&](double score) {
