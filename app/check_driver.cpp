@@ -15,7 +15,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-enum CheckStatus { exitNothingFound = 0, exitFound = 1, exitUsage = 2 };
+enum CheckStatus { exitNothingFound = 0, exitFound = 1, exitUsage = 2, exitUnexplained = 3 };
 
 int fail(const QString &message, int status) {
     printError(message + u'\n');
@@ -44,6 +44,8 @@ QString printReport(const Request &request, const Report &report) {
     if (request.showsModel && request.looksForFindings) put(out, u"\n");
     if (request.isJson) {
         putJson(out, report);
+    } else if (request.isQuiet) {
+        putVerdict(out, report);
     } else if (request.looksForFindings) {
         putText(out, report);
     }
@@ -52,11 +54,9 @@ QString printReport(const Request &request, const Report &report) {
 
 // --- Work
 
-bool hasFound(const Found &found) {
-    const ComparisonResult *const result = found.comparison;
-    return !found.findings.empty() ||
-           (result && (result->equal != result->rows || result->missing.rows > 0 ||
-                       result->extra.rows > 0 || result->repeated.rows > 0));
+int statusOf(Verdict verdict) {
+    if (verdict == Verdict::Unexplained) return exitUnexplained;
+    return verdict == Verdict::Findings ? exitFound : exitNothingFound;
 }
 
 // Scores the rows if there are any, and reports everything.
@@ -68,21 +68,22 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
     const bool compares = !request.rows.results.isEmpty();
     if (hasRows) problem = scoreRows(card, findings, request.rows, counts, compared);
     if (!problem.isEmpty()) return fail(problem, exitUsage);
-    std::erase_if(findings, [](const Finding &finding) {
+    std::erase_if(findings, [&](const Finding &finding) {
         return kindOf(finding.id).scope == RowScope::Required && finding.rows == 0 &&
-               finding.togetherRows == 0;
+               finding.togetherRows == 0 && !compared.explained.contains(finding.id);
     });
     const Found found = {.findings = findings,
                          .counts = hasRows ? &counts : nullptr,
                          .options = &request.rows,
-                         .comparison = compares ? &compared : nullptr};
+                         .comparison = compares ? &compared : nullptr,
+                         .accepted = request.accepted};
     const bool isWhole = request.showsModel || !request.report.isEmpty();
     const Report report = buildReport(card, found, isWhole);
     problem = printReport(request, report);
     const QString page = request.report.isEmpty() ? QString() : writePage(request.report, report);
     if (problem.isEmpty()) problem = page;
     if (!problem.isEmpty()) return fail(problem, exitUsage);
-    return request.looksForFindings && hasFound(found) ? exitFound : exitNothingFound;
+    return request.looksForFindings ? statusOf(report.verdict) : exitNothingFound;
 }
 
 int check(Request &request) {

@@ -1,5 +1,7 @@
 #include "app/check_options.h"
 
+#include "check/findings/nearest_name.h"
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
@@ -51,6 +53,21 @@ QString setTargets(Request &request, const QStringList &values) {
     return {};
 }
 
+QString setAccepted(Request &request, const QStringList &values) {
+    std::vector<QStringView> names;
+    for (const FindingKind &kind : findingKinds()) names.push_back(kind.name);
+    for (const QString &name : values.join(u',').split(u',')) {
+        const auto at = std::ranges::find(names, name);
+        if (at == names.end()) {
+            const QStringView meant = nearestName(name, names);
+            const QString hint = meant.isEmpty() ? QString() : u" '%1' is meant?"_s.arg(meant);
+            return u"There is no finding '%1'."_s.arg(name) + hint;
+        }
+        request.accepted.add(static_cast<FindingId>(at - names.begin()));
+    }
+    return {};
+}
+
 QString setDelimiter(Request &request, const QStringList &values) {
     const QString &text = values.constLast();
     const bool isOne = text.size() == 1 && text[0] < u'\x80';
@@ -93,6 +110,8 @@ constexpr Option options[] = {
     {u"score", u"The column of scores there.", set<&RowOptions::score>, u"column", u"compare"},
     {u"probability", u"The column of probabilities there.", set<&RowOptions::probability>, u"column", u"compare"},
     {u"tolerance", u"What numbers may differ by; 1e-9.", setTolerance, u"number", u"compare"},
+    {u"accept", u"Findings that are known, and count for nothing. May be given several times.", setAccepted, u"list", {}, None, true},
+    {u"quiet", u"Print the verdict alone.", set<&Request::isQuiet>, {}, {}, None, true},
     {u"json", u"Print JSON.", set<&Request::isJson>, {}, {}, None, true},
     {u"report", u"Write a page to this file.", set<&Request::report>, u"file", {}, Output, true},
 };
@@ -188,6 +207,10 @@ QString readOptions(const QCommandLineParser &parser, Request &request) {
     const bool hasOther = request.showsModel || !request.probe.isEmpty();
     request.looksForFindings = request.looksForFindings || !hasOther;
     if (request.showsModel && request.isJson) return u"--show prints text, and cannot be JSON."_s;
+    if (request.isQuiet && (request.isJson || request.showsModel)) {
+        return u"--quiet prints the verdict alone, without --%1."_s.arg(request.isJson ? u"json"
+                                                                                       : u"show");
+    }
     if (!incomplete.isEmpty()) return incomplete;
     if (wrong.isEmpty() && !request.rows.results.isEmpty()) wrong = checkComparison(request);
     return wrong.isEmpty() ? findOverwritten(inputs, outputs) : wrong;

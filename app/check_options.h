@@ -9,6 +9,8 @@ struct Request {
     bool showsModel = false;
     bool looksForFindings = false;
     bool isJson = false;
+    bool isQuiet = false;
+    FindingSet accepted;
     Targets targets = allTargets;
     QString sql;
     QString canvas;

@@ -315,6 +315,10 @@ const FindingKind &kindOf(FindingId id) {
     return kinds[static_cast<std::size_t>(id)];
 }
 
+std::span<const FindingKind> findingKinds() {
+    return kinds;
+}
+
 QString rowsText(std::int64_t rows) {
     return rows == 1 ? QStringLiteral("1 row") : QStringLiteral("%1 rows").arg(rows);
 }

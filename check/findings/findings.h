@@ -8,6 +8,7 @@
 
 #include <bitset>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 // A set of targets.
@@ -74,6 +75,7 @@ struct FindingKind {
     QStringView page; // of the manual
 };
 const FindingKind &kindOf(FindingId id);
+std::span<const FindingKind> findingKinds(); // in the order of their identifiers
 
 // A finding at one place.
 struct Finding {

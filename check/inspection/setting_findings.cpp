@@ -1,3 +1,4 @@
+#include "check/findings/nearest_name.h"
 #include "check/inspection/inspection.h"
 
 #include "model/canvas_tags.h"
@@ -7,7 +8,6 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,45 +25,12 @@ constexpr QStringView sqlWords[] = {
     u"select", u"set",    u"size",   u"table",   u"then",    u"to",    u"union",    u"unique",
     u"update", u"use",    u"user",   u"using",   u"values",  u"when",  u"where",    u"with"};
 
-// --- Misspelled names
-
-// The number of characters to add, leave out or change to make one text of the other.
-std::size_t distance(QStringView a, QStringView b) {
-    std::vector<std::size_t> row(static_cast<std::size_t>(b.size()) + 1);
-    std::iota(row.begin(), row.end(), std::size_t(0));
-    for (const QChar c : a) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 1; j < row.size(); ++j) {
-            const bool isSame = c.toLower() == b[static_cast<qsizetype>(j) - 1].toLower();
-            const std::size_t changed = diagonal + (isSame ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({changed, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
-
-// The most similar name; empty if none is similar.
-QStringView nearest(QStringView written, std::span<const QStringView> names) {
-    constexpr qsizetype longest = 64;
-    if (written.size() > longest) return {};
-    QStringView found;
-    std::size_t least = static_cast<std::size_t>(written.size()) / 2;
-    for (const QStringView name : names) {
-        const std::size_t steps = distance(written, name);
-        if (steps > least || (steps == least && !found.isEmpty())) continue;
-        least = steps;
-        found = name;
-    }
-    return found;
-}
+// --- Settings and dialects
 
 QString withMeant(const QString &place, QStringView written, std::span<const QStringView> names) {
-    const QStringView meant = nearest(written, names);
+    const QStringView meant = nearestName(written, names);
     return meant.isEmpty() ? place : u"%1; %2 is meant?"_s.arg(place, meant);
 }
-
-// --- SQL
 
 void inspectSettings(Notes &notes, const XmlNode &root) {
     const std::span<const SqlSetting> settings = sqlSettings();
@@ -108,7 +75,7 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     }
     notes.add({place}, SinglePrecision, !dialect.scoreCast.opening.isEmpty());
     const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
-    const bool isMeant = !isKnown && !nearest(dbType, names).isEmpty();
+    const bool isMeant = !isKnown && !nearestName(dbType, names).isEmpty();
     notes.add({withMeant(place, dbType, names)}, UnknownDialect, isMeant);
 }
 

@@ -2,6 +2,8 @@
 
 #include "check/rows/probe.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -156,15 +158,14 @@ Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
 
 // --- Findings and comparison
 
-std::vector<FindingGroup> groupsOf(std::span<const Finding> findings) {
+std::vector<FindingGroup> groupsOf(const Found &found, Standing standing) {
     std::vector<FindingGroup> groups;
-    for (std::size_t i = 0, first = 0; i < findings.size(); ++i) {
-        if (i == 0 || findings[i].id != findings[first].id) {
-            first = i;
-            groups.push_back({&kindOf(findings[i].id)});
-        }
-        groups.back().targets |= findings[i].targets;
-        groups.back().findings = findings.subspan(first, i + 1 - first);
+    for (const Finding &finding : found.findings) {
+        if (standingOf(found, finding) != standing) continue;
+        const FindingKind &kind = kindOf(finding.id);
+        if (groups.empty() || groups.back().kind != &kind) groups.push_back({&kind});
+        groups.back().targets |= finding.targets;
+        groups.back().findings.push_back(&finding);
     }
     return groups;
 }
@@ -209,13 +210,73 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
     return parts;
 }
 
+// --- Verdict
+
+std::size_t countPlaces(std::span<const FindingGroup> groups) {
+    std::size_t places = 0;
+    for (const FindingGroup &group : groups) places += group.findings.size();
+    return places;
+}
+
+Verdict verdictOf(const Report &report) {
+    const ComparisonResult *const result = report.found.comparison;
+    if (result && (result->unexplained > 0 || result->missing.rows > 0 || result->extra.rows > 0 ||
+                   result->repeated.rows > 0)) {
+        return Verdict::Unexplained;
+    }
+    return report.open.empty() ? Verdict::Clean : Verdict::Findings;
+}
+
+// "3 findings open", "2 findings accepted, none open", "1 finding open, 2 accepted" or "no
+// findings".
+QString findingsText(const Report &report) {
+    const std::size_t open = countPlaces(report.open);
+    const std::size_t accepted = countPlaces(report.accepted);
+    const auto text = [](std::size_t count) {
+        return count == 1 ? u"1 finding"_s : u"%1 findings"_s.arg(count);
+    };
+    if (open == 0 && accepted == 0) return u"no findings"_s;
+    if (open == 0) return text(accepted) + u" accepted, none open"_s;
+    return text(open) + u" open"_s + (accepted > 0 ? u", %1 accepted"_s.arg(accepted) : QString());
+}
+
+QString sentenceOf(const Report &report) {
+    const QLocale english(QLocale::English);
+    const auto grouped = [&](std::int64_t rows) {
+        return english.toString(static_cast<qlonglong>(rows));
+    };
+    const QString findings = findingsText(report);
+    if (!report.found.counts) return findings;
+    const ComparisonResult *const result = report.found.comparison;
+    if (!result) {
+        const std::int64_t rows = report.found.counts->rows;
+        return grouped(rows) + (rows == 1 ? u" row scored; "_s : u" rows scored; "_s) + findings;
+    }
+    QString rows = grouped(result->equal) + u" of "_s + grouped(result->rows) +
+                   (result->rows == 1 ? u" row as the model says"_s : u" rows as the model says"_s);
+    const std::pair<std::int64_t, QStringView> others[] = {
+        {result->explainedRows, u"explained"},
+        {result->unexplained, u"without explanation"},
+        {result->missing.rows, u"without a result"},
+        {result->extra.rows, u"in the results only"},
+        {result->repeated.rows, u"repeated"}};
+    for (const auto &[count, label] : others) {
+        if (count > 0) rows += u", %1 %2"_s.arg(grouped(count), label);
+    }
+    return rows + u"; "_s + findings;
+}
+
 } // namespace
 
 Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     Report report = {.found = found,
                      .model = isWhole ? modelOf(card, found.counts)
                                       : ModelSection{.file = card.document.fileName},
-                     .groups = groupsOf(found.findings)};
+                     .open = groupsOf(found, Standing::Open),
+                     .accepted = groupsOf(found, Standing::Accepted),
+                     .untouched = groupsOf(found, Standing::Untouched)};
+    report.verdict = verdictOf(report);
+    report.sentence = sentenceOf(report);
     if (found.counts) report.unreached = unreachedOf(card, *found.counts, found.options->missing);
     if (!found.comparison) return report;
     report.counts = countsOf(*found.comparison);
@@ -223,4 +284,22 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
         report.contributions.push_back(contributionsOf(card, row));
     }
     return report;
+}
+
+Standing standingOf(const Found &found, const Finding &finding) {
+    if (found.accepted.has(finding.id)) return Standing::Accepted;
+    const bool isTouched = finding.rows > 0 || finding.togetherRows > 0;
+    if (!found.counts || !finding.countsRows() || isTouched) return Standing::Open;
+    const bool explains = found.comparison && found.comparison->explained.contains(finding.id);
+    return explains ? Standing::Open : Standing::Untouched;
+}
+
+QString namesOf(std::span<const FindingGroup> groups) {
+    QStringList names;
+    for (const FindingGroup &group : groups) {
+        const std::size_t places = group.findings.size();
+        names.append(group.kind->name.toString() +
+                     (places > 1 ? u" (%1 places)"_s.arg(places) : QString()));
+    }
+    return names.join(u", "_s);
 }

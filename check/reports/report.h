@@ -52,8 +52,16 @@ struct ModelSection {
 struct FindingGroup {
     const FindingKind *kind = nullptr;
     Targets targets = 0; // of all of them
-    std::span<const Finding> findings = {};
+    std::vector<const Finding *> findings = {};
 };
+
+// What a finding counts for. One that is accepted, or that depends on values and touches none of
+// the rows, needs nobody's attention.
+enum class Standing : std::uint8_t { Open, Accepted, Untouched };
+
+// What a job acts on. Unexplained: rows of the comparison are without explanation, missing, extra
+// or repeated. Findings: some are open.
+enum class Verdict : std::uint8_t { Clean, Findings, Unexplained };
 
 // How many rows of a comparison are of one sort; `more` names some of them.
 struct CountLine {
@@ -83,12 +91,15 @@ struct Found {
     const RowCounts *counts = nullptr;
     const RowOptions *options = nullptr; // given with the rows
     const ComparisonResult *comparison = nullptr;
+    FindingSet accepted = {};
 };
 
 struct Report {
     Found found;
     ModelSection model = {};
-    std::vector<FindingGroup> groups = {};
+    Verdict verdict = Verdict::Clean;
+    QString sentence = {}; // of the verdict
+    std::vector<FindingGroup> open = {}, accepted = {}, untouched = {};
     Unreached unreached = {};           // if rows were scored
     std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
     std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
@@ -102,13 +113,19 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole);
 
 // The model as a person reads a scorecard.
 void putModel(TextBuffer &out, const ModelSection &model);
-// Findings, rows and comparison.
+// The sentence of the verdict, in a line.
+void putVerdict(TextBuffer &out, const Report &report);
+// The verdict, findings, rows and comparison.
 void putText(TextBuffer &out, const Report &report);
 void putJson(TextBuffer &out, const Report &report);
 // A page that needs no other file.
 void putPage(TextBuffer &out, const Report &report);
 
 // --- What printers share
+
+Standing standingOf(const Found &found, const Finding &finding);
+// The names of the findings, each once, with the number of their places where it is above 1.
+QString namesOf(std::span<const FindingGroup> groups);
 
 // 6 significant digits; "none" for NaN.
 QString shortNumber(double number);

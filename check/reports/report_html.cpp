@@ -45,23 +45,32 @@ void putHead(TextBuffer &out, const Report &report) {
         putTile(result.explainedRows, u"explained");
         putTile(result.unexplained, u"without explanation");
     }
-    put(out, u"</div>\n");
+    put(out, u"</div>\n<p class=\"verdict\">");
+    putVerdict(out, report);
+    put(out, u"</p>\n");
+}
+
+void putNames(TextBuffer &out, QStringView title, std::span<const FindingGroup> groups) {
+    if (groups.empty()) return;
+    put(out, u"<article>", title, u": ", escaped(namesOf(groups)), u"</article>\n");
 }
 
 void putFindings(TextBuffer &out, const Report &report) {
     put(out, u"<section><h2>Findings</h2>\n");
-    if (report.found.findings.empty()) put(out, u"<article>None.</article>\n");
-    for (const FindingGroup &group : report.groups) {
+    if (report.open.empty()) put(out, u"<article>None is open.</article>\n");
+    for (const FindingGroup &group : report.open) {
         const FindingKind &kind = *group.kind;
         put(out, u"<article><h3>", kind.name, u" <span class=\"tag\">",
             targetNames(group.targets).join(u", "_s), u"</span></h3>\n<p>", escaped(kind.text),
             u"</p>\n<p class=\"soft\">", escaped(kind.remedy), u" (docs/", kind.page,
             u")</p>\n<ul>\n");
-        for (const Finding &finding : group.findings) {
-            put(out, u"<li>", escaped(placeText(report, finding)), u"</li>\n");
+        for (const Finding *const finding : group.findings) {
+            put(out, u"<li>", escaped(placeText(report, *finding)), u"</li>\n");
         }
         put(out, u"</ul></article>\n");
     }
+    putNames(out, u"Accepted", report.accepted);
+    putNames(out, u"Touching no row", report.untouched);
     put(out, u"</section>\n");
 }
 

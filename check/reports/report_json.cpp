@@ -18,13 +18,14 @@ QJsonValue count(std::int64_t value) {
     return {static_cast<qint64>(value)};
 }
 
-QJsonObject jsonOf(const Finding &finding, bool hasRows) {
+QJsonObject jsonOf(const Finding &finding, const Found &found) {
     const FindingKind &kind = kindOf(finding.id);
     const QJsonArray targets = QJsonArray::fromStringList(targetNames(finding.targets));
     QJsonObject object = {{u"name"_s, kind.name.toString()},     {u"targets"_s, targets},
                           {u"place"_s, finding.place},           {u"text"_s, kind.text.toString()},
                           {u"remedy"_s, kind.remedy.toString()}, {u"page"_s, kind.page.toString()}};
-    if (hasRows && finding.countsRows()) {
+    if (found.accepted.has(finding.id)) object[u"accepted"_s] = true;
+    if (found.counts && finding.countsRows()) {
         const bool isTogether = finding.togetherRows > 0;
         if (isTogether) object[u"together"_s] = count(finding.togetherRows);
         if (finding.rows > 0 || !isTogether) {
@@ -84,14 +85,29 @@ QJsonObject jsonOf(const Report &report) {
             {u"worst"_s, worst}};
 }
 
+QString nameOf(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Unexplained:
+        return u"unexplained"_s;
+    case Verdict::Findings:
+        return u"findings"_s;
+    case Verdict::Clean:
+        break;
+    }
+    return u"clean"_s;
+}
+
 } // namespace
 
 void putJson(TextBuffer &out, const Report &report) {
     QJsonArray findings;
     for (const Finding &finding : report.found.findings) {
-        findings.append(jsonOf(finding, report.found.counts != nullptr));
+        findings.append(jsonOf(finding, report.found));
     }
-    QJsonObject object = {{u"model"_s, report.model.file}, {u"findings"_s, findings}};
+    QJsonObject object = {{u"model"_s, report.model.file},
+                          {u"verdict"_s, nameOf(report.verdict)},
+                          {u"sentence"_s, report.sentence},
+                          {u"findings"_s, findings}};
     if (report.found.counts) {
         object[u"rows"_s] = count(report.found.counts->rows);
         object[u"uneven"_s] = count(report.found.counts->uneven);

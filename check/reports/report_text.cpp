@@ -43,22 +43,22 @@ void putRecoding(TextBuffer &out, const RecodingSection &recoding) {
 }
 
 void putFindings(TextBuffer &out, const Report &report) {
-    const auto count = std::ssize(report.found.findings);
-    put(out, count == 0 ? u"No"_s : QString::number(count), u" finding",
-        count == 1 ? u"\n"_s : u"s\n"_s);
-    for (const FindingGroup &group : report.groups) {
+    for (const FindingGroup &group : report.open) {
         const FindingKind &kind = *group.kind;
         put(out, u"\n", kind.name, u" [", targetNames(group.targets).join(u", "_s), u"] docs/",
             kind.page, u"\n  ", kind.text, u"\n  Remedy: ", kind.remedy, u"\n");
-        for (const Finding &finding : group.findings) {
-            put(out, u"  - ", placeText(report, finding), u"\n");
+        for (const Finding *const finding : group.findings) {
+            put(out, u"  - ", placeText(report, *finding), u"\n");
         }
     }
+    if (!report.accepted.empty()) put(out, u"\naccepted: ", namesOf(report.accepted), u"\n");
 }
 
 void putRows(TextBuffer &out, const Report &report) {
     const RowCounts &counts = *report.found.counts;
-    put(out, u"\n", rowsText(counts.rows), u" scored\n", unreachedTitle(report.unreached), u"\n");
+    put(out, u"\n");
+    if (report.found.comparison) put(out, rowsText(counts.rows), u" scored\n");
+    put(out, unreachedTitle(report.unreached), u"\n");
     for (const QString &line : unreachedLines(report.unreached)) put(out, u"  - ", line, u"\n");
     if (counts.uneven == 0) return;
     put(out, rowsText(counts.uneven), u" with fewer or more cells than titles, first row ",
@@ -121,10 +121,17 @@ void putModel(TextBuffer &out, const ModelSection &model) {
     putTable(out, table);
 }
 
+void putVerdict(TextBuffer &out, const Report &report) {
+    put(out, report.sentence.first(1).toUpper(), report.sentence.sliced(1), u"\n");
+}
+
 void putText(TextBuffer &out, const Report &report) {
+    putVerdict(out, report);
     putFindings(out, report);
     if (report.found.counts) putRows(out, report);
     if (report.found.comparison) putComparison(out, report);
+    if (!report.untouched.empty())
+        put(out, u"\ntouching no row: ", namesOf(report.untouched), u"\n");
 }
 
 QString shortNumber(double number) {
