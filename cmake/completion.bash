@@ -39,11 +39,11 @@ _scorewright_check() {
       compopt -o nospace 2>/dev/null ;;
     --sql) _scorewright_files "$word" xml ;;
     --canvas | --report) _scorewright_files "$word" html ;;
-    --rows | --scores | --compare) _scorewright_files "$word" csv ;;
+    --probe | --rows | --scores | --compare) _scorewright_files "$word" csv ;;
     --key | --score | --probability | --tolerance | --delimiter | --missing) ;;
     *)
       if [[ $word == -* ]]; then
-        _scorewright_words '--show --target --sql --canvas --rows --key --scores --compare --score --probability
+        _scorewright_words '--show --target --sql --canvas --probe --rows --key --scores --compare --score --probability
           --tolerance --json --report --delimiter --missing --help --version' "$word"
       else
         _scorewright_files "$word" ModelXml

@@ -169,11 +169,9 @@ void putCurve(TextBuffer &out, const Report &report) {
 // --- Recodings
 
 void putUnreached(TextBuffer &out, const Unreached &unreached) {
-    put(out, u"<article><h3>", unreachedTitle(unreached), u"</h3>\n<ul>\n");
-    for (const QString &line : unreachedLines(unreached)) {
-        put(out, u"<li>", escaped(line), u"</li>\n");
-    }
-    put(out, u"</ul></article>\n");
+    put(out, u"<article>", unreachedTitle(unreached));
+    for (const QString &line : unreachedLines(unreached)) put(out, u"<br>\n– ", escaped(line));
+    put(out, u"</article>\n");
 }
 
 void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &scale,
