@@ -66,8 +66,8 @@ void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
     tries.push_back({Trial::Between, between(last, last + margin(last))});
     std::erase_if(tries, [](const Try &cell) { return !std::isfinite(cell.number); });
     std::ranges::sort(tries, {}, [](const Try &a) { return std::pair(a.number, a.trial); });
-    const auto again = std::ranges::unique(tries, {}, &Try::number);
-    tries.erase(again.begin(), again.end());
+    const auto isAgain = [](const Try &a, const Try &b) { return a.number == b.number; };
+    tries.erase(std::unique(tries.begin(), tries.end(), isAgain), tries.end());
 }
 
 void addValues(std::vector<Try> &tries, TextTable<QStringView, bool> &listed,
@@ -138,11 +138,19 @@ std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries)
     std::ranges::stable_sort(levels, {}, [&](const Level &level) {
         return std::pair(level.points, !isPlain(tries[level.cell]));
     });
-    const auto again = std::ranges::unique(levels, {}, &Level::points);
-    levels.erase(again.begin(), again.end());
+    const auto isAgain = [](const Level &a, const Level &b) { return a.points == b.points; };
+    levels.erase(std::unique(levels.begin(), levels.end(), isAgain), levels.end());
     if (levels.empty()) levels.push_back({tries.size() - 1});
     return levels;
 }
+
+struct Probe {
+    const Scorecard &card;
+    std::vector<ProbeColumn> columns;
+    std::vector<std::size_t> order = {}; // of the columns: what can change the score most is first
+    OutputFile file = {.stream = {}, .encoding = OutputEncoding::Utf8};
+    std::int64_t rows = 0;
+};
 
 // One cell of each column.
 struct Choice {
@@ -152,14 +160,16 @@ struct Choice {
 
 using LevelsOf = std::vector<Level> ProbeColumn::*;
 
-// Cells whose score comes near to this one, but not above it. Columns that can change the score
-// most come first, so that the others fill up what is left.
-Choice choiceBelow(const Scorecard &card, std::span<const ProbeColumn> columns, LevelsOf levelsOf,
-                   std::span<const std::size_t> order, double score) {
-    Choice choice = {std::vector<std::size_t>(columns.size()), card.regression.constant};
-    for (const ProbeColumn &column : columns) choice.score += (column.*levelsOf).front().points;
-    for (const std::size_t i : order) {
-        const std::vector<Level> &levels = columns[i].*levelsOf;
+// Cells whose score comes near to this one, but not above it if there are such. The columns behind
+// fill up what those before them leave.
+Choice choiceBelow(const Probe &probe, LevelsOf levelsOf, double score) {
+    Choice choice = {std::vector<std::size_t>(probe.columns.size()),
+                     probe.card.regression.constant};
+    for (const ProbeColumn &column : probe.columns) {
+        choice.score += (column.*levelsOf).front().points;
+    }
+    for (const std::size_t i : probe.order) {
+        const std::vector<Level> &levels = probe.columns[i].*levelsOf;
         const double rest = choice.score - levels.front().points;
         auto above = std::ranges::upper_bound(levels, score - rest, {}, &Level::points);
         if (above != levels.begin()) --above;
@@ -169,51 +179,46 @@ Choice choiceBelow(const Scorecard &card, std::span<const ProbeColumn> columns, 
     return choice;
 }
 
-std::vector<std::size_t> orderOf(std::span<const ProbeColumn> columns) {
-    std::vector<std::size_t> order(columns.size());
-    std::iota(order.begin(), order.end(), std::size_t{0});
-    std::ranges::stable_sort(order, std::greater(), [&](std::size_t i) {
-        return columns[i].levels.back().points - columns[i].levels.front().points;
-    });
-    return order;
-}
-
-// A score where the probability changes with it: in the segment of the table that is nearest to the
-// middle of the probabilities. NaN if the table has none.
+// A score whose probability changes with it, with room on both sides: in the segment next to the
+// middle of the table. NaN if the table has none.
 double sensitiveScore(const Scorecard &card) {
     const std::span<const double> x = card.table.x;
     const std::span<const double> y = card.table.y;
     if (!card.table.exists) return card.isLogistic ? 0 : noNumber;
-    const double middle = (y.front() + y.back()) / 2;
-    double nearest = HUGE_VAL;
-    double score = noNumber;
+    const double middle = (x.front() + x.back()) / 2;
+    const auto distance = [&](double score) { return std::abs(score - middle); };
+    double nearest = noNumber;
     for (std::size_t i = 1; i < x.size(); ++i) {
-        const double distance = std::abs((y[i - 1] + y[i]) / 2 - middle);
-        if (x[i - 1] == x[i] || y[i - 1] == y[i] || !(distance < nearest)) continue;
-        nearest = distance;
-        score = (x[i - 1] + x[i]) / 2;
+        const double score = (x[i - 1] + x[i]) / 2;
+        if (x[i - 1] == x[i] || y[i - 1] == y[i] || distance(score) >= distance(nearest)) continue;
+        nearest = score;
     }
-    return score;
+    return nearest;
 }
 
-std::vector<ProbeColumn> columnsOf(const Scorecard &card) {
-    std::vector<ProbeColumn> columns(card.columns.size());
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        const std::vector<Try> &tries = columns[i].tries = triesOf(card, i);
-        std::vector<Level> levels = pointsOf(card, i, tries);
-        columns[i].levels = ranked(levels, tries);
-        std::erase_if(levels, [&](const Level &level) { return !isPlain(tries[level.cell]); });
-        columns[i].plain = ranked(std::move(levels), tries);
+Probe probeOf(const Scorecard &card) {
+    Probe probe = {card, std::vector<ProbeColumn>(card.columns.size())};
+    for (std::size_t i = 0; i < probe.columns.size(); ++i) {
+        ProbeColumn &column = probe.columns[i];
+        column.tries = triesOf(card, i);
+        std::vector<Level> levels = pointsOf(card, i, column.tries);
+        column.levels = ranked(levels, column.tries);
+        std::erase_if(levels,
+                      [&](const Level &level) { return !isPlain(column.tries[level.cell]); });
+        column.plain = ranked(std::move(levels), column.tries);
+        probe.order.push_back(i);
     }
-    const std::vector<std::size_t> order = orderOf(columns);
+    std::ranges::stable_sort(probe.order, std::greater(), [&](std::size_t i) {
+        return probe.columns[i].levels.back().points - probe.columns[i].levels.front().points;
+    });
     const auto choose = [&](double score) {
-        return choiceBelow(card, columns, &ProbeColumn::plain, order, score);
+        return choiceBelow(probe, &ProbeColumn::plain, score);
     };
     double score = sensitiveScore(card);
     if (std::isnan(score)) score = (choose(-HUGE_VAL).score + choose(HUGE_VAL).score) / 2;
     const Choice usual = choose(score);
-    for (std::size_t i = 0; i < columns.size(); ++i) columns[i].usual = usual.cells[i];
-    return columns;
+    for (std::size_t i = 0; i < usual.cells.size(); ++i) probe.columns[i].usual = usual.cells[i];
+    return probe;
 }
 
 // Where the table has the score: how many of its points are not below. 0 for all scores of a table
@@ -255,38 +260,37 @@ QString shortened(QStringView text) {
     return shown;
 }
 
-QString trialText(QStringView field, const Try &cell) {
+QString trialText(const QString &field, const Try &cell) {
     const QString name = shortened(field);
     switch (cell.trial) {
     case Trial::Code:
-        return u"%1 = %2, a missing code"_s.arg(name, digitsOf(cell.number));
+        return name + u" = "_s + digitsOf(cell.number) + u", a missing code"_s;
     case Trial::Bound:
-        return u"%1 at the bound %2"_s.arg(name, numberText(cell.bound));
+        return name + u" at the bound "_s + numberText(cell.bound);
     case Trial::Below:
-        return u"%1 just below %2"_s.arg(name, numberText(cell.bound));
+        return name + u" just below "_s + numberText(cell.bound);
     case Trial::Above:
-        return u"%1 just above %2"_s.arg(name, numberText(cell.bound));
+        return name + u" just above "_s + numberText(cell.bound);
     case Trial::Between:
-        return u"%1 = %2"_s.arg(name, digitsOf(cell.number));
+        return name + u" = "_s + digitsOf(cell.number);
     case Trial::Value:
-        return u"%1 = '%2'"_s.arg(name, shortened(cell.value));
+        return name + u" = '"_s + shortened(cell.value) + u'\'';
     case Trial::Unlisted:
-        return u"%1 = '%2', which is not listed"_s.arg(name, cell.value);
+        return name + u" = '"_s + cell.value.toString() + u"', which is not listed"_s;
     case Trial::Empty:
         break;
     }
-    return u"%1 empty"_s.arg(name);
+    return name + u" empty"_s;
 }
 
 QString scoreText(const Scorecard &card, double score) {
     const std::span<const double> x = card.table.x;
-    QString text = u"a score of about %1"_s.arg(QString::number(score, 'g', 4));
+    const QString text = u"a score of about %1"_s.arg(QString::number(score, 'g', 4));
     if (x.empty() || !card.isFalling) return text;
     const std::size_t at = segmentOf(card, score);
-    const QString above = numberText(x[at < x.size() ? at : x.size() - 1]);
     if (at == 0) return text + u", above the table"_s;
     if (at == x.size()) return text + u", below the table"_s;
-    return text + u", from %1 to %2 in the table"_s.arg(above, numberText(x[at - 1]));
+    return text + u", from %1 to %2 in the table"_s.arg(numberText(x[at]), numberText(x[at - 1]));
 }
 
 // --- The file
@@ -310,63 +314,50 @@ QString freeTitle(const Scorecard &card, QString title) {
     return title;
 }
 
-struct ProbeFile {
-    const Scorecard &card;
-    OutputFile file;
-    std::int64_t rows = 0;
-};
-
-// cellAt(i) is the cell of column i.
+// cellAt(i) is the cell of column i, as its position among the tries.
 template <typename CellAt>
-void putRow(ProbeFile &out, const CellAt &cellAt, const QString &text) {
-    QString row = QString::number(++out.rows);
-    for (std::size_t i = 0; i < out.card.columns.size(); ++i) {
-        row += u',';
-        row += csvCell(textOf(cellAt(i)));
+void putRow(Probe &probe, const CellAt &cellAt, const QString &text) {
+    QString row = QString::number(++probe.rows);
+    for (std::size_t i = 0; i < probe.columns.size(); ++i) {
+        row += u',' + csvCell(textOf(probe.columns[i].tries[cellAt(i)]));
     }
-    writeText(out.file, row + u',' + csvCell(text) + u'\n');
+    writeText(probe.file, row + u',' + csvCell(text) + u'\n');
 }
 
 // Row k tries the cell k of each column of the group.
-void putGroup(ProbeFile &out, std::span<const ProbeColumn> columns,
-              std::span<const std::size_t> group) {
+void putGroup(Probe &probe, std::span<const std::size_t> group) {
     constexpr qsizetype mostNamed = 8;
-    std::vector<bool> isTried(columns.size());
-    for (const std::size_t i : group) isTried[i] = true;
+    std::vector<std::size_t> tries(probe.columns.size()); // of the columns of the group
+    for (const std::size_t i : group) tries[i] = probe.columns[i].tries.size();
     for (std::size_t k = 0;; ++k) {
         QStringList texts;
         qsizetype tried = 0;
         for (const std::size_t i : group) {
-            if (k >= columns[i].tries.size() || tried++ >= mostNamed) continue;
-            texts.append(trialText(out.card.columns[i], columns[i].tries[k]));
+            if (k >= tries[i] || tried++ >= mostNamed) continue;
+            texts.append(trialText(probe.card.columns[i], probe.columns[i].tries[k]));
         }
         if (tried == 0) return;
         if (tried > mostNamed) texts.append(u"and %1 columns more"_s.arg(tried - mostNamed));
         const auto cellAt = [&](std::size_t i) {
-            const bool isOfRow = isTried[i] && k < columns[i].tries.size();
-            return columns[i].tries[isOfRow ? k : columns[i].usual];
+            return k < tries[i] ? k : probe.columns[i].usual;
         };
-        putRow(out, cellAt, texts.join(u"; "_s));
+        putRow(probe, cellAt, texts.join(u"; "_s));
     }
 }
 
 // Rows from the least score to the highest, one in each segment of the table that they can reach.
-void putPath(ProbeFile &out, std::span<const ProbeColumn> columns, std::size_t most) {
-    const std::vector<std::size_t> order = orderOf(columns);
-    const auto choose = [&](LevelsOf levels, double score) {
-        return choiceBelow(out.card, columns, levels, order, score);
-    };
+void putPath(Probe &probe, std::size_t most) {
     const auto put = [&](const Choice &choice) {
-        const auto cellAt = [&](std::size_t i) { return columns[i].tries[choice.cells[i]]; };
-        putRow(out, cellAt, scoreText(out.card, choice.score));
+        const auto cellAt = [&](std::size_t i) { return choice.cells[i]; };
+        putRow(probe, cellAt, scoreText(probe.card, choice.score));
     };
-    const Choice lowest = choose(&ProbeColumn::levels, -HUGE_VAL);
-    const Choice highest = choose(&ProbeColumn::levels, HUGE_VAL);
+    const Choice lowest = choiceBelow(probe, &ProbeColumn::levels, -HUGE_VAL);
+    const Choice highest = choiceBelow(probe, &ProbeColumn::levels, HUGE_VAL);
     put(lowest);
-    for (const double score : scoresBetween(out.card, lowest.score, highest.score, most)) {
+    for (const double score : scoresBetween(probe.card, lowest.score, highest.score, most)) {
         for (const LevelsOf levels : {&ProbeColumn::plain, &ProbeColumn::levels}) {
-            const Choice choice = choose(levels, score);
-            if (segmentOf(out.card, choice.score) != segmentOf(out.card, score)) continue;
+            const Choice choice = choiceBelow(probe, levels, score);
+            if (segmentOf(probe.card, choice.score) != segmentOf(probe.card, score)) continue;
             put(choice);
             break;
         }
@@ -374,10 +365,10 @@ void putPath(ProbeFile &out, std::span<const ProbeColumn> columns, std::size_t m
     put(highest);
 }
 
-void putRows(ProbeFile &out, std::span<const ProbeColumn> columns) {
-    constexpr std::size_t mostCells = 1 << 20; // of one column in a row
-    const auto sizeOf = [&](std::size_t i) { return columns[i].tries.size(); };
-    std::vector<std::size_t> order(columns.size());
+void putRows(Probe &probe) {
+    constexpr std::size_t mostCells = 1 << 20; // of rows that try one column each
+    const auto sizeOf = [&](std::size_t i) { return probe.columns[i].tries.size(); };
+    std::vector<std::size_t> order(probe.columns.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::size_t total = 0;
     std::size_t longest = 0;
@@ -390,9 +381,9 @@ void putRows(ProbeFile &out, std::span<const ProbeColumn> columns) {
     if (together > 1) std::ranges::stable_sort(order, {}, sizeOf);
     for (std::size_t i = 0; i < order.size(); i += together) {
         const std::size_t size = std::min(together, order.size() - i);
-        putGroup(out, columns, std::span(order).subspan(i, size));
+        putGroup(probe, std::span(order).subspan(i, size));
     }
-    putPath(out, columns, std::max(longest, mostCells / std::max<std::size_t>(order.size(), 1)));
+    putPath(probe, std::max(longest, mostCells / std::max<std::size_t>(order.size(), 1)));
 }
 
 } // namespace
@@ -414,7 +405,7 @@ std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
     }
     if (hasNumbers) addNumbers(tries, codes, std::move(bounds));
     tries.insert(tries.end(), values.begin(), values.end());
-    constexpr QStringView unlisted = u"unlisted________";
+    const QStringView unlisted = u"unlisted________";
     for (qsizetype size = 8; hasValues && size <= unlisted.size(); ++size) {
         if (listed.contains(unlisted.first(size))) continue;
         tries.push_back({.trial = Trial::Unlisted, .value = unlisted.first(size)});
@@ -441,13 +432,12 @@ std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::si
 }
 
 QString writeProbe(const Scorecard &card, const QString &fileName) {
-    const std::vector<ProbeColumn> columns = columnsOf(card);
-    ProbeFile out = {card, {.stream = {}, .encoding = OutputEncoding::Utf8}};
-    out.file.stream.reset(openFile(fileName, FileUse::Write));
-    if (!out.file.stream) return u"Cannot open file '%1' for writing."_s.arg(fileName);
+    Probe probe = probeOf(card);
+    probe.file.stream.reset(openFile(fileName, FileUse::Write));
+    if (!probe.file.stream) return u"Cannot open file '%1' for writing."_s.arg(fileName);
     QString titles = freeTitle(card, u"probe"_s);
     for (const QString &column : card.columns) titles += u',' + csvCell(column);
-    writeText(out.file, titles + u',' + freeTitle(card, u"tries"_s) + u'\n');
-    putRows(out, columns);
-    return isClosed(out.file) ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
+    writeText(probe.file, titles + u',' + freeTitle(card, u"tries"_s) + u'\n');
+    putRows(probe);
+    return isClosed(probe.file) ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
 }

@@ -1,6 +1,7 @@
 // All fuzz targets. A program of them runs one, whose name it is compiled with as FUZZ_TARGET.
 #include "check/inspection/inspection.h"
 #include "check/reports/report.h"
+#include "check/rows/probe.h"
 #include "exporters/html/html_exporter.h"
 #include "exporters/python/python_exporter.h"
 #include "exporters/sas/sas_exporter.h"
@@ -161,6 +162,7 @@ struct Choices {
     bool hasProbability() const { return (columns & 4) != 0; }
     bool hasTitles() const { return (columns & 8) != 0; } // the input, else they are put before it
     bool comparesItself() const { return (columns & 16) != 0; }
+    bool triesEverything() const { return (columns & 32) != 0; }
 };
 
 std::string titled(std::span<const QString> titles, std::string_view lines, bool hasTitles) {
@@ -221,6 +223,19 @@ void compareItself(const Scorecard &card, RowOptions options) {
     require(compared.equal == counts.rows);
 }
 
+// The rows that try everything reach all that can be reached. Titles that are no Unicode are not
+// found again.
+void tryEverything(const Scorecard &card, RowOptions options) {
+    options.file = fileOf({}, 1);
+    require(writeProbe(card, options.file).isEmpty());
+    std::vector<Finding> none;
+    RowCounts counts;
+    ComparisonResult compared;
+    if (!scoreRows(card, none, options, counts, compared).isEmpty()) return;
+    const Found found = {.counts = &counts, .options = &options};
+    require(buildReport(card, found, false).unreached.places.isEmpty());
+}
+
 // The input holds choices, a model where it is chosen, rows and results.
 void check(Input input) {
     Choices choices;
@@ -253,6 +268,7 @@ void check(Input input) {
     titles = {options.key, options.score, options.probability};
     std::erase(titles, QString());
     options.results = fileOf(bytesOf(titled(titles, takeSection(input), choices.hasTitles())), 2);
+    if (choices.triesEverything()) return tryEverything(card, {.target = options.target});
     if (choices.comparesItself()) return compareItself(card, options);
     if (!options.hasScore() && !options.hasProbability()) options.results.clear();
 
