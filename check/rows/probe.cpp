@@ -337,7 +337,7 @@ void putGroup(Probe &probe, std::span<const std::size_t> group) {
             texts.append(trialText(probe.card.columns[i], probe.columns[i].tries[k]));
         }
         if (tried == 0) return;
-        if (tried > mostNamed) texts.append(u"and %1 columns more"_s.arg(tried - mostNamed));
+        if (tried > mostNamed) texts.append(u"and %1 more"_s.arg(tried - mostNamed));
         const auto cellAt = [&](std::size_t i) {
             return k < tries[i] ? k : probe.columns[i].usual;
         };
