@@ -108,6 +108,8 @@ constexpr Option options[] = {
      u"file", u"rows", RequiredInput},
     {u"score", u"The column of scores there.", set<&RowOptions::score>, u"column", u"compare"},
     {u"probability", u"The column of probabilities there.", set<&RowOptions::probability>, u"column", u"compare"},
+    {u"differences", u"Write the rows that are not as the model says to this CSV file.", set<&RowOptions::differences>,
+     u"file", u"compare", Output},
     {u"tolerance", u"What numbers may differ by; 1e-9.", setTolerance, u"number", u"compare"},
     {u"accept", u"Findings that are known, and count for nothing. May be given several times.", setAccepted, u"list", {}, None, true},
     {u"quiet", u"Print the verdict alone.", set<&Request::isQuiet>, {}, {}, None, true},
