@@ -33,7 +33,7 @@ constexpr FindingKind kinds[] = {
      u"SAS, Excel VBA and Python do not score the recoding; SQL and HTML refuse the document.",
      u"Give it the coefficient 0, or leave it out.", u"manual.md"},
     {CoefficientWithoutRecoding, u"coefficient-without-recoding", all, vba | python, uncounted,
-     u"SAS and SQL refuse the document; in Excel VBA and Python it multiplies the next term; HTML leaves it out.",
+     u"SAS refuses the document; in Excel VBA and Python it multiplies the next term; SQL and HTML leave it out.",
      u"Leave the coefficient out.", u"manual.md"},
     {EqualCoefficients, u"equal-coefficients", sql | html, sql | html, uncounted,
      u"Several coefficients have one number: SQL takes the last and HTML the first; all others add them.",
