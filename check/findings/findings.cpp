@@ -51,7 +51,7 @@ constexpr FindingKind kinds[] = {
      u"A text has tabs, no-break spaces or the like around it. SAS, SQL and Excel VBA remove spaces only; Python removes no-break spaces too.",
      u"Remove them from the data.", u"manual.md"},
     {NanCell, u"nan-cell", sql | vba | html, sql | vba | html, required,
-     u"A numeric cell holds NaN or an infinity. For the model NaN is missing; PostgreSQL takes it as above all bounds, HTML takes both so, and Excel VBA takes both as missing.",
+     u"A numeric cell holds NaN or an infinity. For the model NaN is missing; PostgreSQL and DuckDB take it as above all bounds, HTML takes both so, and Excel VBA takes both as missing.",
      u"Turn such cells into missing values before the row is scored.", u"manual.md"},
     {NotListed, u"not-listed", all, none, required,
      u"A text is not in the list of its column. It gets the score of unlisted and missing values.",
