@@ -15,7 +15,7 @@ import engines
 from engines import CheckedTest
 import score as scorer
 from sql_program import configuration
-from support import CODES, EXAMPLES, NO_YES, TABLE, boolean, categorical, document, model, numeric
+from support import CODES, EXAMPLES, NO_YES, TABLE, boolean, categorical, document, doubles, model, numeric
 
 CREDIT = EXAMPLES / "credit" / "credit.ModelXml"
 APPLICANTS = EXAMPLES / "credit" / "applicants.csv"
@@ -131,6 +131,7 @@ class ScoresAndFindingsTest(CheckedTest):
         (self.folder / "link.csv").symlink_to("good.csv")
         self.write("twins.ModelXml", model(None, categorical(2, " n", ["a"], [0, 1])))
         self.write("short.ModelXml", model(numeric(1, "n", [1, 2], [0, 1])))
+        self.write("early.ModelXml", model().replace(doubles([0, 1, 2]), doubles([0]) + doubles([1, 2])))  # of two recodings
         compare = ["--rows", "rows.csv", "--compare", "rows.csv"]
         good = ["m.ModelXml", "--rows", "good.csv"]
         scored = [*good, "--compare", "good.csv", "--target", "sql", "--score", "n"]
@@ -168,6 +169,7 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "The model has no probability; use --score.", ["m.ModelXml", *compare, "--target", "sql", "--probability", "n"]),
             (8, "Cannot convert model 'none': Error: File not found.", ["none"]),
             (8, "Cannot convert model 'short.ModelXml': model 'V1' (field 'n'): array 'y' has 2 values, 4 needed.", ["short.ModelXml"]),
+            (8, "Cannot convert model 'early.ModelXml': model 'V1' (field 'n'): array 'y' ends early: 1 of 4 numbers.", ["early.ModelXml"]),
             (8, "XML Parsing error inside file 'm.ModelXml'.", ["m.ModelXml", "--sql", "m.ModelXml"]),
         ]:
             with self.subTest(arguments):
