@@ -1,6 +1,7 @@
 #include "app/check_options.h"
 
 #include "check/findings/nearest_name.h"
+#include "platform/platform.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <filesystem>
 #include <type_traits>
 
 using namespace Qt::Literals::StringLiterals;
@@ -109,6 +109,8 @@ constexpr Option options[] = {
      u"file", u"rows", RequiredInput},
     {u"score", u"The column of scores there.", set<&RowOptions::score>, u"column", u"compare"},
     {u"probability", u"The column of probabilities there.", set<&RowOptions::probability>, u"column", u"compare"},
+    {u"differences", u"Write the rows that are not as the model says to this CSV file.", set<&RowOptions::differences>,
+     u"file", u"compare", Output},
     {u"tolerance", u"What numbers may differ by; 1e-9.", setTolerance, u"number", u"compare"},
     {u"accept", u"Findings that are known, and count for nothing. May be given several times.", setAccepted, u"list", {}, None, true},
     {u"quiet", u"Print the verdict alone.", set<&Request::isQuiet>, {}, {}, None, true},
@@ -149,14 +151,10 @@ QString checkComparison(Request &request) {
 }
 
 // Whether two names are of one regular file, which need not exist yet.
-bool isSameFile(const QString &a, const QString &b) {
+bool willBeSameFile(const QString &a, const QString &b) {
     const QFileInfo one(a);
     const QFileInfo other(b);
-    if (one.exists() || other.exists()) {
-        std::error_code problem; // one of them does not exist
-        return one.isFile() && std::filesystem::equivalent(one.filesystemFilePath(),
-                                                           other.filesystemFilePath(), problem);
-    }
+    if (one.exists() || other.exists()) return isSameFile(a, b);
     return one.fileName() == other.fileName() &&
            QDir(one.absolutePath()).canonicalPath() == QDir(other.absolutePath()).canonicalPath();
 }
@@ -164,7 +162,7 @@ bool isSameFile(const QString &a, const QString &b) {
 // Finds an output that would overwrite an input or another output.
 QString findOverwritten(QStringList others, const QStringList &outputs) {
     for (const QString &output : outputs) {
-        const auto isSame = [&](const QString &other) { return isSameFile(output, other); };
+        const auto isSame = [&](const QString &other) { return willBeSameFile(output, other); };
         if (std::ranges::any_of(others, isSame)) {
             return u"File '%1' would be written over."_s.arg(output);
         }

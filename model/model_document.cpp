@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 using namespace Qt::Literals::StringLiterals;
@@ -15,12 +16,27 @@ static_assert(std::endian::native == std::endian::little, "arrays are copied as 
 
 namespace {
 
+// Zeros instead of the numbers behind padding would silently change the model.
+void requireWhole(ModelDocument &document, const XmlNode &owner, QStringView array,
+                  std::size_t whole, std::size_t promised) {
+    if (whole >= promised) return;
+    const QString problem = u"%1: array '%2' ends early: %3 of %4 numbers"_s;
+    noteProblem(document, problem.arg(describe(owner), array, QString::number(whole),
+                                      QString::number(promised)));
+}
+
 // The whole numbers of an array. Bytes behind the last of them are ignored.
 template <typename Number>
-std::vector<Number> decodeArray(ModelDocument &document, QStringView text) {
+std::vector<Number> decodeArray(ModelDocument &document, const XmlNode &owner, QStringView array) {
+    const XmlNode node = owner.childNode(array);
     qsizetype size = 0;
-    const unsigned char *const bytes = base64Decode(document.decoder, text, &size);
+    XmlError warning = XmlError::NoError;
+    const unsigned char *const bytes = base64Decode(document.decoder, node.text(), &size, &warning);
     const std::size_t count = bytes ? static_cast<std::size_t>(size) / sizeof(Number) : 0;
+    if (warning == XmlError::Base64Truncated) {
+        const auto whole = static_cast<std::size_t>(base64BytesBeforePadding(node.text()));
+        requireWhole(document, owner, array, whole / sizeof(Number), count);
+    }
     std::vector<Number> values(count);
     if (count > 0) std::memcpy(values.data(), bytes, count * sizeof(Number));
     return values;
@@ -33,9 +49,13 @@ XmlNode rootElement(const XmlNode &parsed, QStringView name) {
     return root.isEmpty() && equalsIgnoringCase(parsed.name(), name) ? parsed : root;
 }
 
-ModelDocument loadModel(const QString &fileName) {
+ModelDocument loadModel(const QString &fileName, const QString &outputFile) {
     ModelDocument document;
     document.fileName = fileName;
+    if (isSameFile(fileName, outputFile)) {
+        document.problem = u"the output would overwrite it"_s;
+        return document;
+    }
     XmlParseResult &result = document.reading;
     const XmlNode top = XmlNode::parseFile(fileName, {}, &result);
     if (top.isEmpty()) {
@@ -79,6 +99,14 @@ int reportProblem(const QString &fileName, const QString &problem) {
     return exitUnusableModel;
 }
 
+std::span<const double> decodeNumbers(ModelDocument &document, const XmlNode &owner,
+                                      QStringView array) {
+    std::size_t whole = SIZE_MAX;
+    const std::span numbers = owner.childNode(array).decodeNumbers(document.decoder, &whole);
+    requireWhole(document, owner, array, whole, numbers.size());
+    return numbers;
+}
+
 void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                     std::size_t count, std::size_t needed) {
     if (count >= needed) return;
@@ -89,10 +117,9 @@ void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView a
 
 std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                                 std::size_t needed) {
-    const XmlNode node = owner.childNode(array);
-    std::vector<double> values = decodeArray<double>(document, node.text());
+    std::vector<double> values = decodeArray<double>(document, owner, array);
     if (values.empty()) { // or they stand in the place of their text already
-        const std::span<const double> decoded = node.decodeNumbers(document.decoder);
+        const std::span<const double> decoded = decodeNumbers(document, owner, array);
         values.assign(decoded.begin(), decoded.end());
     }
     requireNumbers(document, owner, array, values.size(), needed);
@@ -101,7 +128,7 @@ std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, Q
 }
 
 std::vector<int> readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array) {
-    return decodeArray<int>(document, owner.childNode(array).text());
+    return decodeArray<int>(document, owner, array);
 }
 
 QString cleanName(QStringView text, QStringView replaced) {

@@ -25,9 +25,9 @@ struct ModelDocument {
 // returns that element itself instead of one that contains it.
 XmlNode rootElement(const XmlNode &parsed, QStringView name);
 
-// Loads a model document. If the file cannot be read or parsed, or has no element "QRV_Model", the
-// root is empty and the problem says why.
-ModelDocument loadModel(const QString &fileName);
+// Loads a model document. If the file cannot be read or parsed, has no element "QRV_Model" or is
+// `outputFile` itself, the root is empty and the problem says why.
+ModelDocument loadModel(const QString &fileName, const QString &outputFile = {});
 
 // Estimated size of an output of this document, in UTF-16 units; seldom exceeded.
 qsizetype expectedOutput(const ModelDocument &document);
@@ -53,12 +53,18 @@ QStringView modelVersion(const ModelDocument &document);
 // --- Arrays
 
 // The 64-bit numbers of the child `array` of `owner`; none if it is absent. Fewer than `needed` are
-// a problem, and zeros are appended. Not for the arrays of a Variable, whose text is gone.
+// a problem, and zeros are appended; so is a text that ends early. Not for the arrays of a
+// Variable, whose text is gone.
 std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                                 std::size_t needed);
 
 // The same for 32-bit integers; an array of any length is acceptable.
 std::vector<int> readIntegers(ModelDocument &document, const XmlNode &owner, QStringView array);
+
+// The 64-bit numbers of the child `array` of `owner`, which take the place of its text; none if it
+// is absent. A text that ends early is a problem.
+std::span<const double> decodeNumbers(ModelDocument &document, const XmlNode &owner,
+                                      QStringView array);
 
 // Notes a problem if the child `array` of `owner` has fewer numbers than needed.
 void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,

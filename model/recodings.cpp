@@ -79,8 +79,8 @@ void readVariable(ModelDocument &document, const XmlNode &node, Variable &variab
     variable.number = variable.name.size() > 1 ? xmlToInt(variable.name.sliced(1), -1) : -1;
     variable.isCategorical = variable.type == u"MapValues";
     variable.isBoolean = variable.isCategorical && node.attribute(u"tname") == u"bb64";
-    variable.x = node.childNode(u"x").decodeNumbers(document.decoder);
-    variable.y = node.childNode(u"y").decodeNumbers(document.decoder);
+    variable.x = decodeNumbers(document, node, u"x");
+    variable.y = decodeNumbers(document, node, u"y");
     if (variable.isCategorical) variable.values = readValues(node.childNode(u"Modalities"));
 }
 

@@ -26,7 +26,7 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
 // The name of the recoding that a term multiplies; empty if the term has no variable.
 QStringView recodingName(std::span<const Variable> variables, const RegressionTerm &term);
 
-// Notes a problem if a term has no variable.
+// Notes a problem if a term has no variable; for targets that would not run without its name.
 void requireVariables(ModelDocument &document, const Regression &regression);
 
 // The coefficient of each variable: that of the last term with the variable's number. Notes a

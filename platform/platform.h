@@ -11,9 +11,12 @@
 
 enum class FileUse { Read, Write };
 // Opens a file for reading, or creates or empties it for writing; null if it cannot be opened. Only
-// regular files and character devices can be opened for reading. Bytes are not translated, line
-// ends included.
+// regular files, character devices and, on Linux, pipes with content can be opened for reading; a
+// pipe is read to its end at once. Bytes are not translated, line ends included.
 std::FILE *openFile(const QString &fileName, FileUse use);
+
+// Whether both names are of one regular file, however they are written or linked.
+bool isSameFile(const QString &a, const QString &b);
 
 // The size in bytes of a file that was opened for reading; 0 for a device.
 std::int64_t fileSize(std::FILE *file);

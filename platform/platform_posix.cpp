@@ -4,12 +4,49 @@
 
 #include <QStringEncoder>
 
+#include <array>
+#include <cerrno>
 #include <cstdlib>
 
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+namespace {
+
+// Writes all bytes; false on an error.
+bool writeWhole(int file, QByteArrayView bytes) {
+    while (!bytes.isEmpty()) {
+        const ssize_t written = write(file, bytes.data(), static_cast<std::size_t>(bytes.size()));
+        if (written < 0) return false;
+        bytes = bytes.sliced(written);
+    }
+    return true;
+}
+
+// Copies a pipe to a file in memory, which has a size, and closes the pipe. The first read does not
+// block, because it waits forever if no process ever opens the other end; the reads after it wait
+// for the writer. Returns -1 if there is nothing to read.
+int readPipe(int pipe) {
+    const int file = memfd_create("pipe", MFD_CLOEXEC);
+    std::array<char, 1 << 16> buffer{};
+    ssize_t size = read(pipe, buffer.data(), buffer.size());
+    const bool hasWriter = size < 0 && errno == EAGAIN;
+    fcntl(pipe, F_SETFL, fcntl(pipe, F_GETFL) & ~O_NONBLOCK);
+    if (hasWriter) size = read(pipe, buffer.data(), buffer.size());
+    bool isCopied = file >= 0 && size > 0;
+    while (isCopied && size > 0) {
+        isCopied = writeWhole(file, {buffer.data(), size});
+        size = read(pipe, buffer.data(), buffer.size());
+    }
+    close(pipe);
+    if (isCopied && size == 0 && lseek(file, 0, SEEK_SET) == 0) return file;
+    if (file >= 0) close(file);
+    return -1;
+}
+
+} // namespace
 
 // Never blocks: a pipe without a process at its other end cannot be opened.
 std::FILE *openFile(const QString &fileName, FileUse use) {
@@ -18,10 +55,14 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
         return nullptr; // half a surrogate pair would name another file
     const bool isInput = use == FileUse::Read;
     const int flags = isInput ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
-    const int file = open(path.constData(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
-    if (file < 0) return nullptr;
+    int file = open(path.constData(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
     struct stat status {};
-    const bool isKnown = fstat(file, &status) == 0;
+    bool isKnown = file >= 0 && fstat(file, &status) == 0;
+    if (isKnown && isInput && S_ISFIFO(status.st_mode)) {
+        file = readPipe(file);
+        isKnown = file >= 0 && fstat(file, &status) == 0;
+    }
+    if (file < 0) return nullptr;
     std::FILE *stream = nullptr;
     if (isKnown && (!isInput || S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))) {
         fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
@@ -31,6 +72,13 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
     }
     if (!stream) close(file);
     return stream;
+}
+
+bool isSameFile(const QString &a, const QString &b) {
+    struct stat one {};
+    struct stat other {};
+    return stat(a.toUtf8().constData(), &one) == 0 && stat(b.toUtf8().constData(), &other) == 0 &&
+           S_ISREG(one.st_mode) && one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 std::int64_t fileSize(std::FILE *file) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
 
 #include <io.h>
 #include <windows.h>
@@ -37,6 +38,13 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
     if (GetFileType(handle) != FILE_TYPE_PIPE) return file;
     std::fclose(file);
     return nullptr;
+}
+
+bool isSameFile(const QString &a, const QString &b) {
+    const std::filesystem::path one(a.toStdWString());
+    std::error_code problem; // a file that does not exist is no other
+    return std::filesystem::is_regular_file(one, problem) &&
+           std::filesystem::equivalent(one, b.toStdWString(), problem);
 }
 
 std::int64_t fileSize(std::FILE *file) {

@@ -34,13 +34,14 @@ class ProgramTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
 
-    def run_program(self, *arguments, memory=None, limit=None):
-        """The exit status and what was printed after the banner. The program calls `limit` before it starts. It fails
-        when it asks for more bytes of memory, but not under the address sanitizer or wine, which reserve more than any
-        limit allows."""
+    def run_program(self, *arguments, memory=None, limit=None, stdin=None):
+        """The exit status and what was printed after the banner. `stdin` goes through a pipe. The program calls `limit`
+        before it starts. It fails when it asks for more bytes of memory, but not under the address sanitizer or wine, which
+        reserve more than any limit allows."""
         if memory is not None and not FOR_WINDOWS and b"__asan_init" not in Path(PROGRAM).read_bytes():
             limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (memory, memory))  # noqa: E731
-        run = subprocess.run([PROGRAM, *arguments], cwd=self.folder, capture_output=True, timeout=120, preexec_fn=limit)
+        run = subprocess.run([PROGRAM, *arguments], cwd=self.folder, capture_output=True, timeout=120, preexec_fn=limit,
+                             input=stdin)
         self.assertEqual(run.stderr, b"")
         text = run.stdout.decode("utf-8")
         self.assertTrue(text.startswith(BANNER), text)

@@ -97,6 +97,11 @@ class BrowserTest(CheckedTest):
 
     def test_example_rows(self):
         self.open(self.write("m", CREDIT.text), OWN_CANVAS)
+        # Nothing is known at first, and a slider reaches the values above the last bound.
+        row = dict.fromkeys(CREDIT.rows[0], "")
+        for row["Time"], key in [("", Keys.SHIFT), ("55", Keys.END), ("17", Keys.HOME)]:
+            self.find("#range_m0_V3").send_keys(key)
+            self.assertEqual(self.find("#m0_total_proba").text, f"{100 * CREDIT.model.prediction(row):.3f}")
         self.assert_shown([("m", CREDIT.model, {"lowest-nan": lowest(CREDIT.model, CREDIT.rows)})], CREDIT.rows, 240)
         self.open(CLAIMS.path, CLAIMS.path.with_name("canvas.html"))
         codes = {v.field: v.missing for v in CLAIMS.model.variables if not v.categorical}
@@ -137,7 +142,7 @@ class BrowserTest(CheckedTest):
     def test_a_visitor_works_the_controls(self):
         """With mouse and keyboard, so the controls can be seen and reached."""
         row = {**CREDIT.rows[0], "Age": "", "Marital": "", "Time": "60", "Income": "72.5", "Amount": "1000"}
-        for canvas in ["", OWN_CANVAS]:
+        for canvas, highest in [("", "54"), (OWN_CANVAS, "55")]:
             self.open(CREDIT.path, canvas)
             for name, text, _ in answers([CREDIT.model], row):
                 control = self.find(f"[name={name}]" if text is not None else f"[name=unkown_{name}]")
@@ -146,17 +151,17 @@ class BrowserTest(CheckedTest):
                 elif control.get_attribute("type") == "radio":
                     self.find(f"[name={name}][value='{text}']").click()
                 elif text is None:
-                    control.click()
+                    if canvas == "":  # else it is unknown already
+                        control.click()
                 else:
-                    control.clear()
-                    control.send_keys(text)
+                    control.send_keys(Keys.CONTROL, "a", Keys.NULL, text or Keys.BACKSPACE)
             self.find("#range_m0_V12").send_keys(Keys.ARROW_RIGHT)
             self.assertAlmostEqual(float(self.find("#m0_total_proba").text),
                                    100 * CREDIT.model.prediction({**row, "Amount": "1001"}), delta=0.00051)
             # A slider goes as far as its range and in whole steps, and the field keeps what was typed.
             parts = ["range_m0_V3", "value_m0_V3", "range_m0_V9", "value_m0_V9", "value_m0_V12"]
             self.assertEqual([self.find("#" + part).get_property("value") for part in parts],
-                             ["54", "60", "73", "72.5", "1001"])
+                             [highest, "60", "73", "72.5", "1001"])
 
     def test_pages_that_show_an_error(self):
         plain = CANVAS.replace("[QRV_DYN_SCALE]", "")

@@ -3,7 +3,7 @@
 import os
 import unittest
 
-from support import DOCUMENTS, ProgramTest, categorical, document, not_on_windows, numeric
+from support import DOCUMENTS, ProgramTest, categorical, document, doubles, integers, not_on_windows, numeric
 
 USAGE = """USAGE:
 to SAS   : scorewright -a <.ModelXml file> <SAS script file>
@@ -71,6 +71,13 @@ class ProgramLineTest(ProgramTest):
             good.replace("<y>", "<y>*").replace("<y>*", "<y>", 1):
                 "ProbabilityMapping: array 'y' has 0 values, 2 needed.\n",
             document([model], [(3, 1)], 0, table=[]): "ProbabilityMapping: array 'x' has 0 values, 1 needed.\n",
+            # Padding in the middle ends a text.
+            good.replace(doubles([1, 2]), doubles([1]) + doubles([2])):
+                "model 'V3' (field 'the field'): array 'x' ends early: 1 of 2 numbers.\n",
+            good.replace(doubles([1, 0]), "\n" + doubles([1]) + doubles([0, 0]) + " ", 1):
+                "RegressionModel: array 'betas' ends early: 1 of 3 numbers.\n",
+            good.replace(integers([3]), integers([3]) + integers([3]), 1):
+                "RegressionModel: array 'indexes' ends early: 1 of 2 numbers.\n",
         }
         self.write("out", "as it was")
         os.mkfifo(self.folder / "pipe")
@@ -84,9 +91,46 @@ class ProgramLineTest(ProgramTest):
                     status, printed = self.run_program(option, name, "out")
                     self.assertEqual((status, printed.count("\n")), (8, 1))
                     self.assertTrue(printed.startswith(f"Cannot convert model '{name}': {problem}"), printed)
+        # Blanks behind the padding are no reason, though they make the text look longer than it is.
+        self.convert("-a", good.replace("=</", "=\n</"), "spaced")
         # The unusable document is told even where the output could not be written.
         self.assertEqual(self.run_program("-a", "m", "no/such/folder")[0], 8)
         self.assertEqual(self.read("out"), "as it was")
+
+    def test_outputs_that_are_inputs(self):
+        self.write("m", PLAIN)
+        (self.folder / "link").symlink_to("m")
+        os.link(self.folder / "m", self.folder / "twin")
+        (self.folder / "folder").mkdir()
+        for name in ["m", "./folder/../m", "link", "twin"]:
+            for option in ["-a", "-e", "-p"]:
+                self.assertEqual(self.run_program(option, "m", name),
+                                 (8, "Cannot convert model 'm': the output would overwrite it.\n"))
+            settings = f'<Model2SQL inputFile="{name}" outputFile="%s" inputTable="i" predictionTable="p"/>'
+            self.write("c", settings % "m")
+            self.assertEqual(self.run_program("-s", "c"), (8, f"Cannot convert model '{name}': the output would overwrite it.\n"))
+            self.write("c", settings % "./c")
+            self.assertEqual(self.run_program("-s", "./c"), (8, f"Cannot convert model '{name}': the output would overwrite the "
+                                                             "configuration './c'.\n"))
+            self.assertEqual(self.read("c"), settings % "./c")
+        self.assertEqual(self.read("m"), PLAIN)
+        self.write("folder/m", PLAIN)  # of the same content, but another file
+        self.assertEqual(self.run_program("-a", "m", "folder/m")[0], 0)
+
+    @not_on_windows("pipes are rejected there")
+    def test_inputs_from_a_pipe(self):
+        self.write("m", PLAIN)
+        long = PLAIN + " " * 200_000  # more than a pipe holds
+        for text in [PLAIN, long]:
+            self.assertEqual(self.run_program("-a", "/dev/stdin", "out", stdin=text.encode("utf-16")), (0, "Conversion successful!\n"))
+            self.assertTrue(self.read("out").endswith("/* run; */\n"))
+        for text in ["", "<a/>"]:
+            self.assertEqual(self.run_program("-a", "/dev/stdin", "out", stdin=text.encode())[0], 8)
+        canvas = "[QRV_SCRIPT][QRV_ANSWER 0][QRV_ALL_QUESTIONS]" + long
+        self.assertEqual(self.run_program("-h", "m", "/dev/stdin", "page", stdin=canvas.encode()), (0, ""))
+        self.assertTrue((self.folder / "page").read_text().endswith(long))
+        settings = '<Model2SQL inputFile="m" outputFile="out" inputTable="i" predictionTable="p"/>'
+        self.assertEqual(self.run_program("-s", "/dev/stdin", stdin=settings.encode()), (0, "Conversion successful!\n"))
 
     def test_only_what_is_used_must_exist(self):
         boolean = document([categorical(1, "b", ["no"] * 5, [0, 1], tname="bb64"),

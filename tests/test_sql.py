@@ -110,7 +110,6 @@ class SqlTest(SqlProgramTest):
         without = "model 'V2' (field 'b'): its number is not in the array 'indexes' of RegressionModel"
         for model, settings, problem in [
             (document([one, two], [(1, 1)], 0), {}, without),
-            (document([one], [(1, 1), (7, 1)], 0), {}, "RegressionModel: array 'indexes' holds 7, which is the number of no model"),
             (document([boolean], [(1, 1)], 0), {}, "model 'V1' (field 'b'): array 'y' has 2 values, 3 needed"),
             (document([], [], 0, table=[]), {"dbType": "oracle"}, "ProbabilityMapping: array 'x' has 0 values, 1 needed"),
             (few, {}, "RegressionModel: array 'betas' has 0 values, 1 needed"),
@@ -131,6 +130,8 @@ class SqlTest(SqlProgramTest):
         script = self.sql(document(models, [(1, 5), (1, 7)], 0))
         self.assertIn("WHEN a<0 THEN 14\n   WHEN a>0 THEN 21\n   ELSE 7\n", script)
         self.assertIn("( b IS NULL) THEN 7\n   WHEN b=0 THEN 14\n   WHEN b=1 THEN 21\n   ELSE 7\n   END)", script)
+        # A coefficient of no model changes nothing; the constant stands behind all coefficients.
+        self.assertEqual(self.sql(document(models, [(8, 3), (1, 7), (9, 4)], 0.5)), self.sql(document(models, [(1, 7)], 0.5)))
 
     def test_missing_codes_are_looked_up_by_the_raw_field(self):
         models = [numeric(1, "a b", [0], [1, 2, 3]), numeric(2, "c", [0], [1, 2, 3])]

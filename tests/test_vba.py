@@ -1,10 +1,13 @@
 """The Excel VBA module: its text, and its predictions and cell colours in LibreOffice Calc."""
 
+import re
+import subprocess
+import sys
 import unittest
 
 import spreadsheet
 from engines import CLAIMS, CREDIT, LOWEST, CheckedTest
-from support import DOCUMENTS, categorical, document, doubles, numeric, terms_document
+from support import DOCUMENTS, TESTS, categorical, document, doubles, numeric, terms_document
 
 BELOW, ABOVE, WITHIN = "FFB78B", "EE9EFF", "FFFFFF"
 EMPTY = "9E12FF"  # of RGB(158, 274, 255); Excel takes 274 as 255 and colours 9EFFFF
@@ -69,6 +72,16 @@ class VbaTest(CheckedTest):
         result = self.run_module(module, [f"c{k}" for k in columns], [[k + d for k in columns] for d in [-1, 1]])
         total = sum(k * k / 8 for k in columns)
         self.assertEqual(result.scores, (0.5 + total, 0.5 - total))
+
+    def test_the_manual_spells_a_module_in_ascii(self):
+        page = (TESTS.parent / "docs" / "vba.md").read_text()
+        script = re.search(r"<!-- file: ascii.py -->\n```python\n(.*?)```", page, re.S)[1]
+        title, values = "Größe ж", ["zł", "𝄞", "plain"]
+        self.convert("-e", document([categorical(1, title, values, [0, 1, 2, 4])], [(1, 1)], 0.5))
+        subprocess.run([sys.executable, "-c", script, "out", "pasted"], cwd=self.folder, check=True)
+        module = self.read("pasted")
+        self.assertTrue(module.isascii())
+        self.assertEqual(self.run_module(module, [title], [[v] for v in [*values, "z?"]]).scores, (1.5, 2.5, 4.5, 0.5))
 
     def test_truth_values_and_texts(self):
         """The cell TRUE shows True, the cell FALSE False; a text stays as it is, and booleans keep their spellings. A

@@ -141,6 +141,16 @@ void Base64Decoder::release() {
     capacity = 0;
 }
 
+qsizetype base64BytesBeforePadding(QStringView text) {
+    qsizetype digits = 0;
+    for (const QChar c : text) {
+        const unsigned char kind = classOf(c.unicode());
+        if (kind == padding || kind == textEnd) break;
+        digits += kind < padding;
+    }
+    return digits * 3 / 4;
+}
+
 const unsigned char *base64Decode(Base64Decoder &decoder, QStringView text, qsizetype *outSize,
                                   XmlError *error) {
     static constexpr unsigned char nothing[] = {0};

@@ -21,3 +21,6 @@ struct Base64Decoder {
 // result; bytes that a truncated text does not reach are zero.
 const unsigned char *base64Decode(Base64Decoder &decoder, QStringView text,
                                   qsizetype *outSize = nullptr, XmlError *error = nullptr);
+
+// How many bytes a text that base64Decode reports as truncated really has.
+qsizetype base64BytesBeforePadding(QStringView text);

@@ -178,15 +178,21 @@ QStringView XmlNode::text(int i) const {
 
 // Numbers take less than half of the memory of their text, which leaves room to align them. Every
 // text is part of the document's own block, so it may be overwritten.
-std::span<const double> XmlNode::decodeNumbers(Base64Decoder &decoder) const {
+std::span<const double> XmlNode::decodeNumbers(Base64Decoder &decoder, std::size_t *whole) const {
     if (textCount() == 0) return {};
     QStringView &text = element->texts[0];
     constexpr qsizetype unitsPerNumber = sizeof(double) / sizeof(char16_t);
     if (!element->isDecoded) {
         qsizetype size = 0;
-        const unsigned char *const bytes = base64Decode(decoder, text, &size);
+        XmlError warning = XmlError::NoError;
+        const unsigned char *const bytes = base64Decode(decoder, text, &size, &warning);
         const qsizetype count = bytes ? size / qsizetype(sizeof(double)) : 0;
         if (count == 0) return {};
+        if (whole) {
+            const bool isTruncated = warning == XmlError::Base64Truncated;
+            *whole = static_cast<std::size_t>(isTruncated ? base64BytesBeforePadding(text) : size) /
+                     sizeof(double);
+        }
         const std::size_t needed = static_cast<std::size_t>(count) * sizeof(double);
         auto room = static_cast<std::size_t>(text.size()) * sizeof(char16_t);
         void *place = const_cast<char16_t *>(text.utf16());

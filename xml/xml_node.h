@@ -129,8 +129,10 @@ public:
     // The 64-bit numbers in the first text piece, which is Base64. The first call decodes them over
     // their own text: views of it become invalid, and text(0) is null from then on for every handle
     // to this element. Further calls return the same numbers. A text without a whole number has
-    // none and stays.
-    std::span<const double> decodeNumbers(Base64Decoder &decoder) const;
+    // none and stays. If the text ends early, at padding, further bytes are zero: the first call
+    // sets *whole to how many numbers the text really has.
+    std::span<const double> decodeNumbers(Base64Decoder &decoder,
+                                          std::size_t *whole = nullptr) const;
     // The i-th section that is kept verbatim; its views are null if there is none.
     XmlClear clear(int i) const;
 

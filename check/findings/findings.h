@@ -31,7 +31,7 @@ enum class FindingId : std::uint8_t {
     NoProbability, SqlName, QuotedName, ApostropheInValue, BackslashEscape, BooleanNumbers, BooleanBlanks,
     TextBlanks, Capitals, Accents, SinglePrecision, RowsAdded, SecondRun, KeyLength, TableNameQuoted, DistributeId, CommentDashes,
     DebugRecoding, DebugColumnsAlike, SmallNumber,
-    LogisticAbsent, QuoteInTitle, TrueFalse,
+    LogisticAbsent, QuoteInTitle, CodePage, TrueFalse,
     MissingCodesParenthesis, NoCategories, LogisticLastRow, Backslash,
     FiveCategories, LowestNan, TableUnread, MissingCodesUnread, EmptyField, NotANumber,
     PageError, CanvasScale, BarScale, ConstantMisplaced, PercentSign, SharedValues, ArrayTooLong,

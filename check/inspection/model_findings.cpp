@@ -144,6 +144,13 @@ bool isName(QStringView name, Target target) {
     return begins && std::all_of(name.begin(), name.end(), isAllowed);
 }
 
+bool isInWindows1252(QStringView text) {
+    static constexpr QStringView above = u"€‚ƒ„…†‡ˆ‰Š‹ŒŽ‘’“”•–—˜™š›œžŸ";
+    return std::ranges::all_of(text, [](QChar c) {
+        return c < u'\x80' || (c >= u'\xA0' && c <= u'\xFF') || above.contains(c);
+    });
+}
+
 // HTML asks for a column once.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
@@ -166,6 +173,9 @@ void inspectNames(Notes &notes, const FindingPlace &place, const Recoding &recod
     notes.add(place, NamesAlike, true, alike);
     notes.add(place, NameCharacters, isFirst, broken);
     notes.add(place, QuoteInTitle, isFirst && variable.field.contains(u'"'));
+    notes.add(place, CodePage,
+              !isInWindows1252(variable.field) ||
+                  !std::ranges::all_of(recoding.listed, isInWindows1252));
     notes.add(place, LongName, prefix.size() + variable.field.size() > longestRecodingName);
     notes.add(place, SharedValues, !sharesItsAnswers(*recoding.asked, recoding));
     notes.add(place, LabelEndsComment, variable.label.contains(u"*/"_s));

@@ -14,10 +14,6 @@ namespace {
 
 // --- The model
 
-QString titleOf(const Recoding &recoding) {
-    return u"%1 %2"_s.arg(recoding.variable->name, recoding.variable->field);
-}
-
 QString intervalAt(std::span<const double> bounds, std::size_t position) {
     if (position == 0) return u"missing"_s;
     if (position == 1) return u"(-∞, %1)"_s.arg(numberText(bounds[0]));
@@ -26,23 +22,6 @@ QString intervalAt(std::span<const double> bounds, std::size_t position) {
     // The first bound belongs to the interval above it, every other one to the interval below.
     return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, numberText(bounds[position - 2]),
                               numberText(bounds[position - 1]));
-}
-
-QString valuesAt(const Recoding &recoding, std::size_t position) {
-    if (!recoding.variable->isCategorical) return intervalAt(recoding.x, position);
-    if (position == 0) return u"missing or not listed"_s;
-    if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"never"_s;
-    const auto quoted = [&](std::size_t i) {
-        return u'\'' + recoding.listed[i].toString() + u'\'';
-    };
-    if (!recoding.isBoolean) return quoted(position - 1);
-    QStringList values;
-    const CategoricalRecoding arrays = {recoding.listed, recoding.y, true};
-    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
-        if (arrays.place(i) == position) values.append(quoted(i));
-    }
-    values.removeDuplicates();
-    return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
 }
 
 RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int64_t> *rows) {
@@ -188,7 +167,8 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
     addSample(u"in the results only"_s, result.extra);
     addSample(u"key occurs again"_s, result.repeated);
     for (const auto &[fault, rows] : result.suspected) {
-        add(u"would be right with "_s + fault, rows);
+        add(u"would be right with "_s + fault, rows,
+            rows < result.suspects ? u" of %1 looked into"_s.arg(result.suspects) : QString());
     }
     return counts;
 }
@@ -279,6 +259,9 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     report.sentence = sentenceOf(report);
     if (found.counts) report.unreached = unreachedOf(card, *found.counts, found.options->missing);
     if (!found.comparison) return report;
+    for (const Cause &cause : found.comparison->causes) {
+        report.causes.push_back(causeLine(cause, card, *found.options));
+    }
     report.counts = countsOf(*found.comparison);
     for (const ComparedRow &row : found.comparison->worst) {
         report.contributions.push_back(contributionsOf(card, row));
@@ -302,4 +285,25 @@ QString namesOf(std::span<const FindingGroup> groups) {
                      (places > 1 ? u" (%1 places)"_s.arg(places) : QString()));
     }
     return names.join(u", "_s);
+}
+
+QString titleOf(const Recoding &recoding) {
+    return u"%1 %2"_s.arg(recoding.variable->name, recoding.variable->field);
+}
+
+QString valuesAt(const Recoding &recoding, std::size_t position) {
+    if (!recoding.variable->isCategorical) return intervalAt(recoding.x, position);
+    if (position == 0) return u"missing or not listed"_s;
+    if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"never"_s;
+    const auto quoted = [&](std::size_t i) {
+        return u'\'' + recoding.listed[i].toString() + u'\'';
+    };
+    if (!recoding.isBoolean) return quoted(position - 1);
+    QStringList values;
+    const CategoricalRecoding arrays = {recoding.listed, recoding.y, true};
+    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
+        if (arrays.place(i) == position) values.append(quoted(i));
+    }
+    values.removeDuplicates();
+    return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
 }

@@ -70,6 +70,13 @@ struct CountLine {
     QString more;
 };
 
+// What rows without explanation look like as a whole.
+struct CauseLine {
+    QString name; // in JSON
+    QString text;
+    std::int64_t rows = 0; // that it makes right; 0 of a hint
+};
+
 // One recoding's part in the score of a row.
 struct Contribution {
     QString recoding; // its title
@@ -101,6 +108,7 @@ struct Report {
     QString sentence = {}; // of the verdict
     std::vector<FindingGroup> open = {}, accepted = {}, untouched = {};
     Unreached unreached = {};           // if rows were scored
+    std::vector<CauseLine> causes = {};
     std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
     std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
 };
@@ -121,6 +129,13 @@ void putJson(TextBuffer &out, const Report &report);
 // A page that needs no other file.
 void putPage(TextBuffer &out, const Report &report);
 
+// --- What the report is built with
+
+QString titleOf(const Recoding &recoding); // name and column
+// The values that reach a position.
+QString valuesAt(const Recoding &recoding, std::size_t position);
+CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options);
+
 // --- What printers share
 
 Standing standingOf(const Found &found, const Finding &finding);
@@ -134,6 +149,12 @@ QString numberBeside(double number, double other);
 // How many positions no row reaches, and the first of them, one in each line.
 QString unreachedTitle(const Unreached &unreached);
 QStringList unreachedLines(const Unreached &unreached);
+// "results look like ...: 7 rows of 9 without explanation"
+QString causeText(const Report &report, const CauseLine &cause);
+// How the steps of Differences are written.
+inline constexpr QStringView differenceSteps[] = {u"1e-9", u"1e-6", u"1e-4", u"1e-2"};
+// Of each column that is compared: its differences as a line, and its cells that are no numbers.
+QStringList summaryOf(const Report &report);
 // The target that the results are of.
 QString comparedTarget(const Report &report);
 // The place of a finding, with its rows if rows were scored.

@@ -100,6 +100,14 @@ void putComparison(TextBuffer &out, const Report &report) {
         putRow(out, {line.label + line.more, QString::number(line.rows)});
     }
     put(out, u"</table></article>\n");
+    if (!report.causes.empty()) put(out, u"<article>");
+    for (const CauseLine &cause : report.causes) {
+        put(out, u"<p>", escaped(causeText(report, cause)), u"</p>\n");
+    }
+    if (!report.causes.empty()) put(out, u"</article>\n");
+    put(out, u"<article>");
+    for (const QString &line : summaryOf(report)) put(out, u"<p>", escaped(line), u"</p>\n");
+    put(out, u"</article>\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
         putWorst(out, result.worst[i], report.contributions[i]);
     }

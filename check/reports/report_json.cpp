@@ -57,6 +57,32 @@ QJsonObject jsonOf(const ComparedRow &row, std::span<const Contribution> contrib
             {u"contributions"_s, parts}};
 }
 
+QJsonObject jsonOf(const Differences &differences) {
+    QJsonObject within;
+    for (std::size_t i = 0; i < differences.within.size(); ++i) {
+        within[differenceSteps[i].toString()] =
+            static_cast<double>(differences.within[i]) / static_cast<double>(differences.rows);
+    }
+    return {{u"largest"_s, number(differences.largest)},
+            {u"median"_s, number(differences.median())},
+            {u"within"_s, within}};
+}
+
+QJsonArray jsonOf(std::span<const UnreadableCells> unreadable) {
+    constexpr QStringView names[] = {u"empty",     u"null",     u"nan",  u"decimal-comma",
+                                     u"thousands", u"per-cent", u"other"};
+    QJsonArray kinds;
+    for (std::size_t i = 0; i < unreadable.size(); ++i) {
+        const UnreadableCells &cells = unreadable[i];
+        if (cells.cells == 0) continue;
+        kinds.append(QJsonObject{{u"kind"_s, names[i].toString()},
+                                 {u"cells"_s, count(cells.cells)},
+                                 {u"first"_s, QString::fromStdString(cells.first)},
+                                 {u"row"_s, count(cells.row)}});
+    }
+    return kinds;
+}
+
 QJsonObject jsonOf(const Report &report) {
     const ComparisonResult &result = *report.found.comparison;
     QJsonObject explained;
@@ -71,7 +97,18 @@ QJsonObject jsonOf(const Report &report) {
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
         worst.append(jsonOf(result.worst[i], report.contributions[i]));
     }
+    QJsonArray causes;
+    for (const auto &[name, text, rows] : report.causes) {
+        causes.append(
+            QJsonObject{{u"cause"_s, name}, {u"rows"_s, count(rows)}, {u"detail"_s, text}});
+    }
+    QJsonObject differences;
+    if (result.scores.rows > 0) differences[u"score"_s] = jsonOf(result.scores);
+    if (result.probabilities.rows > 0) differences[u"probability"_s] = jsonOf(result.probabilities);
     return {{u"target"_s, comparedTarget(report)},
+            {u"causes"_s, causes},
+            {u"differences"_s, differences},
+            {u"unreadable"_s, jsonOf(result.unreadable)},
             {u"rows"_s, count(result.rows)},
             {u"equal"_s, count(result.equal)},
             {u"explained"_s, explained},

@@ -94,12 +94,27 @@ void putComparison(TextBuffer &out, const Report &report) {
     put(out, u"\nComparison with ", report.found.options->results, u" (", comparedTarget(report),
         u")\n  ", rowsText(result.rows), u" in both files, ", result.equal,
         u" as the model says\n");
+    for (const CauseLine &cause : report.causes) put(out, u"  ", causeText(report, cause), u"\n");
     for (const CountLine &line : report.counts) {
         put(out, u"  ", line.label, u": ", rowsText(line.rows), line.more, u"\n");
     }
+    for (const QString &line : summaryOf(report)) put(out, u"  ", line, u"\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
         putWorst(out, result.worst[i], report.contributions[i]);
     }
+}
+
+// Never more than it is: 99.99 % are not all rows.
+QString perCent(std::int64_t rows, std::int64_t of) {
+    const double share = 100 * static_cast<double>(rows) / static_cast<double>(of);
+    return shortNumber(std::floor(share * 100) / 100);
+}
+
+QStringView unreadableText(Unreadable kind) {
+    constexpr QStringView texts[] = {u"empty",         u"NULL or the like", u"NaN",
+                                     u"decimal comma", u"thousands",        u"per cent",
+                                     u"other text"};
+    return texts[static_cast<std::size_t>(kind)];
 }
 
 } // namespace
@@ -175,4 +190,40 @@ QString placeText(const Report &report, const Finding &finding) {
         text += u"; %1 only together with other findings"_s.arg(rowsText(finding.togetherRows));
     }
     return text;
+}
+
+QString causeText(const Report &report, const CauseLine &cause) {
+    const std::int64_t all = report.found.comparison->unexplained;
+    const QString rows = cause.rows == 0 ? QString() : u": "_s + rowsText(cause.rows);
+    const bool isPart = cause.rows > 0 && cause.rows < all;
+    const bool isHint = cause.name.startsWith(u"key-");
+    return (isHint ? QString() : u"results look like "_s) + cause.text + rows +
+           (isPart ? u" of %1 without explanation"_s.arg(all) : QString());
+}
+
+QStringList summaryOf(const Report &report) {
+    const ComparisonResult &result = *report.found.comparison;
+    QStringList lines;
+    const auto addDifferences = [&](QStringView column, const Differences &differences) {
+        if (differences.rows == 0) return;
+        QStringList shares;
+        for (std::size_t i = 0; i < differences.within.size(); ++i) {
+            shares.append(u"%1 % within %2"_s.arg(perCent(differences.within[i], differences.rows),
+                                                  differenceSteps[i]));
+        }
+        lines.append(u"%1: largest difference %2, median %3; %4"_s.arg(
+            column, shortNumber(differences.largest), shortNumber(differences.median()),
+            shares.join(u", "_s)));
+    };
+    addDifferences(u"score", result.scores);
+    addDifferences(u"probability", result.probabilities);
+    for (std::size_t i = 0; i < unreadableKinds; ++i) {
+        const auto &[cells, first, row] = result.unreadable[i];
+        if (cells == 0) continue;
+        lines.append(u"no number in %1 cell%2 of the results: %3, first '%4' in row %5"_s.arg(
+            QString::number(cells), cells == 1 ? u""_s : u"s"_s,
+            unreadableText(static_cast<Unreadable>(i)), QString::fromStdString(first),
+            QString::number(row)));
+    }
+    return lines;
 }

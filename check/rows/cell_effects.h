@@ -13,6 +13,13 @@ struct CellChoice {
     unsigned variants = 0;        // bits: the variants of these findings in which it becomes so
 };
 
+// A cell, and what else it may become.
+struct CellFacts {
+    Cell cell = {};
+    std::vector<CellChoice> choices = {}; // in the target
+    std::vector<double> beside = {};      // see changesBeside()
+};
+
 // A finding that counts the rows with affected cells.
 struct CellTest {
     std::size_t finding; // its position

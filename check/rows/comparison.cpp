@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -36,6 +37,16 @@ ResultRow rowOf(std::string_view key) {
     std::uint32_t check = 2166136261U;
     for (const char c : key) check = (check ^ static_cast<unsigned char>(c)) * 16777619U;
     return {.hash = std::hash<std::string_view>()(key), .check = check, .numbers = {}};
+}
+
+void keepKey(Comparison &c, ResultRow &row, std::string_view key) {
+    row.keyAt = c.keys.size();
+    row.keySize = static_cast<std::uint32_t>(key.size()); // of a cell, which has 64 MiB at most
+    c.keys += key;
+}
+
+std::string_view keyOf(const Comparison &c, const ResultRow &row) {
+    return std::string_view(c.keys).substr(row.keyAt, row.keySize);
 }
 
 std::pair<std::uint64_t, std::uint32_t> identityOf(const ResultRow &row) {
@@ -74,6 +85,7 @@ bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
     if (at == c.entries.end() || identityOf(*at) != identityOf(wanted)) {
         c.absent.push_back(wanted);
         c.absent.back().row = facts.row;
+        keepKey(c, c.absent.back(), facts.key);
         return false;
     }
     if (at->isSeen) count(c.result.repeated, describe(facts));
@@ -96,11 +108,73 @@ void keepWorst(Comparison &c, const RowFacts &facts, const Prediction &found) {
     });
     if (at == worst.end() && worst.size() >= mostWorst) return;
     std::vector<std::string> cells;
-    for (const Cell &cell : facts.cells) cells.emplace_back(cell.raw);
+    for (const CellFacts *const known : facts.cells) cells.emplace_back(known->cell.raw);
     const std::vector<Recoded> recoded(facts.recoded.begin(), facts.recoded.end());
     worst.insert(
         at, {facts.row, std::string(facts.key), facts.expected, found, difference, recoded, cells});
     if (worst.size() > mostWorst) worst.pop_back();
+}
+
+void countUnreadable(Comparison &c, const Cell &cell) {
+    constexpr std::size_t longest = 60;
+    const Unreadable kind = kindOfText(trimmed(cell.raw));
+    UnreadableCells &cells = c.result.unreadable[static_cast<std::size_t>(kind)];
+    if (cells.cells++ > 0) return;
+    cells.first = cell.raw.substr(0, longest);
+    cells.row = c.reader.row + 1;
+}
+
+// Writes a row of differences; NaN is an empty cell.
+void putDifference(Comparison &c, std::string_view key, std::int64_t row,
+                   const Prediction &expected, const Prediction &found, std::string_view reason) {
+    if (!c.out.isOpen()) return;
+    if (c.options.key.isEmpty()) {
+        c.out.put(row);
+    } else {
+        c.out.put(key);
+    }
+    for (const Prediction &numbers : {expected, found}) {
+        c.out.put(numbers.score);
+        c.out.put(numbers.probability);
+    }
+    c.out.put(reason);
+    c.out.endRow();
+}
+
+// Keeps what is looked at when all rows are known.
+void keepUnexplained(Comparison &c, const RowFacts &facts, const Prediction &numbers,
+                     bool isReadable) {
+    DifferingRow row = {facts.expected, numbers, facts.row};
+    row.isLastDigit =
+        isReadable && isRightByLastDigit(c, facts.cells, facts.expected.score, numbers);
+    noteRow(c, facts.recoded, &row);
+    ++c.result.unexplained;
+    keepWorst(c, facts, numbers);
+    if (c.result.suspects >= mostSuspected || !isReadable || row.isLastDigit) return;
+    ++c.result.suspects;
+    suspect(c, facts, numbers);
+}
+
+// A key of the rows and one of the results that are the same number in other characters.
+void findKeyTexts(Comparison &c) {
+    std::unordered_map<double, const ResultRow *> extra;
+    const auto numberOf = [&](const ResultRow &row) {
+        double number = noNumber;
+        return readNumber(keyOf(c, row), number) ? number : noNumber;
+    };
+    for (const ResultRow &row : c.entries) {
+        const double number = row.isSeen || c.absent.empty() ? noNumber : numberOf(row);
+        if (!std::isnan(number)) extra.emplace(number, &row);
+    }
+    Cause cause = {.kind = Cause::Kind::KeyText};
+    for (const ResultRow &row : c.absent) {
+        const auto found = extra.find(numberOf(row));
+        if (found == extra.end() || cause.rows++ > 0) continue;
+        for (const ResultRow *const key : {&row, found->second}) {
+            cause.texts.push_back(QString::fromUtf8(keyOf(c, *key)));
+        }
+    }
+    if (cause.rows > 0) c.result.causes.insert(c.result.causes.begin(), cause);
 }
 
 } // namespace
@@ -169,15 +243,17 @@ bool fits(const Comparison &c, std::span<const Recoded> recoded, const Deviation
 void Comparison::takeCell(std::size_t place, std::string_view bytes) {
     const bool hasKey = !options.key.isEmpty();
     if (hasKey && place == 0) {
-        const ResultRow key = rowOf(trimmed(bytes));
-        unfinished.hash = key.hash;
-        unfinished.check = key.check;
+        const ResultRow row = rowOf(trimmed(bytes));
+        unfinished.hash = row.hash;
+        unfinished.check = row.check;
+        keepKey(*this, unfinished, trimmed(bytes));
         return;
     }
     const Cell cell = cellOf(bytes, options.missing);
     const bool isScore = place == (hasKey ? 1 : 0) && options.hasScore();
     (isScore ? unfinished.numbers.score : unfinished.numbers.probability) =
         cell.isNumber ? cell.number : noNumber;
+    if (!cell.isNumber || std::isnan(cell.number)) countUnreadable(*this, cell);
     if (cell.isNumber) return;
     const ResultCells holds = cell.text.empty() ? ResultCells::Empty : ResultCells::NoNumber;
     unfinished.cells = std::max(unfinished.cells, holds);
@@ -209,38 +285,73 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     return c.reader.problem;
 }
 
+QString openDifferences(Comparison &c) {
+    const RowOptions &options = c.options;
+    if (options.differences.isEmpty()) return {};
+    const QString problem = c.out.open(options.differences, options.delimiter);
+    if (!problem.isEmpty()) return problem;
+    c.out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
+    for (const std::string_view title :
+         {"score", "probability", "result_score", "result_probability", "reason"}) {
+        c.out.put(title);
+    }
+    c.out.endRow();
+    return {};
+}
+
 void compareRow(Comparison &c, const RowFacts &facts) {
     ResultRow found;
     if (!find(c, facts, found)) {
         count(c.result.missing, describe(facts));
+        noteRow(c, facts.recoded, nullptr);
+        putDifference(c, facts.key, facts.row, facts.expected, {}, {});
         return;
     }
     ++c.result.rows;
     // An empty cell is right where the model gives NaN, and is never NaN that a target shows.
     const Prediction &numbers = found.numbers;
+    if (c.options.hasScore()) c.result.scores.add(facts.expected.score, numbers.score);
+    if (c.options.hasProbability()) {
+        c.result.probabilities.add(facts.expected.probability, numbers.probability);
+    }
     const bool isReadable = found.cells == ResultCells::Numbers;
     const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;
     const Deviations none = {{}, c.options.target, c.options.sql};
     if (found.cells != ResultCells::NoNumber &&
         (matches(c, facts.expected, numbers) || fits(c, facts.recoded, none, numbers))) {
         ++c.result.equal;
-    } else if (!(isReadable || mayBeMissing) || !explain(c, facts, numbers)) {
-        if (++c.result.unexplained <= mostSuspected && isReadable) suspect(c, facts, numbers);
-        keepWorst(c, facts, numbers);
+        return;
+    }
+    const bool isExplainable = isReadable || mayBeMissing;
+    const QString reason = isExplainable ? explain(c, facts, numbers) : QString();
+    putDifference(c, facts.key, facts.row, facts.expected, numbers, reason.toStdString());
+    if (!reason.isEmpty()) {
+        noteRow(c, facts.recoded, nullptr);
+    } else {
+        keepUnexplained(c, facts, numbers, isReadable);
     }
 }
 
-QString finishComparison(Comparison &c) {
-    const auto isExtra = [&](const ResultRow &row) {
-        if (!row.isSeen) count(c.result.extra, QString::number(row.row));
+QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t>> positions,
+                         const CsvReader &rows) {
+    const auto countExtra = [&](const ResultRow &row) {
+        const std::string_view key = keyOf(c, row);
+        if (row.isSeen) return;
+        count(c.result.extra,
+              c.options.key.isEmpty() ? QString::number(row.row) : QString::fromUtf8(key));
+        putDifference(c, key, row.row, {}, row.numbers, {});
     };
     std::ranges::sort(c.entries, {}, &ResultRow::row);
-    std::ranges::for_each(std::exchange(c.entries, {}), isExtra);
+    std::ranges::for_each(c.entries, countExtra);
+    if (!c.options.key.isEmpty()) findKeyTexts(c);
+    c.entries.clear();
     ResultRow row;
-    while (takeNext(c, row)) isExtra(row);
+    while (takeNext(c, row)) countExtra(row);
     countRepeated(c, c.absent, u"row %1"_s);
     c.result.suspected.assign(c.suspectCounts.begin(), c.suspectCounts.end());
     std::ranges::stable_sort(c.result.suspected, std::greater(),
                              [](const auto &fault) { return fault.second; });
-    return c.reader.problem;
+    std::ranges::move(causesOf(c, positions, rows), std::back_inserter(c.result.causes));
+    const QString problem = c.out.close();
+    return problem.isEmpty() ? c.reader.problem : problem;
 }

@@ -1,8 +1,11 @@
 // Compares the results of a deployment with the model and explains the differences.
 #pragma once
 
+#include "check/rows/causes.h"
 #include "check/rows/cell_effects.h"
 #include "check/rows/csv_reader.h"
+#include "check/rows/csv_writer.h"
+#include "check/rows/differences.h"
 
 #include <QStringList>
 
@@ -12,8 +15,9 @@
 // What is asked about rows.
 struct RowOptions {
     QString file;
-    QString key;    // column; may be empty: rows are joined by position
-    QString scores; // file to be written; may be empty
+    QString key;         // column; may be empty: rows are joined by position
+    QString scores;      // file to be written; may be empty
+    QString differences; // file to be written of rows that are not as the model says; may be empty
     char delimiter = ',';
     std::vector<std::string> missing; // texts that count as missing, as an empty cell does
     QString results;                  // file of a deployment; may be empty
@@ -60,25 +64,30 @@ struct ComparisonResult {
     std::vector<ComparedRow> worst; // of the unexplained rows, the largest differences first
     // What would explain unexplained rows, were it so, and how many; the most likely first.
     std::vector<std::pair<QString, std::int64_t>> suspected;
+    std::int64_t suspects = 0; // unexplained rows that were looked into for that
+    std::vector<Cause> causes = {};
+    Differences scores, probabilities;
+    std::array<UnreadableCells, unreadableKinds> unreadable;
 };
 
-// A row as the model scores it, and what else its cells may become in the target.
+// A row as the model scores it.
 struct RowFacts {
     std::int64_t row = 0;
     std::string_view key;
-    std::span<const Cell> cells; // by columns, like choices
+    std::span<const CellFacts *const> cells; // by columns
     std::span<const Recoded> recoded;
     Prediction expected;
-    std::span<const std::vector<CellChoice> *const> choices;
 };
 
 // What the cells of a result hold; the worse of them. A number may be NaN.
 enum class ResultCells : std::uint16_t { Numbers, Empty, NoNumber };
 
-// 40 bytes for each row of results that is kept. 96 bits of hash distinguish keys.
+// 56 bytes and its key for each row of results that is kept. 96 bits of hash distinguish keys.
 struct ResultRow {
     std::uint64_t hash = 0;
     std::uint32_t check = 0;
+    std::uint32_t keySize = 0;
+    std::size_t keyAt = 0; // among the keys of the comparison
     bool isSeen = false;
     ResultCells cells = ResultCells::Numbers;
     Prediction numbers;
@@ -95,6 +104,10 @@ struct Comparison {
     ResultRow unfinished = {};          // may go on in the next block
     std::deque<ResultRow> entries = {}; // with a key all of them by hash, else those of a block
     std::deque<ResultRow> absent = {};  // keys of rows without a result
+    std::string keys = {};              // of both, one behind the other
+    CsvWriter out = {};                 // of the differences
+    std::vector<DifferingRow> differing = {};                 // rows without explanation
+    std::vector<std::vector<PositionRows>> positionRows = {}; // by recodings
     std::vector<FindingId> always = {}; // may explain any row; what cells decide is not among them
     bool hasAlikeNames = false;         // columns of the target whose names become the same
     std::vector<ColumnTests> tests = {};
@@ -110,9 +123,14 @@ struct Comparison {
 // Opens the results; with a key, reads them. The findings are those of the document for the target.
 // Returns an error message; empty on success.
 QString openResults(Comparison &comparison, std::span<const Finding> findings);
+// Opens the file of differences if one is asked for. Returns an error message; empty on success.
+QString openDifferences(Comparison &comparison);
 void compareRow(Comparison &comparison, const RowFacts &facts);
-// To be called after the last row. Returns an error message; empty on success.
-QString finishComparison(Comparison &comparison);
+// To be called after the last row, with the rows by recodings and positions. Returns an error
+// message; empty on success.
+QString finishComparison(Comparison &comparison,
+                         std::span<const std::vector<std::int64_t>> positions,
+                         const CsvReader &rows);
 
 // --- Pieces of a comparison
 

@@ -98,6 +98,15 @@ QString CsvReader::choose(std::span<const QString> names) {
                                                      absent.join(u", "_s));
 }
 
+QStringList CsvReader::titlesOfFile() const {
+    QStringList list;
+    for (const std::string &title : titles) {
+        const std::string_view plain = trimmed(title);
+        list.append(QString::fromUtf8(plain.data(), std::ssize(plain)));
+    }
+    return list;
+}
+
 void CsvReader::fill() {
     if (!unread.empty()) return;
     unread = {block.data(), std::fread(block.data(), 1, block.size(), file.stream.get())};

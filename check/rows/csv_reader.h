@@ -5,7 +5,7 @@
 #include "check/rows/utf8_check.h"
 #include "model/output_file.h"
 
-#include <QString>
+#include <QStringList>
 
 #include <csv.h>
 
@@ -37,6 +37,8 @@ public:
     // over. Returns false when nothing is left, or where the rest cannot be read (see problem).
     template <typename Taker>
     bool read(Taker &taker);
+
+    QStringList titlesOfFile() const; // without blanks around them
 
     std::int64_t row = 0;    // how many were handed over
     std::int64_t uneven = 0; // rows with fewer or more cells than there are titles

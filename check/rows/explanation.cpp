@@ -53,7 +53,7 @@ std::vector<CellChoice> choicesByName(const Search &s, std::size_t column) {
     std::vector<Recoded> named;
     for (const std::size_t i : recodings) {
         const Recoding &recoding = s.c.card.recodings[i];
-        cells.push_back(&s.facts.cells[recoding.lastAlike[target]]);
+        cells.push_back(&s.facts.cells[recoding.lastAlike[target]]->cell);
         meant.push_back(s.facts.recoded[i]);
         named.push_back(recode(recoding, *cells.back()));
     }
@@ -77,11 +77,11 @@ void openColumns(Search &s) {
             return card.recodings[recoding].lastAlike[target] != i;
         });
         if (isNamed && s.c.hasAlikeNames) {
-            column.named = *s.facts.choices[i];
+            column.named = s.facts.cells[i]->choices;
             std::ranges::copy(choicesByName(s, i), std::back_inserter(column.named));
         }
-        if (column.named.empty() && s.facts.choices[i]->empty()) continue;
-        column.choices = *s.facts.choices[i];
+        if (column.named.empty() && s.facts.cells[i]->choices.empty()) continue;
+        column.choices = s.facts.cells[i]->choices;
         s.open.push_back(std::move(column));
         OpenColumn &kept = s.open.back();
         if (!kept.named.empty()) kept.choices = kept.named;
@@ -303,12 +303,12 @@ QString namesOf(const FindingSet &set) {
 
 } // namespace
 
-bool explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
+QString explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
     Search search = {c, facts, found};
     openColumns(search);
     findPossible(search);
     std::vector<Reason> reasons = reasonsOf(search);
-    if (reasons.empty()) return false;
+    if (reasons.empty()) return {};
     keepLikeliest(reasons);
     QStringList names;
     FindingSet all;
@@ -320,7 +320,8 @@ bool explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
     for (const FindingId id : search.possible) {
         if (all.has(id)) count(c.result.explained[id], row);
     }
-    count(c.result.reasons[names.join(u" or "_s)], row);
+    const QString reason = names.join(u" or "_s);
+    count(c.result.reasons[reason], row);
     ++c.result.explainedRows;
-    return true;
+    return reason;
 }

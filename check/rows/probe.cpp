@@ -1,8 +1,7 @@
 #include "check/rows/probe.h"
 
 #include "check/evaluation/target_texts.h"
-#include "model/output_file.h"
-#include "platform/platform.h"
+#include "check/rows/csv_writer.h"
 
 #include <algorithm>
 #include <array>
@@ -148,7 +147,7 @@ struct Probe {
     const Scorecard &card;
     std::vector<ProbeColumn> columns;
     std::vector<std::size_t> order = {}; // of the columns: what can change the score most is first
-    OutputFile file = {.stream = {}, .encoding = OutputEncoding::Utf8};
+    CsvWriter file = {};
     std::int64_t rows = 0;
 };
 
@@ -295,16 +294,6 @@ QString scoreText(const Scorecard &card, double score) {
 
 // --- The file
 
-// Quoted where a reader could take it apart or strip it.
-QString csvCell(const QString &text) {
-    const auto isSpecial = [](QChar c) {
-        return c == u',' || c == u'"' || c == u';' || c == u'\t' || c == u'\n' || c == u'\r';
-    };
-    const bool hasBlank = !text.isEmpty() && (text.front().isSpace() || text.back().isSpace());
-    if (!hasBlank && std::ranges::none_of(text, isSpecial)) return text;
-    return u'"' + QString(text).replace(u'"', u"\"\""_s) + u'"';
-}
-
 // The name, changed until no column of the model has it, in whatever case.
 QString freeTitle(const Scorecard &card, QString title) {
     const auto isTitle = [&](const QString &column) {
@@ -317,11 +306,12 @@ QString freeTitle(const Scorecard &card, QString title) {
 // cellAt(i) is the cell of column i, as its position among the tries.
 template <typename CellAt>
 void putRow(Probe &probe, const CellAt &cellAt, const QString &text) {
-    QString row = QString::number(++probe.rows);
+    probe.file.put(++probe.rows);
     for (std::size_t i = 0; i < probe.columns.size(); ++i) {
-        row += u',' + csvCell(textOf(probe.columns[i].tries[cellAt(i)]));
+        probe.file.put(textOf(probe.columns[i].tries[cellAt(i)]).toStdString());
     }
-    writeText(probe.file, row + u',' + csvCell(text) + u'\n');
+    probe.file.put(text.toStdString());
+    probe.file.endRow();
 }
 
 // Row k tries the cell k of each column of the group.
@@ -433,11 +423,12 @@ std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::si
 
 QString writeProbe(const Scorecard &card, const QString &fileName) {
     Probe probe = probeOf(card);
-    probe.file.stream.reset(openFile(fileName, FileUse::Write));
-    if (!probe.file.stream) return u"Cannot open file '%1' for writing."_s.arg(fileName);
-    QString titles = freeTitle(card, u"probe"_s);
-    for (const QString &column : card.columns) titles += u',' + csvCell(column);
-    writeText(probe.file, titles + u',' + freeTitle(card, u"tries"_s) + u'\n');
+    const QString problem = probe.file.open(fileName, ',');
+    if (!problem.isEmpty()) return problem;
+    probe.file.put(freeTitle(card, u"probe"_s).toStdString());
+    for (const QString &column : card.columns) probe.file.put(column.toStdString());
+    probe.file.put(freeTitle(card, u"tries"_s).toStdString());
+    probe.file.endRow();
     putRows(probe);
-    return isClosed(probe.file) ? QString() : u"Cannot write to file '%1'."_s.arg(fileName);
+    return probe.file.close();
 }

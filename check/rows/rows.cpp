@@ -1,15 +1,13 @@
 #include "check/rows/rows.h"
 
+#include "check/rows/csv_writer.h"
 #include "model/sql_dialect.h"
-#include "platform/platform.h"
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <unordered_map>
-#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -20,54 +18,6 @@ using enum FindingId;
 constexpr std::size_t scoreSteps = 60;
 constexpr std::size_t noPosition = static_cast<std::size_t>(-1);
 
-// --- Scores as CSV
-
-struct ScoreFile {
-    OutputFile file;
-    std::vector<char> text;
-    std::size_t used = 0;
-};
-
-void flush(ScoreFile &out) {
-    const std::size_t size = std::exchange(out.used, 0);
-    if (size > 0) std::fwrite(out.text.data(), 1, size, out.file.stream.get());
-}
-
-// Room for `size` characters; the caller adds what it used to `used`.
-char *roomFor(ScoreFile &out, std::size_t size) {
-    constexpr std::size_t block = 1 << 16;
-    if (out.used + size > out.text.size()) {
-        flush(out);
-        out.text.resize(std::max({size, block, out.text.size()}));
-    }
-    return out.text.data() + out.used;
-}
-
-void put(ScoreFile &out, std::string_view text) {
-    text.copy(roomFor(out, text.size()), text.size());
-    out.used += text.size();
-}
-
-constexpr std::ptrdiff_t longestNumber = 32;
-
-// Writes nothing for NaN; formats straight into the output block.
-template <typename Number>
-char *numberAt(char *at, Number number) {
-    const bool isNumber = !std::isnan(static_cast<double>(number));
-    return isNumber ? std::to_chars(at, at + longestNumber, number).ptr : at;
-}
-
-void putCell(ScoreFile &out, std::string_view cell, char delimiter) {
-    const char special[] = {'"', '\n', '\r', delimiter};
-    if (cell.find_first_of({special, sizeof special}) == std::string_view::npos) {
-        put(out, cell);
-        return;
-    }
-    QByteArray quoted(cell.data(), std::ssize(cell));
-    quoted = '"' + quoted.replace('"', "\"\"") + '"';
-    put(out, {quoted.data(), static_cast<std::size_t>(quoted.size())});
-}
-
 // --- Cells
 
 // Cache entry: a cell with all that the model and the findings make of it.
@@ -76,9 +26,8 @@ struct JudgedCell {
     std::int64_t firstRow = 0;
     std::vector<Recoded> recoded; // by each recoding of the column; empty in an unused entry
     std::string raw;
-    Cell cell;
+    CellFacts facts;
     CellFindings findings;
-    std::vector<CellChoice> choices; // what the target may make of it
 };
 
 // Columns repeat their values, so that most cells were judged before. The cache is direct-mapped:
@@ -155,7 +104,7 @@ struct RowScorer {
     Comparison comparison = {card, options};
     CsvReader reader = {};
     std::size_t keyAt = noPosition;
-    ScoreFile out = {};
+    CsvWriter out = {};
     RowTests tests = testsOf(options, findings);
     std::vector<ColumnTests> columnTests = testsOfColumns(card, findings);
     std::vector<TextCounts> unlisted = std::vector<TextCounts>(card.columns.size());
@@ -164,8 +113,7 @@ struct RowScorer {
     std::vector<JudgedCell *> row = std::vector<JudgedCell *>(card.columns.size());
     std::string key = {};
     std::vector<Recoded> recoded = std::vector<Recoded>(card.recodings.size());
-    std::vector<Cell> cells = {};
-    std::vector<const std::vector<CellChoice> *> choices = {};
+    std::vector<const CellFacts *> cells = std::vector<const CellFacts *>(card.columns.size());
 
     void takeCell(std::size_t place, std::string_view bytes);
     void endRow();
@@ -173,7 +121,7 @@ struct RowScorer {
 
 void countUnlisted(TextCounts &texts, const JudgedCell &judged) {
     constexpr std::size_t most = 1000;
-    texts.rows[std::string(judged.cell.text)] += judged.rows;
+    texts.rows[std::string(judged.facts.cell.text)] += judged.rows;
     if (texts.rows.size() <= most) return;
     std::int64_t least = judged.rows;
     for (const auto &[text, rows] : texts.rows) least = std::min(least, rows);
@@ -208,19 +156,20 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     countCell(scorer, column, judged);
     judged.raw = bytes;
     judged.firstRow = scorer.reader.row + 1;
-    judged.cell = cellOf(judged.raw, scorer.options.missing);
+    judged.facts.cell = cellOf(judged.raw, scorer.options.missing);
     judged.recoded.clear();
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
-        judged.recoded.push_back(recode(scorer.card.recodings[i], judged.cell));
+        judged.recoded.push_back(recode(scorer.card.recodings[i], judged.facts.cell));
     }
     const ColumnTests &tests = scorer.columnTests[column];
     const RowOptions &options = scorer.options;
     judged.findings =
-        findingsOf(scorer.card, tests, column, judged.cell, judged.recoded, options.sql);
+        findingsOf(scorer.card, tests, column, judged.facts.cell, judged.recoded, options.sql);
     if (options.results.isEmpty()) return;
-    const std::vector<const Cell *> cells(judged.recoded.size(), &judged.cell);
-    judged.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
-                               {{}, options.target, options.sql});
+    const std::vector<const Cell *> cells(judged.recoded.size(), &judged.facts.cell);
+    judged.facts.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
+                                     {{}, options.target, options.sql});
+    judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell, judged.recoded);
 }
 
 void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
@@ -276,7 +225,7 @@ void countFindings(RowScorer &scorer, const Prediction &prediction) {
     for (const RowTest &test : scorer.tests.ofNames) {
         const Recoding &recoding = scorer.card.recodings[test.recoding];
         const auto target = static_cast<std::size_t>(test.deviations.target);
-        const Cell &cell = scorer.row[recoding.lastAlike[target]]->cell;
+        const Cell &cell = scorer.row[recoding.lastAlike[target]]->facts.cell;
         const bool isOther = differ(recode(recoding, cell), scorer.recoded[test.recoding]);
         if (!isOther || last == test.finding) continue;
         last = test.finding;
@@ -302,17 +251,15 @@ void countScore(RowCounts &counts, double score) {
 }
 
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
-    ScoreFile &out = scorer.out;
-    const bool hasKey = scorer.keyAt != noPosition;
-    if (hasKey) putCell(out, key, scorer.options.delimiter);
-    char *at = roomFor(out, 4 * longestNumber);
-    if (!hasKey) at = numberAt(at, scorer.reader.row);
-    for (const double number : {prediction.score, prediction.probability}) {
-        *at++ = scorer.options.delimiter;
-        at = numberAt(at, number);
+    CsvWriter &out = scorer.out;
+    if (scorer.keyAt == noPosition) {
+        out.put(scorer.reader.row);
+    } else {
+        out.put(key);
     }
-    *at++ = '\n';
-    out.used = static_cast<std::size_t>(at - out.text.data());
+    out.put(prediction.score);
+    out.put(prediction.probability);
+    out.endRow();
 }
 
 void RowScorer::endRow() {
@@ -325,15 +272,10 @@ void RowScorer::endRow() {
     const std::string_view cell = keyAt < row.size() ? row[keyAt]->raw : key;
     countKey(*this, trimmed(cell));
     countScore(counts, score);
-    if (out.file.stream) putRow(*this, cell, prediction);
+    if (out.isOpen()) putRow(*this, cell, prediction);
     if (options.results.isEmpty()) return;
-    cells.clear();
-    choices.clear();
-    for (const JudgedCell *const judgedCell : row) {
-        cells.push_back(judgedCell->cell);
-        choices.push_back(&judgedCell->choices);
-    }
-    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction, choices});
+    for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = &row[i]->facts;
+    compareRow(comparison, {reader.row, trimmed(cell), cells, recoded, prediction});
 }
 
 // Opens the files, the results before anything is written. Returns an error message; empty on
@@ -351,15 +293,16 @@ QString start(RowScorer &scorer) {
         if (at == wanted.end()) wanted.push_back(options.key);
     }
     problem = scorer.reader.choose(wanted);
+    if (problem.isEmpty()) problem = openDifferences(scorer.comparison);
     if (!problem.isEmpty()) return problem;
     if (options.scores.isEmpty()) return {};
-    scorer.out.file.stream.reset(openFile(options.scores, FileUse::Write));
-    if (!scorer.out.file.stream) {
-        return u"Cannot open file '%1' for writing."_s.arg(options.scores);
-    }
-    ScoreFile &out = scorer.out;
-    putCell(out, options.key.isEmpty() ? "row" : options.key.toStdString(), options.delimiter);
-    put(out, std::string{options.delimiter} + "score" + options.delimiter + "probability\n");
+    CsvWriter &out = scorer.out;
+    problem = out.open(options.scores, options.delimiter);
+    if (!problem.isEmpty()) return problem;
+    out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
+    out.put("score");
+    out.put("probability");
+    out.endRow();
     return {};
 }
 
@@ -410,14 +353,12 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     counts.rows = scorer.reader.row;
     counts.uneven = scorer.reader.uneven;
     counts.firstUneven = scorer.reader.firstUneven;
-    if (scorer.out.file.stream) {
-        flush(scorer.out);
-        if (!isClosed(scorer.out.file)) return u"Cannot write to file '%1'."_s.arg(options.scores);
-    }
+    problem = scorer.out.close();
+    if (!problem.isEmpty()) return problem;
     if (!scorer.reader.problem.isEmpty() || options.results.isEmpty()) {
         return scorer.reader.problem;
     }
-    problem = finishComparison(scorer.comparison);
+    problem = finishComparison(scorer.comparison, counts.positions, scorer.reader);
     compared = std::move(scorer.comparison.result);
     return problem;
 }

@@ -57,7 +57,7 @@ bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
 void suspectColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
                     QStringList &faults) {
     for (std::size_t i = 0; i < c.card.columns.size(); ++i) {
-        const double others = facts.expected.score - pointsOf(c.card, i, facts.cells[i]);
+        const double others = facts.expected.score - pointsOf(c.card, i, facts.cells[i]->cell);
         const auto isRight = [&](double points) { return wouldBeRight(c, others + points, found); };
         if (isRight(pointsOf(c.card, i, {}))) {
             faults.append(u"%1 read as missing"_s.arg(c.card.columns[i]));
@@ -71,7 +71,7 @@ void suspectPairs(const Comparison &c, const RowFacts &facts, const Prediction &
                   QStringList &faults) {
     const std::vector<QString> &columns = c.card.columns;
     const auto points = [&](std::size_t column, std::size_t cell) {
-        return pointsOf(c.card, column, facts.cells[cell]);
+        return pointsOf(c.card, column, facts.cells[cell]->cell);
     };
     if (columns.size() > mostExchanged) return;
     for (std::size_t a = 0; a < columns.size(); ++a) {
@@ -90,13 +90,8 @@ void suspect(Comparison &c, const RowFacts &facts, const Prediction &found) {
         c.pointsOfColumns.push_back(possiblePoints(c.card, i));
     }
     QStringList faults;
-    if (c.options.hasScore() && c.options.hasProbability() &&
-        matches(c, facts.expected, {found.probability, found.score})) {
-        faults.append(u"score and probability exchanged in the results"_s);
-    } else {
-        suspectColumns(c, facts, found, faults);
-        suspectPairs(c, facts, found, faults);
-    }
+    suspectColumns(c, facts, found, faults);
+    suspectPairs(c, facts, found, faults);
     // More than three causes are no evidence for any.
     if (faults.size() > 3) return;
     for (const QString &fault : faults) ++c.suspectCounts[fault];

@@ -4,5 +4,5 @@
 #include "check/rows/comparison.h"
 
 // Counts in the comparison what would make the row right: one column read as missing or as some
-// other value, two columns exchanged, or score and probability exchanged.
+// other value, or two columns exchanged.
 void suspect(Comparison &comparison, const RowFacts &facts, const Prediction &found);

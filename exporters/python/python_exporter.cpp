@@ -151,7 +151,7 @@ void putReturn(TextBuffer &out, bool hasProbability, const QString &prefix) {
 } // namespace
 
 int exportToPython(const QString &modelFile, const QString &moduleFile, const QString &className) {
-    ModelDocument document = loadModel(modelFile);
+    ModelDocument document = loadModel(modelFile, moduleFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const QStringView replaced = replacedCharacters(Target::Python);
     const Variables variables = readVariables(document, replaced);

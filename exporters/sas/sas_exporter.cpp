@@ -129,7 +129,7 @@ void putClosing(TextBuffer &out, std::span<const Variable> variables) {
 } // namespace
 
 int exportToSas(const QString &modelFile, const QString &scriptFile) {
-    ModelDocument document = loadModel(modelFile);
+    ModelDocument document = loadModel(modelFile, scriptFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const QStringView replaced = replacedCharacters(Target::Sas);
     const Variables variables = readVariables(document, replaced);

@@ -11,6 +11,8 @@
 #include "model/write_output.h"
 #include "platform/platform.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 int exportToSql(const QString &configurationFile) {
     const SqlConfigurationFile file = readSqlConfiguration(configurationFile);
     if (!file.message.isEmpty()) {
@@ -20,12 +22,17 @@ int exportToSql(const QString &configurationFile) {
     const SqlConfiguration &configuration = file.configuration;
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
 
-    ModelDocument document = loadModel(configuration.inputFile);
+    const QString &output = configuration.outputFile;
+    if (isSameFile(configurationFile, output)) {
+        return reportProblem(
+            configuration.inputFile,
+            u"the output would overwrite the configuration '%1'"_s.arg(configurationFile));
+    }
+    ModelDocument document = loadModel(configuration.inputFile, output);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const SqlScript script = readSqlScript(document, configuration, dialect);
     if (!document.problem.isEmpty()) return reportProblem(document);
 
-    const QString &output = configuration.outputFile;
     if (!configuration.kestruneScript) {
         return writeScript(output, [&](TextBuffer &out) { putSqlScript(out, script); });
     }

@@ -238,7 +238,6 @@ SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configu
     const Regression regression =
         readRegression(document, variables,
                        configuration.debugRecoding ? ConstantTerm::LeftOut : ConstantTerm::Read);
-    requireVariables(document, regression);
     std::vector<double> coefficients = variableCoefficients(document, variables, regression);
     Recodings recodings = readRecodings(document, variables,
                                         configuration.boolsAreNumbers ? BooleanScores::Both

@@ -161,7 +161,7 @@ void putRangeChecks(TextBuffer &out, std::span<const Variable> variables) {
 } // namespace
 
 int exportToVba(const QString &modelFile, const QString &moduleFile) {
-    ModelDocument document = loadModel(modelFile);
+    ModelDocument document = loadModel(modelFile, moduleFile);
     if (!document.problem.isEmpty()) return reportProblem(document);
     const Variables variables = readVariables(document, replacedCharacters(Target::Vba));
     const Recodings recodings = readRecodings(document, variables);

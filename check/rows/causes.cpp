@@ -1,0 +1,588 @@
+#include "check/rows/causes.h"
+
+#include "check/evaluation/target_texts.h"
+#include "check/rows/comparison.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+using Form = NumberMap::Form;
+using Rounding = NumberMap::Rounding;
+
+constexpr std::size_t mostKept = 1 << 20; // rows that are looked at together
+constexpr std::size_t mostSampled = 64;   // of them, to try candidates with
+constexpr std::size_t mostMeasured = 8;   // of these, to take amounts and factors from
+constexpr std::size_t mostCauses = 3;
+constexpr std::int64_t leastRows = 3; // that speak for an amount, a factor or a rounding
+constexpr double leastShare = 0.1;    // of the rows that a cause makes right
+
+double toleranceOf(const Comparison &c) {
+    return std::max(c.options.tolerance, 1e-9);
+}
+
+bool isClose(double expected, double found, double tolerance) {
+    return std::isfinite(expected) && std::isfinite(found) &&
+           std::abs(expected - found) <= tolerance * std::max(1.0, std::abs(expected));
+}
+
+// The shortest decimal number of the range; its middle if none has less than 16 digits.
+double shortestIn(const ScoreRange &range) {
+    const double middle = range.least + (range.most - range.least) / 2;
+    for (int digits = 1; digits < 16; ++digits) {
+        const double shown = withDigits(middle, digits);
+        if (shown >= range.least && shown <= range.most) return shown;
+    }
+    return middle;
+}
+
+double snapped(double number, double relative) {
+    const double slack = std::abs(number) * relative;
+    return shortestIn({number - slack, number + slack});
+}
+
+// --- Maps of numbers
+
+bool isRounded(double exact, double found, double step) {
+    const double steps = found / step;
+    return std::abs(found - exact) <= step / 2 * (1 + 1e-9) + 1e-12 &&
+           std::abs(steps - std::round(steps)) <= 1e-3;
+}
+
+bool fitsRounded(const NumberMap &map, double exact, double found, double tolerance) {
+    switch (map.rounding) {
+    case Rounding::None:
+        return isClose(exact, found, tolerance);
+    case Rounding::Decimals:
+        return isRounded(exact, found, std::pow(10.0, -map.places));
+    case Rounding::Digits: {
+        if (exact == 0) return found == 0;
+        const double magnitude = std::floor(std::log10(std::abs(exact))) + 1;
+        return isRounded(exact, found, std::pow(10.0, magnitude - map.places));
+    }
+    case Rounding::Single:
+        return inSinglePrecision(exact) == inSinglePrecision(found);
+    }
+    return false;
+}
+
+// `own` and `other` are the model's numbers.
+bool fits(const Comparison &c, const NumberMap &map, const Prediction &model, bool isScore,
+          double found) {
+    const double own = isScore ? model.score : model.probability;
+    const double other = isScore ? model.probability : model.score;
+    double exact = map.add + map.times * own;
+    if (map.form == Form::Other) exact = other;
+    if (map.form == Form::Logistic) exact = 1 / (1 + std::exp(-map.times * model.score));
+    if (map.form == Form::Through) exact = probabilityOf(c.card, map.add + map.times * model.score);
+    return fitsRounded(map, exact, found, toleranceOf(c));
+}
+
+struct Sample {
+    const Comparison &c;
+    std::vector<const DifferingRow *> rows = {};
+    std::vector<NumberMap> scores = {};
+    std::vector<NumberMap> probabilities = {};
+};
+
+double numberOf(const Prediction &prediction, bool isScore) {
+    return isScore ? prediction.score : prediction.probability;
+}
+
+// The decimals and the significant digits of the shortest text of a number.
+std::pair<int, int> placesOf(double number) {
+    char text[32];
+    const auto end = std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
+    const std::string_view shown(text, static_cast<std::size_t>(end - text));
+    const std::size_t exponentAt = shown.find('e');
+    int exponent = 0;
+    const std::string_view power =
+        shown.substr(exponentAt + (shown[exponentAt + 1] == '+' ? 2 : 1));
+    std::from_chars(power.data(), power.data() + power.size(), exponent);
+    const auto digits = static_cast<int>(std::ranges::count_if(
+        shown.substr(0, exponentAt), [](char d) { return d >= '0' && d <= '9'; }));
+    return {std::max(0, digits - 1 - exponent), digits};
+}
+
+// The roundings that the measured numbers of results may show.
+std::vector<NumberMap> roundingsOf(const Sample &sample, bool isScore) {
+    constexpr int mostDigits = 12; // that a rounded number shows
+    int decimals = -1;
+    int digits = 0;
+    bool isSingle = true;
+    for (std::size_t i = 0; i < std::min(sample.rows.size(), mostMeasured); ++i) {
+        const double found = numberOf(sample.rows[i]->found, isScore);
+        if (!std::isfinite(found)) continue;
+        isSingle = isSingle && inSinglePrecision(found) == found;
+        const auto [places, significant] = placesOf(found);
+        if (significant > mostDigits) continue;
+        decimals = std::max(decimals, places);
+        digits = std::max(digits, significant);
+    }
+    std::vector<NumberMap> roundings;
+    if (decimals >= 0) {
+        roundings.push_back({.rounding = Rounding::Decimals, .places = decimals, .rank = 2});
+        roundings.push_back({.rounding = Rounding::Digits, .places = digits, .rank = 3});
+    }
+    if (isSingle || digits >= 7) roundings.push_back({.rounding = Rounding::Single, .rank = 2});
+    return roundings;
+}
+
+// Adds each form plain and rounded.
+void addForms(std::vector<NumberMap> &maps, std::span<const NumberMap> forms,
+              std::span<const NumberMap> roundings) {
+    for (const NumberMap &form : forms) {
+        maps.push_back(form);
+        for (const NumberMap &rounding : roundings) {
+            NumberMap map = form;
+            map.rounding = rounding.rounding;
+            map.places = rounding.places;
+            map.rank += rounding.rank;
+            maps.push_back(map);
+        }
+    }
+}
+
+// The amounts, factors and straight lines that lead from the model's number to that of a result.
+std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
+    constexpr double rounding = 1e-10;
+    std::vector<NumberMap> maps;
+    const std::size_t count = std::min(sample.rows.size(), mostMeasured);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double expected = numberOf(sample.rows[i]->expected, isScore);
+        const double found = numberOf(sample.rows[i]->found, isScore);
+        if (!std::isfinite(expected) || !std::isfinite(found)) continue;
+        const double slack = rounding * std::max({1.0, std::abs(expected), std::abs(found)});
+        maps.push_back(
+            {.add = shortestIn({found - expected - slack, found - expected + slack}), .rank = 4});
+        if (expected != 0) {
+            maps.push_back({.times = snapped(found / expected, rounding), .rank = 5});
+        }
+        const DifferingRow &next = *sample.rows[(i + 1) % count];
+        const double run = numberOf(next.expected, isScore) - expected;
+        const double times = snapped((numberOf(next.found, isScore) - found) / run, rounding);
+        if (run == 0 || !std::isfinite(times)) continue;
+        const double add = found - times * expected;
+        const double about =
+            rounding * std::max({1.0, std::abs(found), std::abs(times * expected)});
+        maps.push_back({.add = shortestIn({add - about, add + about}), .times = times, .rank = 8});
+    }
+    return maps;
+}
+
+// The scores that may have the result's probability; a single one where the model is logistic.
+ScoreRange scoresBehind(const Comparison &c, const Prediction &found) {
+    const Deviations none = {{}, c.options.target, c.options.sql};
+    const double tolerance = toleranceOf(c);
+    const double p = found.probability;
+    if (c.card.table.exists || !(p > tolerance && p < 1 - tolerance)) {
+        return scoresWithProbability(c.card, p, tolerance, none);
+    }
+    const auto inverse = [](double q) { return std::log(q / (1 - q)); };
+    return {inverse(p - tolerance), inverse(p + tolerance)};
+}
+
+// What the result's score is off by; any amount where the result does not tell.
+ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
+    if (!std::isfinite(row.expected.score)) return {-HUGE_VAL, HUGE_VAL};
+    if (!c.options.hasScore()) {
+        const ScoreRange range = scoresBehind(c, row.found);
+        return {range.least - row.expected.score, range.most - row.expected.score};
+    }
+    const double amount = row.found.score - row.expected.score;
+    const double slack = toleranceOf(c) * std::max(1.0, std::abs(row.expected.score));
+    return std::isnan(amount) ? ScoreRange{HUGE_VAL, -HUGE_VAL}
+                              : ScoreRange{amount - slack, amount + slack};
+}
+
+ScoreRange common(const ScoreRange &a, const ScoreRange &b) {
+    return {std::max(a.least, b.least), std::min(a.most, b.most)};
+}
+
+// Amounts by which probabilities alone show that their scores are off.
+void addAmountsBehind(Sample &sample) {
+    for (std::size_t i = 0; i < std::min(sample.rows.size(), mostMeasured); ++i) {
+        ScoreRange amount = amountOf(sample.c, *sample.rows[i]);
+        for (const DifferingRow *const row : sample.rows) {
+            const ScoreRange both = common(amount, amountOf(sample.c, *row));
+            if (both.least <= both.most) amount = both;
+        }
+        if (!std::isfinite(amount.least) || !std::isfinite(amount.most)) continue;
+        sample.probabilities.push_back(
+            {.form = Form::Through, .add = shortestIn(amount), .rank = 4});
+    }
+}
+
+// Whether it makes enough of the sample right to be worth a closer look.
+bool isWorthTrying(const Sample &sample, const NumberMap &map, bool isScore) {
+    const auto isRight = [&](const DifferingRow *row) {
+        return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
+    };
+    const auto right = std::ranges::count_if(sample.rows, isRight);
+    return static_cast<double>(right) >= leastShare * static_cast<double>(sample.rows.size());
+}
+
+void findMaps(Sample &sample) {
+    const RowOptions &options = sample.c.options;
+    const bool hasProbability = sample.c.card.hasProbability();
+    constexpr NumberMap same = {};
+    constexpr NumberMap scoreForms[] = {
+        same, {.times = -1, .rank = 1}, {.form = Form::Other, .rank = 1}};
+    constexpr NumberMap probabilityForms[] = {same,
+                                              {.times = 100, .rank = 1},
+                                              {.times = 0.01, .rank = 1},
+                                              {.add = 1, .times = -1, .rank = 1},
+                                              {.form = Form::Other, .rank = 1},
+                                              {.form = Form::Through, .times = -1, .rank = 1},
+                                              {.form = Form::Logistic, .rank = 1},
+                                              {.form = Form::Logistic, .times = -1, .rank = 2}};
+    const auto keepWorthy = [&](std::vector<NumberMap> &maps, bool isScore) {
+        std::erase_if(maps, [&](const NumberMap &map) {
+            const bool lacksOther = map.form == Form::Other && !hasProbability;
+            return lacksOther || !isWorthTrying(sample, map, isScore);
+        });
+    };
+    if (options.hasScore()) {
+        addForms(sample.scores, scoreForms, roundingsOf(sample, true));
+        std::ranges::copy(measuredOf(sample, true), std::back_inserter(sample.scores));
+        keepWorthy(sample.scores, true);
+    }
+    if (options.hasProbability()) {
+        addForms(sample.probabilities, probabilityForms, roundingsOf(sample, false));
+        std::ranges::copy(measuredOf(sample, false), std::back_inserter(sample.probabilities));
+        for (NumberMap map : sample.scores) {
+            if (map.form != Form::Linear || map.rounding != Rounding::None || map.isSame())
+                continue;
+            map.form = Form::Through;
+            map.rank = 0; // the probability follows the score
+            sample.probabilities.push_back(map);
+        }
+        if (!options.hasScore()) addAmountsBehind(sample);
+        keepWorthy(sample.probabilities, false);
+    }
+    for (auto *const maps : {&sample.scores, &sample.probabilities}) {
+        if (maps->empty()) maps->push_back({.rank = 100}); // is not compared, or fits nothing
+    }
+}
+
+bool isRight(const Comparison &c, const Cause &cause, const DifferingRow &row) {
+    return (!c.options.hasScore() || fits(c, cause.score, row.expected, true, row.found.score)) &&
+           (!c.options.hasProbability() ||
+            fits(c, cause.probability, row.expected, false, row.found.probability));
+}
+
+// How many rows have to speak for the maps: more than they were made of.
+std::int64_t neededFor(const Cause &cause) {
+    const auto isPlain = [](const NumberMap &map) { return map.rank % 100 < 2; };
+    return isPlain(cause.score) && isPlain(cause.probability)     ? 1
+           : cause.score.rank >= 8 || cause.probability.rank >= 8 ? leastRows + 1
+                                                                  : leastRows;
+}
+
+// The maps of score and probability that make most of the sample right.
+Cause bestMaps(const Sample &sample) {
+    Cause best;
+    int leastRank = 0;
+    for (const NumberMap &score : sample.scores) {
+        for (const NumberMap &probability : sample.probabilities) {
+            if (score.isSame() && probability.isSame()) continue; // the rows differ
+            Cause cause = {.score = score, .probability = probability};
+            cause.rows = std::ranges::count_if(sample.rows, [&](const DifferingRow *row) {
+                return isRight(sample.c, cause, *row);
+            });
+            const int rank = score.rank + probability.rank;
+            if (cause.rows < best.rows || (cause.rows == best.rows && rank >= leastRank)) continue;
+            best = cause;
+            leastRank = rank;
+        }
+    }
+    return best;
+}
+
+bool speaksFor(std::int64_t rows, std::size_t of) {
+    return static_cast<double>(rows) >= leastShare * static_cast<double>(of);
+}
+
+// Takes the rows that each cause makes right from the rest.
+std::vector<Cause> mapsOf(const Comparison &c) {
+    std::vector<Cause> causes;
+    std::vector<const DifferingRow *> rest;
+    for (const DifferingRow &row : c.differing) rest.push_back(&row);
+    while (!rest.empty() && causes.size() < mostCauses) {
+        Sample sample = {c};
+        const std::size_t count = std::min(rest.size(), mostSampled);
+        // Rows of the whole file, also the first of them, which are measured.
+        constexpr std::size_t stride = 67; // a prime above mostSampled
+        for (std::size_t i = 0; i < count; ++i) {
+            sample.rows.push_back(rest[i * stride % count * rest.size() / count]);
+        }
+        findMaps(sample);
+        Cause cause = bestMaps(sample);
+        if (cause.rows == 0) break;
+        const std::size_t before = rest.size();
+        std::erase_if(rest, [&](const DifferingRow *row) { return isRight(c, cause, *row); });
+        cause.rows = static_cast<std::int64_t>(before - rest.size());
+        if (cause.rows < neededFor(cause) || !speaksFor(cause.rows, c.differing.size())) break;
+        causes.push_back(cause);
+    }
+    return causes;
+}
+
+// --- Positions
+
+struct PointsFit {
+    std::int64_t rows = 0;
+    std::vector<std::pair<std::size_t, double>> amounts = {};
+    std::vector<ScoreRange> ranges = {};
+};
+
+// The amounts by which the positions of a recoding differ, each in all of its rows. A probability
+// alone may be right although its score is off.
+PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
+                std::span<const std::int64_t> all) {
+    PointsFit fit;
+    std::size_t reached = 0;
+    ScoreRange shared = {-HUGE_VAL, HUGE_VAL};
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        const PositionRows &rows = positions[i];
+        const std::int64_t equal = all[i] - rows.others - rows.agree - rows.disagree;
+        const std::int64_t against = rows.disagree + (c.options.hasScore() ? equal : 0);
+        reached += all[i] > rows.others ? 1 : 0;
+        const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
+        if (rows.agree == 0 || !isMoved || 9 * against > rows.agree) continue;
+        fit.rows += rows.agree;
+        fit.amounts.emplace_back(i, shortestIn(rows.amount));
+        fit.ranges.push_back(rows.amount);
+        shared = common(shared, rows.amount);
+    }
+    // The same amount everywhere says nothing about the recoding.
+    const bool isShared = fit.amounts.size() > 1 || reached < 2;
+    if (isShared && shared.least <= shared.most) fit.rows = 0;
+    return fit;
+}
+
+// The coefficient with which all positions that rows reach differ as they do; NaN if none does.
+double coefficientOf(const Recoding &recoding, std::span<const PositionRows> positions,
+                     std::span<const std::int64_t> all, const PointsFit &fit) {
+    ScoreRange change = {-HUGE_VAL, HUGE_VAL};
+    std::size_t next = 0; // of the amounts
+    for (std::size_t i = 0; i < positions.size(); ++i) {
+        const double y = recoding.y[i];
+        const bool isMoved = next < fit.amounts.size() && fit.amounts[next].first == i;
+        if (all[i] > positions[i].others && isMoved != (y != 0)) return noNumber;
+        if (!isMoved) continue;
+        const auto [a, b] = std::minmax({fit.ranges[next].least / y, fit.ranges[next].most / y});
+        change = common(change, {a, b});
+        ++next;
+    }
+    if (!(change.least <= change.most) || next < 2) return noNumber;
+    return shortestIn({recoding.coefficient + change.least, recoding.coefficient + change.most});
+}
+
+std::vector<Cause> pointsOf(const Comparison &c,
+                            std::span<const std::vector<std::int64_t>> positions) {
+    std::vector<Cause> causes;
+    for (std::size_t i = 0; i < c.positionRows.size(); ++i) {
+        const PointsFit fit = fitOf(c, c.positionRows[i], positions[i]);
+        const auto evidence = fit.rows - std::ssize(fit.amounts);
+        const bool isLikely = 2 * fit.rows > std::ssize(c.differing);
+        if (evidence < leastRows - 1 || !isLikely) continue;
+        Cause cause = {.kind = Cause::Kind::Points, .rows = fit.rows, .recoding = i};
+        cause.amounts = fit.amounts;
+        cause.coefficient =
+            coefficientOf(c.card.recodings[i], c.positionRows[i], positions[i], fit);
+        if (!std::isnan(cause.coefficient)) cause.kind = Cause::Kind::Coefficient;
+        causes.push_back(cause);
+    }
+    // The one that assumes least comes first.
+    std::ranges::stable_sort(causes, {}, [](const Cause &cause) {
+        const bool isPoints = cause.kind == Cause::Kind::Points;
+        return std::pair(-cause.rows, isPoints ? cause.amounts.size() : 1);
+    });
+    if (causes.size() > mostCauses) causes.resize(mostCauses);
+    return causes;
+}
+
+// --- Order
+
+// How many rows would be right if the results of one row were those of the next, or the reverse.
+Cause shiftOf(const Comparison &c, bool isLess) {
+    Cause cause = {.kind = isLess ? Cause::Kind::NextRow : Cause::Kind::RowBefore};
+    for (std::size_t i = 0; i + 1 < c.differing.size(); ++i) {
+        const DifferingRow &row = c.differing[i];
+        const DifferingRow &next = c.differing[i + 1];
+        if (next.row != row.row + 1) continue;
+        const DifferingRow &from = isLess ? row : next;
+        if (!matches(c, (isLess ? next : row).expected, from.found)) continue;
+        if (cause.rows++ == 0) cause.row = row.row;
+    }
+    return cause;
+}
+
+Cause orderOf(const Comparison &c) {
+    Cause cause = {.kind = Cause::Kind::Order};
+    const bool isScore = c.options.hasScore();
+    const auto less = [&](const Prediction &a, const Prediction &b) {
+        return numberOf(a, isScore) < numberOf(b, isScore);
+    };
+    std::vector<Prediction> expected;
+    std::vector<Prediction> found;
+    for (const DifferingRow &row : c.differing) {
+        if (!std::isnan(numberOf(row.expected, isScore))) expected.push_back(row.expected);
+        if (!std::isnan(numberOf(row.found, isScore))) found.push_back(row.found);
+    }
+    std::ranges::sort(expected, less);
+    std::ranges::sort(found, less);
+    for (std::size_t i = 0, j = 0; i < expected.size() && j < found.size();) {
+        if (matches(c, expected[i], found[j])) {
+            ++cause.rows;
+            ++i;
+            ++j;
+        } else {
+            ++(less(expected[i], found[j]) ? i : j);
+        }
+    }
+    return cause;
+}
+
+// Titles that both files have, but for those of the model and of the results' numbers.
+QStringList keysOf(const Comparison &c, const CsvReader &rows) {
+    constexpr qsizetype most = 3;
+    QStringList keys;
+    QStringList others = {c.options.score, c.options.probability};
+    const QStringList titles = rows.titlesOfFile();
+    for (const QString &column : c.card.columns) others.append(column);
+    others.sort();
+    QStringList theirs = c.reader.titlesOfFile();
+    theirs.sort();
+    for (const QString &title : titles) {
+        const bool isOther = std::ranges::binary_search(others, title);
+        if (isOther || title.isEmpty() || !std::ranges::binary_search(theirs, title)) continue;
+        if (keys.size() < most) keys.push_back(title);
+    }
+    return keys;
+}
+
+std::vector<Cause> joinsOf(const Comparison &c) {
+    std::vector<Cause> causes;
+    if (!c.options.key.isEmpty()) return causes;
+    const std::int64_t needed = std::max<std::int64_t>(2, std::ssize(c.differing) * 9 / 10);
+    for (const Cause &cause : {shiftOf(c, true), shiftOf(c, false), orderOf(c)}) {
+        if (cause.rows >= needed && causes.empty()) causes.push_back(cause);
+    }
+    return causes;
+}
+
+// --- Cells
+
+bool isRightBeside(const Comparison &c, std::span<const std::vector<double> *const> columns,
+                   double score, const Prediction &found) {
+    if (columns.empty()) {
+        return (!c.options.hasScore() || isNear(c, score, found.score)) &&
+               matches(c, {score, probabilityOf(c.card, score)}, found);
+    }
+    return isRightBeside(c, columns.subspan(1), score, found) ||
+           std::ranges::any_of(*columns[0], [&](double change) {
+               return isRightBeside(c, columns.subspan(1), score + change, found);
+           });
+}
+
+} // namespace
+
+void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
+    if (c.positionRows.empty()) {
+        for (const Recoding &recoding : c.card.recodings) {
+            c.positionRows.emplace_back(recoding.y.size());
+        }
+    }
+    const bool isKept = row && c.differing.size() < mostKept;
+    if (isKept) c.differing.push_back(*row);
+    const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{0, 0};
+    for (std::size_t i = 0; i < recoded.size(); ++i) {
+        PositionRows &rows = c.positionRows[i][recoded[i].position];
+        const ScoreRange both = common(rows.amount, amount);
+        if (!isKept) {
+            ++rows.others;
+        } else if (both.least <= both.most) {
+            rows.amount = both;
+            ++rows.agree;
+            ++rows.votes;
+        } else if (rows.votes > 0) {
+            --rows.votes;
+            ++rows.disagree;
+        } else {
+            rows.amount = amount;
+            rows.disagree += std::exchange(rows.agree, 1);
+            rows.votes = 1;
+        }
+    }
+}
+
+std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell,
+                                  std::span<const Recoded> meant) {
+    std::vector<double> changes;
+    if (!cell.isNumber || !std::isfinite(cell.number)) return changes;
+    for (const double to : {-HUGE_VAL, HUGE_VAL}) {
+        Cell beside = cell;
+        beside.number = std::nextafter(cell.number, to);
+        double change = 0;
+        for (const std::size_t i : card.recodingsOf[column]) {
+            const Recoding &recoding = card.recodings[i];
+            if (recoding.variable->isCategorical) continue;
+            const double score = recode(recoding, beside).score;
+            change += recoding.coefficient * (score - meant[recoding.rank].score);
+        }
+        if (change != 0) changes.push_back(change);
+    }
+    return changes;
+}
+
+bool isRightByLastDigit(const Comparison &c, std::span<const CellFacts *const> cells, double score,
+                        const Prediction &found) {
+    constexpr std::size_t mostBeside = 6; // columns, of whose cells all combinations are tried
+    std::vector<const std::vector<double> *> columns;
+    for (const CellFacts *const cell : cells) {
+        if (!cell->beside.empty() && columns.size() < mostBeside) columns.push_back(&cell->beside);
+    }
+    return !columns.empty() && isRightBeside(c, columns, score, found);
+}
+
+std::vector<Cause> causesOf(const Comparison &c,
+                            std::span<const std::vector<std::int64_t>> positions,
+                            const CsvReader &rows) {
+    std::vector<Cause> causes = mapsOf(c);
+    std::vector<Cause> points = pointsOf(c, positions);
+    // An amount that not all rows of the file differ by is rather that of some value.
+    const bool isPlain = !causes.empty() && neededFor(causes[0]) == 1;
+    const bool pointsFirst = !points.empty() && !isPlain && c.result.equal > 0 &&
+                             (causes.empty() || points[0].rows >= causes[0].rows);
+    if (pointsFirst) {
+        causes = std::move(points);
+    } else if (causes.empty() || causes[0].rows < std::ssize(c.differing)) {
+        std::ranges::move(points, std::back_inserter(causes));
+    }
+    const auto lastDigits = std::ranges::count_if(c.differing, &DifferingRow::isLastDigit);
+    if (lastDigits > 0 && speaksFor(lastDigits, c.differing.size())) {
+        causes.insert(causes.begin(), {.kind = Cause::Kind::LastDigit, .rows = lastDigits});
+    }
+    const auto isWhole = [&](const Cause &cause) { return cause.rows == std::ssize(c.differing); };
+    if (std::ranges::none_of(causes, isWhole)) {
+        std::ranges::move(joinsOf(c), std::back_inserter(causes));
+    }
+    std::ranges::stable_sort(causes, std::greater(), &Cause::rows);
+    // Of what one cause makes right, others happen to make some right too.
+    std::erase_if(causes, [most = causes.empty() ? 0 : causes[0].rows](const Cause &cause) {
+        return 2 * cause.rows < most;
+    });
+    if (causes.size() > mostCauses) causes.resize(mostCauses);
+    const bool isJoin = std::ranges::any_of(
+        causes, [](const Cause &cause) { return cause.kind >= Cause::Kind::NextRow; });
+    const bool isUneven = c.result.missing.rows > 0 || c.result.extra.rows > 0;
+    const bool mayNeedKey = c.options.key.isEmpty() && (isJoin || isUneven);
+    const QStringList keys = mayNeedKey ? keysOf(c, rows) : QStringList();
+    if (!keys.empty()) causes.push_back({.kind = Cause::Kind::KeyColumn, .texts = keys});
+    return causes;
+}

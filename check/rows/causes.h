@@ -1,0 +1,89 @@
+// What the rows without explanation look like as a whole: one cause that makes many of them right.
+#pragma once
+
+#include "check/rows/cell_effects.h"
+
+#include <QStringList>
+
+#include <vector>
+
+struct Comparison;
+class CsvReader;
+
+// What results hold in place of a number of the model.
+struct NumberMap {
+    enum class Form : std::uint8_t {
+        Linear,   // add + times * the number; by default the number itself
+        Other,    // the other number: the probability in place of the score, or the reverse
+        Logistic, // the logistic function of times * the score
+        Through,  // the probability of the score add + times * the score
+    };
+    enum class Rounding : std::uint8_t { None, Decimals, Digits, Single };
+
+    Form form = Form::Linear;
+    double add = 0;
+    double times = 1;
+    Rounding rounding = Rounding::None;
+    int places = 0; // decimals or digits
+    int rank = 0;   // how much it assumes: the simpler one is told where both fit
+
+    bool isSame() const {
+        return form == Form::Linear && add == 0 && times == 1 && rounding == Rounding::None;
+    }
+};
+
+struct Cause {
+    enum class Kind : std::uint8_t {
+        Numbers,     // `score` and `probability` map them
+        Points,      // `amounts` are added at positions of a recoding
+        Coefficient, // a recoding has this one
+        LastDigit,   // numeric cells were read as the double below or above
+        NextRow,     // from `row` on the results are those of the next row,
+        RowBefore,   // or of the row before
+        Order,       // the same numbers in another order
+        KeyColumn,   // `texts` are titles of columns in both files that might be the key
+        KeyText,     // `texts` are a key of the rows and the same number as the results write it
+    };
+    Kind kind = Kind::Numbers;
+    std::int64_t rows = 0; // without explanation that it makes right
+    NumberMap score = {}, probability = {};
+    std::size_t recoding = 0;
+    std::vector<std::pair<std::size_t, double>> amounts = {}; // by position
+    double coefficient = 0;
+    std::int64_t row = 0;
+    QStringList texts = {};
+};
+
+// A row without explanation.
+struct DifferingRow {
+    Prediction expected;
+    Prediction found;
+    std::int64_t row = 0; // from 1
+    bool isLastDigit = false;
+};
+
+// The rows of one position of a recoding that are not as the model says.
+struct PositionRows {
+    std::int64_t others = 0; // that are explained or have no result
+    std::int64_t agree = 0;  // that may differ by any amount within `amount`, without explanation
+    std::int64_t disagree = 0;
+    std::int64_t votes = 0; // for the amount, of which that of most rows stays
+    ScoreRange amount = {-HUGE_VAL, HUGE_VAL};
+};
+
+// To be called for each row that is without explanation, or whose cells count as `others`.
+void noteRow(Comparison &comparison, std::span<const Recoded> recoded, const DifferingRow *row);
+
+// What the double below the cell and the one above it would change in the score, as far as they do.
+std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell,
+                                  std::span<const Recoded> meant);
+
+// Whether the row is right where some of its cells are read one digit off.
+bool isRightByLastDigit(const Comparison &comparison, std::span<const CellFacts *const> cells,
+                        double score, const Prediction &found);
+
+// The causes that fit best, the most likely first. `positions` are all rows by recodings and
+// positions, and `rows` is the reader of the rows.
+std::vector<Cause> causesOf(const Comparison &comparison,
+                            std::span<const std::vector<std::int64_t>> positions,
+                            const CsvReader &rows);

@@ -1,0 +1,38 @@
+// Writes CSV files of numbers and texts, in blocks.
+#pragma once
+
+#include "model/output_file.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+class CsvWriter {
+public:
+    // Returns an error message; empty on success.
+    QString open(const QString &fileName, char delimiter);
+    bool isOpen() const { return file.stream != nullptr; }
+
+    // Cells of a row; quoted where they have to be. NaN is an empty cell.
+    void put(std::string_view cell);
+    void put(double number);
+    void put(std::int64_t number);
+    void endRow();
+
+    // Returns an error message; empty on success, or if it was not opened.
+    QString close();
+
+private:
+    char *roomFor(std::size_t size);
+    void putDelimiter();
+    void flush();
+
+    QString name;
+    char delimiter = ',';
+    bool isInRow = false;
+    OutputFile file;
+    std::vector<char> text;
+    std::size_t used = 0;
+};

@@ -1,0 +1,161 @@
+"""What scorewright-check says of a damaged deployment as a whole: each cause, and what only looks like it."""
+
+import csv
+import json
+import math
+import struct
+import unittest
+
+from engines import CheckedTest
+from support import categorical, document, numeric
+
+TABLE = [(6, 0.99), (2.125, 0.61), (-1, 0.17), (-5, 0.02)]
+RECODINGS = [numeric(1, "n", [1 / 3, 2, 5], [0.0625, -1.37, 0.51, 1.93, 2.71]), categorical(2, "c", ["a", "b"], [0.11, -0.71, 1.23]),
+             numeric(3, "m", [10, 20], [0, 0.43, -0.29, 0.83])]
+NUMBERS = {"n": ["", "0.25", f"{1 / 3}", "1.5", "3", "7"], "c": ["", "a", "b"], "m": ["", "5", "20", "30"]}
+ROWS = [(n, c, m) for n in NUMBERS["n"] for c in NUMBERS["c"] for m in NUMBERS["m"]]
+
+
+def probability(score):
+    if score > TABLE[0][0]:
+        return TABLE[0][1]
+    for (x1, y1), (x0, y0) in zip(TABLE, TABLE[1:]):
+        if score > x0:
+            return y0 + (score - x0) * (y1 - y0) / (x1 - x0)
+    return TABLE[-1][1]
+
+
+def single(number):
+    return struct.unpack("f", struct.pack("f", number))[0]
+
+
+class CausesTest(CheckedTest):
+    def setUp(self):
+        super().setUp()
+        self.write("m.ModelXml", document(RECODINGS, [(1, 1.1), (2, -0.9), (3, 0.7)], 0.37, table=TABLE, target="y"))
+        self.write("rows.csv", "".join(f"{line}\n" for line in ["id,n,c,m", *(f"{i:03},{','.join(row)}" for i, row in enumerate(ROWS))]))
+        self.check("m.ModelXml", "--rows", "rows.csv", "--scores", "scores.csv")
+        with open(self.folder / "scores.csv", encoding="ascii") as file:
+            self.meant = [(float(row["score"]), float(row["probability"])) for row in csv.DictReader(file)]
+
+    def compare(self, results, *more, columns=("score", "probability"), keys=False):
+        self.write("results.csv", "".join(f"{line}\n" for line in [
+            ",".join(["id", "score", "probability"]), *(f"{i},{','.join(map(str, row))}" for i, row in enumerate(results))]))
+        named = [f"--{column}={column}" for column in columns]
+        return self.report("m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sas", *named, *more)["comparison"]
+
+    def through(self, change):
+        """Results whose score is changed, with the probability of that score."""
+        return [(score, probability(score)) for score in map(change, *zip(*[(score, *row) for (score, _), row in zip(self.meant, ROWS)]))]
+
+    def test_causes(self):
+        """The cause that is told first, with its rows and words; without a name, none is told."""
+        meant = self.meant
+        moved = [(score - 0.18 * (row[1] == "b"), p) for (score, p), row in zip(meant, ROWS)]
+        both = ("score", "probability")
+        for name, results, columns, expected in [
+            ("a constant", self.through(lambda s, *_: s + 0.5), both, ("amount", 72, "the score plus 0.5; the probability of such a score")),
+            ("a constant, seen in probabilities", self.through(lambda s, *_: s - 0.25), ["probability"], ("amount", None, "the score minus 0.25; the prob")),
+            ("amounts of which no two are the same", [(s + i / 7, p) for i, (s, p) in enumerate(meant)], both, None),
+            ("two rows of one amount", [(s + 0.5 * (i in (7, 9)), p) for i, (s, p) in enumerate(meant)], both, None),
+            ("a turned sign", self.through(lambda s, *_: -s), both, ("factor", 72, "the score times -1; the probability of such a score")),
+            ("points", [(600 - 28.85 * s, p) for s, p in meant], both, ("linear", 72, "the score times -28.85 plus 600")),
+            ("per cent", [(s, 100 * p) for s, p in meant], both, ("factor", 72, "the probability times 100")),
+            ("per cent, rounded", [(s, round(100 * p, 1)) for s, p in meant], both, ("factor", 72, "the probability times 100, rounded to 1 decimal")),
+            ("almost per cent", [(s, (100 + i / 9) * p) for i, (s, p) in enumerate(meant)], both, None),
+            ("the other class", [(s, 1 - p) for s, p in meant], both, ("complement", 72, "1 minus the probability")),
+            ("exchanged columns", [(p, s) for s, p in meant], both, ("exchanged", 72, "score and probability exchanged")),
+            ("the other column", [(p, s) for s, p in meant], ["score"], ("other-number", 72, "the probability in place of the score")),
+            ("no table", [(s, 1 / (1 + math.exp(-s))) for s, _ in meant], both, ("logistic", 72, "the logistic function of the score in place of the table")),
+            ("decimals", [(round(s, 3), round(p, 2)) for s, p in meant], both, ("decimals", None, "the score, rounded to 3 decimals; the probability, rounded to 2")),
+            ("digits", [(float(f"{s:.3g}"), p) for s, p in meant], ["score"], ("digits", None, "the score, rounded to 3 digits")),
+            ("decimals that are cut off", [(math.floor(s * 8) / 8, p) for s, p in meant], ["score"], None),
+            ("32 bits", [(single(s), single(p)) for s, p in meant], both, ("single-precision", None, "the score, rounded to 32 bits; ")),
+            ("one value", moved, ["score"], ("points", 24, "other points of V2 c, 'b' by -0.18")),
+            ("one value, and two rows of something else", [(s + (i < 2) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
+             ("points", 24, "other points of V2 c, 'b' by -0.18")),
+            ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
+            ("one bin, seen in probabilities", self.through(lambda s, n, c, m: s + 0.21 * (m == "20")), ["probability"],
+             ("points", None, "other points of V3 m, [10, 20] by +0.21")),
+            ("a coefficient", [(s + 0.2 * {"": 0.0625, "0.25": -1.37, "1.5": 0.51, "3": 1.93, "7": 2.71}.get(row[0], 0.51), p)
+                               for (s, p), row in zip(meant, ROWS)], ["score"], ("coefficient", 72, "a coefficient of 1.3 for V1 n")),
+            ("another order", meant[::-1], both, ("other-order", None, "those of the rows in another order")),
+            ("a row less", meant[:20] + meant[21:], both, ("next-row", None, "those of the next row, from row 21 on")),
+            ("a row more", [*meant[:20], (9, 0.5), *meant[20:]], both, ("row-before", None, "those of the row before, from row 21 on")),
+            ("the last digit of a bound", [(s + 1.1 * (-1.37 - 0.51) * (row[0] == f"{1 / 3}"), p) for (s, p), row in zip(meant, ROWS)],
+             ["score"], ("last-digit", 12, "cells whose last digit was read otherwise")),
+        ]:
+            with self.subTest(name):
+                found = self.compare(results, columns=columns)
+                told = next((cause for cause in found["causes"] if not cause["cause"].startswith("key-")), None)
+                self.assertEqual(told and told["cause"], expected and expected[0], found["causes"])
+                if expected:
+                    self.assertTrue(told["detail"].startswith(expected[2]), told)
+                    self.assertIn(told["rows"], [expected[1], *[found["unexplained"], found["unexplained"] - 1, found["unexplained"] - 2] * (expected[1] is None)])
+
+    def test_keys(self):
+        """Keys that are written otherwise, a column that might be the key, and keys of results without a row."""
+        found = self.compare(self.meant, "--key", "id")
+        self.assertEqual((found["missing"], found["extra"]), (72, 72))
+        self.assertEqual([(cause["cause"], cause["rows"]) for cause in found["causes"]], [("key-text", 72)])
+        self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results")
+        printed = self.check("m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
+        self.assertIn("in the results only: 72 rows: 0, 1, 2, 3, 4, …\n", printed)
+        found = self.compare(self.meant[:10] + self.meant[11:])
+        self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
+
+    def test_summary(self):
+        """Of 72 rows, 70 are within 1e-6: one is off by 0.25, and one is no number."""
+        results = [(s + 2e-7, p) for s, p in self.meant]
+        results[3] = (results[3][0] + 0.25, results[3][1])
+        results[5] = ('"1,5"', "n/a")
+        found = self.compare(results, "--tolerance", "1e-6")
+        self.assertAlmostEqual(found["differences"]["score"].pop("largest"), 0.25 + 2e-7, 12)
+        self.assertAlmostEqual(found["differences"]["score"].pop("median"), 2e-7, 9)
+        self.assertEqual(found["differences"]["score"]["within"], {"1e-9": 0, "1e-6": 70 / 71, "1e-4": 70 / 71, "1e-2": 70 / 71})
+        self.assertEqual(found["unreadable"], [{"kind": "null", "cells": 1, "first": "n/a", "row": 6},
+                                               {"kind": "decimal-comma", "cells": 1, "first": "1,5", "row": 6}])
+        self.assertEqual(found["unexplained"], 2)
+        for text, kind in [("", "empty"), ("NULL", "null"), ("NaN", "nan"), ("1,234.5", "thousands"), ("5 %", "per-cent"), ("-0,5", "decimal-comma"),
+                           ("1 234.5", "thousands"), ("five", "other"), ("-", "null"), ("%", "other")]:
+            results[5] = (f'"{text}"', 0.5)
+            self.assertEqual([cells["kind"] for cells in self.compare(results)["unreadable"]], [kind], text)
+
+    def test_differences(self):
+        """A file of every row that is not as the model says, and of no other, that can be joined again."""
+        results = dict(enumerate(self.meant))
+        results[7] = (results[7][0] + 1 / 3, results[7][1])
+        results[30] = ("", "")
+        del results[50]
+        results[99] = (1, 0.5)
+        self.write("keyed.csv", "id,score,probability\n" + "".join(f"{key:03},{s},{p}\n" for key, (s, p) in results.items()))
+        status, printed, message = self.check("m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas",
+                                              "--score", "score", "--probability", "probability", "--differences", "d.csv", "--quiet")
+        self.assertEqual((status, message), (3, ""))
+        self.assertEqual(printed, "69 of 71 rows as the model says, 2 without explanation, 1 without a result, 1 in the results only; no findings\n")
+        meant = ["{},{}".format(*self.meant[row]) for row in (7, 30, 50)]
+        self.assertEqual((self.folder / "d.csv").read_text("ascii").splitlines(), [
+            "id,score,probability,result_score,result_probability,reason", f"007,{meant[0]},{results[7][0]},{results[7][1]},",
+            f"030,{meant[1]},,,", f"050,{meant[2]},,,", "099,,,1,0.5,"])
+
+    def test_acceptance(self):
+        """Accepted findings and the rows that they explain count for nothing, others for a status of 1."""
+        results = [(score, 0 if -5 < score <= -1 else p) for score, p in self.meant]  # as the target computes the lowest segment
+        self.write("results.csv", "score,probability\n" + "".join(f"{s},{p}\n" for s, p in results))
+        call = ["m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sql", "--score", "score", "--probability", "probability"]
+        status, printed, _ = self.check(*call, "--quiet")
+        explained = sum(-5 < score <= -1 for score, _ in self.meant)
+        self.assertGreater(explained, 5)
+        self.assertEqual((status, printed), (1, f"{72 - explained} of 72 rows as the model says, {explained} explained; 1 finding open\n"))
+        status, printed, _ = self.check(*call, "--accept", "capitals,lowest-segment", "--json")
+        found = json.loads(printed)
+        self.assertEqual((status, found["verdict"]), (0, "clean"))
+        self.assertEqual({finding["name"] for finding in found["findings"] if finding.get("accepted")}, {"lowest-segment"})
+        status, printed, _ = self.check(*call, "--accept", "lowest-segment")
+        self.assertIn("\naccepted: lowest-segment\n", printed)
+        for names, message in [("lowest-segmnt", "There is no finding 'lowest-segmnt'. 'lowest-segment' is meant?"), ("x", "There is no finding 'x'.")]:
+            self.assertEqual(self.check(*call, "--accept", names)[::2], (2, message + "\nscorewright-check --help tells the options.\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()
