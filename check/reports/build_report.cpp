@@ -14,18 +14,57 @@ QString titleOf(const Recoding &recoding) {
     return u"%1 %2"_s.arg(recoding.variable->name, recoding.variable->field);
 }
 
-QString intervalAt(std::span<const double> bounds, std::size_t position) {
+// The number that the bound at `place` is shown as: of up to 12 digits, if no number of up to 16
+// lies between the two, so that an interval up to the bound is one below this number. Else the
+// bound itself; so is the first, which belongs to the interval above it, and one that the next
+// bound follows too closely.
+double shownBound(std::span<const double> bounds, std::size_t place) {
+    const auto withDigits = [](double number, int digits) {
+        double rounded = noNumber;
+        readNumber(generalNumber(number, digits).view(), rounded);
+        return rounded;
+    };
+    const double bound = bounds[place];
+    const double shorter = withDigits(bound, 12);
+    const bool isLast = place + 1 == bounds.size();
+    if (place == 0 || !(shorter > bound) || std::isinf(shorter)) return bound;
+    if (!isLast && !(bounds[place + 1] >= shorter)) return bound;
+    double between = std::nextafter(shorter, bound);
+    while (between > bound && withDigits(between, 16) != between) {
+        between = std::nextafter(between, bound);
+    }
+    return between > bound ? bound : shorter;
+}
+
+// Sets the notation, where a bound is not shown as the document has it, unless it is set.
+QString intervalAt(std::span<const double> bounds, std::size_t position, QString &notation) {
     if (position == 0) return u"missing"_s;
     if (position == 1) return u"(-∞, %1)"_s.arg(numberText(bounds[0]));
     if (position > bounds.size() + 1) return u"never"_s;
-    if (position == bounds.size() + 1) return u"(%1, ∞)"_s.arg(numberText(bounds.back()));
-    // The first bound belongs to the interval above it, every other one to the interval below.
-    return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, numberText(bounds[position - 2]),
-                              numberText(bounds[position - 1]));
+    struct End {
+        QString text;
+        bool isBelow = false; // the interval below does not have it
+    };
+    const auto endAt = [&](std::size_t place) {
+        const double shown = shownBound(bounds, place);
+        const End end = {numberText(shown), shown > bounds[place]};
+        if (end.isBelow && notation.isEmpty()) {
+            notation = u"The document has %1] for %2): no number of up to 16 digits lies between "
+                       "them. The same holds for every bound before ), except the lowest of a "
+                       "recoding."_s.arg(numberText(bounds[place]), end.text);
+        }
+        return end;
+    };
+    const End from = endAt(position - 2);
+    const bool hasFrom = from.isBelow || (position == 2 && bounds.size() > 1);
+    const QString lower = (hasFrom ? u'[' : u'(') + from.text + u", "_s;
+    if (position == bounds.size() + 1) return lower + u"∞)"_s;
+    const End to = endAt(position - 1);
+    return lower + to.text + (to.isBelow ? u')' : u']');
 }
 
-QString valuesAt(const Recoding &recoding, std::size_t position) {
-    if (!recoding.variable->isCategorical) return intervalAt(recoding.x, position);
+QString valuesAt(const Recoding &recoding, std::size_t position, QString &notation) {
+    if (!recoding.variable->isCategorical) return intervalAt(recoding.x, position, notation);
     if (position == 0) return u"missing or not listed"_s;
     if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"never"_s;
     const auto quoted = [&](std::size_t i) {
@@ -41,7 +80,8 @@ QString valuesAt(const Recoding &recoding, std::size_t position) {
     return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
 }
 
-RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int64_t> *rows) {
+RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int64_t> *rows,
+                           QString &notation) {
     const Variable &variable = *recoding.variable;
     QStringList codes;
     for (const double code : recoding.codes) codes.prepend(numberText(code));
@@ -54,7 +94,7 @@ RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int6
                                .codes = codes.join(u", "_s)};
     section.positions.reserve(recoding.y.size());
     for (std::size_t i = 0; i < recoding.y.size(); ++i) {
-        section.positions.push_back({valuesAt(recoding, i), recoding.y[i],
+        section.positions.push_back({valuesAt(recoding, i, notation), recoding.y[i],
                                      recoding.coefficient * recoding.y[i], rows ? (*rows)[i] : 0});
     }
     return section;
@@ -113,7 +153,7 @@ ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
                           .hasProbability = card.hasProbability()};
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const auto *const rows = counts ? &counts->positions[i] : nullptr;
-        model.recodings.push_back(recodingOf(card.recodings[i], rows));
+        model.recodings.push_back(recodingOf(card.recodings[i], rows, model.notation));
     }
     model.points = pointsOf(model.recodings);
     for (std::size_t i = 0; i < card.table.x.size(); ++i) {
@@ -163,7 +203,8 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
 }
 
 // Of all recodings that have a coefficient, the largest first.
-std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row) {
+std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row,
+                                          QString &notation) {
     std::vector<Contribution> parts;
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const Recoding &recoding = card.recodings[i];
@@ -171,7 +212,7 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
         const Recoded &recoded = row.recoded[i];
         parts.push_back({titleOf(recoding), recoding.variable->field.toString(),
                          QString::fromStdString(row.cells[recoding.column]),
-                         valuesAt(recoding, recoded.position),
+                         valuesAt(recoding, recoded.position, notation),
                          recoding.coefficient * recoded.score});
     }
     std::ranges::stable_sort(parts, std::greater(),
@@ -189,7 +230,8 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     if (!found.comparison) return report;
     report.counts = countsOf(*found.comparison);
     for (const ComparedRow &row : found.comparison->worst) {
-        report.contributions.push_back(contributionsOf(card, row));
+        report.contributions.push_back(contributionsOf(card, row, report.notation));
     }
+    if (!report.notation.isEmpty() && isWhole) report.notation = report.model.notation;
     return report;
 }

@@ -51,6 +51,7 @@ struct ModelSection {
 // Findings of one kind.
 struct FindingGroup {
     const FindingKind *kind = nullptr;
+    QString notation = {};              // of intervals whose bounds are shown shorter; else empty
     Targets targets = 0; // of all of them
     std::span<const Finding> findings = {};
 };
@@ -94,6 +95,7 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole);
 // --- Printers
 
 // The model as a person reads a scorecard.
+    QString notation = {}; // the same sentence as the model's, for the contributions
 void putModel(TextBuffer &out, const ModelSection &model);
 // Findings, rows and comparison.
 void putText(TextBuffer &out, const Report &report);
