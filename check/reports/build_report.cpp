@@ -222,6 +222,31 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
 
 } // namespace
 
+std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount) {
+    const double step = (scale.to - scale.from) / most;
+    if (!std::isnormal(step)) return {};
+    // Texts, so that each number is the nearest to a decimal one.
+    const auto numberOf = [](std::int64_t digits, int exponent) {
+        double number = noNumber;
+        readNumber(std::to_string(digits) + 'e' + std::to_string(exponent), number);
+        return number;
+    };
+    const int least = static_cast<int>(std::floor(std::log10(step)));
+    for (int exponent = isCount ? std::max(least, 0) : least;; ++exponent) {
+        for (const int factor : {1, 2, 5}) {
+            const double width = numberOf(factor, exponent);
+            const auto first = static_cast<std::int64_t>(std::ceil(scale.from / width));
+            const auto last = static_cast<std::int64_t>(std::floor(scale.to / width));
+            if (last - first > most) continue;
+            std::vector<Tick> ticks;
+            for (std::int64_t i = first; i <= last; ++i) {
+                ticks.push_back({numberOf(i * factor, exponent), i % 2 != 0});
+            }
+            return ticks;
+        }
+    }
+}
+
 Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     Report report = {.found = found,
                      .model = isWhole ? modelOf(card, found.counts)

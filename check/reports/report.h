@@ -36,12 +36,22 @@ struct Scale {
     }
 };
 
+// A labelled place on an axis.
+struct Tick {
+    double value = 0;
+    bool isMinor = false; // the axis is also complete without it
+};
+// Up to `most` steps of 1, 2 or 5 times a power of ten, of at least 1 on an axis of counts. Empty
+// for a scale without extent or of infinite extent.
+std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount = false);
+
 struct ModelSection {
     QString file = {}, version = {}, target = {}, kind = {};
     std::int64_t columns = 0;
     double constant = 0;
     bool isLogistic = false, hasTable = false, hasProbability = false;
     std::vector<RecodingSection> recodings = {};
+    QString notation = {};              // of intervals whose bounds are shown shorter; else empty
     Scale points = {};                  // of all positions, and 0
     std::vector<Prediction> table = {}; // its points
     Scale scores = {};                  // of the table and the rows
@@ -51,7 +61,6 @@ struct ModelSection {
 // Findings of one kind.
 struct FindingGroup {
     const FindingKind *kind = nullptr;
-    QString notation = {};              // of intervals whose bounds are shown shorter; else empty
     Targets targets = 0; // of all of them
     std::span<const Finding> findings = {};
 };
@@ -86,6 +95,7 @@ struct Report {
     std::vector<FindingGroup> groups = {};
     std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
     std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
+    QString notation = {}; // the same sentence as the model's, for the contributions
 };
 
 // A report that is not whole has of the model its file alone: putModel() and putPage() need the
@@ -95,7 +105,6 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole);
 // --- Printers
 
 // The model as a person reads a scorecard.
-    QString notation = {}; // the same sentence as the model's, for the contributions
 void putModel(TextBuffer &out, const ModelSection &model);
 // Findings, rows and comparison.
 void putText(TextBuffer &out, const Report &report);
