@@ -97,6 +97,8 @@ void putComparison(TextBuffer &out, const Report &report) {
         put(out, u"  ", line.label, u": ", rowsText(line.rows), line.more, u"\n");
     }
     for (const QString &line : summaryOf(report)) put(out, u"  ", line, u"\n");
+    // Once is enough, also below the model.
+    if (!out.text().contains(report.notation)) put(out, u"\n  ", report.notation, u"\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
         putWorst(out, result.worst[i], report.contributions[i]);
     }
@@ -121,6 +123,7 @@ void putModel(TextBuffer &out, const ModelSection &model) {
     put(out, u"Model ", model.file, u", version ", model.version, u"\nTarget ", model.target,
         u", kind ", model.kind, u"\n", std::ssize(model.recodings), u" recodings of ",
         model.columns, u" columns\n");
+    if (!model.notation.isEmpty()) put(out, u"\n", model.notation, u"\n");
     for (const RecodingSection &recoding : model.recodings) putRecoding(out, recoding);
     put(out, u"\nConstant ", model.constant, u"\n");
     if (model.isLogistic) put(out, u"\nProbability 1/(1+exp(-score))\n");
