@@ -1,6 +1,9 @@
 """The reports of scorewright-check, as text, JSON and page: golden files of a comparison in which everything happens."""
 
+import math
+import re
 import unittest
+from decimal import Decimal
 
 from engines import CheckedTest
 from support import NO_YES, boolean, categorical, document, numeric
@@ -55,6 +58,74 @@ class ReportsTest(CheckedTest):
         self.assertIn("name-characters [sas, python] docs/python.md\n", printed)
         self.assertIn("\n1 row with fewer or more cells than titles, first row 1\n", printed)
         self.assertNotIn(" 0.00,", (self.folder / "report.html").read_text("utf-8").split("<polyline")[1])
+
+    def intervals(self, bounds):
+        """Of a recoding with these bounds, as --show prints them, and the line that explains them."""
+        self.write("m.ModelXml", document([numeric(1, "n", bounds, range(len(bounds) + 2))], [(1, 1)], 0))
+        printed = self.check("m.ModelXml", "--show")[1]
+        return re.findall(r"^  ([(\[].*[)\]])  ", printed, re.M), re.findall(r"^The document has (.*?):", printed, re.M)
+
+    def test_intervals(self):
+        """A bound that was closed on the left, and its near misses: the first, a digit further, digits too many."""
+        before = lambda number: math.nextafter(number, -math.inf)
+        for bounds, shown, explained in [
+                ([12, 23.99999999999999, before(36)], "(-∞, 12) [12, 24) [24, 36) [36, ∞)", "23.99999999999999] for 24)"),
+                ([-24, -10.00000000000001, 0.09999999999999999, before(10), before(65.6)],
+                 "(-∞, -24) [-24, -10) [-10, 0.1) [0.1, 10) [10, 65.6) [65.6, ∞)", "-10.00000000000001] for -10)"),
+                ([-2e-9, before(1e-9), 123456789012.9999, 1.999999999999999e+20],
+                 "(-∞, -2e-09) [-2e-09, 1e-09) [1e-09, 123456789013) [123456789013, 2e+20) [2e+20, ∞)", None),
+                ([23.99999999999999, 35.99999999999998, 65.6], "(-∞, 23.99999999999999) [23.99999999999999, "
+                 "35.99999999999998] (35.99999999999998, 65.6] (65.6, ∞)", ""),
+                ([-1, 0, 24.00000000000001, 1234567890123.999],
+                 "(-∞, -1) [-1, 0] (0, 24.00000000000001] (24.00000000000001, 1234567890123.999] (1234567890123.999, ∞)", ""),
+                ([12, 23.99999999999999, before(before(24)), 24],
+                 "(-∞, 12) [12, 23.99999999999999] (23.99999999999999, 24) [24, 24] (24, ∞)", None),
+                ([23.99999999999999], "(-∞, 23.99999999999999) (23.99999999999999, ∞)", "")]:
+            printed, reasons = self.intervals(bounds)
+            self.assertEqual(" ".join(printed), shown)
+            if explained is not None:
+                self.assertEqual(reasons, [explained][:bool(explained)])
+
+    def test_members_of_intervals(self):
+        """What is printed holds the numbers of up to 16 digits that the model's interval holds, however far a bound is
+        below a short number: by some doubles, by the double of a decimal, or not."""
+        number = lambda text: float(text.replace("∞", "inf"))
+        for steps in (0, 1, 2, 3, 9):
+            bounds = [-1e300]
+            for short in sorted(sign * k * 10.0 ** e for sign in (-1, 1) for e in (-7, -1, 0, 5, 17) for k in (1, 1.7, 6.56, 7.3, 9.2)):
+                below = short - steps * math.ulp(short)
+                bounds.append(float(f"{below:.16g}") if len(bounds) % 2 else below)
+            intervals = [re.fullmatch(r"(.)(.*), (.*)(.)", text).groups() for text in self.intervals(bounds)[0]]
+            self.assertEqual(len(intervals), len(bounds) + 1)
+            for i, bound in enumerate(bounds[1:], 1):
+                for value in {float(f"{bound + k * math.ulp(bound):.16g}") for k in range(-12, 13)}:
+                    left, low, high, right = intervals[i]
+                    self.assertEqual(value < number(high) or right == "]" and value == number(high), value <= bound, intervals[i])
+                    left, low, high, right = intervals[i + 1]
+                    self.assertEqual(value > number(low) or left == "[" and value == number(low), value > bound, intervals[i + 1])
+
+    def axis(self, side, text):
+        found = re.findall(rf'<i class="{side}[ a-z]*" style="[a-z]*:([\d.]+)%"><b>(.*?)</b>', text)
+        return [float(place) for place, _ in found], [Decimal(number) for _, number in found]
+
+    def test_axes(self):
+        """A few round numbers, evenly spaced, at their places; counts are whole, and alone stand on the left."""
+        for low, high in [(-101, 1500.5), (0.1, 0.7), (65.55, 65.65), (1e15, 1e15 + 40), (-3e-300, 2e-300), (1e300, 1.1e300)]:
+            self.write("m.ModelXml", document([numeric(1, "n", [1], [0, 0, 0])], [], low, table=[(high, 0.9), (low, 0.1)]))
+            self.check("m.ModelXml", "--report", "report.html")
+            places, numbers = self.axis("below", (self.folder / "report.html").read_text("utf-8"))
+            steps = {b - a for a, b in zip(numbers, numbers[1:])}
+            self.assertTrue(3 <= len(numbers) <= 11 and len(steps) == 1, numbers)
+            step = steps.pop()
+            self.assertIn(step.normalize().as_tuple().digits, [(1,), (2,), (5,)])
+            self.assertEqual({number % step for number in numbers}, {0})
+            for place, number in zip(places, numbers):
+                share = (float(number) - low) / (high - low)
+                self.assertAlmostEqual(place, 100 * (share + 0.05) / 1.1, delta=0.1)
+        self.write("m.ModelXml", document([numeric(1, "n", [1, 2], [0, 1, 2, 3])], [(1, 1)], 0, kind="C"))
+        self.write("rows.csv", "n\n1\n1\n0\n", "utf-8")
+        self.check("m.ModelXml", "--rows", "rows.csv", "--report", "report.html")
+        self.assertEqual(self.axis("left", (self.folder / "report.html").read_text("utf-8")), ([0, 50, 100], [0, 1, 2]))
 
 
 if __name__ == "__main__":

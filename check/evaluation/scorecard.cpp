@@ -217,10 +217,13 @@ bool isOfKind(const Scorecard &card, QStringView kind) {
 }
 
 QString numberText(double number) {
-    NumberText text = modelNumber(number);
-    double shown = 0;
-    // Two numbers of the model may be the same in 16 digits.
-    if (readNumber(text.view(), shown) && shown != number) text = generalNumber(number, 17);
+    // 16 digits may be too few to distinguish two numbers of the model, and too many to show 65.6.
+    constexpr int most = 17;
+    int digits = 15;
+    NumberText text = generalNumber(number, digits);
+    for (double shown = 0; digits < most && readNumber(text.view(), shown) && shown != number;) {
+        text = generalNumber(number, ++digits);
+    }
     return QString::fromLatin1(text.characters, text.size);
 }
 

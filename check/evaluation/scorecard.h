@@ -86,7 +86,7 @@ struct Scorecard {
 QStringView kindOfTarget(const Scorecard &card);
 bool isOfKind(const Scorecard &card, QStringView kind);
 
-// A number as the generated code shows it, with 17 digits where its 16 are those of another.
+// A number with 15 digits, or with as many more as distinguish it from all others.
 QString numberText(double number);
 
 // The name under which the target looks for missing codes.

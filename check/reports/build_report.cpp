@@ -14,17 +14,8 @@ namespace {
 
 // --- The model
 
-QString intervalAt(std::span<const double> bounds, std::size_t position) {
-    if (position == 0) return u"missing"_s;
-    if (position == 1) return u"(-∞, %1)"_s.arg(numberText(bounds[0]));
-    if (position > bounds.size() + 1) return u"never"_s;
-    if (position == bounds.size() + 1) return u"(%1, ∞)"_s.arg(numberText(bounds.back()));
-    // The first bound belongs to the interval above it, every other one to the interval below.
-    return u"%1%2, %3]"_s.arg(position == 2 ? u"["_s : u"("_s, numberText(bounds[position - 2]),
-                              numberText(bounds[position - 1]));
-}
-
-RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int64_t> *rows) {
+RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int64_t> *rows,
+                           QString &notation) {
     const Variable &variable = *recoding.variable;
     QStringList codes;
     for (const double code : recoding.codes) codes.prepend(numberText(code));
@@ -37,7 +28,7 @@ RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int6
                                .codes = codes.join(u", "_s)};
     section.positions.reserve(recoding.y.size());
     for (std::size_t i = 0; i < recoding.y.size(); ++i) {
-        section.positions.push_back({valuesAt(recoding, i), recoding.y[i],
+        section.positions.push_back({valuesAt(recoding, i, notation), recoding.y[i],
                                      recoding.coefficient * recoding.y[i], rows ? (*rows)[i] : 0});
     }
     return section;
@@ -96,7 +87,7 @@ ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
                           .hasProbability = card.hasProbability()};
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const auto *const rows = counts ? &counts->positions[i] : nullptr;
-        model.recodings.push_back(recodingOf(card.recodings[i], rows));
+        model.recodings.push_back(recodingOf(card.recodings[i], rows, model.notation));
     }
     model.points = pointsOf(model.recodings);
     for (std::size_t i = 0; i < card.table.x.size(); ++i) {
@@ -110,7 +101,7 @@ ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
 // --- Rows
 
 Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
-                      std::span<const std::string> missing) {
+                      std::span<const std::string> missing, QString &notation) {
     Unreached unreached;
     const auto hasGap = [&](std::size_t i) {
         return std::ranges::count(counts.positions[i], 0) > 0;
@@ -128,7 +119,8 @@ Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
                 if (rows[i] == 0 && !reachable[rank][i]) continue;
                 ++unreached.of;
                 if (rows[i] > 0) continue;
-                unreached.places.append(titleOf(recoding) + u": "_s + valuesAt(recoding, i));
+                unreached.places.append(titleOf(recoding) + u": "_s +
+                                        valuesAt(recoding, i, notation));
             }
         }
     }
@@ -174,7 +166,8 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
 }
 
 // Of all recodings that have a coefficient, the largest first.
-std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row) {
+std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row,
+                                          QString &notation) {
     std::vector<Contribution> parts;
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const Recoding &recoding = card.recodings[i];
@@ -182,7 +175,7 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
         const Recoded &recoded = row.recoded[i];
         parts.push_back({titleOf(recoding), recoding.variable->field.toString(),
                          QString::fromStdString(row.cells[recoding.column]),
-                         valuesAt(recoding, recoded.position),
+                         valuesAt(recoding, recoded.position, notation),
                          recoding.coefficient * recoded.score});
     }
     std::ranges::stable_sort(parts, std::greater(),
@@ -248,6 +241,31 @@ QString sentenceOf(const Report &report) {
 
 } // namespace
 
+std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount) {
+    const double step = (scale.to - scale.from) / most;
+    if (!std::isnormal(step)) return {};
+    // Texts, so that each number is the nearest to a decimal one.
+    const auto numberOf = [](std::int64_t digits, int exponent) {
+        double number = noNumber;
+        readNumber(std::to_string(digits) + 'e' + std::to_string(exponent), number);
+        return number;
+    };
+    const int least = static_cast<int>(std::floor(std::log10(step)));
+    for (int exponent = isCount ? std::max(least, 0) : least;; ++exponent) {
+        for (const int factor : {1, 2, 5}) {
+            const double width = numberOf(factor, exponent);
+            const auto first = static_cast<std::int64_t>(std::ceil(scale.from / width));
+            const auto last = static_cast<std::int64_t>(std::floor(scale.to / width));
+            if (last - first > most) continue;
+            std::vector<Tick> ticks;
+            for (std::int64_t i = first; i <= last; ++i) {
+                ticks.push_back({numberOf(i * factor, exponent), i % 2 != 0});
+            }
+            return ticks;
+        }
+    }
+}
+
 Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     Report report = {.found = found,
                      .model = isWhole ? modelOf(card, found.counts)
@@ -257,15 +275,20 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
                      .untouched = groupsOf(found, Standing::Untouched)};
     report.verdict = verdictOf(report);
     report.sentence = sentenceOf(report);
-    if (found.counts) report.unreached = unreachedOf(card, *found.counts, found.options->missing);
-    if (!found.comparison) return report;
-    for (const Cause &cause : found.comparison->causes) {
-        report.causes.push_back(causeLine(cause, card, *found.options));
+    if (found.counts) {
+        report.unreached =
+            unreachedOf(card, *found.counts, found.options->missing, report.notation);
     }
-    report.counts = countsOf(*found.comparison);
-    for (const ComparedRow &row : found.comparison->worst) {
-        report.contributions.push_back(contributionsOf(card, row));
+    if (found.comparison) {
+        for (const Cause &cause : found.comparison->causes) {
+            report.causes.push_back(causeLine(cause, card, *found.options, report.notation));
+        }
+        report.counts = countsOf(*found.comparison);
+        for (const ComparedRow &row : found.comparison->worst) {
+            report.contributions.push_back(contributionsOf(card, row, report.notation));
+        }
     }
+    if (!report.notation.isEmpty() && isWhole) report.notation = report.model.notation;
     return report;
 }
 
@@ -285,25 +308,4 @@ QString namesOf(std::span<const FindingGroup> groups) {
                      (places > 1 ? u" (%1 places)"_s.arg(places) : QString()));
     }
     return names.join(u", "_s);
-}
-
-QString titleOf(const Recoding &recoding) {
-    return u"%1 %2"_s.arg(recoding.variable->name, recoding.variable->field);
-}
-
-QString valuesAt(const Recoding &recoding, std::size_t position) {
-    if (!recoding.variable->isCategorical) return intervalAt(recoding.x, position);
-    if (position == 0) return u"missing or not listed"_s;
-    if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"never"_s;
-    const auto quoted = [&](std::size_t i) {
-        return u'\'' + recoding.listed[i].toString() + u'\'';
-    };
-    if (!recoding.isBoolean) return quoted(position - 1);
-    QStringList values;
-    const CategoricalRecoding arrays = {recoding.listed, recoding.y, true};
-    for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
-        if (arrays.place(i) == position) values.append(quoted(i));
-    }
-    values.removeDuplicates();
-    return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);
 }

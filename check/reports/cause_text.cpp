@@ -71,12 +71,13 @@ QString mapsText(const Cause &cause, const RowOptions &options) {
     return texts.join(u"; "_s);
 }
 
-QString amountsText(const Cause &cause, const Recoding &recoding) {
+QString amountsText(const Cause &cause, const Recoding &recoding, QString &notation) {
     constexpr std::size_t most = 5;
     QStringList texts;
     for (const auto &[position, amount] :
          std::span(cause.amounts).first(std::min(most, cause.amounts.size()))) {
-        texts.append(u"%1 by %2"_s.arg(valuesAt(recoding, position), signedNumber(amount)));
+        texts.append(
+            u"%1 by %2"_s.arg(valuesAt(recoding, position, notation), signedNumber(amount)));
     }
     if (cause.amounts.size() > most) texts.append(u"…"_s);
     return texts.join(u", "_s);
@@ -101,13 +102,15 @@ QString nameOf(const Cause &cause) {
     return nameOf(cause.score.isSame() ? cause.probability : cause.score).toString();
 }
 
-QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &options) {
+QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &options,
+               QString &notation) {
     const Recoding &recoding = card.recodings[cause.recoding];
     switch (cause.kind) {
     case Kind::Numbers:
         return mapsText(cause, options);
     case Kind::Points:
-        return u"other points of %1, %2"_s.arg(titleOf(recoding), amountsText(cause, recoding));
+        return u"other points of %1, %2"_s.arg(titleOf(recoding),
+                                               amountsText(cause, recoding, notation));
     case Kind::Coefficient:
         return u"a coefficient of %1 for %2"_s.arg(shortNumber(cause.coefficient),
                                                    titleOf(recoding));
@@ -131,6 +134,7 @@ QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &opti
 
 } // namespace
 
-CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options) {
-    return {nameOf(cause), textOf(cause, card, options), cause.rows};
+CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options,
+                    QString &notation) {
+    return {nameOf(cause), textOf(cause, card, options, notation), cause.rows};
 }

@@ -36,12 +36,22 @@ struct Scale {
     }
 };
 
+// A labelled place on an axis.
+struct Tick {
+    double value = 0;
+    bool isMinor = false; // the axis is also complete without it
+};
+// Up to `most` steps of 1, 2 or 5 times a power of ten, of at least 1 on an axis of counts. Empty
+// for a scale without extent or of infinite extent.
+std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount = false);
+
 struct ModelSection {
     QString file = {}, version = {}, target = {}, kind = {};
     std::int64_t columns = 0;
     double constant = 0;
     bool isLogistic = false, hasTable = false, hasProbability = false;
     std::vector<RecodingSection> recodings = {};
+    QString notation = {};              // of intervals whose bounds are shown shorter; else empty
     Scale points = {};                  // of all positions, and 0
     std::vector<Prediction> table = {}; // its points
     Scale scores = {};                  // of the table and the rows
@@ -107,10 +117,11 @@ struct Report {
     Verdict verdict = Verdict::Clean;
     QString sentence = {}; // of the verdict
     std::vector<FindingGroup> open = {}, accepted = {}, untouched = {};
-    Unreached unreached = {};           // if rows were scored
+    Unreached unreached = {}; // if rows were scored
     std::vector<CauseLine> causes = {};
     std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
     std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
+    QString notation = {}; // the same sentence as the model's, for rows and contributions
 };
 
 // A report that is not whole has of the model its file alone: putModel() and putPage() need the
@@ -132,9 +143,11 @@ void putPage(TextBuffer &out, const Report &report);
 // --- What the report is built with
 
 QString titleOf(const Recoding &recoding); // name and column
-// The values that reach a position.
-QString valuesAt(const Recoding &recoding, std::size_t position);
-CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options);
+// The values that reach a position. Sets the notation, where a bound is not shown as the document
+// has it, unless it is set.
+QString valuesAt(const Recoding &recoding, std::size_t position, QString &notation);
+CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options,
+                    QString &notation);
 
 // --- What printers share
 

@@ -114,14 +114,44 @@ void putComparison(TextBuffer &out, const Report &report) {
     put(out, u"</section>\n");
 }
 
-// --- The curve
+// --- Pictures: a drawing of `width` by `height` that fills its frame, whatever size that has, and
+// axes around it whose texts keep theirs.
 
-// Coordinates of a score, and of a probability or a share of the most rows.
-QString across(const Scale &scale, double score) {
-    return place(40 + 936 * scale.shareOf(score));
+constexpr double width = 1000;
+constexpr double height = 220;
+
+QString across(const Scale &scale, double value) {
+    return place(width * scale.shareOf(value));
 }
 QString above(double share) {
-    return place(230 - 220 * share);
+    return place(height * (1 - share));
+}
+
+enum class Side { Left, Right, Below };
+
+// `most` is the number of labels that fit. In a narrow window every second one is hidden.
+void putAxis(TextBuffer &out, Side side, const Scale &scale, int most, bool isCount = false) {
+    const QStringView name = side == Side::Below  ? u"below"
+                             : side == Side::Left ? u"left"
+                                                  : u"right";
+    for (const Tick &tick : ticksOf(scale, most, isCount)) {
+        put(out, u"<i class=\"", name, tick.isMinor ? u" minor"_s : QString(), u"\" style=\"",
+            side == Side::Below ? u"left:"_s : u"bottom:"_s, place(100 * scale.shareOf(tick.value)),
+            u"%\"><b>", numberText(tick.value), u"</b></i>\n");
+    }
+}
+
+// The axis of scores, with fewer labels where they are long.
+void putScores(TextBuffer &out, const Scale &scale) {
+    int most = 10;
+    const auto length = [&] {
+        qsizetype units = 0;
+        for (const Tick &tick : ticksOf(scale, most)) units += numberText(tick.value).size();
+        return units;
+    };
+    while (most > 2 && length() > 44) --most;
+    putAxis(out, Side::Below, scale, most);
+    put(out, u"<span class=\"under\">score</span>\n");
 }
 
 void putBars(TextBuffer &out, const RowCounts &counts, const Scale &scale) {
@@ -129,22 +159,9 @@ void putBars(TextBuffer &out, const RowCounts &counts, const Scale &scale) {
     for (std::size_t i = 0; i < counts.scores.size(); ++i) {
         if (counts.scores[i] == 0) continue;
         const double share = static_cast<double>(counts.scores[i]) / most;
-        put(out, u"<path d=\"M%1 230V%2H%3V230Z\" fill=\"#d5e2f1\" stroke=\"#fff\"/>\n"_s.arg(
-                     across(scale, counts.stepAt(i)), above(share),
+        put(out, u"<path d=\"M%1 %2V%3H%4V%2Z\" fill=\"#d5e2f1\" stroke=\"#fff\"/>\n"_s.arg(
+                     across(scale, counts.stepAt(i)), place(height), above(share),
                      across(scale, counts.stepAt(i + 1))));
-    }
-}
-
-void putAxes(TextBuffer &out, const Scale &scale) {
-    for (const double share : {0.0, 0.25, 0.5, 0.75, 1.0}) {
-        put(out, u"<path d=\"M40 %1H976\" stroke=\"#dfe5ec\"/><text x=\"34\" y=\"%1\" "
-                 "text-anchor=\"end\" dominant-baseline=\"middle\">%2</text>\n"_s.arg(
-                     above(share), place(share)));
-    }
-    for (int i = 0; i <= 8; ++i) {
-        const double score = scale.at(i / 8.0);
-        put(out, u"<text x=\"%1\" y=\"248\" text-anchor=\"middle\">%2</text>\n"_s.arg(
-                     across(scale, score), QString::number(score, 'g', 3)));
     }
 }
 
@@ -158,18 +175,30 @@ void putLine(TextBuffer &out, std::span<const Prediction> curve, const Scale &sc
 
 void putCurve(TextBuffer &out, const Report &report) {
     const ModelSection &model = report.model;
-    const bool hasProbability = model.hasProbability;
-    if (!hasProbability && !report.found.counts) return;
-    put(out, u"<section><h2>", hasProbability ? u"Probability by score"_s : u"Scores"_s,
-        u"</h2>\n<figure><svg viewBox=\"0 0 1000 260\" role=\"img\" "
-        "aria-label=\"probability by score\">\n");
-    if (report.found.counts) putBars(out, *report.found.counts, model.scores);
-    putAxes(out, model.scores);
-    if (hasProbability) putLine(out, model.curve, model.scores);
-    put(out, u"</svg>");
-    if (report.found.counts) {
+    const RowCounts *const counts = report.found.counts;
+    if (!model.hasProbability && !counts) return;
+    const QString title = model.hasProbability ? u"Probability by score"_s : u"Scores"_s;
+    put(out, u"<section><h2>", title, u"</h2>\n<figure><div class=\"plot\">\n");
+    putScores(out, model.scores);
+    if (model.hasProbability) {
+        putAxis(out, Side::Left, {0, 1}, 5);
+        put(out, u"<span class=\"over\">probability</span>\n");
+    }
+    if (counts) {
+        const auto most = static_cast<double>(std::ranges::max(counts->scores));
+        putAxis(out, model.hasProbability ? Side::Right : Side::Left, {0, most}, 5, true);
+        put(out, u"<span class=\"over",
+            model.hasProbability ? u" right\">rows</span>\n"_s : u"\">rows</span>\n"_s);
+    }
+    put(out,
+        u"<svg viewBox=\"0 0 1000 220\" preserveAspectRatio=\"none\" role=\"img\" aria-label=\"",
+        title, u"\">\n");
+    if (counts) putBars(out, *counts, model.scores);
+    if (model.hasProbability) putLine(out, model.curve, model.scores);
+    put(out, u"</svg></div>");
+    if (counts) {
         put(out, u"<figcaption class=\"soft\">The bars are the rows by score; the highest has ",
-            std::ranges::max(report.found.counts->scores), u".</figcaption>");
+            std::ranges::max(counts->scores), u".</figcaption>");
     }
     put(out, u"</figure></section>\n");
 }
@@ -184,11 +213,12 @@ void putUnreached(TextBuffer &out, const Unreached &unreached) {
 
 void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &scale,
                  bool hasRows) {
-    put(out, u"<article><h3>", escaped(recoding.title), u"</h3>\n<p class=\"soft\">",
-        escaped(recoding.label), u"; ", escaped(recoding.type), u", coefficient ",
-        recoding.coefficient,
-        u"</p>\n<table><tr><th>values</th><th></th><th class=\"number\">points</th>",
-        hasRows ? u"<th class=\"number\">rows</th>"_s : QString(), u"</tr>\n");
+    constexpr std::size_t longest = 50; // that is sure to fit on a printed page
+    put(out, recoding.positions.size() > longest ? u"<article class=\"long\">"_s : u"<article>"_s,
+        u"<h3>", escaped(recoding.title), u"</h3>\n<p class=\"soft\">", escaped(recoding.label),
+        u"; ", escaped(recoding.type), u", coefficient ", recoding.coefficient,
+        u"</p>\n<table><thead><tr><th>values</th><th></th><th class=\"number\">points</th>",
+        hasRows ? u"<th class=\"number\">rows</th>"_s : QString(), u"</tr></thead>\n");
     const double zero = 100 * scale.shareOf(0);
     for (const PositionLine &line : recoding.positions) {
         const double end = 100 * scale.shareOf(line.points);
@@ -208,11 +238,13 @@ void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &
 void putPage(TextBuffer &out, const Report &report) {
     const ModelSection &model = report.model;
     putHead(out, report);
+    put(out, signatures);
     putFindings(out, report);
     if (report.found.comparison) putComparison(out, report);
     putCurve(out, report);
     put(out, u"<section><h2>Recodings</h2>\n<p>Constant ", model.constant,
-        u"; all bars have one scale.</p>\n");
+        u"; all bars have one scale.",
+        model.notation.isEmpty() ? u""_s : u" "_s + escaped(model.notation), u"</p>\n");
     if (report.found.counts) putUnreached(out, report.unreached);
     put(out, u"<div class=\"recodings\">\n");
     for (const RecodingSection &recoding : model.recodings) {

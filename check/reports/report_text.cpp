@@ -60,9 +60,12 @@ void putRows(TextBuffer &out, const Report &report) {
     if (report.found.comparison) put(out, rowsText(counts.rows), u" scored\n");
     put(out, unreachedTitle(report.unreached), u"\n");
     for (const QString &line : unreachedLines(report.unreached)) put(out, u"  - ", line, u"\n");
-    if (counts.uneven == 0) return;
-    put(out, rowsText(counts.uneven), u" with fewer or more cells than titles, first row ",
-        counts.firstUneven, u"\n");
+    if (counts.uneven > 0) {
+        put(out, rowsText(counts.uneven), u" with fewer or more cells than titles, first row ",
+            counts.firstUneven, u"\n");
+    }
+    // Once is enough, also below the model.
+    if (!out.text().contains(report.notation)) put(out, u"\n", report.notation, u"\n");
 }
 
 // `other` is what the numbers are compared with.
@@ -123,6 +126,7 @@ void putModel(TextBuffer &out, const ModelSection &model) {
     put(out, u"Model ", model.file, u", version ", model.version, u"\nTarget ", model.target,
         u", kind ", model.kind, u"\n", std::ssize(model.recodings), u" recodings of ",
         model.columns, u" columns\n");
+    if (!model.notation.isEmpty()) put(out, u"\n", model.notation, u"\n");
     for (const RecodingSection &recoding : model.recodings) putRecoding(out, recoding);
     put(out, u"\nConstant ", model.constant, u"\n");
     if (model.isLogistic) put(out, u"\nProbability 1/(1+exp(-score))\n");
