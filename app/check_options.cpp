@@ -61,6 +61,13 @@ QString setDelimiter(Request &request, const QStringList &values) {
     return {};
 }
 
+QString setDecimal(Request &request, const QStringList &values) {
+    const QString &mark = values.constLast();
+    request.rows.hasDecimalComma = mark == u",";
+    return mark == u"," || mark == u"." ? QString()
+                                        : u"The decimal mark must be a comma or a full stop."_s;
+}
+
 QString setMissing(Request &request, const QStringList &values) {
     for (const QString &text : values) request.rows.missing.push_back(text.toStdString());
     return {};
@@ -85,7 +92,8 @@ constexpr Option options[] = {
     {u"rows", u"Score the rows of this CSV file.", set<&RowOptions::file>, u"file", {}, RequiredInput, true},
     {u"key", u"The column that names a row.", set<&RowOptions::key>, u"column", u"rows"},
     {u"scores", u"Write key, score and probability to this CSV file.", set<&RowOptions::scores>, u"file", u"rows", Output},
-    {u"delimiter", u"What stands between cells; a comma.", setDelimiter, u"character", u"rows"},
+    {u"delimiter", u"What stands between cells, if the title lines do not show it.", setDelimiter, u"character", u"rows"},
+    {u"decimal", u"What stands before decimals in both files: a full stop (.) or a comma.", setDecimal, u"mark", u"rows"},
     {u"missing", u"Cells with this text mean nothing. May be given several times.", setMissing, u"text", u"rows"},
     {u"compare", u"Hold this CSV file of results of the one target against the model.", set<&RowOptions::results>,
      u"file", u"rows", RequiredInput},

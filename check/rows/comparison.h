@@ -12,9 +12,10 @@
 // What is asked about rows.
 struct RowOptions {
     QString file;
-    QString key;    // column; may be empty: rows are joined by position
-    QString scores; // file to be written; may be empty
-    char delimiter = ',';
+    QString key;                      // column; may be empty: rows are joined by position
+    QString scores;                   // file to be written; may be empty
+    char delimiter = '\0';            // of both files; 0: each has its own
+    bool hasDecimalComma = false;     // in both files
     std::vector<std::string> missing; // texts that count as missing, as an empty cell does
     QString results;                  // file of a deployment; may be empty
     Target target = Target::Sas;      // that they are of
@@ -25,6 +26,11 @@ struct RowOptions {
     std::size_t cachedCells =
         1 << 16; // that are judged once; they take memory before the first row
 
+    // What may stand between cells, the likeliest first.
+    std::string_view delimiters() const {
+        if (delimiter != '\0') return {&delimiter, 1};
+        return hasDecimalComma ? ";\t|," : ",;\t|";
+    }
     bool hasScore() const { return !score.isEmpty(); }
     bool hasProbability() const { return !probability.isEmpty(); }
 };

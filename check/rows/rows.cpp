@@ -154,6 +154,7 @@ struct RowScorer {
     RowCounts &counts;
     Comparison comparison = {card, options};
     CsvReader reader = {};
+    DecimalMark mark = DecimalMark::Point;
     std::size_t keyAt = noPosition;
     ScoreFile out = {};
     RowTests tests = testsOf(options, findings);
@@ -208,7 +209,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     countCell(scorer, column, judged);
     judged.raw = bytes;
     judged.firstRow = scorer.reader.row + 1;
-    judged.cell = cellOf(judged.raw, scorer.options.missing);
+    judged.cell = cellOf(judged.raw, scorer.options.missing, scorer.mark);
     judged.recoded.clear();
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
         judged.recoded.push_back(recode(scorer.card.recodings[i], judged.cell));
@@ -304,11 +305,12 @@ void countScore(RowCounts &counts, double score) {
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
     ScoreFile &out = scorer.out;
     const bool hasKey = scorer.keyAt != noPosition;
-    if (hasKey) putCell(out, key, scorer.options.delimiter);
+    const char delimiter = scorer.reader.delimiter;
+    if (hasKey) putCell(out, key, delimiter);
     char *at = roomFor(out, 4 * longestNumber);
     if (!hasKey) at = numberAt(at, scorer.reader.row);
     for (const double number : {prediction.score, prediction.probability}) {
-        *at++ = scorer.options.delimiter;
+        *at++ = delimiter;
         at = numberAt(at, number);
     }
     *at++ = '\n';
@@ -341,8 +343,8 @@ void RowScorer::endRow() {
 QString start(RowScorer &scorer) {
     const RowOptions &options = scorer.options;
     QString problem;
+    scorer.reader.shownAs = u"rows";
     if (!options.results.isEmpty()) problem = openResults(scorer.comparison, scorer.findings);
-    if (problem.isEmpty()) problem = scorer.reader.open(options.file, options.delimiter);
     if (!problem.isEmpty()) return problem;
     std::vector<QString> wanted = scorer.card.columns;
     if (!options.key.isEmpty()) {
@@ -350,28 +352,22 @@ QString start(RowScorer &scorer) {
         scorer.keyAt = static_cast<std::size_t>(at - wanted.begin());
         if (at == wanted.end()) wanted.push_back(options.key);
     }
-    problem = scorer.reader.choose(wanted);
+    problem = scorer.reader.open(options.file, options.delimiters(), wanted);
     if (!problem.isEmpty()) return problem;
+    const char delimiter = scorer.reader.delimiter;
+    if (options.hasDecimalComma) {
+        // Between commas, a number has a full stop, unless its cell is quoted.
+        scorer.mark = delimiter == ',' ? DecimalMark::Either : DecimalMark::Comma;
+    }
     if (options.scores.isEmpty()) return {};
     scorer.out.file.stream.reset(openFile(options.scores, FileUse::Write));
     if (!scorer.out.file.stream) {
         return u"Cannot open file '%1' for writing."_s.arg(options.scores);
     }
     ScoreFile &out = scorer.out;
-    putCell(out, options.key.isEmpty() ? "row" : options.key.toStdString(), options.delimiter);
-    put(out, std::string{options.delimiter} + "score" + options.delimiter + "probability\n");
+    putCell(out, options.key.isEmpty() ? "row" : options.key.toStdString(), delimiter);
+    put(out, std::string{delimiter} + "score" + delimiter + "probability\n");
     return {};
-}
-
-// A text of the data as a message can hold it.
-QString shownText(const std::string &text) {
-    constexpr qsizetype longest = 60;
-    QString shown = QString::fromStdString(text);
-    if (shown.size() > longest) shown = shown.left(longest) + u'…';
-    for (QChar &c : shown) {
-        if (c.category() == QChar::Other_Control) c = u' ';
-    }
-    return shown;
 }
 
 // Adds the most frequent unlisted text to the place of the finding.
