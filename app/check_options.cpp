@@ -193,6 +193,7 @@ QString readOptions(const QCommandLineParser &parser, Request &request) {
         request.looksForFindings = request.looksForFindings || option.looksForFindings;
     }
     request.looksForFindings = request.looksForFindings || !request.showsModel;
+    request.rows.hashesFiles = request.isJson || !request.report.isEmpty();
     if (request.showsModel && request.isJson) return u"--show prints text, and cannot be JSON."_s;
     if (!incomplete.isEmpty()) return incomplete;
     if (wrong.isEmpty() && !request.rows.results.isEmpty()) wrong = checkComparison(request);
@@ -212,6 +213,7 @@ QString readRequest(const QStringList &arguments, Request &request) {
     }
     if (!request.answer.isEmpty()) return {};
     if (parser.positionalArguments().size() != 1) return u"One model document is needed."_s;
+    request.arguments = arguments.mid(1);
     request.model = parser.positionalArguments().constFirst();
     return readOptions(parser, request);
 }

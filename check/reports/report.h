@@ -71,12 +71,26 @@ struct Contribution {
     double points = 0;
 };
 
+// What was checked, with what and when.
+struct Evidence {
+    struct File {
+        QString role;
+        QString path;
+        FileRead read; // without a hash if the file could not be read
+    };
+    QString version; // of this program
+    QStringList arguments;
+    QString time; // UTC, as ISO 8601 writes it
+    std::vector<File> files;
+};
+
 // What there is to report; it must outlive the report. Null: not asked for.
 struct Found {
     std::span<const Finding> findings = {}; // in the order of their kinds
     const RowCounts *counts = nullptr;
     const RowOptions *options = nullptr; // given with the comparison
     const ComparisonResult *comparison = nullptr;
+    const Evidence *evidence = nullptr;
 };
 
 struct Report {
@@ -107,6 +121,8 @@ void putPage(TextBuffer &out, const Report &report);
 QString shortNumber(double number);
 // The same, but with as many digits as distinguish it from `other`.
 QString numberBeside(double number, double other);
+// The tool that wrote the document, by its version.
+QString writerText(const ModelSection &model);
 // The target that the results are of.
 QString comparedTarget(const Report &report);
 // The place of a finding, with its rows if rows were scored.

@@ -103,7 +103,7 @@ void putComparison(TextBuffer &out, const Report &report) {
 } // namespace
 
 void putModel(TextBuffer &out, const ModelSection &model) {
-    put(out, u"Model ", model.file, u", version ", model.version, u"\nTarget ", model.target,
+    put(out, u"Model ", model.file, u", ", writerText(model), u"\nTarget ", model.target,
         u", kind ", model.kind, u"\n", std::ssize(model.recodings), u" recodings of ",
         model.columns, u" columns\n");
     for (const RecodingSection &recoding : model.recodings) putRecoding(out, recoding);
@@ -137,6 +137,11 @@ QString numberBeside(double number, double other) {
     while (digits < most && number != other && text(number).view() == text(other).view()) ++digits;
     const NumberText shown = text(number);
     return QString::fromLatin1(shown.characters, shown.size);
+}
+
+QString writerText(const ModelSection &model) {
+    if (model.version.isEmpty()) return u"written by an unknown version of the modelling tool"_s;
+    return u"written by version %1 of the modelling tool"_s.arg(model.version);
 }
 
 QString comparedTarget(const Report &report) {

@@ -202,6 +202,7 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     }
     QStringList wanted = {c.options.key, c.options.score, c.options.probability};
     wanted.removeAll(QString());
+    c.reader.hashesBytes = c.options.hashesFiles;
     // Without a key, both files are read together.
     if (!c.options.key.isEmpty()) c.reader.shownAs = u"results";
     const QString problem = c.reader.open(c.options.results, c.options.delimiters(), wanted);

@@ -21,8 +21,9 @@ struct RowOptions {
     Target target = Target::Sas;      // that they are of
     QString score;                    // their columns, one of which may be empty
     QString probability;
-    double tolerance = 1e-9; // relative to the expected number where that is above 1
-    SqlReading sql = {};     // of the configuration that the results were made with
+    double tolerance = 1e-9;  // relative to the expected number where that is above 1
+    SqlReading sql = {};      // of the configuration that the results were made with
+    bool hashesFiles = false; // for the evidence of a report
     std::size_t cachedCells =
         1 << 16; // that are judged once; they take memory before the first row
 

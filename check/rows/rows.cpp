@@ -344,6 +344,7 @@ QString start(RowScorer &scorer) {
     const RowOptions &options = scorer.options;
     QString problem;
     scorer.reader.shownAs = u"rows";
+    scorer.reader.hashesBytes = options.hashesFiles;
     if (!options.results.isEmpty()) problem = openResults(scorer.comparison, scorer.findings);
     if (!problem.isEmpty()) return problem;
     std::vector<QString> wanted = scorer.card.columns;
@@ -368,6 +369,10 @@ QString start(RowScorer &scorer) {
     putCell(out, options.key.isEmpty() ? "row" : options.key.toStdString(), delimiter);
     put(out, std::string{delimiter} + "score" + delimiter + "probability\n");
     return {};
+}
+
+FileRead readBy(const CsvReader &reader) {
+    return {reader.bytesRead, reader.row, reader.sha256()};
 }
 
 // Adds the most frequent unlisted text to the place of the finding.
@@ -404,6 +409,7 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     }
     nameUnlisted(scorer);
     counts.rows = scorer.reader.row;
+    counts.rowsRead = readBy(scorer.reader);
     counts.uneven = scorer.reader.uneven;
     counts.firstUneven = scorer.reader.firstUneven;
     if (scorer.out.file.stream) {
@@ -414,6 +420,7 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
         return scorer.reader.problem;
     }
     problem = finishComparison(scorer.comparison);
+    counts.resultsRead = readBy(scorer.comparison.reader);
     compared = std::move(scorer.comparison.result);
     return problem;
 }
