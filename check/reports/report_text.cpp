@@ -120,7 +120,7 @@ QStringView unreadableText(Unreadable kind) {
 } // namespace
 
 void putModel(TextBuffer &out, const ModelSection &model) {
-    put(out, u"Model ", model.file, u", version ", model.version, u"\nTarget ", model.target,
+    put(out, u"Model ", model.file, u", ", writerText(model), u"\nTarget ", model.target,
         u", kind ", model.kind, u"\n", std::ssize(model.recodings), u" recodings of ",
         model.columns, u" columns\n");
     if (!model.notation.isEmpty()) put(out, u"\n", model.notation, u"\n");
@@ -162,6 +162,11 @@ QString numberBeside(double number, double other) {
     while (digits < most && number != other && text(number).view() == text(other).view()) ++digits;
     const NumberText shown = text(number);
     return QString::fromLatin1(shown.characters, shown.size);
+}
+
+QString writerText(const ModelSection &model) {
+    if (model.version.isEmpty()) return u"written by an unknown version of the modelling tool"_s;
+    return u"written by version %1 of the modelling tool"_s.arg(model.version);
 }
 
 QString comparedTarget(const Report &report) {
