@@ -30,7 +30,8 @@ def frame_of(table, titles):
     for title in titles.values():
         require(not title or title.casefold() in found, f"the table has no column {title!r}, only {[*table]}")
     columns = {key: found[title.casefold()] if title else 1.0 for key, title in titles.items()}
-    return pd.DataFrame(columns, range(1, len(table) + 1)).astype({"score": float, "coefficient": float})
+    numbers = {key: pd.to_numeric(columns[key], errors="coerce") for key in ("score", "coefficient")}
+    return pd.DataFrame({**columns, **numbers}, range(1, len(table) + 1))
 
 
 def pieces(text, separator):
