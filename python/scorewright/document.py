@@ -39,7 +39,7 @@ def cell_text(cell):
 
 
 def names(column):
-    """The names of a column in SQL, SAS, Python and VBA."""
+    """The names of a column, by the targets above."""
     return ["".join("_" if c in replaced else c for c in column) for replaced in REPLACED]
 
 

@@ -105,8 +105,9 @@ class Scorecard:
         require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
         require(len(scores) == len(bounds) + 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
-        bounds, scores = ([*map(float, bounds)], [*scores]) if len(bounds) else ([0.0], [*scores, *scores])
-        bounds, scores = document_bounds(bounds, scores, closed, self.digits, data, column)
+        if not len(bounds):
+            bounds, scores, closed = [0.0], [*scores, *scores], "left"  # any bound will do between equal scores
+        bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data, column)
         return self.add(column, type, [missing, *scores], bounds, **options)
 
     def add_categorical(self, column: str, scores: Mapping[Any, float], *, other: float = 0.0,
