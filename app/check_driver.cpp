@@ -1,5 +1,6 @@
 #include "app/check_driver.h"
 
+#include "app/check_evidence.h"
 #include "app/check_options.h"
 #include "check/inspection/inspection.h"
 #include "check/reports/report.h"
@@ -61,6 +62,7 @@ int statusOf(Verdict verdict) {
 
 // Scores the rows if there are any, and reports everything.
 int reportOn(const Request &request, const Scorecard &card, std::vector<Finding> findings) {
+    Evidence evidence = evidenceOf(request);
     RowCounts counts;
     ComparisonResult compared;
     QString problem;
@@ -68,6 +70,7 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
     const bool compares = !request.rows.results.isEmpty();
     if (hasRows) problem = scoreRows(card, findings, request.rows, counts, compared);
     if (!problem.isEmpty()) return fail(problem, exitUsage);
+    addRows(evidence, request.rows, counts);
     std::erase_if(findings, [&](const Finding &finding) {
         return kindOf(finding.id).scope == RowScope::Required && finding.rows == 0 &&
                finding.togetherRows == 0 && !compared.explained.contains(finding.id);
@@ -76,7 +79,8 @@ int reportOn(const Request &request, const Scorecard &card, std::vector<Finding>
                          .counts = hasRows ? &counts : nullptr,
                          .options = &request.rows,
                          .comparison = compares ? &compared : nullptr,
-                         .accepted = request.accepted};
+                         .accepted = request.accepted,
+                         .evidence = &evidence};
     const bool isWhole = request.showsModel || !request.report.isEmpty();
     const Report report = buildReport(card, found, isWhole);
     problem = printReport(request, report);

@@ -78,6 +78,13 @@ QString setDelimiter(Request &request, const QStringList &values) {
     return {};
 }
 
+QString setDecimal(Request &request, const QStringList &values) {
+    const QString &mark = values.constLast();
+    request.rows.hasDecimalComma = mark == u",";
+    return mark == u"," || mark == u"." ? QString()
+                                        : u"The decimal mark must be a comma or a full stop."_s;
+}
+
 QString setMissing(Request &request, const QStringList &values) {
     for (const QString &text : values) request.rows.missing.push_back(text.toStdString());
     return {};
@@ -103,7 +110,8 @@ constexpr Option options[] = {
     {u"rows", u"Score the rows of this CSV file.", set<&RowOptions::file>, u"file", {}, RequiredInput, true},
     {u"key", u"The column that names a row.", set<&RowOptions::key>, u"column", u"rows"},
     {u"scores", u"Write key, score and probability to this CSV file.", set<&RowOptions::scores>, u"file", u"rows", Output},
-    {u"delimiter", u"What stands between cells; a comma.", setDelimiter, u"character", u"rows"},
+    {u"delimiter", u"What stands between cells, if the title lines do not show it.", setDelimiter, u"character", u"rows"},
+    {u"decimal", u"What stands before decimals in both files: a full stop (.) or a comma.", setDecimal, u"mark", u"rows"},
     {u"missing", u"Cells with this text mean nothing. May be given several times.", setMissing, u"text", u"rows"},
     {u"compare", u"Hold this CSV file of results of the one target against the model.", set<&RowOptions::results>,
      u"file", u"rows", RequiredInput},
@@ -204,6 +212,7 @@ QString readOptions(const QCommandLineParser &parser, Request &request) {
     }
     const bool hasOther = request.showsModel || !request.probe.isEmpty();
     request.looksForFindings = request.looksForFindings || !hasOther;
+    request.rows.hashesFiles = request.isJson || !request.report.isEmpty();
     if (request.showsModel && request.isJson) return u"--show prints text, and cannot be JSON."_s;
     if (request.isQuiet && (request.isJson || request.showsModel)) {
         return u"--quiet prints the verdict alone, without --%1."_s.arg(request.isJson ? u"json"
@@ -227,6 +236,7 @@ QString readRequest(const QStringList &arguments, Request &request) {
     }
     if (!request.answer.isEmpty()) return {};
     if (parser.positionalArguments().size() != 1) return u"One model document is needed."_s;
+    request.arguments = arguments.mid(1);
     request.model = parser.positionalArguments().constFirst();
     return readOptions(parser, request);
 }

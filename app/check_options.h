@@ -5,6 +5,7 @@
 
 // What the arguments ask for. The names of files that were not given are empty.
 struct Request {
+    QStringList arguments; // as they were given
     QString model;
     bool showsModel = false;
     bool looksForFindings = false;

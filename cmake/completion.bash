@@ -40,11 +40,11 @@ _scorewright_check() {
     --sql) _scorewright_files "$word" xml ;;
     --canvas | --report) _scorewright_files "$word" html ;;
     --probe | --rows | --scores | --compare) _scorewright_files "$word" csv ;;
-    --key | --score | --probability | --tolerance | --delimiter | --missing) ;;
+    --key | --score | --probability | --tolerance | --delimiter | --decimal | --missing) ;;
     *)
       if [[ $word == -* ]]; then
-        _scorewright_words '--show --target --sql --canvas --probe --rows --key --scores --compare --score --probability
-          --tolerance --json --report --delimiter --missing --help --version' "$word"
+        _scorewright_words '--show --target --sql --canvas --probe --rows --key --scores --compare --score
+          --probability --tolerance --json --report --delimiter --decimal --missing --help --version' "$word"
       else
         _scorewright_files "$word" ModelXml
       fi ;;

@@ -48,3 +48,5 @@ void printText(QStringView text);
 bool printAtOnce(QStringView text);
 // The same to standard error.
 void printError(QStringView text);
+// Whether standard error is a terminal.
+bool isErrorTerminal();

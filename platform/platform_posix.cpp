@@ -142,3 +142,7 @@ void printError(QStringView text) {
     const QByteArray bytes = text.toUtf8();
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
 }
+
+bool isErrorTerminal() {
+    return isatty(STDERR_FILENO) == 1;
+}

@@ -100,3 +100,8 @@ bool printAtOnce(QStringView text) {
 void printError(QStringView text) {
     print(GetStdHandle(STD_ERROR_HANDLE), text);
 }
+
+bool isErrorTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}

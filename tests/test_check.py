@@ -6,6 +6,8 @@ import os
 import re
 import sqlite3
 import subprocess
+import termios
+import time
 import unittest
 from pathlib import Path
 
@@ -107,6 +109,57 @@ class ScoresAndFindingsTest(CheckedTest):
         with open(self.folder / "scores.csv", newline="") as file:
             self.assertEqual(list(csv.reader(file)), [["k", "score", "probability"], *([key, "3", ""] for key in keys)])
 
+    def test_files_as_they_come(self):
+        """The delimiter of each file shows in its title line, though titles hold others; decimal commas are read on request,
+        in numeric columns only, and where cells are between commas, full stops too."""
+        self.write("m.ModelXml", model(numeric(1, "n", [1, 2], [0, 10, 20, 30]), categorical(2, "c;, |", ["1,5"], [0, 1])))
+        cells = [["n", "c;, |", "k"], ["1,5", "1,5", "x;y"], ["1.5", "1,5", ","], ["1.234,5", "1.5", "|"], ["7", "", "\t"]]
+        plain, comma, either = ["1", "21", "0", "30"], ["21", "1", "0", "30"], ["21", "21", "0", "30"]
+        for mark, more, scores in [(",", [], plain), (",", ["--decimal=,"], either), (";", [], plain), (";", ["--decimal=,"], comma),
+                                   ("|", ["--decimal=."], plain), ("\t", ["--decimal=,"], comma)]:
+            for results_mark, point in [(",", "."), (";", "."), *[(";", ",")] * ("--decimal=," in more)]:
+                with self.subTest(mark=mark, more=more, results_mark=results_mark):
+                    with open(self.folder / "rows.csv", "w", newline="") as file:
+                        csv.writer(file, delimiter=mark).writerows(cells)
+                    with open(self.folder / "results.csv", "w", newline="") as file:
+                        csv.writer(file, delimiter=results_mark).writerows(
+                            [["k", "the score, all; in all"], *([row[2], score + point + "0"] for row, score in zip(cells[1:], scores))])
+                    found = self.report("m.ModelXml", "--rows", "rows.csv", "--key", "k", "--scores", "scores.csv", "--compare", "results.csv",
+                                        "--score", "the score, all; in all", "--target", "sas", *more)
+                    self.assertEqual(found["comparison"]["equal"], 4)
+                    with open(self.folder / "scores.csv", newline="") as file:
+                        self.assertEqual([row[1] for row in csv.reader(file, delimiter=mark)], ["score", *scores])
+        self.write("rows.csv", "n\n7\n1,5\n", "utf-8")
+        self.write("m.ModelXml", document([numeric(1, "n", [1, 2], [0, 10, 20, 30])], [(1, 1)], 0))
+        for more, uneven in [([], 1), (["--decimal=,"], 0)]:
+            self.assertEqual(self.report("m.ModelXml", "--rows", "rows.csv", *more)["uneven"], uneven)
+
+    def test_progress(self):
+        """The rows wait for results that come slowly, from a terminal; what they are told is erased at the end."""
+        self.write("m.ModelXml", model())
+        self.write("rows.csv", "n,c\n" + 20000 * "1,a bc\n", "utf-8")
+        result = 20000 * b"2.000\n"
+        for is_terminal in [True, False]:
+            (typed, source), (screen, error) = os.openpty(), os.openpty()
+            settings = termios.tcgetattr(source)
+            settings[3] &= ~termios.ECHO
+            termios.tcsetattr(source, termios.TCSANOW, settings)
+            run = subprocess.Popen([engines.CHECK, "m.ModelXml", "--rows", "rows.csv", "--compare", os.ttyname(source), "--target", "sas",
+                                    "--score", "s"], cwd=self.folder, stdout=subprocess.DEVNULL,
+                                   stderr=error if is_terminal else subprocess.PIPE)
+            for text, pause in [(b"s\n" + result[:90000], 1.2), (result[90000:] + b"\x04\x04", 0)]:
+                while text:
+                    text = text[os.write(typed, text):]
+                time.sleep(pause)
+            self.assertIn(run.wait(60), (0, 1))
+            if is_terminal:
+                self.assertRegex(os.read(screen, 1000).decode(), r"^(\rReading the rows: \d+ %)+\r( +)\r$")
+            else:
+                self.assertEqual(run.stderr.read(), b"")
+                run.stderr.close()
+            for file in [typed, source, screen, error]:
+                os.close(file)
+
     def test_status_and_what_is_printed(self):
         """--show alone looks for nothing, and ends with 0 for any model."""
         self.write("m.ModelXml", model(kind="T"))
@@ -123,7 +176,8 @@ class ScoresAndFindingsTest(CheckedTest):
 
     def test_calls_that_are_refused(self):
         self.write("m.ModelXml", model())
-        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n', "kept.html": "x",
+        for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n',
+                           "odd.csv": 'N \t"x\ny"\t' + "\t".join(99 * str(i % 10) for i in range(21)) + "\n", "kept.html": "x",
                            "twin.csv": " n\n1\n", "large.csv": 'n,c\n1,"' + (65 << 20) * "a"}.items():
             self.write(name, text, "utf-8")
         self.write("wide.csv", "\ufeffn,c\n", "utf-16-be")
@@ -140,7 +194,10 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
             (2, "There is no target 'r'.", ["m.ModelXml", "--target", "sql,r", "--json"]),
             (2, "--key wants --rows.", ["m.ModelXml", "--key", "n", "--score", "s"]),
-            (2, "File 'rows.csv' lacks the column 'c'.", ["m.ModelXml", "--rows", "rows.csv"]),
+            (2, "File 'rows.csv' lacks the column 'c'. Its titles are 'n', 'x', 'x'.\n", ["m.ModelXml", "--rows", "rows.csv"]),
+            (2, "File 'odd.csv' lacks the columns 'n', 'c'. 'n' is there as 'N '. Its titles are "
+             + ", ".join(["'N '", "'x y'", *(f"'{60 * str(i % 10)}…'" for i in range(18))]) + " and 3 more.\n", ["m.ModelXml", "--rows", "odd.csv"]),
+            (2, "The decimal mark must be a comma or a full stop.", [*good, "--decimal", ";"]),
             (2, "File 'kept.html' lacks the columns 'n', 'c'.", ["m.ModelXml", "--rows", "kept.html"]),
             (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
             (2, "--compare wants the one --target", ["m.ModelXml", *compare]),

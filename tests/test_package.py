@@ -54,7 +54,7 @@ class PackageTest(SqlProgramTest):
                 with self.subTest(bounds=bounds, closed=closed, wrong=values[~right]):
                     self.assertTrue(right[np.isin(values, bounds)].all())
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
-                    self.assertTrue((right | (closed == "left") & ~told).all() or bounds not in short)
+                    self.assertTrue((right | (~told if closed == "left" else bounds not in short)).all())
 
     def test_encodings(self):
         """A document is read in the encodings that the program reads, and its missing codes under any target's name."""

@@ -1,11 +1,16 @@
 """The reports of scorewright-check, as text, JSON and page: golden files of a comparison in which everything happens."""
 
+import datetime
+import hashlib
 import math
+import os
 import re
 import unittest
 from decimal import Decimal
+from unittest import mock
 
 from engines import CheckedTest
+from sql_program import configuration
 from support import NO_YES, boolean, categorical, document, numeric
 
 
@@ -34,20 +39,42 @@ class ReportsTest(CheckedTest):
         self.call = ["m.ModelXml", "--rows", "rows.csv", "--key", "k", "--compare", "results.csv", "--score", "s",
                      "--probability", "p", "--target", "sql"]
 
+        self.version = self.check("--version")[1].split()[1]
+        time = mock.patch.dict(os.environ, SOURCE_DATE_EPOCH="1700000000")
+        self.addCleanup(time.stop)
+        time.start()
+
     def test_text(self):
         status, printed, message = self.check(*self.call, "--show")
         self.assertEqual((status, message), (3, ""))
         self.assert_golden("check.txt", printed)
 
     def test_json(self):
-        self.assert_golden("check.json", self.check(*self.call, "--json")[1])
+        printed = self.check(*self.call, "--json")[1]
+        self.assert_golden("check.json", printed.replace(f'"version": "{self.version}"', '"version": "VERSION"'))
 
     def test_page(self):
         """But for its style. It needs no other file."""
         self.check(*self.call, "--report", "report.html")
         page = (self.folder / "report.html").read_text("utf-8")
-        self.assert_golden("check.html", page[page.index("<main>"):])
+        self.assert_golden("check.html", page[page.index("<main>"):].replace(f"check {self.version}:", "check VERSION:"))
         self.assertNotRegex(page, r"<script|https?:|url\(|@import|src=|\bnan\b|\binf\b")
+
+    def test_evidence(self):
+        """The bytes that were read, and when."""
+        self.write("s.xml", configuration(dbType="mysql"))
+        del os.environ["SOURCE_DATE_EPOCH"]
+        begun = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
+        found = self.report(*self.call, "--sql", "s.xml", "--canvas", "none", "--missing", "", "--missing", "a b")
+        self.assertTrue(begun <= datetime.datetime.strptime(found["time"], "%Y-%m-%dT%H:%M:%S%z") <= begun + datetime.timedelta(minutes=1))
+        self.assertEqual(found["options"]["missing"], ["", "a b"])
+        expected = []
+        for role, name, rows in [("document", "m.ModelXml", None), ("SQL configuration", "s.xml", None), ("canvas", "none", None),
+                                 ("rows", "rows.csv", 38), ("results", "results.csv", 36)]:
+            data = None if name == "none" else (self.folder / name).read_bytes()
+            expected.append({"role": role, "path": name, "rows": rows, "bytes": data and len(data),
+                             "sha256": data and hashlib.sha256(data).hexdigest()})
+        self.assertEqual(found["files"], expected)
 
     def test_single_things(self):
         """The targets of findings of one kind, one row that is uneven, a point of the curve that is no number."""

@@ -16,9 +16,19 @@ bool readNumber(std::string_view text, double &number) {
     return error == std::errc();
 }
 
-Cell cellOf(std::string_view raw, std::span<const std::string> missing) {
+// A text with a full stop is no number here: the stop may part thousands.
+static bool readDecimalComma(std::string_view text, double &number) {
+    std::string plain(text);
+    std::ranges::replace(plain, ',', '.');
+    return text.find('.') == std::string_view::npos && readNumber(plain, number);
+}
+
+Cell cellOf(std::string_view raw, std::span<const std::string> missing, DecimalMark mark) {
     Cell cell = {.raw = raw, .text = trimmed(raw)};
     if (std::ranges::find(missing, cell.text) != missing.end()) cell.text = {};
-    cell.isNumber = readNumber(cell.text, cell.number);
+    cell.isNumber = mark != DecimalMark::Comma && readNumber(cell.text, cell.number);
+    if (mark != DecimalMark::Point && !cell.isNumber) {
+        cell.isNumber = readDecimalComma(cell.text, cell.number);
+    }
     return cell;
 }

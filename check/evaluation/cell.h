@@ -15,8 +15,12 @@ struct Cell {
     double number = 0;     // NaN counts as one that is missing
     bool isNumber = false; // the text
 };
+// What may stand before the decimals of a number.
+enum class DecimalMark { Point, Comma, Either };
+
 // `missing` are texts that mean a missing value, as an empty cell does.
-Cell cellOf(std::string_view raw, std::span<const std::string> missing = {});
+Cell cellOf(std::string_view raw, std::span<const std::string> missing = {},
+            DecimalMark mark = DecimalMark::Point);
 
 // The number that a text holds: decimal, with an exponent or not, and nothing else. False for any
 // other text.

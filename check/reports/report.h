@@ -102,6 +102,19 @@ struct Unreached {
     QStringList places = {};
 };
 
+// What was checked, with what and when.
+struct Evidence {
+    struct File {
+        QString role;
+        QString path;
+        FileRead read; // without a hash if the file could not be read
+    };
+    QString version; // of this program
+    QStringList arguments;
+    QString time; // UTC, as ISO 8601 writes it
+    std::vector<File> files;
+};
+
 // What there is to report; it must outlive the report. Null: not asked for.
 struct Found {
     std::span<const Finding> findings = {}; // in the order of their kinds
@@ -109,6 +122,7 @@ struct Found {
     const RowOptions *options = nullptr; // given with the rows
     const ComparisonResult *comparison = nullptr;
     FindingSet accepted = {};
+    const Evidence *evidence = nullptr;
 };
 
 struct Report {
@@ -168,6 +182,8 @@ QString causeText(const Report &report, const CauseLine &cause);
 inline constexpr QStringView differenceSteps[] = {u"1e-9", u"1e-6", u"1e-4", u"1e-2"};
 // Of each column that is compared: its differences as a line, and its cells that are no numbers.
 QStringList summaryOf(const Report &report);
+// The tool that wrote the document, by its version.
+QString writerText(const ModelSection &model);
 // The target that the results are of.
 QString comparedTarget(const Report &report);
 // The place of a finding, with its rows if rows were scored.

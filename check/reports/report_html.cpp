@@ -31,8 +31,8 @@ void putHead(TextBuffer &out, const Report &report) {
     const ModelSection &model = report.model;
     put(out, pageHead, escaped(model.file), u"</title>\n", reportStyle,
         u"</head><body><main>\n<h1>", escaped(model.file), u"</h1>\n<p class=\"soft\">Target ",
-        escaped(model.target), u", kind ", escaped(model.kind), u", version ",
-        escaped(model.version), u"</p>\n<div class=\"tiles\">\n");
+        escaped(model.target), u", kind ", escaped(model.kind), u", ", escaped(writerText(model)),
+        u"</p>\n<div class=\"tiles\">\n");
     const auto putTile = [&](std::int64_t number, QStringView label) {
         put(out, u"<div><b>", number, u"</b>", label, u"</div>\n");
     };
@@ -53,6 +53,47 @@ void putHead(TextBuffer &out, const Report &report) {
 void putNames(TextBuffer &out, QStringView title, std::span<const FindingGroup> groups) {
     if (groups.empty()) return;
     put(out, u"<article>", title, u": ", escaped(namesOf(groups)), u"</article>\n");
+}
+
+// The arguments as a shell reads them.
+QString callText(QStringList arguments) {
+    for (QString &argument : arguments) {
+        const auto isPlain = [](QChar c) {
+            return c.isLetterOrNumber() || u"-_.,:/=@%+"_s.contains(c);
+        };
+        if (!argument.isEmpty() && std::ranges::all_of(argument, isPlain)) continue;
+        argument = u'\'' + argument.replace(u"'"_s, u"'\\''"_s) + u'\'';
+    }
+    return arguments.join(u' ');
+}
+
+void putEvidence(TextBuffer &out, const Found &found) {
+    const Evidence &evidence = *found.evidence;
+    put(out,
+        u"<section><h2>What was checked</h2>\n<article><table>\n<tr><th>file</th><th></th>"
+        "<th>SHA-256</th><th class=\"number\">bytes</th><th class=\"number\">rows</th></tr>\n");
+    for (const Evidence::File &file : evidence.files) {
+        const FileRead &read = file.read;
+        const bool isRead = !read.sha256.isEmpty();
+        put(out, u"<tr><td>", escaped(file.role), u"</td><td>", escaped(file.path), u"</td><td>",
+            isRead ? QString::fromLatin1(read.sha256.toHex()) : u"not read"_s,
+            u"</td><td class=\"number\">", isRead ? QString::number(read.bytes) : QString(),
+            u"</td><td class=\"number\">", read.rows < 0 ? QString() : QString::number(read.rows),
+            u"</td></tr>\n");
+    }
+    put(out, u"</table>\n<p>Checked on ", evidence.time, u" with scorewright-check ",
+        evidence.version, u": <code>scorewright-check ", escaped(callText(evidence.arguments)),
+        u"</code></p>\n");
+    QStringList missing;
+    for (const std::string &text : found.options->missing) {
+        missing.append(u'\'' + QString::fromStdString(text) + u'\'');
+    }
+    if (!missing.isEmpty()) {
+        put(out, u"<p>Cells that count as missing: empty, ", escaped(missing.join(u", "_s)),
+            u"</p>\n");
+    }
+    if (found.comparison) put(out, u"<p>Tolerance ", found.options->tolerance, u"</p>\n");
+    put(out, u"</article></section>\n");
 }
 
 void putFindings(TextBuffer &out, const Report &report) {
@@ -238,6 +279,7 @@ void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &
 void putPage(TextBuffer &out, const Report &report) {
     const ModelSection &model = report.model;
     putHead(out, report);
+    if (report.found.evidence) putEvidence(out, report.found);
     put(out, signatures);
     putFindings(out, report);
     if (report.found.comparison) putComparison(out, report);

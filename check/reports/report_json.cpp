@@ -134,6 +134,34 @@ QString nameOf(Verdict verdict) {
     return u"clean"_s;
 }
 
+QJsonObject jsonOf(const Evidence::File &file) {
+    const FileRead &read = file.read;
+    const bool isRead = !read.sha256.isEmpty();
+    return {{u"role"_s, file.role},
+            {u"path"_s, file.path},
+            {u"bytes"_s, isRead ? count(read.bytes) : QJsonValue()},
+            {u"sha256"_s, isRead ? QString::fromLatin1(read.sha256.toHex()) : QJsonValue()},
+            {u"rows"_s, read.rows >= 0 ? count(read.rows) : QJsonValue()}};
+}
+
+void addEvidence(QJsonObject &object, const Found &found) {
+    const Evidence &evidence = *found.evidence;
+    QJsonArray files;
+    for (const Evidence::File &file : evidence.files) files.append(jsonOf(file));
+    QJsonArray missing;
+    for (const std::string &text : found.options->missing) {
+        missing.append(QString::fromStdString(text));
+    }
+    object[u"program"_s] =
+        QJsonObject{{u"name"_s, u"scorewright-check"_s}, {u"version"_s, evidence.version}};
+    object[u"files"_s] = files;
+    object[u"options"_s] =
+        QJsonObject{{u"arguments"_s, QJsonArray::fromStringList(evidence.arguments)},
+                    {u"missing"_s, missing},
+                    {u"tolerance"_s, found.options->tolerance}};
+    object[u"time"_s] = evidence.time;
+}
+
 } // namespace
 
 void putJson(TextBuffer &out, const Report &report) {
@@ -145,6 +173,7 @@ void putJson(TextBuffer &out, const Report &report) {
                           {u"verdict"_s, nameOf(report.verdict)},
                           {u"sentence"_s, report.sentence},
                           {u"findings"_s, findings}};
+    if (report.found.evidence) addEvidence(object, report.found);
     if (report.found.counts) {
         object[u"rows"_s] = count(report.found.counts->rows);
         object[u"uneven"_s] = count(report.found.counts->uneven);

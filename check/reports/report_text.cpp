@@ -123,7 +123,7 @@ QStringView unreadableText(Unreadable kind) {
 } // namespace
 
 void putModel(TextBuffer &out, const ModelSection &model) {
-    put(out, u"Model ", model.file, u", version ", model.version, u"\nTarget ", model.target,
+    put(out, u"Model ", model.file, u", ", writerText(model), u"\nTarget ", model.target,
         u", kind ", model.kind, u"\n", std::ssize(model.recodings), u" recodings of ",
         model.columns, u" columns\n");
     if (!model.notation.isEmpty()) put(out, u"\n", model.notation, u"\n");
@@ -180,6 +180,11 @@ QStringList unreachedLines(const Unreached &unreached) {
     const qsizetype more = unreached.places.size() - lines.size();
     if (more > 0) lines.append(u"and %1 more"_s.arg(more));
     return lines;
+}
+
+QString writerText(const ModelSection &model) {
+    if (model.version.isEmpty()) return u"written by an unknown version of the modelling tool"_s;
+    return u"written by version %1 of the modelling tool"_s.arg(model.version);
 }
 
 QString comparedTarget(const Report &report) {

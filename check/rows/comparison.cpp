@@ -249,7 +249,9 @@ void Comparison::takeCell(std::size_t place, std::string_view bytes) {
         keepKey(*this, unfinished, trimmed(bytes));
         return;
     }
-    const Cell cell = cellOf(bytes, options.missing);
+    // A result that is read wrongly cannot happen to be the one that is expected.
+    const DecimalMark mark = options.hasDecimalComma ? DecimalMark::Either : DecimalMark::Point;
+    const Cell cell = cellOf(bytes, options.missing, mark);
     const bool isScore = place == (hasKey ? 1 : 0) && options.hasScore();
     (isScore ? unfinished.numbers.score : unfinished.numbers.probability) =
         cell.isNumber ? cell.number : noNumber;
@@ -274,21 +276,22 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     if (c.options.hasProbability() && !c.card.hasProbability()) {
         return u"The model has no probability; use --score."_s;
     }
-    QString problem = c.reader.open(c.options.results, c.options.delimiter);
-    if (!problem.isEmpty()) return problem;
     QStringList wanted = {c.options.key, c.options.score, c.options.probability};
     wanted.removeAll(QString());
-    problem = c.reader.choose(wanted);
+    c.reader.hashesBytes = c.options.hashesFiles;
+    // Without a key, both files are read together.
+    if (!c.options.key.isEmpty()) c.reader.shownAs = u"results";
+    const QString problem = c.reader.open(c.options.results, c.options.delimiters(), wanted);
     if (!problem.isEmpty() || c.options.key.isEmpty()) return problem;
     while (c.reader.read(c)) continue;
     countRepeated(c, c.entries, u"row %1 of the results"_s);
     return c.reader.problem;
 }
 
-QString openDifferences(Comparison &c) {
+QString openDifferences(Comparison &c, char delimiter) {
     const RowOptions &options = c.options;
     if (options.differences.isEmpty()) return {};
-    const QString problem = c.out.open(options.differences, options.delimiter);
+    const QString problem = c.out.open(options.differences, delimiter);
     if (!problem.isEmpty()) return problem;
     c.out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
     for (const std::string_view title :

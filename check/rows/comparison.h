@@ -18,17 +18,24 @@ struct RowOptions {
     QString key;         // column; may be empty: rows are joined by position
     QString scores;      // file to be written; may be empty
     QString differences; // file to be written of rows that are not as the model says; may be empty
-    char delimiter = ',';
+    char delimiter = '\0';            // of both files; 0: each has its own
+    bool hasDecimalComma = false;     // in both files
     std::vector<std::string> missing; // texts that count as missing, as an empty cell does
     QString results;                  // file of a deployment; may be empty
     Target target = Target::Sas;      // that they are of
     QString score;                    // their columns, one of which may be empty
     QString probability;
-    double tolerance = 1e-9; // relative to the expected number where that is above 1
-    SqlReading sql = {};     // of the configuration that the results were made with
+    double tolerance = 1e-9;  // relative to the expected number where that is above 1
+    SqlReading sql = {};      // of the configuration that the results were made with
+    bool hashesFiles = false; // for the evidence of a report
     std::size_t cachedCells =
         1 << 16; // that are judged once; they take memory before the first row
 
+    // What may stand between cells, the likeliest first.
+    std::string_view delimiters() const {
+        if (delimiter != '\0') return {&delimiter, 1};
+        return hasDecimalComma ? ";\t|," : ",;\t|";
+    }
     bool hasScore() const { return !score.isEmpty(); }
     bool hasProbability() const { return !probability.isEmpty(); }
 };
@@ -124,7 +131,7 @@ struct Comparison {
 // Returns an error message; empty on success.
 QString openResults(Comparison &comparison, std::span<const Finding> findings);
 // Opens the file of differences if one is asked for. Returns an error message; empty on success.
-QString openDifferences(Comparison &comparison);
+QString openDifferences(Comparison &comparison, char delimiter);
 void compareRow(Comparison &comparison, const RowFacts &facts);
 // To be called after the last row, with the rows by recodings and positions. Returns an error
 // message; empty on success.

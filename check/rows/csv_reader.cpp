@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <unordered_map>
@@ -34,24 +35,79 @@ bool isUtf16(std::string_view bytes) {
            (bytes.size() > 1 && bytes.substr(0, 2).find('\0') != std::string_view::npos);
 }
 
+void prepare(csv_parser &parser, char delimiter) {
+    if (csv_init(&parser, 0) != 0) throw std::bad_alloc();
+    csv_set_delim(&parser, static_cast<unsigned char>(delimiter));
+    csv_set_space_func(&parser, isBlank);
+    csv_set_realloc_func(&parser, resizeCell);
+}
+
+// The cells of the first line, as far as the block has it: how many are wanted, and how many there
+// are. The texts that are wanted are sorted.
+std::pair<std::size_t, std::size_t> countTitles(std::string_view block, char delimiter,
+                                                std::span<const std::string> wanted) {
+    struct Line {
+        std::span<const std::string> wanted;
+        std::pair<std::size_t, std::size_t> counts = {};
+        bool isEnded = false;
+    } line = {wanted};
+    csv_parser parser{};
+    prepare(parser, delimiter);
+    const auto takeCell = [](void *bytes, std::size_t size, void *to) {
+        Line &into = *static_cast<Line *>(to);
+        if (into.isEnded) return;
+        const std::string_view title = trimmed({static_cast<const char *>(bytes), size});
+        if (std::ranges::binary_search(into.wanted, title)) ++into.counts.first;
+        ++into.counts.second;
+    };
+    const auto endLine = [](int /*terminator*/, void *to) {
+        static_cast<Line *>(to)->isEnded = true;
+    };
+    csv_parse(&parser, block.data(), block.size(), takeCell, endLine, &line);
+    if (!line.isEnded) csv_fini(&parser, takeCell, endLine, &line);
+    csv_free(&parser);
+    return line.counts;
+}
+
+// What is left of a title without capitals and blanks.
+QString plainTitle(const QString &title) {
+    QString plain = title.toCaseFolded();
+    plain.removeIf([](QChar c) { return c.isSpace(); });
+    return plain;
+}
+
+QString quoted(const QString &text) {
+    return u'\'' + text + u'\'';
+}
+
 } // namespace
+
+QString shownText(std::string_view text) {
+    constexpr qsizetype longest = 60;
+    QString shown = QString::fromUtf8(text);
+    if (shown.size() > longest) shown = shown.left(longest) + u'…';
+    for (QChar &c : shown) {
+        if (c.category() == QChar::Other_Control) c = u' ';
+    }
+    return shown;
+}
 
 CsvReader::~CsvReader() {
     csv_free(&parser);
 }
 
-QString CsvReader::open(const QString &fileName, char delimiter) {
+QString CsvReader::open(const QString &fileName, std::string_view delimiters,
+                        std::span<const QString> names) {
     name = fileName;
     file.stream.reset(openFile(fileName, FileUse::Read));
     if (!file.stream) return u"Cannot open file '%1'."_s.arg(fileName);
-    if (csv_init(&parser, 0) != 0) throw std::bad_alloc();
-    csv_set_delim(&parser, static_cast<unsigned char>(delimiter));
-    csv_set_space_func(&parser, isBlank);
-    csv_set_realloc_func(&parser, resizeCell);
+    if (!shownAs.isEmpty()) progress.begin(shownAs, fileSize(file.stream.get()));
     block.resize(blockSize);
     fill();
     if (isUtf16(unread)) return u"File '%1' is UTF-16; save it as UTF-8."_s.arg(name);
     if (unread.starts_with("\xEF\xBB\xBF")) unread.remove_prefix(3); // no part of the first title
+    delimiter = findDelimiter(delimiters, names);
+    prepare(parser, delimiter);
     const auto takeTitle = [](void *bytes, std::size_t size, void *reader) {
         CsvReader &r = *static_cast<CsvReader *>(reader);
         r.guard([&] { r.titles.emplace_back(static_cast<const char *>(bytes), size); });
@@ -61,7 +117,22 @@ QString CsvReader::open(const QString &fileName, char delimiter) {
     };
     while (!hasHeader && parse(1, takeTitle, endTitles, this)) continue;
     if (!problem.isEmpty()) return problem;
-    return titles.empty() ? u"File '%1' has no header line."_s.arg(fileName) : QString();
+    return titles.empty() ? u"File '%1' has no header line."_s.arg(fileName) : choose(names);
+}
+
+char CsvReader::findDelimiter(std::string_view delimiters, std::span<const QString> names) const {
+    if (delimiters.size() == 1) return delimiters[0];
+    std::vector<std::string> wanted;
+    for (const QString &title : names) wanted.emplace_back(trimmed(title.toStdString()));
+    std::ranges::sort(wanted);
+    char best = delimiters[0];
+    std::pair<std::size_t, std::size_t> most;
+    for (const char candidate : delimiters) {
+        const auto counts = countTitles(unread, candidate, wanted);
+        if (counts > most) best = candidate;
+        most = std::max(most, counts);
+    }
+    return best;
 }
 
 QString CsvReader::choose(std::span<const QString> names) {
@@ -78,12 +149,12 @@ QString CsvReader::choose(std::span<const QString> names) {
         return {};
     };
     QString wrong;
-    QStringList absent;
+    std::vector<QString> absent;
     placeOf.assign(titles.size(), notChosen);
     for (std::size_t i = 0; i < names.size(); ++i) {
         const std::span<const std::size_t> columns = columnsOf(names[i].toStdString());
         if (columns.empty()) {
-            absent.append(u'\'' + names[i] + u'\'');
+            absent.push_back(names[i]);
         } else if (columns.size() > 1) {
             wrong = u"File '%1' has two columns '%2'."_s.arg(name, names[i]);
         } else if (std::size_t &place = placeOf[columns[0]]; place != notChosen) {
@@ -93,9 +164,30 @@ QString CsvReader::choose(std::span<const QString> names) {
             place = i;
         }
     }
-    if (absent.isEmpty()) return wrong;
-    return u"File '%1' lacks the column%2 %3."_s.arg(name, absent.size() > 1 ? u"s"_s : QString(),
-                                                     absent.join(u", "_s));
+    return absent.empty() ? wrong : describeAbsent(absent);
+}
+
+QString CsvReader::describeAbsent(std::span<const QString> absent) const {
+    constexpr qsizetype mostShown = 20;
+    std::unordered_map<QString, QString> alike;
+    QStringList there;
+    for (const std::string &title : titles) {
+        const QString shown = quoted(shownText(title));
+        alike.try_emplace(plainTitle(QString::fromStdString(title)), shown);
+        if (there.size() < mostShown) there.append(shown);
+    }
+    QStringList lacking;
+    QString hints;
+    for (const QString &title : absent) {
+        lacking.append(quoted(title));
+        const auto found = alike.find(plainTitle(title));
+        if (found == alike.end()) continue;
+        hints += u" %1 is there as %2."_s.arg(quoted(title), found->second);
+    }
+    const qsizetype more = std::ssize(titles) - there.size();
+    return u"File '%1' lacks the column%2 %3.%4 Its titles are %5%6."_s.arg(
+        name, absent.size() > 1 ? u"s"_s : QString(), lacking.join(u", "_s), hints,
+        there.join(u", "_s), more > 0 ? u" and %1 more"_s.arg(more) : QString());
 }
 
 QStringList CsvReader::titlesOfFile() const {
@@ -110,6 +202,9 @@ QStringList CsvReader::titlesOfFile() const {
 void CsvReader::fill() {
     if (!unread.empty()) return;
     unread = {block.data(), std::fread(block.data(), 1, block.size(), file.stream.get())};
+    bytesRead += std::ssize(unread);
+    if (hashesBytes) hash.addData(unread);
+    progress.advance(bytesRead);
 }
 
 bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void *call) {
@@ -138,6 +233,7 @@ bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void 
         }
     }
     if (isOutOfMemory) throw std::bad_alloc();
+    if (isAtEnd || !problem.isEmpty()) progress.end();
     if (problem.isEmpty()) return true;
     problem = problem.arg(name);
     isAtEnd = true;

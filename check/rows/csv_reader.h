@@ -2,9 +2,11 @@
 // Memory does not grow with the rows; a cell may take 64 MiB.
 #pragma once
 
+#include "check/rows/progress.h"
 #include "check/rows/utf8_check.h"
 #include "model/output_file.h"
 
+#include <QCryptographicHash>
 #include <QStringList>
 
 #include <csv.h>
@@ -24,13 +26,13 @@ public:
     CsvReader &operator=(const CsvReader &) = delete;
     ~CsvReader();
 
-    // Opens the file and reads its header line. Returns an error message; empty on success.
-    QString open(const QString &fileName, char delimiter);
-
-    // Chooses the columns of these titles, whose positions are the places of their cells; blanks
-    // around a title count only where a name has them too. Each name needs one column of its own.
-    // Returns an error message; empty on success.
-    QString choose(std::span<const QString> names);
+    // Opens the file, reads its header line and chooses the columns of these titles, whose
+    // positions are the places of their cells; blanks around a title count only where a name has
+    // them too. Each name needs one column of its own. Of the delimiters, the one counts with which
+    // the header line has most of these titles or else most cells, or else the first. Returns an
+    // error message; empty on success.
+    QString open(const QString &fileName, std::string_view delimiters,
+                 std::span<const QString> names);
 
     // Hands the next block to the taker, of each row the chosen cells by takeCell(place, cell) and
     // then endRow(). A cell that a short row lacks is empty; lines without any cell are passed
@@ -40,6 +42,14 @@ public:
 
     QStringList titlesOfFile() const; // without blanks around them
 
+    QByteArray sha256() const { return hash.result(); } // of the bytes so far
+
+    // To be set before the file is opened.
+    QStringView shownAs; // what progress calls the file; empty: none is shown
+    bool hashesBytes = false;
+
+    char delimiter = ','; // that was found
+    std::int64_t bytesRead = 0;
     std::int64_t row = 0;    // how many were handed over
     std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
     std::int64_t firstUneven = 0;
@@ -60,6 +70,9 @@ private:
         }
     }
     void fill();
+    char findDelimiter(std::string_view delimiters, std::span<const QString> names) const;
+    QString choose(std::span<const QString> names);
+    QString describeAbsent(std::span<const QString> absent) const;
     // Parses at most `most` bytes of the block.
     bool parse(std::size_t most, CellCall takeCell, RowCall endRow, void *call);
 
@@ -67,6 +80,8 @@ private:
 
     QString name;
     OutputFile file;
+    Progress progress;
+    QCryptographicHash hash{QCryptographicHash::Sha256};
     csv_parser parser{};
     bool hasHeader = false;
     bool isAtEnd = false;
@@ -78,6 +93,9 @@ private:
     std::vector<std::size_t> placeOf; // of each column
     std::size_t column = 0;           // of the next cell
 };
+
+// A text of the data as a message can hold it.
+QString shownText(std::string_view text);
 
 template <typename Taker>
 bool CsvReader::read(Taker &taker) {

@@ -1,6 +1,7 @@
 #include "check/rows/probe.h"
 
 #include "check/evaluation/target_texts.h"
+#include "check/rows/csv_reader.h"
 #include "check/rows/csv_writer.h"
 
 #include <algorithm>
@@ -247,20 +248,8 @@ std::vector<double> scoresBetween(const Scorecard &card, double lowest, double h
 
 // --- What rows are for
 
-// A text of the document as a row can hold it.
-QString shortened(QStringView text) {
-    constexpr qsizetype longest = 60;
-    QString shown = text.first(std::min(longest, text.size())).toString();
-    if (endsInHalfPair(shown)) shown.chop(1);
-    if (text.size() > longest) shown += u'…';
-    for (QChar &c : shown) {
-        if (c.category() == QChar::Other_Control) c = u' ';
-    }
-    return shown;
-}
-
 QString trialText(const QString &field, const Try &cell) {
-    const QString name = shortened(field);
+    const QString name = shownText(field.toStdString());
     switch (cell.trial) {
     case Trial::Code:
         return name + u" = "_s + digitsOf(cell.number) + u", a missing code"_s;
@@ -273,7 +262,7 @@ QString trialText(const QString &field, const Try &cell) {
     case Trial::Between:
         return name + u" = "_s + digitsOf(cell.number);
     case Trial::Value:
-        return name + u" = '"_s + shortened(cell.value) + u'\'';
+        return name + u" = '"_s + shownText(textOf(cell).toStdString()) + u'\'';
     case Trial::Unlisted:
         return name + u" = '"_s + cell.value.toString() + u"', which is not listed"_s;
     case Trial::Empty:

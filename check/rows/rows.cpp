@@ -103,6 +103,7 @@ struct RowScorer {
     RowCounts &counts;
     Comparison comparison = {card, options};
     CsvReader reader = {};
+    DecimalMark mark = DecimalMark::Point;
     std::size_t keyAt = noPosition;
     CsvWriter out = {};
     RowTests tests = testsOf(options, findings);
@@ -156,7 +157,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     countCell(scorer, column, judged);
     judged.raw = bytes;
     judged.firstRow = scorer.reader.row + 1;
-    judged.facts.cell = cellOf(judged.raw, scorer.options.missing);
+    judged.facts.cell = cellOf(judged.raw, scorer.options.missing, scorer.mark);
     judged.recoded.clear();
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
         judged.recoded.push_back(recode(scorer.card.recodings[i], judged.facts.cell));
@@ -283,8 +284,9 @@ void RowScorer::endRow() {
 QString start(RowScorer &scorer) {
     const RowOptions &options = scorer.options;
     QString problem;
+    scorer.reader.shownAs = u"rows";
+    scorer.reader.hashesBytes = options.hashesFiles;
     if (!options.results.isEmpty()) problem = openResults(scorer.comparison, scorer.findings);
-    if (problem.isEmpty()) problem = scorer.reader.open(options.file, options.delimiter);
     if (!problem.isEmpty()) return problem;
     std::vector<QString> wanted = scorer.card.columns;
     if (!options.key.isEmpty()) {
@@ -292,12 +294,17 @@ QString start(RowScorer &scorer) {
         scorer.keyAt = static_cast<std::size_t>(at - wanted.begin());
         if (at == wanted.end()) wanted.push_back(options.key);
     }
-    problem = scorer.reader.choose(wanted);
-    if (problem.isEmpty()) problem = openDifferences(scorer.comparison);
+    problem = scorer.reader.open(options.file, options.delimiters(), wanted);
     if (!problem.isEmpty()) return problem;
-    if (options.scores.isEmpty()) return {};
+    const char delimiter = scorer.reader.delimiter;
+    if (options.hasDecimalComma) {
+        // Between commas, a number has a full stop, unless its cell is quoted.
+        scorer.mark = delimiter == ',' ? DecimalMark::Either : DecimalMark::Comma;
+    }
+    problem = openDifferences(scorer.comparison, delimiter);
+    if (!problem.isEmpty() || options.scores.isEmpty()) return problem;
     CsvWriter &out = scorer.out;
-    problem = out.open(options.scores, options.delimiter);
+    problem = out.open(options.scores, delimiter);
     if (!problem.isEmpty()) return problem;
     out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
     out.put("score");
@@ -306,15 +313,8 @@ QString start(RowScorer &scorer) {
     return {};
 }
 
-// A text of the data as a message can hold it.
-QString shownText(const std::string &text) {
-    constexpr qsizetype longest = 60;
-    QString shown = QString::fromStdString(text);
-    if (shown.size() > longest) shown = shown.left(longest) + u'…';
-    for (QChar &c : shown) {
-        if (c.category() == QChar::Other_Control) c = u' ';
-    }
-    return shown;
+FileRead readBy(const CsvReader &reader) {
+    return {reader.bytesRead, reader.row, reader.sha256()};
 }
 
 // Adds the most frequent unlisted text to the place of the finding.
@@ -351,6 +351,7 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
     }
     nameUnlisted(scorer);
     counts.rows = scorer.reader.row;
+    counts.rowsRead = readBy(scorer.reader);
     counts.uneven = scorer.reader.uneven;
     counts.firstUneven = scorer.reader.firstUneven;
     problem = scorer.out.close();
@@ -359,6 +360,7 @@ QString scoreRows(const Scorecard &card, std::vector<Finding> &findings, const R
         return scorer.reader.problem;
     }
     problem = finishComparison(scorer.comparison, counts.positions, scorer.reader);
+    counts.resultsRead = readBy(scorer.comparison.reader);
     compared = std::move(scorer.comparison.result);
     return problem;
 }

@@ -4,6 +4,13 @@
 
 #include "check/rows/comparison.h"
 
+// What was read of a file.
+struct FileRead {
+    std::int64_t bytes = 0;
+    std::int64_t rows = -1; // below 0: it has none
+    QByteArray sha256 = {}; // of the bytes, if hashes were asked for
+};
+
 // What the rows came to.
 struct RowCounts {
     std::int64_t rows = 0;
@@ -13,6 +20,7 @@ struct RowCounts {
     // Rows by score, in steps of the same width through the range.
     std::vector<std::int64_t> scores;
     ScoreRange range{};
+    FileRead rowsRead, resultsRead;
 
     // Where the step begins.
     double stepAt(std::size_t step) const {

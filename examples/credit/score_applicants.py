@@ -18,7 +18,8 @@ def load(path):
 
 
 def main():
-    applicants = pd.read_csv(HERE / "applicants.csv").fillna({"Home": "", "Marital": "", "Records": "", "Job": ""})
+    applicants = pd.read_csv(HERE / "applicants.csv", float_precision="round_trip")
+    applicants = applicants.fillna({"Home": "", "Marital": "", "Records": "", "Job": ""})
     result = load(sys.argv[1]).apply(applicants)
     columns = ["Status", "Seniority", "Home", "Age", "Records", "Job", "Income", "Amount"]
     print(pd.concat([applicants[columns], result.round(3)], axis=1).head(8).to_string(index=False))

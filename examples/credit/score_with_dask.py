@@ -22,7 +22,8 @@ def score(applicants, model):
 
 def main():
     partitions = int(sys.argv[2]) if len(sys.argv) > 2 else 4
-    applicants = dd.from_pandas(pd.read_csv(HERE / "applicants.csv"), npartitions=partitions)
+    applicants = pd.read_csv(HERE / "applicants.csv", float_precision="round_trip")
+    applicants = dd.from_pandas(applicants, npartitions=partitions)
     applicants = applicants.fillna({"Home": "", "Marital": "", "Records": "", "Job": ""})
     result = score(applicants, load(sys.argv[1]))
     scored = applicants[["Status", "Age", "Amount"]].join(result).compute(scheduler="processes")

@@ -5,8 +5,8 @@ filled by hand, from a document (Scorecard.read), a table of bins (Scorecard.fro
 (Scorecard.from_sklearn); it scores data frames as generated code does and writes the document. What is wrong raises
 ValueError, which names the column."""
 
+from .document import doubles, integers
 from .scorecard import Recoding, Scorecard
 from .tables import logistic_table
-from .values import doubles, integers
 
 __all__ = ["Recoding", "Scorecard", "doubles", "integers", "logistic_table"]

@@ -4,7 +4,7 @@ from typing import Any
 
 import numpy as np
 
-from .values import require
+from .document import require
 
 SMALLEST = 1e-12  # what is nearer to 0 is written as 0 in SQL
 
@@ -21,13 +21,12 @@ def shown(number, direction, digits=16):
 
 
 def parting(bounds, closed, values, digits, column):
-    """For each bound the shortest number between the values on its two sides, and not beside one of them, so that these
-    fall where they fell also when their last digit is read wrongly. Of the shortest the nearest to the bound or to the
-    middle. Raises ValueError."""
+    """For each bound the shortest number between the values on its two sides, nearest to the bound or to the middle. It
+    is not next to a value, which would fall on the other side if its last digit were read wrongly."""
     values, parted = np.unique(np.asarray(values, float)), [-np.inf]
     values = values[np.isfinite(values)]
     for bound, following in zip(bounds, [*bounds[1:], np.inf]):
-        place = np.searchsorted(values, bound, "right" if closed == "right" else "left")
+        place = np.searchsorted(values, bound, closed)
         low = max(values[place - 1] if place else bound - max(1, abs(bound)), parted[-1])
         high = min(values[place] if place < len(values) else bound + max(1, abs(bound)), following)
         room = min((high - low) / 4, 1e-14 * max(abs(low), abs(high)))
@@ -42,20 +41,21 @@ def document_bounds(bounds, scores, closed, digits=16, values=None, column=None)
     """Bounds and interval scores by the document's rule, for n bounds and n + 1 scores by the rule of closed.
 
     The document's intervals are open on the left and closed on the right, but its first bound belongs to the interval
-    above it, where there is one. So bounds closed on the right get a first bound more, with one score on both sides; of
-    those closed on the left, the first stays, and each other becomes the next lower number that its text tells from it.
-    A bound that its text does not tell moves likewise, never across its own value. With values, the bounds part these
-    as they do, and move freely between them."""
+    above it, where there is one. So bounds closed on the left become the next lower number that their text tells, those
+    closed on the right the number itself or the next higher one, and a bound more comes first, with one score on both
+    sides. Only a first bound closed on the left stays if its text tells it. With values, the bounds part these as they
+    do, and move freely between them."""
     if closed == "document":
         return bounds, scores
     if values is not None:
         moved = parting(bounds, closed, values, digits, column)
-    elif closed == "right":
-        bounds = [shown(bound, np.inf, digits) for bound in bounds]
-        first = 0.0 if bounds[0] > 0 else shown(bounds[0] - max(1, abs(bounds[0])), -np.inf, digits)
-        return [first, *bounds], [scores[0], *scores]
     else:
-        moved = [shown(np.nextafter(b, -np.inf) if i else b, -np.inf, digits) for i, b in enumerate(bounds)]
+        moved = [shown(bound, np.inf, digits) if closed == "right" else
+                 shown(np.nextafter(bound, -np.inf), -np.inf, digits) for bound in bounds]
+        if closed == "right" or shown(bounds[0], np.inf, digits) != bounds[0]:
+            first = 0.0 if moved[0] > 0 else shown(moved[0] - max(1, abs(moved[0])), -np.inf, digits)
+            return [first, *moved], [scores[0], *scores]
+        moved[0] = bounds[0]
     if len(moved) > 1:
         return moved, scores
     # The value of a single bound would count as missing.

@@ -1,74 +1,94 @@
-"""The document's XML."""
+"""The document's XML, and what is written into it: arrays, as Base64 of little-endian doubles and 4-byte integers, and
+cells as texts."""
 
 import base64
+import numbers
+from collections.abc import Iterable
 from pathlib import Path
-from xml.etree import ElementTree
+from xml.etree.ElementTree import Element, SubElement, fromstring, indent, tostring
 
 import numpy as np
+import pandas as pd
 
-from .values import doubles, integers, require
-
-# The characters that SQL, SAS, Python and VBA turn into "_" in names, as the program does (model/target_rules.cpp).
+SQL, SAS, PYTHON, VBA = range(4)
+# The characters that each turns into "_" in names, as the program does (model/target_rules.cpp).
 REPLACED = ("", " .", " .'-", " .'-\"%()/")
 
 
-def clean(name, replaced):
-    return "".join("_" if c in replaced else c for c in name)
+def require(condition, message):
+    """Returns the condition. Raises ValueError if it does not hold."""
+    if not condition:
+        raise ValueError(message)
+    return condition
+
+
+def doubles(values: Iterable[float]) -> str:
+    """The text of any number of floats."""
+    return base64.b64encode(np.array([*values], "<f8").tobytes()).decode()
+
+
+def integers(values: Iterable[int]) -> str:
+    """The text of any number of integers from -2**31 to 2**31 - 1."""
+    return base64.b64encode(np.array([*values], "<i4").tobytes()).decode()
+
+
+def cell_text(cell):
+    """The text that a cell of a list is compared as: without blanks around it, whole numbers without decimals."""
+    whole = isinstance(cell, numbers.Real) and not isinstance(cell, bool) and cell == cell // 1
+    return "" if pd.isna(cell) else str(int(cell) if whole else cell).strip()
 
 
 def names(column):
-    """The names of a column in SQL, SAS, Python and VBA."""
-    return [clean(column, characters) for characters in REPLACED]
+    """The names of a column, by the targets above."""
+    return ["".join("_" if c in replaced else c for c in column) for replaced in REPLACED]
 
 
-def with_sixth(values):
-    """Five values and one that no cell has; of digits and full stops if all are, as SAS compares these as numbers."""
-    texts = [value for value, _ in values]
+def with_sixth(recoding):
+    """A list of five values with one more that no cell has and that scores like unlisted ones, any other recoding as it
+    is. The sixth is of digits and full stops if all are, as SAS compares these as numbers."""
+    texts = [value for value, _ in recoding.values]
+    if len(texts) != 5 or recoding.boolean:
+        return recoding
     unused = "(other)" if "(other)" not in texts else "(none of these)"
-    return [*values, (unused if "".join(texts).strip("0123456789.") else "9" * (max(map(len, texts)) + 1), "Other")]
+    sixth = unused if "".join(texts).strip("0123456789.") else "9" * (max(map(len, texts)) + 1)
+    return recoding._replace(values=[*recoding.values, (sixth, "Other")], scores=[*recoding.scores, recoding.scores[0]])
 
 
 def write(path, card, table):
-    def add(parent, name, text=None, /, **attributes):
-        node = ElementTree.SubElement(parent, name, attributes)
+    def add(parent, name, arrays=(), /, text=None, **attributes):
+        node = SubElement(parent, name, attributes)
         node.text = text
+        for child, values in arrays:
+            if len(values):
+                add(node, child, text=doubles(values))
         return node
 
-    root = ElementTree.Element("QRV_Model")
+    root = Element("QRV_Model")
     add(root, "Header", version="4.2.1")
-    add(add(root, "MetaData", tkind=card.kind), "Target", card.target)
+    add(add(root, "MetaData", tkind=card.kind), "Target", text=card.target)
 
     dictionary = add(root, "DataDictionary")
     for column in dict.fromkeys(r.column for r in card.recodings):
         for name in dict.fromkeys(names(column)):
-            field = add(dictionary, "DataField", name=name)
-            if len(card.missing.get(column, [])):
-                add(field, "Missing", doubles(card.missing[column]))
+            add(dictionary, "DataField", [("Missing", card.missing.get(column, []))], name=name)
 
     models = add(root, "UnivModels")
-    for r in card.recodings:
-        model = add(models, "Model", name=f"V{r.number}", field=r.column, displayName=" ".join(r.label.split()),
-                    type=r.type)
-        five = len(r.values) == 5 and not r.boolean
-        if r.type == "MapValues":
-            model.set("tname", "bb64" if r.boolean else "str")
-        else:
-            add(model, "x", doubles(r.bounds))
-        add(model, "y", doubles([*r.scores, r.scores[0]] if five else r.scores))
-        modalities = add(model, "Modalities") if r.type == "MapValues" else None
-        for value, label in with_sixth(r.values) if five else r.values:
+    for r in map(with_sixth, card.recodings):
+        kind = {"tname": "bb64" if r.boolean else "str"} if r.type == "MapValues" else {}
+        model = add(models, "Model", [("x", r.bounds), ("y", r.scores)], name=f"V{r.number}", field=r.column,
+                    displayName=" ".join(r.label.split()), type=r.type, **kind)
+        modalities = add(model, "Modalities") if r.values else None
+        for value, label in r.values:
             add(modalities, "Mod", val=value, label=label)
 
     regression = add(root, "RegressionModel")
-    add(regression, "indexes", integers(card.coefficients))
-    add(regression, "betas", doubles([*card.coefficients.values(), card.constant]))
+    add(regression, "indexes", text=integers(card.coefficients))
+    add(regression, "betas", text=doubles([*card.coefficients.values(), card.constant]))
     if table:
-        mapping = add(root, "ProbabilityMapping")
-        add(mapping, "x", doubles(table[0]))
-        add(mapping, "y", doubles(table[1]))
+        add(root, "ProbabilityMapping", zip("xy", table))
 
-    ElementTree.indent(root)
-    text = '<?xml version="1.0" encoding="UTF-16"?>\n' + ElementTree.tostring(root, encoding="unicode") + "\n"
+    indent(root)
+    text = '<?xml version="1.0" encoding="UTF-16"?>\n' + tostring(root, encoding="unicode") + "\n"
     Path(path).write_bytes(("\ufeff" + text).encode("utf-16-le"))
 
 
@@ -78,20 +98,31 @@ def attribute(node, name):
 
 
 def child(node, name):
-    return next((child for child in node if child.tag.lower() == name), ElementTree.Element(name))
+    return next((child for child in node if child.tag.lower() == name), Element(name))
 
 
-def numbers(node, name, code="<f8", is_cut=False):
+def array(node, name, code="<f8", is_cut=False):
     """The array of that name. is_cut: whether what is behind the last whole number is left out, as the program does."""
     data = base64.b64decode((child(node, name).text or "") + "==" * is_cut)
     return np.frombuffer(data[:len(data) // 8 * 8] if is_cut else data, code).tolist()
+
+
+def folded(name):
+    """Equal for names that differ in the case of ASCII letters alone."""
+    return name.encode("utf-8", "surrogatepass").lower()
+
+
+def missing_codes(root, is_cut=False):
+    """The missing codes of data fields by their folded names; of several with one name the first counts."""
+    fields = reversed(child(root, "datadictionary"))
+    return {folded(field.get("name", "")): array(field, "missing", is_cut=is_cut) for field in fields}
 
 
 def parse(path):
     """The document's root. Raises ParseError or ValueError for what is not XML."""
     data = Path(path).read_bytes()
     encoding = "utf-16" if data[:2] == b"\xff\xfe" else "utf-8-sig" if data[:1] == b"\xef" else "cp1252"
-    return ElementTree.fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
+    return fromstring(data.decode("utf-16-le" if data[1:2] == b"\0" else encoding))
 
 
 def fill(card, root):
@@ -101,23 +132,13 @@ def fill(card, root):
     card.target, card.kind = child(meta, "target").text or "", meta.get("tkind", "T")
     for model in child(root, "univmodels"):
         values = [(attribute(mod, "val"), mod.get("label", "")) for mod in child(model, "modalities")]
-        card.add(attribute(model, "field"), model.get("type"), numbers(model, "y"), numbers(model, "x"), values,
+        card.add(attribute(model, "field"), model.get("type"), array(model, "y"), array(model, "x"), values,
                  model.get("tname") == "bb64", label=model.get("displayName"), number=int(attribute(model, "name")[1:]))
-    *coefficients, card.constant = numbers(regression, "betas")
-    indexes = numbers(regression, "indexes", "<i4")
+    *coefficients, card.constant = array(regression, "betas")
+    indexes = array(regression, "indexes", "<i4")
     require(len(indexes) == len(coefficients), f"{len(indexes)} indexes and {len(coefficients)} coefficients")
-    card.coefficients = dict(zip(indexes, coefficients))
-    fields = {field.get("name", "").lower(): numbers(field, "missing") for field in child(root, "datadictionary")}
+    card.coefficients, codes = dict(zip(indexes, coefficients)), missing_codes(root)
     for column in {r.column for r in card.recodings if r.type != "MapValues"}:
-        card.missing[column] = next((fields[n.lower()] for n in names(column) if fields.get(n.lower())), [])
+        card.missing[column] = next((codes[folded(n)] for n in names(column) if codes.get(folded(n))), [])
     mapping = child(root, "probabilitymapping")
-    card.table = (numbers(mapping, "x"), numbers(mapping, "y")) if len(mapping) else None
-
-
-def read(path, card):
-    """Fills an empty scorecard. Only errors of the document are reported as such."""
-    try:
-        fill(card, parse(path))
-    except (ElementTree.ParseError, ValueError) as error:
-        raise ValueError(f"{path}: {error}") from None
-    return card
+    card.table = (array(mapping, "x"), array(mapping, "y")) if len(mapping) else None

@@ -1,12 +1,10 @@
 """Pipelines of scikit-learn, which is known here by the names of its classes alone."""
 
-from typing import Any
-
 import numpy as np
 import pandas as pd
 
+from .document import cell_text, require
 from .tables import logistic_table
-from .values import cell_text, require
 
 
 def name(estimator):
@@ -27,21 +25,23 @@ def double_bound(edge):
 
 
 def add_numbers(card, column, binning, position, coefficients, filled, data):
-    """Adds the bins of a column, whose coefficients come first; filled: what takes the place of a missing cell."""
+    """Adds the bins of a column, whose coefficients come first, and returns their number. filled: what takes the place
+    of a missing cell."""
     edges = binning.bin_edges_[position]
-    inner = [double_bound(edge) if binning.dtype == np.float32 else edge for edge in edges[1:-1]]
-    bounds, scores = (inner, coefficients[:len(edges) - 1]) if inner else ([0.0], coefficients[[0, 0]])
+    bounds = [double_bound(edge) if binning.dtype == np.float32 else edge for edge in edges[1:-1]]
+    scores = coefficients[:len(edges) - 1]
     values = None if data is None else pd.to_numeric(data[column])
     if filled is not None and values is not None and values.dtype == np.float32:
         filled = np.float32(filled)  # as the imputer writes it into such a column
     missing = 0.0 if filled is None else scores[np.searchsorted(bounds, float(filled), "right")]
     card.add_numeric(column, bounds, scores, closed="left", missing=missing, data=values)
-    return len(edges) - 1
+    return len(scores)
 
 
 def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_missing):
+    """Does the same for the values of a column."""
     values, rare = encoder.categories_[position], getattr(encoder, "infrequent_categories_", None)
-    rare = [] if rare is None or rare[position] is None else [*rare[position]]
+    rare = [] if rare is None or rare[position] is None else rare[position]
     used = len(values) - len(rare[1:]) - (encoder.drop_idx_ is not None and encoder.drop_idx_[position] is not None)
     # Releases disagree on what drop_idx_ counts; the encoder itself shows where it puts each value.
     rows = pd.DataFrame({i: values if i == position else [others[0]] * len(values)
@@ -49,17 +49,17 @@ def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_
     ones = encoder.transform(rows.set_axis(getattr(encoder, "feature_names_in_", rows.columns), axis=1))
     ones = np.asarray(ones.toarray() if hasattr(ones, "toarray") else ones)
     ones = ones[:, ones.shape[1] - len(coefficients):][:, :used]
-    scored = {"" if pd.isna(v) else cell_text(v): score for v, score in zip(values, ones @ coefficients[:used])}
-    empty = {scored[value] for value in {"", "" if filled is None else cell_text(filled)} & set(scored)}
-    has_rare = rare and encoder.handle_unknown == "infrequent_if_exist"
-    unlisted = set() if encoder.handle_unknown == "error" or empty and unlisted_as_missing else \
-        {scored["" if pd.isna(rare[0]) else cell_text(rare[0])] if has_rare else 0.0}
+    scored = dict(zip(map(cell_text, values), ones @ coefficients[:used]))
     require(len(scored) == len(values), f"column {column!r}: two of its values are one text: {values}")
+    empty = {scored[value] for value in {"", cell_text(filled)} & set(scored)}
+    unlisted = {scored[cell_text(rare[0])] if len(rare) and encoder.handle_unknown == "infrequent_if_exist" else 0.0}
+    if encoder.handle_unknown == "error" or empty and unlisted_as_missing:
+        unlisted = set()
     require(len(empty | unlisted) < 2, f"column {column!r}: empty cells and unlisted values score differently in the "
             "pipeline; unlisted_as_missing=True lets both score like empty cells")
     scored.pop("", None)
     other = max(empty | unlisted, default=0.0)
-    if all(isinstance(value, (bool, np.bool_)) or pd.isna(value) for value in values) and scored:
+    if scored and all(isinstance(value, (bool, np.bool_)) or pd.isna(value) for value in values):
         card.add_boolean(column, scored.get("False", other), scored.get("True", other), missing=other)
     else:
         card.add_categorical(column, scored, other=other)
@@ -69,11 +69,11 @@ def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_
 def parts(pipeline, target):
     """The ColumnTransformer and the model of a pipeline that can be expressed."""
     require(not name(pipeline).endswith("SearchCV"), "this is a search: give its best_estimator_")
-    found: Any = [*steps(pipeline), None, None]
-    first, model, *others = found
-    require(name(first) == "ColumnTransformer" and len(others) == 2, "the pipeline must have two steps, a "
-            f"ColumnTransformer and a LogisticRegression, and has {[*map(name, steps(pipeline))]}")
-    require(name(model) in ("LogisticRegression", "LogisticRegressionCV"), f"{name(model)} is no LogisticRegression")
+    kinds = [*map(name, steps(pipeline))]
+    require(kinds[:1] == ["ColumnTransformer"] and len(kinds) == 2,
+            f"the pipeline must have two steps, a ColumnTransformer and a LogisticRegression, and has {kinds}")
+    first, model = steps(pipeline)
+    require(kinds[1] in ("LogisticRegression", "LogisticRegressionCV"), f"{kinds[1]} is no LogisticRegression")
     require(hasattr(model, "classes_"), "the pipeline is not fitted")
     require(len(model.classes_) == 2, f"the model tells several classes apart: {model.classes_}")
     require(getattr(model, "multi_class", None) != "multinomial", "multi_class='multinomial' has another probability")
@@ -90,10 +90,11 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
         if not len(betas):
             continue
         require(hasattr(first, "feature_names_in_"), "the pipeline was fitted on columns without names")
+        empty = pd.DataFrame(columns=first.feature_names_in_)
         try:
-            columns = [*pd.DataFrame(columns=first.feature_names_in_).loc[:, columns]]
+            columns = [*empty.loc[:, columns]]
         except (KeyError, TypeError):
-            columns = [*pd.DataFrame(columns=first.feature_names_in_).iloc[:, columns]]
+            columns = [*empty.iloc[:, columns]]
         *before, last = steps(transformer) or [None]
         if not last:
             require(data is not None and all(data[column].dtype == bool for column in columns),

@@ -9,34 +9,28 @@ import codecs
 import json
 import math
 import re
-from collections.abc import Callable
+from functools import partial
 from pathlib import Path
-from typing import Any, NamedTuple, Optional
+from typing import Any, NamedTuple
 from xml.etree.ElementTree import Element, ParseError
 
 from . import document
-from .values import require
+from .document import require
 
 
 class Model(NamedTuple):
-    """The recodings of a document, in its order, and the missing codes of its data fields by their folded names."""
+    """The recodings of a document, in its order, and the missing codes of its data fields."""
     recodings: list[Element]
     codes: dict[bytes, list[float]]
 
-    def missing(self, position: str, replaced: str) -> tuple[str, list[str]]:
-        """The column of the recoding at a position, the characters of replaced turned into "_", and its codes."""
+    def missing(self, position, target):
+        """The target's name for the column of the recoding at a position, and its codes."""
         require(int(position) < len(self.recodings), f"R{position} is no recoding of the model")
-        name = document.clean(self.recodings[int(position)].get("field", ""), replaced)
-        return name, [f"{code:.16g}" for code in self.codes.get(folded(name), []) if math.isfinite(code)]
+        name = document.names(self.recodings[int(position)].get("field", ""))[target]
+        return name, [f"{code:.16g}" for code in self.codes.get(document.folded(name), []) if math.isfinite(code)]
 
 
-def folded(name: str) -> bytes:
-    """Equal for names that differ in the case of ASCII letters alone."""
-    return name.encode("utf-8", "surrogatepass").lower()
-
-
-def repair_lists(text: str, model: Model, head: str, opening: Callable[[re.Match[str], bool], Optional[str]], end: str,
-                 forms: Callable[[str], list[str]]) -> str:
+def repair_lists(text, model, head, opening, end, forms):
     """The text with each value of each list in the last of its forms.
 
     head: the pattern of a list's beginning. opening: gets its match and whether the list is a boolean, and returns what
@@ -45,25 +39,23 @@ def repair_lists(text: str, model: Model, head: str, opening: Callable[[re.Match
     for recoding in model.recodings:
         if recoding.get("type") != "MapValues":
             continue
-        start: Any = re.compile(head).search(text, at)
         column = f"column {recoding.get('field')!r}"
-        require(start, f"{column} has no list here")
-        before: Any = opening(start, recoding.get("tname") == "bb64")
+        start = require(re.compile(head).search(text, at), f"{column} has no list here")
+        before = opening(start, recoding.get("tname") == "bb64")
         parts.append(text[at:start.end()])
         at = start.end()
         for value in document.child(recoding, "modalities") if before is not None else []:
             known = [before + form for form in forms(value.get("val", ""))]
-            ends = (re.compile(end).match(text, at + len(form)) for form in known if text.startswith(form, at))
-            found: Any = next(filter(None, ends), None)
-            require(found, f"{column} has other values than in the model")
-            parts += known[-1], found[0]
+            line = re.compile(f"(?:{'|'.join(map(re.escape, known))})({end})")
+            found = require(line.match(text, at), f"{column} has other values than in the model")
+            parts += known[-1], found[1]
             at = found.end()
     return "".join([*parts, text[at:]])
 
 
-def repair_sas(text: str, model: Model) -> str:
-    def missing_test(match: re.Match[str]) -> str:
-        name, codes = model.missing(match[2], " .")
+def repair_sas(text, model):
+    def missing_test(match):
+        name, codes = model.missing(match[2], document.SAS)
         return f"   if ({' or '.join([f'missing({name})', *(f'{name}={code}' for code in codes)])}) then {match[1]};"
 
     text = re.sub(r"^(?:\|\| .*\))?\) then (R(\d+)_.*);$", missing_test, text, flags=re.M)
@@ -71,9 +63,9 @@ def repair_sas(text: str, model: Model) -> str:
     return re.sub(r"^(   .*score= [^\s;]+)\n\n", r"\1;\n\n", text, flags=re.M)
 
 
-def repair_python(text: str, model: Model) -> str:
-    def missing_test(match: re.Match[str]) -> str:
-        codes = reversed(model.missing(match[2], " .'-")[1])
+def repair_python(text, model):
+    def missing_test(match):
+        codes = reversed(model.missing(match[2], document.PYTHON)[1])
         return f"            if (isnan(data){''.join(f'or (data=={code})' for code in codes)}):\n{match[1]}"
 
     text = re.sub(r"^ {12}if \(isnan\(data\)(?:or \(data==\S+\))*\)?:\n( {16}R(\d+)_)", missing_test, text, flags=re.M)
@@ -84,9 +76,9 @@ def repair_python(text: str, model: Model) -> str:
                         lambda value: ['"' + value.replace('"', '\\"') + '"', json.dumps(value, ensure_ascii=False)])
 
 
-def repair_sql(text: str, model: Model, is_escaped: bool, is_xml: bool) -> str:
+def repair_sql(text, model, is_escaped, is_xml=False):
     """is_escaped: a backslash escapes in the database's texts. is_xml: the script stands in an ETL document."""
-    def forms(value: str) -> list[str]:
+    def forms(value):
         value = value.replace("&", "&amp;").replace("<", "&lt;") if is_xml else value
         known = [value.replace("'", "\\'"), value.replace("'", "''"), value.replace("\\", "\\\\").replace("'", "\\'")]
         return [f"'{form}'" for form in (known if is_escaped else [known[0], known[2], known[1]])]
@@ -94,17 +86,6 @@ def repair_sql(text: str, model: Model, is_escaped: bool, is_xml: bool) -> str:
     head = r"CASE WHEN \( ((?s:.)*?) IS NULL(?: OR ((?s:.)*?)='')?\) THEN .*\n"
     return repair_lists(re.sub(r"\bqorv_tmp(?=\.score\b)", "Qorv_TMP", text), model, head, lambda match, is_boolean:
                         match[2] and f"   WHEN {match[2 - is_boolean]}=", r" THEN .*\n", forms)
-
-
-def repaired(data: bytes, ending: str, model: Model, is_escaped: bool) -> bytes:
-    """A file's bytes as they should be, in their own encoding. Raises ValueError."""
-    mark = next(filter(data.startswith, [codecs.BOM_UTF16_LE, codecs.BOM_UTF8]), b"")
-    encoding = "utf-16-le" if mark == codecs.BOM_UTF16_LE else "utf-8"
-    text = data[len(mark):].decode(encoding, "surrogatepass")
-    require(ending in (".sas", ".py", ".sql", ".xml"), "the name of generated code ends in .sas, .py, .sql or .xml")
-    text = repair_sas(text, model) if ending == ".sas" else repair_python(text, model) if ending == ".py" else \
-        repair_sql(text, model, is_escaped, ending == ".xml")
-    return mark + text.encode(encoding, "surrogatepass")
 
 
 def main() -> None:
@@ -115,13 +96,18 @@ def main() -> None:
     parser.add_argument("model", metavar="MODEL", help="the document that the files were made of")
     parser.add_argument("files", metavar="FILE", nargs="+", type=Path)
     options, file = parser.parse_args(), None
+    sql = partial(repair_sql, is_escaped=options.backslash_escapes)
+    repairs: dict[str, Any] = {".sas": repair_sas, ".py": repair_python, ".sql": sql, ".xml": partial(sql, is_xml=True)}
     try:
         root = document.parse(options.model)
-        fields = reversed(document.child(root, "datadictionary"))  # of several with one name the first counts
-        codes = {folded(field.get("name", "")): document.numbers(field, "missing", is_cut=True) for field in fields}
-        model = Model([node for node in document.child(root, "univmodels") if node.tag.lower() == "model"], codes)
+        recodings = [node for node in document.child(root, "univmodels") if node.tag.lower() == "model"]
+        model = Model(recodings, document.missing_codes(root, is_cut=True))
         for file in options.files:
-            file.write_bytes(repaired(file.read_bytes(), file.suffix.lower(), model, options.backslash_escapes))
+            require(file.suffix.lower() in repairs, "the name of generated code ends in .sas, .py, .sql or .xml")
+            data = file.read_bytes()
+            encoding = "utf-16-le" if data.startswith(codecs.BOM_UTF16_LE) else "utf-8"
+            text = repairs[file.suffix.lower()](data.decode(encoding, "surrogatepass"), model)
+            file.write_bytes(text.encode(encoding, "surrogatepass"))
     except (OSError, ParseError, ValueError) as error:
         parser.exit(1, f"{error}\n" if isinstance(error, OSError) else f"{file or options.model}: {error}\n")
 

@@ -5,14 +5,15 @@ from __future__ import annotations
 import os
 from collections.abc import Mapping, Sequence
 from typing import Any, NamedTuple
+from xml.etree.ElementTree import ParseError
 
 import numpy as np
 import pandas as pd
 
 from . import binnings, document, pipelines
 from .bounds import document_bounds
+from .document import cell_text, require
 from .tables import Numbers, Table, ended, logistic_table
-from .values import cell_text, require
 
 SPELLINGS = ("false", "False", "FALSE", "0", "no"), ("true", "True", "TRUE", "1", "yes")
 
@@ -21,7 +22,7 @@ class Recoding(NamedTuple):
     """A column's recoding as a document holds it. Of numbers ("NormContinuous" or "Discretize", both treated alike) n
     bounds and n + 2 scores: missing, below the first bound, from there up to and including the second, and so on, above
     the last. Of a list ("MapValues") n values, in pairs with labels, and n + 1 scores, the first of empty and unlisted
-    cells. Of a boolean three scores, unknown, false, true; its first five values spell false."""
+    cells. Of a boolean three scores: unknown, false, true; its first five values spell false."""
 
     number: int
     column: str
@@ -88,7 +89,7 @@ class Scorecard:
         require(number not in self.coefficients, f"column {column!r}: the number {number} is given twice")
         recoding = Recoding(number, column, type, [*map(float, scores)], [*bounds], [*values], boolean, label or column)
         check(recoding)
-        owner = self._names.setdefault(document.names(column)[-1].casefold(), column)
+        owner = self._names.setdefault(document.names(column)[document.VBA].casefold(), column)
         require(owner == column, f"columns {owner!r} and {column!r} have one name in generated code")
         self.recodings.append(recoding)
         self.coefficients[number] = float(coefficient)
@@ -96,25 +97,23 @@ class Scorecard:
 
     def add_numeric(self, column: str, bounds: Numbers, scores: Numbers, *, closed: str, missing: float = 0.0,
                     data: Numbers | None = None, type: str = "Discretize", **options: Any) -> int:
-        """Adds a recoding of numbers and returns its number.
-
-        bounds: n rising floats, in the column's unit. scores: n + 1 floats, of the intervals from below the first bound
-        to above the last. missing: the score of missing cells. closed: the side on which an interval holds its bound,
-        "left" or "right"; bounds are then moved as document_bounds tells. With "document" they stay as they are. data:
-        values that the bounds were fitted on; each bound then becomes a short number between two of them.
-        options, here and below: coefficient (1), label (the column) and number, the next one where it is not given."""
+        """Adds a recoding of numbers and returns its number. bounds: n rising floats. scores: n + 1 floats, of the
+        intervals from below the first bound to above the last. missing: the score of missing cells. closed: the side on
+        which an interval holds its bound, "left" or "right"; document_bounds moves the bounds accordingly. With
+        "document" they stay as they are. data: values that the bounds were fitted on; each bound then becomes a short
+        number between two of them. options, here and below: coefficient (1), label (the column), number (the next)."""
         require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
-        require(len(scores) == len(bounds) + 1 > 1 and np.isfinite(bounds).all(),
+        require(len(scores) == len(bounds) + 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
+        if not len(bounds):
+            bounds, scores, closed = [0.0], [*scores, *scores], "left"  # any bound will do between equal scores
         bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data, column)
         return self.add(column, type, [missing, *scores], bounds, **options)
 
     def add_categorical(self, column: str, scores: Mapping[Any, float], *, other: float = 0.0,
                         labels: Mapping[Any, str] | None = None, **options: Any) -> int:
-        """Adds a recoding of a list and returns its number.
-
-        scores: a dictionary from each value to its score; a whole number is taken as its digits. other: the score of
-        empty and unlisted cells. labels: a dictionary from values to captions, for those that have one of their own."""
+        """Adds a recoding of a list and returns its number. scores: a dictionary from each value to its score; a whole
+        number is taken as its digits. other: the score of empty and unlisted cells. labels: captions of values."""
         require(not pd.isna([*scores]).any(), f"column {column!r}: NaN is no value; other is the score of empty cells")
         values = [(cell_text(value), (labels or {}).get(value, cell_text(value))) for value in scores]
         return self.add(column, "MapValues", [other, *scores.values()], (), values, **options)
@@ -123,7 +122,7 @@ class Scorecard:
                     spellings: tuple[Sequence[str], Sequence[str]] = SPELLINGS, labels: Mapping[str, str] | None = None,
                     **options: Any) -> int:
         """Adds a recoding of a boolean and returns its number. false, true, missing: the scores. spellings: one to five
-        texts that mean false, and one to nine that mean true. labels: as in a list."""
+        texts that mean false, and one to nine that mean true. labels: captions of spellings."""
         no, yes = [*spellings[0]], [*spellings[1]]
         require(0 < len(no) < 6 and 0 < len(yes) < 10 and not {*no} & {*yes}, f"column {column!r}: {spellings=}")
         values = [(value, (labels or {}).get(value, value)) for value in no + no[-1:] * (5 - len(no)) + yes]
@@ -165,15 +164,19 @@ class Scorecard:
         return pd.DataFrame({"score": score, "probability": probability}, index=frame.index)
 
     def write(self, path: str | os.PathLike[str]) -> None:
-        """Writes the document, with three things that change no score where they lack: points that end the table below
-        all scores, each name under which a target looks for missing codes, and in a list of five values a sixth, which
-        scores like unlisted ones."""
+        """Writes the document, with three additions that change no score: points that end the table below all scores,
+        each name under which a target looks for missing codes, and a sixth value in a list of five."""
         document.write(path, self, self.checked_table())
 
     @classmethod
     def read(cls, path: str | os.PathLike[str]) -> Scorecard:
         """The scorecard of a document, without its key and the counts that preset controls of a page."""
-        return document.read(path, cls())
+        card = cls()
+        try:
+            document.fill(card, document.parse(path))
+        except (ParseError, ValueError) as error:  # others are not the document's
+            raise ValueError(f"{path}: {error}") from None
+        return card
 
     @classmethod
     def from_table(cls, table: Any, *, target: str, score: str = "points", variable: str = "variable", bin: str = "bin",
@@ -181,27 +184,28 @@ class Scorecard:
                    special: Mapping[str, Sequence[Any]] | None = None, separator: str | None = None,
                    offset: float = 0.0, factor: float = -1.0, digits: int = 16) -> Scorecard:
         """The scorecard of a table with a row for each bin: a frame, or a dictionary from variables to frames or to
-        dictionaries from bins to scores.
-
-        score, variable, bin and coefficient name columns; in place of bin there may be lower and upper, bins that are
-        closed on the left. A bin is an interval such as [25, 40), values (an array, or texts between which stands
-        separator, "%,%" or in dictionaries of bins ","), or missing, special or else. Unlisted values without a row add
-        what missing cells add, and these 0. Printed bounds are rounded; bounds holds exact ones by variable, special
-        the special codes. offset and factor are those of logistic_table."""
+        dictionaries from bins to scores. score, variable, bin and coefficient name columns; instead of bin there may be
+        lower and upper, of bins closed on the left. A bin is an interval such as [25, 40), values (an array, or texts
+        joined by separator: "%,%", or "," in dictionaries of bins), or missing, special or else. Without a row of
+        their own, unlisted values add what missing cells add, and these 0. Printed bounds are rounded; bounds holds
+        exact ones by variable, special the special codes. offset and factor are those of logistic_table."""
         nested = isinstance(table, Mapping) and all(isinstance(part, Mapping) for part in table.values())
         card = cls(target, constant=constant, digits=digits)
         titles = {"variable": variable, "bin": bin, "score": score, "coefficient": coefficient}
-        binnings.fill(card, table, titles, bounds or {}, special or {}, separator or ("," if nested else "%,%"))
+        for name, rows in binnings.frame_of(table, titles).groupby("variable", sort=False, dropna=False):
+            binnings.add(card, name, rows, (bounds or {}).get(name), (special or {}).get(name),
+                         separator or ("," if nested else "%,%"))
         card.table = logistic_table(None, *card.range(), offset=offset, factor=factor)
         return card
 
     @classmethod
     def from_sklearn(cls, pipeline: Any, *, target: str, largest_error: float | None = None,
-                     unlisted_as_missing: bool = False, data: pd.DataFrame | None = None, digits: int = 16) -> Scorecard:
+                     unlisted_as_missing: bool = False, data: pd.DataFrame | None = None,
+                     digits: int = 16) -> Scorecard:
         """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot) and
         OneHotEncoder, also after a SimpleImputer, then a LogisticRegression or LogisticRegressionCV of two classes. Its
         score is that of decision_function, its probability that of the second class as logistic_table gives it. Cells
-        for which the pipeline has no score, missing numbers and unlisted values, add 0, or with unlisted_as_missing
-        what empty ones add. data: the frame that the pipeline was fitted on; bounds then become short numbers between
-        its values, and columns of bool may pass through."""
+        without a score in the pipeline (missing numbers, unlisted values) add 0; with unlisted_as_missing, unlisted
+        values add what empty cells add. data: the frame that the pipeline was fitted on; bounds then become short
+        numbers between its values, and columns of bool may pass through."""
         return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing, data)

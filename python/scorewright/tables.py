@@ -7,7 +7,7 @@ from typing import Any, Union
 
 import numpy as np
 
-from .values import require
+from .document import require
 
 Numbers = Union[Sequence[float], "np.ndarray[Any, Any]"]
 Table = tuple[Numbers, Numbers]
@@ -18,8 +18,8 @@ def logistic(score):
 
 
 def ended(scores, probabilities, lowest):
-    """The table, continued downwards in its last probability until its two last points lie below the lowest score:
-    between these two, some targets write the probability 0."""
+    """The table, continued in its last probability until its two last points, between which some targets write the
+    probability 0, lie below the lowest score."""
     while len(scores) < 2 or not lowest > scores[-2]:
         scores.append(float(np.floor(min(lowest, scores[-1])) - 1))
         probabilities.append(probabilities[-1])
@@ -42,11 +42,11 @@ def logistic_table(largest_error: float | None = None, lowest: float = -1e6, hig
     require(-np.inf < lowest <= highest < np.inf, f"no finite scores from lowest to highest: {lowest}, {highest}")
     require(factor and np.isfinite([offset, factor]).all(), f"no scores of offset {offset} and factor {factor}")
     ends = sorted([(offset - lowest) / factor, (offset - highest) / factor])
-    points = sorted((offset - factor * odds, p) for odds, p in logistic_points(error, relative, *ends))
+    points = sorted((float(offset - factor * odds), float(p)) for odds, p in logistic_points(error, relative, *ends))
     return ended([score for score, _ in points[::-1]], [p for _, p in points[::-1]], lowest)
 
 
-def logistic_points(error: float, relative: float, lowest: float, highest: float) -> list[tuple[float, float]]:
+def logistic_points(error, relative, lowest, highest):
     """Pairs of rising log-odds and probabilities, whose lines stay within the larger of the errors."""
     error, relative = 0.999 * error, 0.999 * relative  # the rest is for what lies between the steps, and for rounding
 
@@ -54,7 +54,7 @@ def logistic_points(error: float, relative: float, lowest: float, highest: float
         return np.maximum(error, relative * logistic(-abs(x)))
 
     if logistic(highest) - logistic(lowest) <= 2 * min(band(lowest), band(highest)):
-        return [(lowest, float(logistic(highest) + logistic(lowest)) / 2)]
+        return [(lowest, (logistic(highest) + logistic(lowest)) / 2)]
     start, step = max(lowest - 0.01, -np.log(1 / (2 * error) - 1)), np.sqrt(max(0.04 * error, 0.002 * relative))
     points = [(start, logistic(start) - band(start))]
     # Each line begins at an edge of the band around the curve and goes as far as it can stay in it, to the other edge.
@@ -69,4 +69,4 @@ def logistic_points(error: float, relative: float, lowest: float, highest: float
         length, slope = x[reached - 1] - start, (least if logistic(x[reached - 1]) < 0.5 else most)[reached - 1]
         length = min(length, (1 - error - value) / slope)
         points.append((start + length, value + slope * length))
-    return [(float(score), float(p)) for score, p in points]
+    return points
