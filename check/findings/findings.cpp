@@ -83,9 +83,9 @@ constexpr FindingKind kinds[] = {
      u"Look the variable up by the number in front.", u"sas.md"},
     {LogisticParenthesis, u"logistic-parenthesis", sas, none, uncounted,
      u"The logistic form lacks a closing parenthesis.", u"Repair the code with python3 -m scorewright.repair.", u"sas.md"},
-    {LogisticOverflow, u"logistic-overflow", sas, sas, required,
-     u"The score is below -709: exp(-score) overflows, and the probability is a missing value.",
-     u"Take 0 for a missing probability where the score is present.", u"sas.md"},
+    {LogisticOverflow, u"logistic-overflow", sas | python, sas, required,
+     u"The score is below -709: exp(-score) overflows. In SAS the probability is missing; the Python class stops with an error.",
+     u"In SAS, take 0 for a missing probability where the score is present; in Python, leave such rows out.", u"sas.md"},
     {NoTerms, u"no-terms", sas, none, uncounted,
      u"A model without regression terms lacks the semicolon after its constant.", u"Repair the code with python3 -m scorewright.repair.", u"sas.md"},
     {LabelEndsComment, u"label-ends-comment", sas, none, uncounted,
@@ -320,6 +320,14 @@ const FindingKind &kindOf(FindingId id) {
 
 std::span<const FindingKind> findingKinds() {
     return kinds;
+}
+
+QStringList namesOf(const FindingSet &findings) {
+    QStringList list;
+    for (const FindingKind &kind : kinds) {
+        if (findings.has(kind.id)) list.append(kind.name.toString());
+    }
+    return list;
 }
 
 QString rowsText(std::int64_t rows) {

@@ -61,6 +61,8 @@ private:
     std::bitset<findingCount> bits;
 };
 
+QStringList namesOf(const FindingSet &findings); // in the order of the manual
+
 // Whether a finding counts the rows that it affects; Required: reported only if a row is affected.
 enum class RowScope : std::uint8_t { None, Counted, Required };
 

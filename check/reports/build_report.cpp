@@ -160,7 +160,7 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
     addSample(u"key occurs again"_s, result.repeated);
     for (const auto &[fault, rows] : result.suspected) {
         add(u"would be right with "_s + fault, rows,
-            rows < result.suspects ? u" of %1 looked into"_s.arg(result.suspects) : QString());
+            rows < result.suspects ? u", of %1 looked into"_s.arg(result.suspects) : QString());
     }
     return counts;
 }

@@ -37,7 +37,9 @@ void putHead(TextBuffer &out, const Report &report) {
         put(out, u"<div><b>", number, u"</b>", label, u"</div>\n");
     };
     putTile(std::ssize(model.recodings), u"recodings");
-    putTile(std::ssize(report.found.findings), u"findings");
+    std::int64_t open = 0;
+    for (const FindingGroup &group : report.open) open += std::ssize(group.findings);
+    putTile(open, u"findings open");
     if (report.found.counts) putTile(report.found.counts->rows, u"rows scored");
     if (report.found.comparison) {
         const ComparisonResult &result = *report.found.comparison;
@@ -93,6 +95,8 @@ void putEvidence(TextBuffer &out, const Found &found) {
             u"</p>\n");
     }
     if (found.comparison) put(out, u"<p>Tolerance ", found.options->tolerance, u"</p>\n");
+    const QStringList accepted = namesOf(found.accepted);
+    if (!accepted.isEmpty()) put(out, u"<p>Accepted: ", accepted.join(u", "_s), u"</p>\n");
     put(out, u"</article></section>\n");
 }
 
@@ -132,23 +136,52 @@ void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribut
     put(out, u"</table></article>\n");
 }
 
+// Rows by the power of ten of their difference.
+void putHistogram(TextBuffer &out, QStringView title, const Differences &differences) {
+    if (differences.rows == 0) return;
+    const auto counts = differences.histogram();
+    const auto most = static_cast<double>(std::ranges::max(counts));
+    put(out, u"<article><h3>Differences of the ", title,
+        u"</h3>\n<table><thead><tr><th>size</th><th></th><th class=\"number\">rows</th></tr>"
+        "</thead>\n");
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        if (counts[i] == 0) continue;
+        const int power = Differences::leastPower + static_cast<int>(i);
+        put(out,
+            i == 0 ? u"<tr><td>below 1e%1"_s.arg(power + 1)
+                   : u"<tr><td>1e%1 to 1e%2"_s.arg(power).arg(power + 1),
+            u"</td><td class=\"bar\"><i style=\"left:0;width:%1%\"></i></td>"_s.arg(
+                place(100 * static_cast<double>(counts[i]) / most)),
+            u"<td class=\"number\">", counts[i], u"</td></tr>\n");
+    }
+    put(out, u"</table></article>\n");
+}
+
+void putParagraphs(TextBuffer &out, const QStringList &lines) {
+    if (lines.isEmpty()) return;
+    put(out, u"<article>");
+    for (const QString &line : lines) put(out, u"<p>", escaped(line), u"</p>\n");
+    put(out, u"</article>\n");
+}
+
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.found.comparison;
     put(out, u"<section><h2>Comparison with ", escaped(report.found.options->results), u" (",
-        comparedTarget(report), u")</h2>\n<article><table>\n");
+        comparedTarget(report), u")</h2>\n");
+    QStringList causes;
+    for (const CauseLine &cause : report.causes) causes.append(causeText(report, cause));
+    putParagraphs(out, causes);
+    put(out, u"<article><table>\n");
     if (result.equal > 0) putRow(out, {u"as the model says"_s, QString::number(result.equal)});
     for (const CountLine &line : report.counts) {
         putRow(out, {line.label + line.more, QString::number(line.rows)});
     }
     put(out, u"</table></article>\n");
-    if (!report.causes.empty()) put(out, u"<article>");
-    for (const CauseLine &cause : report.causes) {
-        put(out, u"<p>", escaped(causeText(report, cause)), u"</p>\n");
-    }
-    if (!report.causes.empty()) put(out, u"</article>\n");
-    put(out, u"<article>");
-    for (const QString &line : summaryOf(report)) put(out, u"<p>", escaped(line), u"</p>\n");
-    put(out, u"</article>\n");
+    putParagraphs(out, summaryOf(report));
+    put(out, u"<div class=\"recodings\">\n");
+    putHistogram(out, u"score", result.scores);
+    putHistogram(out, u"probability", result.probabilities);
+    put(out, u"</div>\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
         putWorst(out, result.worst[i], report.contributions[i]);
     }

@@ -24,6 +24,7 @@ article, figure { background: #fff; border: 1px solid var(--line); border-radius
 .tiles { display: flex; flex-wrap: wrap; gap: 12px; margin-top: 16px; }
 .tiles div { background: #fff; border: 1px solid var(--line); border-radius: 10px; padding: 10px 16px; min-width: 120px; }
 .tiles b { display: block; font-size: 24px; color: var(--accent); }
+.verdict { margin: 14px 0; font-size: 16px; }
 .tag { display: inline-block; background: var(--pale); border-radius: 4px; padding: 0 6px; margin-left: 4px;
   font-size: 12px; font-weight: 400; }
 ul { margin: 6px 0 0; padding-left: 20px; }

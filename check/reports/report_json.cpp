@@ -158,6 +158,7 @@ void addEvidence(QJsonObject &object, const Found &found) {
     object[u"options"_s] =
         QJsonObject{{u"arguments"_s, QJsonArray::fromStringList(evidence.arguments)},
                     {u"missing"_s, missing},
+                    {u"accepted"_s, QJsonArray::fromStringList(namesOf(found.accepted))},
                     {u"tolerance"_s, found.options->tolerance}};
     object[u"time"_s] = evidence.time;
 }

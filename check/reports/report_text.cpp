@@ -114,9 +114,9 @@ QString perCent(std::int64_t rows, std::int64_t of) {
 }
 
 QStringView unreadableText(Unreadable kind) {
-    constexpr QStringView texts[] = {u"empty",         u"NULL or the like", u"NaN",
-                                     u"decimal comma", u"thousands",        u"per cent",
-                                     u"other text"};
+    constexpr QStringView texts[] = {
+        u"empty",     u"NULL or the like", u"NaN",       u"a decimal comma; see --decimal",
+        u"thousands", u"per cent",         u"other text"};
     return texts[static_cast<std::size_t>(kind)];
 }
 

@@ -292,15 +292,6 @@ void keepLikeliest(std::vector<Reason> &reasons) {
     std::erase_if(reasons, [&](const Reason &reason) { return rank(reason) != least; });
 }
 
-QString namesOf(const FindingSet &set) {
-    QStringList names;
-    for (std::size_t i = 0; i < findingCount; ++i) {
-        const auto id = static_cast<FindingId>(i);
-        if (set.has(id)) names.append(kindOf(id).name.toString());
-    }
-    return names.join(u'+');
-}
-
 } // namespace
 
 QString explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
@@ -313,7 +304,7 @@ QString explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
     QStringList names;
     FindingSet all;
     for (const Reason &reason : reasons) {
-        names.append(namesOf(reason.set));
+        names.append(namesOf(reason.set).join(u'+'));
         all.add(reason.set);
     }
     const QString row = QString::number(facts.row);
