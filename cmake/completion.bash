@@ -39,12 +39,13 @@ _scorewright_check() {
       compopt -o nospace 2>/dev/null ;;
     --sql) _scorewright_files "$word" xml ;;
     --canvas | --report) _scorewright_files "$word" html ;;
-    --probe | --rows | --scores | --compare) _scorewright_files "$word" csv ;;
-    --key | --score | --probability | --tolerance | --delimiter | --decimal | --missing) ;;
+    --probe | --rows | --scores | --compare | --differences) _scorewright_files "$word" csv ;;
+    --key | --score | --probability | --tolerance | --delimiter | --decimal | --missing | --accept) ;;
     *)
       if [[ $word == -* ]]; then
         _scorewright_words '--show --target --sql --canvas --probe --rows --key --scores --compare --score
-          --probability --tolerance --json --report --delimiter --decimal --missing --help --version' "$word"
+          --probability --differences --tolerance --accept --quiet --json --report --delimiter --decimal --missing
+          --help --version' "$word"
       else
         _scorewright_files "$word" ModelXml
       fi ;;

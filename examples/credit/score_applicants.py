@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""score_applicants.py MODULE: scores all applicants with the class QORVModel_Credit of a generated module."""
+"""score_applicants.py MODULE [RESULTS]: scores all applicants with the class QORVModel_Credit of a generated module. Prints some
+of them, or writes all to the CSV file RESULTS."""
 
 import importlib.util
 import sys
@@ -21,6 +22,9 @@ def main():
     applicants = pd.read_csv(HERE / "applicants.csv", float_precision="round_trip")
     applicants = applicants.fillna({"Home": "", "Marital": "", "Records": "", "Job": ""})
     result = load(sys.argv[1]).apply(applicants)
+    if len(sys.argv) > 2:
+        result.to_csv(sys.argv[2], index=False)
+        return
     columns = ["Status", "Seniority", "Home", "Age", "Records", "Job", "Income", "Amount"]
     print(pd.concat([applicants[columns], result.round(3)], axis=1).head(8).to_string(index=False))
     risk = pd.qcut(result.Status_bad_proba, 5, labels=["lowest fifth", "2nd", "3rd", "4th", "highest fifth"])
