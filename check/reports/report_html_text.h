@@ -28,7 +28,8 @@ article, figure { background: #fff; border: 1px solid var(--line); border-radius
 .tag { display: inline-block; background: var(--pale); border-radius: 4px; padding: 0 6px; margin-left: 4px;
   font-size: 12px; font-weight: 400; }
 ul { margin: 6px 0 0; padding-left: 20px; }
-.recodings { display: grid; grid-template-columns: repeat(2, minmax(0, 1fr)); gap: 12px; align-items: start; }
+.recodings { display: grid; grid-template-columns: repeat(2, minmax(0, 1fr)); gap: 12px; align-items: start;
+  margin-bottom: 12px; }
 .recodings article { margin: 0; }
 table { border-collapse: collapse; width: 100%; font-size: 13px; }
 thead { display: table-header-group; }
