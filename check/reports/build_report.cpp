@@ -218,7 +218,7 @@ QString sentenceOf(const Report &report) {
     const auto grouped = [&](std::int64_t rows) {
         return english.toString(static_cast<qlonglong>(rows));
     };
-    const QString findings = findingsText(report);
+    QString findings = findingsText(report);
     if (!report.found.counts) return findings;
     const ComparisonResult *const result = report.found.comparison;
     if (!result) {

@@ -39,7 +39,7 @@ QString intervalAt(std::span<const double> bounds, std::size_t position, QString
     };
     const auto endAt = [&](std::size_t place) {
         const double shown = shownBound(bounds, place);
-        const End end = {numberText(shown), shown > bounds[place]};
+        End end = {numberText(shown), shown > bounds[place]};
         if (end.isBelow && notation.isEmpty()) {
             notation = u"The document has %1] for %2): no number of up to 16 digits lies between "
                        "them. The same holds for every bound before ), except the lowest of a "

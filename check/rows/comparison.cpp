@@ -281,7 +281,7 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
     c.reader.hashesBytes = c.options.hashesFiles;
     // Without a key, both files are read together.
     if (!c.options.key.isEmpty()) c.reader.shownAs = u"results";
-    const QString problem = c.reader.open(c.options.results, c.options.delimiters(), wanted);
+    QString problem = c.reader.open(c.options.results, c.options.delimiters(), wanted);
     if (!problem.isEmpty() || c.options.key.isEmpty()) return problem;
     while (c.reader.read(c)) continue;
     countRepeated(c, c.entries, u"row %1 of the results"_s);
@@ -291,7 +291,7 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
 QString openDifferences(Comparison &c, char delimiter) {
     const RowOptions &options = c.options;
     if (options.differences.isEmpty()) return {};
-    const QString problem = c.out.open(options.differences, delimiter);
+    QString problem = c.out.open(options.differences, delimiter);
     if (!problem.isEmpty()) return problem;
     c.out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
     for (const std::string_view title :

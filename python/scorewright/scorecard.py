@@ -75,6 +75,7 @@ class Scorecard:
 
     def __init__(self, target: str = "", kind: str = "T", *, constant: float = 0.0, table: Table | None = None,
                  missing: Mapping[str, Numbers] | None = None, digits: int = 16) -> None:
+        require(isinstance(target, str), f"target is the name of the target column, not {target!r}")
         self.target, self.kind, self.constant, self.table = target, kind, constant, table
         self.missing, self.digits = dict(missing or {}), digits
         self.recodings: list[Recoding] = []
