@@ -173,6 +173,9 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assertEqual(self.check("m.ModelXml", "--show", *more), (1, shown[1] + "\n" + found[1], ""))
         self.write("good.ModelXml", model())
         self.assertEqual(self.check("good.ModelXml", "--target", "sas"), (0, "No findings\n", ""))
+        for written, meant in [("sqlservr", "sqlserver"), ("MSSQL", "sqlserver")]:
+            self.write("s.xml", configuration(dbType=written))
+            self.assertIn(f"'{written}'; {meant} is meant?\n", self.check("good.ModelXml", "--sql", "s.xml")[1])
 
     def test_calls_that_are_refused(self):
         self.write("m.ModelXml", model())

@@ -142,7 +142,7 @@ FINDINGS = {
                       of(c("a", "b", number=1), c("a", "b", scores=[3, 4, 5]))),
     "array-too-long": (of(n(scores=[0, 1, 2, 3, 4]), rows="n,c|1,a|3,a|2,a|ten,a"), (2, 2), of(n([1, 2, 3], [0, 1, 2, 3, 4]))),
     "unknown-setting": (sql(dbTpye="mysql"), None, sql(USETMPTABLE="1")),
-    "unknown-dialect": (sql(dbType="sqlservr"), None, sql(dbType="SQLServer"), sql(dbType=""), sql(dbType="sqlite")),
+    "unknown-dialect": (sql(dbType="MariaDB"), None, sql(dbType="SQLServer"), sql(dbType=""), sql(dbType="sqlite")),
     "flag-text": (sql(useTmpTable="yes"), None, sql(useTmpTable="", boolsAreNumbers="1", debugRecoding="0", odbcLogin="yes")),
     "table-name-cut": (sql(model(table=TABLE), predictionTable=56 * "t"), None, sql(model(table=TABLE), predictionTable=55 * "t"),
                        sql(model(table=TABLE), predictionTable=64 * "t", useTmpTable="0"), sql(predictionTable=64 * "t")),

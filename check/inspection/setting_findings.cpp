@@ -27,8 +27,7 @@ constexpr QStringView sqlWords[] = {
 
 // --- Settings and dialects
 
-QString withMeant(const QString &place, QStringView written, std::span<const QStringView> names) {
-    const QStringView meant = nearestName(written, names);
+QString withMeant(const QString &place, QStringView meant) {
     return meant.isEmpty() ? place : u"%1; %2 is meant?"_s.arg(place, meant);
 }
 
@@ -46,7 +45,7 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
         const bool isKnown = setting != settings.end();
         const bool isOdd =
             isKnown && setting->flag && !value.isEmpty() && value != u"0" && value != u"1";
-        if (!isKnown) notes.add({withMeant(place, name, names)}, UnknownSetting);
+        if (!isKnown) notes.add({withMeant(place, nearestName(name, names))}, UnknownSetting);
         if (isOdd) notes.add({u"%1, '%2'"_s.arg(place, value)}, FlagText);
     }
     const SqlConfiguration defaults;
@@ -65,6 +64,16 @@ bool isGeneral(QStringView dbType) {
         servers, [&](QStringView name) { return name.compare(dbType, Qt::CaseInsensitive) == 0; });
 }
 
+// The dialect that is meant by another name of a server, or by a similar one; empty if none is.
+QStringView dialectOf(QStringView dbType, std::span<const QStringView> names) {
+    constexpr std::pair<QStringView, QStringView> others[] = {
+        {u"mssql", u"sqlserver"}, {u"tsql", u"sqlserver"}, {u"mariadb", u"mysql"}};
+    for (const auto &[name, dialect] : others) {
+        if (name.compare(dbType, Qt::CaseInsensitive) == 0) return dialect;
+    }
+    return nearestName(dbType, names);
+}
+
 void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) {
     const SqlDialect &dialect = findSqlDialect(dbType);
     const QString place = u"setting dbType, '%1'"_s.arg(dbType);
@@ -75,8 +84,8 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     }
     notes.add({place}, SinglePrecision, !dialect.scoreCast.opening.isEmpty());
     const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
-    const bool isMeant = !isKnown && !nearestName(dbType, names).isEmpty();
-    notes.add({withMeant(place, dbType, names)}, UnknownDialect, isMeant);
+    const QStringView meant = dialectOf(dbType, names);
+    notes.add({withMeant(place, meant)}, UnknownDialect, !isKnown && !meant.isEmpty());
 }
 
 void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
