@@ -110,9 +110,9 @@ class CausesTest(CheckedTest):
         results[3] = (results[3][0] + 0.25, results[3][1])
         results[5] = ('"1,5"', "n/a")
         found = self.compare(results, "--tolerance", "1e-6")
-        self.assertAlmostEqual(found["differences"]["score"].pop("largest"), 0.25 + 2e-7, 12)
-        self.assertAlmostEqual(found["differences"]["score"].pop("median"), 2e-7, 9)
-        self.assertEqual(found["differences"]["score"]["within"], {"1e-9": 0, "1e-6": 70 / 71, "1e-4": 70 / 71, "1e-2": 70 / 71})
+        self.assertAlmostEqual(found["differences"]["largest"]["score"], 0.25 + 2e-7, 12)
+        self.assertAlmostEqual(found["differences"]["median"]["score"], 2e-7, 9)
+        self.assertEqual(found["differences"]["within"]["score"], {"1e-9": 0, "1e-6": 70 / 71, "1e-4": 70 / 71, "1e-2": 70 / 71})
         self.assertEqual(found["unreadable"], [{"kind": "null", "cells": 1, "first": "n/a", "row": 6},
                                                {"kind": "decimal-comma", "cells": 1, "first": "1,5", "row": 6}])
         self.assertEqual(found["unexplained"], 2)

@@ -57,15 +57,25 @@ QJsonObject jsonOf(const ComparedRow &row, std::span<const Contribution> contrib
             {u"contributions"_s, parts}};
 }
 
-QJsonObject jsonOf(const Differences &differences) {
+// By what is said of them, and then by the column.
+QJsonObject jsonOfDifferences(const ComparisonResult &result) {
+    QJsonObject largest;
+    QJsonObject median;
     QJsonObject within;
-    for (std::size_t i = 0; i < differences.within.size(); ++i) {
-        within[differenceSteps[i].toString()] =
-            static_cast<double>(differences.within[i]) / static_cast<double>(differences.rows);
-    }
-    return {{u"largest"_s, number(differences.largest)},
-            {u"median"_s, number(differences.median())},
-            {u"within"_s, within}};
+    const auto add = [&](const QString &column, const Differences &differences) {
+        if (differences.rows == 0) return;
+        QJsonObject shares;
+        for (std::size_t i = 0; i < differences.within.size(); ++i) {
+            shares[differenceSteps[i].toString()] =
+                static_cast<double>(differences.within[i]) / static_cast<double>(differences.rows);
+        }
+        largest[column] = number(differences.largest);
+        median[column] = number(differences.median());
+        within[column] = shares;
+    };
+    add(u"score"_s, result.scores);
+    add(u"probability"_s, result.probabilities);
+    return {{u"largest"_s, largest}, {u"median"_s, median}, {u"within"_s, within}};
 }
 
 QJsonArray jsonOf(std::span<const UnreadableCells> unreadable) {
@@ -102,12 +112,9 @@ QJsonObject jsonOf(const Report &report) {
         causes.append(
             QJsonObject{{u"cause"_s, name}, {u"rows"_s, count(rows)}, {u"detail"_s, text}});
     }
-    QJsonObject differences;
-    if (result.scores.rows > 0) differences[u"score"_s] = jsonOf(result.scores);
-    if (result.probabilities.rows > 0) differences[u"probability"_s] = jsonOf(result.probabilities);
     return {{u"target"_s, comparedTarget(report)},
             {u"causes"_s, causes},
-            {u"differences"_s, differences},
+            {u"differences"_s, jsonOfDifferences(result)},
             {u"unreadable"_s, jsonOf(result.unreadable)},
             {u"rows"_s, count(result.rows)},
             {u"equal"_s, count(result.equal)},
