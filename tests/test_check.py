@@ -173,6 +173,11 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assertEqual(self.check("m.ModelXml", "--show", *more), (1, shown[1] + "\n" + found[1], ""))
         self.write("good.ModelXml", model())
         self.assertEqual(self.check("good.ModelXml", "--target", "sas"), (0, "No findings\n", ""))
+        # A finding that touches no row does not count, but a file without rows dismisses none.
+        self.write("m.ModelXml", model(None, categorical(2, "c", ["True", "b"], [0, 1, 2])))
+        for rows, status in [("n,c\n", 1), ("n,c\n1,b\n", 0)]:
+            self.write("rows.csv", rows)
+            self.assertEqual(self.check("m.ModelXml", "--target", "vba", "--rows", "rows.csv")[0], status)
         for written, meant in [("sqlservr", "sqlserver"), ("MSSQL", "sqlserver")]:
             self.write("s.xml", configuration(dbType=written))
             self.assertIn(f"'{written}'; {meant} is meant?\n", self.check("good.ModelXml", "--sql", "s.xml")[1])

@@ -295,7 +295,8 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
 Standing standingOf(const Found &found, const Finding &finding) {
     if (found.accepted.has(finding.id)) return Standing::Accepted;
     const bool isTouched = finding.rows > 0 || finding.togetherRows > 0;
-    if (!found.counts || !finding.countsRows() || isTouched) return Standing::Open;
+    const bool hasRows = found.counts && found.counts->rows > 0;
+    if (!hasRows || !finding.countsRows() || isTouched) return Standing::Open;
     const bool explains = found.comparison && found.comparison->explained.contains(finding.id);
     return explains ? Standing::Open : Standing::Untouched;
 }
