@@ -1,5 +1,7 @@
 #include "check/findings/findings.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <array>
 
@@ -330,8 +332,12 @@ QStringList namesOf(const FindingSet &findings) {
     return list;
 }
 
+QString grouped(std::int64_t number) {
+    return QLocale(QLocale::English).toString(static_cast<qlonglong>(number));
+}
+
 QString rowsText(std::int64_t rows) {
-    return rows == 1 ? QStringLiteral("1 row") : QStringLiteral("%1 rows").arg(rows);
+    return rows == 1 ? QStringLiteral("1 row") : grouped(rows) + QStringLiteral(" rows");
 }
 
 void Notes::add(const FindingPlace &place, FindingId id, bool isFound, Targets limit) {

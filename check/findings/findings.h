@@ -92,7 +92,10 @@ struct Finding {
     bool countsRows() const { return kindOf(id).scope != RowScope::None; }
 };
 
-// "1 row" or "7 rows".
+// "4,454".
+QString grouped(std::int64_t number);
+
+// "1 row" or "4,454 rows".
 QString rowsText(std::int64_t rows);
 
 // Where a finding is made.

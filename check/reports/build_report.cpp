@@ -2,8 +2,6 @@
 
 #include "check/rows/probe.h"
 
-#include <QLocale>
-
 #include <algorithm>
 #include <cmath>
 #include <functional>
@@ -129,10 +127,37 @@ Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
 
 // --- Findings and comparison
 
+// What a finding counts for. One that is accepted, or that depends on values and touches none of
+// the rows, needs nobody's attention.
+enum class Standing : std::uint8_t { Open, Accepted, Untouched };
+
+bool touchesRows(const Finding &finding) {
+    return finding.rows > 0 || finding.togetherRows > 0;
+}
+
+// The findings that count although no place of theirs touches a row: they explain rows.
+FindingSet explaining(const Found &found) {
+    FindingSet findings;
+    if (!found.comparison) return findings;
+    for (const auto &[id, rows] : found.comparison->explained) findings.add(id);
+    for (const Finding &finding : found.findings) {
+        if (touchesRows(finding)) findings.remove(finding.id);
+    }
+    return findings;
+}
+
+Standing standingOf(const Found &found, const FindingSet &explaining, const Finding &finding) {
+    if (found.accepted.has(finding.id)) return Standing::Accepted;
+    const bool hasRows = found.counts && found.counts->rows > 0;
+    const bool isUntouched = hasRows && finding.countsRows() && !touchesRows(finding);
+    return isUntouched && !explaining.has(finding.id) ? Standing::Untouched : Standing::Open;
+}
+
 std::vector<FindingGroup> groupsOf(const Found &found, Standing standing) {
+    const FindingSet explains = explaining(found);
     std::vector<FindingGroup> groups;
     for (const Finding &finding : found.findings) {
-        if (standingOf(found, finding) != standing) continue;
+        if (standingOf(found, explains, finding) != standing) continue;
         const FindingKind &kind = kindOf(finding.id);
         if (groups.empty() || groups.back().kind != &kind) groups.push_back({&kind});
         groups.back().targets |= finding.targets;
@@ -160,7 +185,8 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
     addSample(u"key occurs again"_s, result.repeated);
     for (const auto &[fault, rows] : result.suspected) {
         add(u"would be right with "_s + fault, rows,
-            rows < result.suspects ? u", of %1 looked into"_s.arg(result.suspects) : QString());
+            rows < result.suspects ? u", of %1 looked into"_s.arg(grouped(result.suspects))
+                                   : QString());
     }
     return counts;
 }
@@ -214,19 +240,14 @@ QString findingsText(const Report &report) {
 }
 
 QString sentenceOf(const Report &report) {
-    const QLocale english(QLocale::English);
-    const auto grouped = [&](std::int64_t rows) {
-        return english.toString(static_cast<qlonglong>(rows));
-    };
     QString findings = findingsText(report);
     if (!report.found.counts) return findings;
     const ComparisonResult *const result = report.found.comparison;
     if (!result) {
-        const std::int64_t rows = report.found.counts->rows;
-        return grouped(rows) + (rows == 1 ? u" row scored; "_s : u" rows scored; "_s) + findings;
+        return rowsText(report.found.counts->rows) + u" scored; "_s + findings;
     }
-    QString rows = grouped(result->equal) + u" of "_s + grouped(result->rows) +
-                   (result->rows == 1 ? u" row as the model says"_s : u" rows as the model says"_s);
+    QString rows =
+        grouped(result->equal) + u" of "_s + rowsText(result->rows) + u" as the model says"_s;
     const std::pair<std::int64_t, QStringView> others[] = {
         {result->explainedRows, u"explained"},
         {result->unexplained, u"without explanation"},
@@ -290,15 +311,6 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     }
     if (!report.notation.isEmpty() && isWhole) report.notation = report.model.notation;
     return report;
-}
-
-Standing standingOf(const Found &found, const Finding &finding) {
-    if (found.accepted.has(finding.id)) return Standing::Accepted;
-    const bool isTouched = finding.rows > 0 || finding.togetherRows > 0;
-    const bool hasRows = found.counts && found.counts->rows > 0;
-    if (!hasRows || !finding.countsRows() || isTouched) return Standing::Open;
-    const bool explains = found.comparison && found.comparison->explained.contains(finding.id);
-    return explains ? Standing::Open : Standing::Untouched;
 }
 
 QString namesOf(std::span<const FindingGroup> groups) {

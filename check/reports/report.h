@@ -65,10 +65,6 @@ struct FindingGroup {
     std::vector<const Finding *> findings = {};
 };
 
-// What a finding counts for. One that is accepted, or that depends on values and touches none of
-// the rows, needs nobody's attention.
-enum class Standing : std::uint8_t { Open, Accepted, Untouched };
-
 // What a job acts on. Unexplained: rows of the comparison are without explanation, missing, extra
 // or repeated. Findings: some are open.
 enum class Verdict : std::uint8_t { Clean, Findings, Unexplained };
@@ -165,7 +161,6 @@ CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions 
 
 // --- What printers share
 
-Standing standingOf(const Found &found, const Finding &finding);
 // The names of the findings, each once, with the number of their places where it is above 1.
 QString namesOf(std::span<const FindingGroup> groups);
 

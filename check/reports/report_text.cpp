@@ -95,7 +95,7 @@ void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribut
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.found.comparison;
     put(out, u"\nComparison with ", report.found.options->results, u" (", comparedTarget(report),
-        u")\n  ", rowsText(result.rows), u" in both files, ", result.equal,
+        u")\n  ", rowsText(result.rows), u" in both files, ", grouped(result.equal),
         u" as the model says\n");
     for (const CauseLine &cause : report.causes) put(out, u"  ", causeText(report, cause), u"\n");
     for (const CountLine &line : report.counts) {
@@ -207,7 +207,7 @@ QString causeText(const Report &report, const CauseLine &cause) {
     const bool isPart = cause.rows > 0 && cause.rows < all;
     const bool isHint = cause.name.startsWith(u"key-");
     return (isHint ? QString() : u"results look like "_s) + cause.text + rows +
-           (isPart ? u" of %1 without explanation"_s.arg(all) : QString());
+           (isPart ? u" of %1 without explanation"_s.arg(grouped(all)) : QString());
 }
 
 QStringList summaryOf(const Report &report) {
@@ -230,7 +230,7 @@ QStringList summaryOf(const Report &report) {
         const auto &[cells, first, row] = result.unreadable[i];
         if (cells == 0) continue;
         lines.append(u"no number in %1 cell%2 of the results: %3, first '%4' in row %5"_s.arg(
-            QString::number(cells), cells == 1 ? u""_s : u"s"_s,
+            grouped(cells), cells == 1 ? u""_s : u"s"_s,
             unreadableText(static_cast<Unreadable>(i)), QString::fromStdString(first),
             QString::number(row)));
     }

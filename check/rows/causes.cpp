@@ -95,7 +95,8 @@ double numberOf(const Prediction &prediction, bool isScore) {
 // The decimals and the significant digits of the shortest text of a number.
 std::pair<int, int> placesOf(double number) {
     char text[32];
-    const char *const end = std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
+    const char *const end =
+        std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
     const std::string_view shown(text, static_cast<std::size_t>(end - text));
     const std::size_t exponentAt = shown.find('e');
     int exponent = 0;
