@@ -311,7 +311,7 @@ QString explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
     for (const FindingId id : search.possible) {
         if (all.has(id)) count(c.result.explained[id], row);
     }
-    const QString reason = names.join(u" or "_s);
+    QString reason = names.join(u" or "_s);
     count(c.result.reasons[reason], row);
     ++c.result.explainedRows;
     return reason;
