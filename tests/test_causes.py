@@ -77,13 +77,19 @@ class CausesTest(CheckedTest):
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
             ("one bin, seen in probabilities", self.through(lambda s, n, c, m: s + 0.21 * (m == "20")), ["probability"],
              ("points", None, "other points of V3 m, [10, 20] by +0.21")),
+            ("one value, with probabilities of no score", [(s, i * 37 % 101 / 101 if row[1] == "b" else p) for i, ((s, p), row) in enumerate(zip(moved, ROWS))], both, None),
+            ("one number everywhere", [(0.5, p) for _, p in meant], ["score"], ("constant", None, "0.5 in place of the score")),
+            ("two numbers, which lie on a line", [(2.5 * s + 1 if row[0] in NUMBERS["n"][2:4] and row[1:] in [("a", "5"), ("a", "20")] else s, p)
+                                                  for (s, p), row in zip(meant, ROWS)], ["score"], None),
+            ("more digits than 32 bits hold", [(round(s + i * 37 % 101 * 9e-10, 11), p) for i, (s, p) in enumerate(meant)], ["score"], None),
+            ("a single result of 0, where 1 is right", [(s, p) if i != 3 else (s, 0) for i, (s, p) in enumerate(meant)], ["probability"], None),
             ("a coefficient", [(s + 0.2 * {"": 0.0625, "0.25": -1.37, "1.5": 0.51, "3": 1.93, "7": 2.71}.get(row[0], 0.51), p)
                                for (s, p), row in zip(meant, ROWS)], ["score"], ("coefficient", 72, "a coefficient of 1.3 for V1 n")),
             ("another order", meant[::-1], both, ("other-order", None, "those of the rows in another order")),
             ("a row less", meant[:20] + meant[21:], both, ("next-row", None, "those of the next row, from row 21 on")),
             ("a row more", [*meant[:20], (9, 0.5), *meant[20:]], both, ("row-before", None, "those of the row before, from row 21 on")),
             ("the last digit of a bound", [(s + 1.1 * (-1.37 - 0.51) * (row[0] == f"{1 / 3}"), p) for (s, p), row in zip(meant, ROWS)],
-             ["score"], ("last-digit", 12, "cells whose last digit was read otherwise")),
+             ["score"], ("last-digit", 12, "cells at a bound counted on its other side (another last digit, or < for <=)")),
         ]:
             with self.subTest(name):
                 found = self.compare(results, columns=columns)
@@ -93,6 +99,13 @@ class CausesTest(CheckedTest):
                     self.assertTrue(told["detail"].startswith(expected[2]), told)
                     self.assertIn(told["rows"], [expected[1], *[found["unexplained"], found["unexplained"] - 1, found["unexplained"] - 2] * (expected[1] is None)])
 
+    def test_tolerance(self):
+        """Within a large tolerance, some numbers are right with any amount, and nearly all in another order."""
+        noise = [(s + (0.02 + i * 29 % 72 / 400) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
+        self.assertEqual(self.compare(noise, "--tolerance", "0.02", columns=["score"])["causes"], [])
+        moved = self.compare([(round(s + 0.5, 2), p) for s, p in self.meant], "--tolerance", "0.02", columns=["score"])["causes"][0]
+        self.assertEqual((moved["cause"], moved["rows"]), ("amount", 72))
+
     def test_keys(self):
         """Keys that are written otherwise, a column that might be the key, and keys of results without a row."""
         found = self.compare(self.meant, "--key", "id")
@@ -101,6 +114,11 @@ class CausesTest(CheckedTest):
         self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results")
         printed = self.check("m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
         self.assertIn("in the results only: 72 rows: 0, 1, 2, 3, 4, …\n", printed)
+        long = [f"{2 ** 53 + i}" for i in range(0, 144, 2)]
+        self.write("long.csv", "".join(f"{line}\n" for line in ["id,n,c,m", *(f"{key},{','.join(row)}" for key, row in zip(long, ROWS))]))
+        self.write("results.csv", "id,score\n" + "".join(f"{int(key) + 1},0.5\n" for key in long))
+        found = self.report("m.ModelXml", "--rows", "long.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")["comparison"]
+        self.assertEqual((found["missing"], found["causes"]), (72, []))
         found = self.compare(self.meant[:10] + self.meant[11:])
         self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
 
@@ -117,7 +135,7 @@ class CausesTest(CheckedTest):
                                                {"kind": "decimal-comma", "cells": 1, "first": "1,5", "row": 6}])
         self.assertEqual(found["unexplained"], 2)
         for text, kind in [("", "empty"), ("NULL", "null"), ("NaN", "nan"), ("1,234.5", "thousands"), ("5 %", "per-cent"), ("-0,5", "decimal-comma"),
-                           ("1 234.5", "thousands"), ("five", "other"), ("-", "null"), ("%", "other")]:
+                           ("1 234.5", "thousands"), ("five", "other"), ("2024-01-31", "other"), ("-1,5E-3", "decimal-comma"), ("-", "null"), ("%", "other")]:
             results[5] = (f'"{text}"', 0.5)
             self.assertEqual([cells["kind"] for cells in self.compare(results)["unreadable"]], [kind], text)
 

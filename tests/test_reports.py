@@ -28,7 +28,8 @@ class ReportsTest(CheckedTest):
                 ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
                 ("best", "3,a&b,YES,", "3.25,1.25"),
                 # Without explanation: the first four as one column or two would be read wrongly.
-                *((f"wrong{i}", "2,<script>,no,", result) for i, result in enumerate(3 * ["-1.125,0.275"] + ["-1.375,0.225"])),
+                ("wrong0", "2,a&b,no,", "-0.875,0.325"),
+                *((f"wrong{i}", "2,<script>,no,", result) for i, result in enumerate(2 * ["-1.125,0.275"] + ["-1.375,0.225"], 1)),
                 *((f"far{i}", "2,<script>,no,", f"{0.75 + (-1) ** i * (1 + i / 16)},0.5") for i in range(12)),
                 *((f"high{i}", "3,<script>,0,z", result) for i, result in enumerate(["1.75,0.84375", "oops,0.9", ","])),
                 # More rows without a result than are named, and just as many results without a row.

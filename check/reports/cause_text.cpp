@@ -28,6 +28,7 @@ QString formText(const NumberMap &map, const QString &own, const QString &other)
     }
     const auto plus = [](double number) { return number < 0 ? u"minus"_s : u"plus"_s; };
     const QString amount = shortNumber(std::abs(map.add));
+    if (map.times == 0) return u"%1 in place of the %2"_s.arg(shortNumber(map.add), own);
     if (map.add == 1 && map.times == -1) return u"1 minus the %1"_s.arg(own);
     const QString multiple =
         map.times == 1 ? u"the "_s + own : u"the %1 times %2"_s.arg(own, times);
@@ -87,6 +88,7 @@ QStringView nameOf(const NumberMap &map) {
     if (map.form == Form::Other) return u"other-number";
     if (map.form == Form::Logistic) return u"logistic";
     if (map.add == 1 && map.times == -1) return u"complement";
+    if (map.times == 0) return u"constant";
     if (map.times != 1) return map.add == 0 ? u"factor" : u"linear";
     if (map.add != 0) return u"amount";
     constexpr QStringView roundings[] = {u"", u"decimals", u"digits", u"single-precision"};
@@ -104,18 +106,18 @@ QString nameOf(const Cause &cause) {
 
 QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &options,
                QString &notation) {
-    const Recoding &recoding = card.recodings[cause.recoding];
+    const auto recoding = [&]() -> const Recoding & { return card.recodings[cause.recoding]; };
     switch (cause.kind) {
     case Kind::Numbers:
         return mapsText(cause, options);
     case Kind::Points:
-        return u"other points of %1, %2"_s.arg(titleOf(recoding),
-                                               amountsText(cause, recoding, notation));
+        return u"other points of %1, %2"_s.arg(titleOf(recoding()),
+                                               amountsText(cause, recoding(), notation));
     case Kind::Coefficient:
         return u"a coefficient of %1 for %2"_s.arg(shortNumber(cause.coefficient),
-                                                   titleOf(recoding));
+                                                   titleOf(recoding()));
     case Kind::LastDigit:
-        return u"cells whose last digit was read otherwise"_s;
+        return u"cells at a bound counted on its other side (another last digit, or < for <=)"_s;
     case Kind::NextRow:
         return u"those of the next row, from row %1 on"_s.arg(cause.row);
     case Kind::RowBefore:

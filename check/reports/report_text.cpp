@@ -202,12 +202,14 @@ QString placeText(const Report &report, const Finding &finding) {
 }
 
 QString causeText(const Report &report, const CauseLine &cause) {
-    const std::int64_t all = report.found.comparison->unexplained;
+    const std::int64_t unexplained = report.found.comparison->unexplained;
+    const std::int64_t all = std::min(unexplained, mostLookedAt);
+    const QString first = all < unexplained ? u"the first "_s : QString();
     const QString rows = cause.rows == 0 ? QString() : u": "_s + rowsText(cause.rows);
-    const bool isPart = cause.rows > 0 && cause.rows < all;
+    const bool isPart = cause.rows > 0 && cause.rows < unexplained;
     const bool isHint = cause.name.startsWith(u"key-");
     return (isHint ? QString() : u"results look like "_s) + cause.text + rows +
-           (isPart ? u" of %1 without explanation"_s.arg(grouped(all)) : QString());
+           (isPart ? u" of %1%2 without explanation"_s.arg(first).arg(grouped(all)) : QString());
 }
 
 QStringList summaryOf(const Report &report) {
@@ -230,9 +232,8 @@ QStringList summaryOf(const Report &report) {
         const auto &[cells, first, row] = result.unreadable[i];
         if (cells == 0) continue;
         lines.append(u"no number in %1 cell%2 of the results: %3, first '%4' in row %5"_s.arg(
-            grouped(cells), cells == 1 ? u""_s : u"s"_s,
-            unreadableText(static_cast<Unreadable>(i)), QString::fromStdString(first),
-            QString::number(row)));
+            grouped(cells), cells == 1 ? u""_s : u"s"_s, unreadableText(static_cast<Unreadable>(i)),
+            shownText(first), QString::number(row)));
     }
     return lines;
 }

@@ -1,7 +1,7 @@
 #include "check/rows/causes.h"
 
 #include "check/evaluation/target_texts.h"
-#include "check/rows/comparison.h"
+#include "check/rows/suspicion.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,9 +13,8 @@ namespace {
 using Form = NumberMap::Form;
 using Rounding = NumberMap::Rounding;
 
-constexpr std::size_t mostKept = 1 << 20; // rows that are looked at together
-constexpr std::size_t mostSampled = 64;   // of them, to try candidates with
-constexpr std::size_t mostMeasured = 8;   // of these, to take amounts and factors from
+constexpr std::size_t mostSampled = 64; // of them, to try candidates with
+constexpr std::size_t mostMeasured = 8; // of these, to take amounts and factors from
 constexpr std::size_t mostCauses = 3;
 constexpr std::int64_t leastRows = 3; // that speak for an amount, a factor or a rounding
 constexpr double leastShare = 0.1;    // of the rows that a cause makes right
@@ -46,6 +45,21 @@ double snapped(double number, double relative) {
 
 // --- Maps of numbers
 
+// The decimals and the significant digits of the shortest text of a number.
+std::pair<int, int> placesOf(double number) {
+    char text[32];
+    const auto end = std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
+    const std::string_view shown(text, static_cast<std::size_t>(end - text));
+    const std::size_t exponentAt = shown.find('e');
+    int exponent = 0;
+    const std::string_view power =
+        shown.substr(exponentAt + (shown[exponentAt + 1] == '+' ? 2 : 1));
+    std::from_chars(power.data(), power.data() + power.size(), exponent);
+    const auto digits = static_cast<int>(std::ranges::count_if(
+        shown.substr(0, exponentAt), [](char d) { return d >= '0' && d <= '9'; }));
+    return {std::max(0, digits - 1 - exponent), digits};
+}
+
 bool isRounded(double exact, double found, double step) {
     const double steps = found / step;
     return std::abs(found - exact) <= step / 2 * (1 + 1e-9) + 1e-12 &&
@@ -64,7 +78,9 @@ bool fitsRounded(const NumberMap &map, double exact, double found, double tolera
         return isRounded(exact, found, std::pow(10.0, magnitude - map.places));
     }
     case Rounding::Single:
-        return inSinglePrecision(exact) == inSinglePrecision(found);
+        // Numbers that are written with more digits than 32 bits hold are rounded otherwise.
+        return inSinglePrecision(exact) == inSinglePrecision(found) &&
+               (inSinglePrecision(found) == found || placesOf(found).second <= 9);
     }
     return false;
 }
@@ -92,22 +108,6 @@ double numberOf(const Prediction &prediction, bool isScore) {
     return isScore ? prediction.score : prediction.probability;
 }
 
-// The decimals and the significant digits of the shortest text of a number.
-std::pair<int, int> placesOf(double number) {
-    char text[32];
-    const char *const end =
-        std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
-    const std::string_view shown(text, static_cast<std::size_t>(end - text));
-    const std::size_t exponentAt = shown.find('e');
-    int exponent = 0;
-    const std::string_view power =
-        shown.substr(exponentAt + (shown[exponentAt + 1] == '+' ? 2 : 1));
-    std::from_chars(power.data(), power.data() + power.size(), exponent);
-    const auto digits = static_cast<int>(std::ranges::count_if(
-        shown.substr(0, exponentAt), [](char d) { return d >= '0' && d <= '9'; }));
-    return {std::max(0, digits - 1 - exponent), digits};
-}
-
 // The roundings that the measured numbers of results may show.
 std::vector<NumberMap> roundingsOf(const Sample &sample, bool isScore) {
     constexpr int mostDigits = 12; // that a rounded number shows
@@ -128,7 +128,10 @@ std::vector<NumberMap> roundingsOf(const Sample &sample, bool isScore) {
         roundings.push_back({.rounding = Rounding::Decimals, .places = decimals, .rank = 2});
         roundings.push_back({.rounding = Rounding::Digits, .places = digits, .rank = 3});
     }
-    if (isSingle || digits >= 7) roundings.push_back({.rounding = Rounding::Single, .rank = 2});
+    if (isSingle || digits >= 7) {
+        // Of numbers with few digits, 32 bits hold most.
+        roundings.push_back({.rounding = Rounding::Single, .rank = isSingle ? 2 : 4});
+    }
     return roundings;
 }
 
@@ -157,6 +160,7 @@ std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
         const double found = numberOf(sample.rows[i]->found, isScore);
         if (!std::isfinite(expected) || !std::isfinite(found)) continue;
         const double slack = rounding * std::max({1.0, std::abs(expected), std::abs(found)});
+        maps.push_back({.add = found, .times = 0, .rank = 2});
         maps.push_back(
             {.add = shortestIn({found - expected - slack, found - expected + slack}), .rank = 4});
         if (expected != 0) {
@@ -186,17 +190,24 @@ ScoreRange scoresBehind(const Comparison &c, const Prediction &found) {
     return {inverse(p - tolerance), inverse(p + tolerance)};
 }
 
-// What the result's score is off by; any amount where the result does not tell.
+// What the result's score is off by. No amount where its probability is not of its score, any
+// amount where a probability alone does not tell.
 ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
-    if (!std::isfinite(row.expected.score)) return {-HUGE_VAL, HUGE_VAL};
+    constexpr ScoreRange none = {HUGE_VAL, -HUGE_VAL};
+    if (!std::isfinite(row.expected.score)) return none;
     if (!c.options.hasScore()) {
         const ScoreRange range = scoresBehind(c, row.found);
         return {range.least - row.expected.score, range.most - row.expected.score};
     }
     const double amount = row.found.score - row.expected.score;
     const double slack = toleranceOf(c) * std::max(1.0, std::abs(row.expected.score));
-    return std::isnan(amount) ? ScoreRange{HUGE_VAL, -HUGE_VAL}
-                              : ScoreRange{amount - slack, amount + slack};
+    const auto isProbable = [&] {
+        return wouldBeRight(c, row.found.score, row.found) ||
+               hasProbabilityNear(c.card, row.found.score, slack, row.found.probability,
+                                  toleranceOf(c), {{}, c.options.target, c.options.sql});
+    };
+    if (!std::isfinite(amount) || (c.options.hasProbability() && !isProbable())) return none;
+    return {amount - slack, amount + slack};
 }
 
 ScoreRange common(const ScoreRange &a, const ScoreRange &b) {
@@ -275,12 +286,32 @@ bool isRight(const Comparison &c, const Cause &cause, const DifferingRow &row) {
             fits(c, cause.probability, row.expected, false, row.found.probability));
 }
 
+bool isPlain(const Cause &cause) {
+    return cause.score.rank % 100 < 2 && cause.probability.rank % 100 < 2;
+}
+
 // How many rows have to speak for the maps: more than they were made of.
 std::int64_t neededFor(const Cause &cause) {
-    const auto isPlain = [](const NumberMap &map) { return map.rank % 100 < 2; };
-    return isPlain(cause.score) && isPlain(cause.probability)     ? 1
-           : cause.score.rank >= 8 || cause.probability.rank >= 8 ? leastRows + 1
-                                                                  : leastRows;
+    const bool isLine = cause.score.rank % 100 >= 8 || cause.probability.rank % 100 >= 8;
+    return isPlain(cause) ? 1 : isLine ? leastRows + 1 : leastRows;
+}
+
+// Whether rows of enough different numbers are right: two lie on a line anyway, and a single
+// result of 0 or 1 stands for many a failure.
+bool isEvident(const Sample &sample, const Cause &cause) {
+    std::vector<double> numbers;
+    for (const DifferingRow *const row : sample.rows) {
+        const bool isScore = !cause.score.isSame() && sample.c.options.hasScore();
+        const double found = numberOf(row->found, isScore);
+        if (!isRight(sample.c, cause, *row) || (isPlain(cause) && (found == 0 || found == 1))) {
+            continue;
+        }
+        numbers.push_back(numberOf(row->expected, isScore));
+    }
+    std::ranges::sort(numbers);
+    const auto repeated = std::ranges::unique(numbers).size();
+    const std::int64_t distinct = std::ssize(numbers) - static_cast<std::int64_t>(repeated);
+    return distinct >= (isPlain(cause) ? 1 : neededFor(cause) - 1);
 }
 
 // The maps of score and probability that make most of the sample right.
@@ -296,6 +327,7 @@ Cause bestMaps(const Sample &sample) {
             });
             const int rank = score.rank + probability.rank;
             if (cause.rows < best.rows || (cause.rows == best.rows && rank >= leastRank)) continue;
+            if (!isEvident(sample, cause)) continue;
             best = cause;
             leastRank = rank;
         }
@@ -303,8 +335,8 @@ Cause bestMaps(const Sample &sample) {
     return best;
 }
 
-bool speaksFor(std::int64_t rows, std::size_t of) {
-    return static_cast<double>(rows) >= leastShare * static_cast<double>(of);
+bool speaksFor(std::int64_t rows, std::size_t of, double share = leastShare) {
+    return static_cast<double>(rows) >= share * static_cast<double>(of);
 }
 
 // Takes the rows that each cause makes right from the rest.
@@ -326,7 +358,11 @@ std::vector<Cause> mapsOf(const Comparison &c) {
         const std::size_t before = rest.size();
         std::erase_if(rest, [&](const DifferingRow *row) { return isRight(c, cause, *row); });
         cause.rows = static_cast<std::int64_t>(before - rest.size());
-        if (cause.rows < neededFor(cause) || !speaksFor(cause.rows, c.differing.size())) break;
+        // By chance, some rows are within a large tolerance of what was measured.
+        const bool isDoubtful = !isPlain(cause) && toleranceOf(c) > 1e-9;
+        const double share = isDoubtful ? 0.5 : leastShare;
+        if (cause.rows < neededFor(cause) || !speaksFor(cause.rows, before, share)) break;
+        if (!speaksFor(cause.rows, c.differing.size())) break;
         causes.push_back(cause);
     }
     return causes;
@@ -437,15 +473,24 @@ Cause orderOf(const Comparison &c) {
     }
     std::ranges::sort(expected, less);
     std::ranges::sort(found, less);
-    for (std::size_t i = 0, j = 0; i < expected.size() && j < found.size();) {
-        if (matches(c, expected[i], found[j])) {
-            ++cause.rows;
-            ++i;
-            ++j;
-        } else {
-            ++(less(expected[i], found[j]) ? i : j);
+    const auto pairsAt = [&](double share) {
+        std::int64_t pairs = 0;
+        for (std::size_t i = 0, j = 0; i < expected.size() && j < found.size();) {
+            const auto near = [&](double x) { return x + share * std::max(1.0, std::abs(x)); };
+            const Prediction moved = {near(found[j].score), near(found[j].probability)};
+            if (matches(c, expected[i], moved)) {
+                ++pairs;
+                ++i;
+                ++j;
+            } else {
+                ++(less(expected[i], moved) ? i : j);
+            }
         }
-    }
+        return pairs;
+    };
+    cause.rows = pairsAt(0);
+    // Within a large tolerance, all numbers have a partner.
+    if (4 * pairsAt(2 * c.options.tolerance) > 3 * cause.rows) cause.rows = 0;
     return cause;
 }
 
@@ -481,10 +526,7 @@ std::vector<Cause> joinsOf(const Comparison &c) {
 
 bool isRightBeside(const Comparison &c, std::span<const std::vector<double> *const> columns,
                    double score, const Prediction &found) {
-    if (columns.empty()) {
-        return (!c.options.hasScore() || isNear(c, score, found.score)) &&
-               matches(c, {score, probabilityOf(c.card, score)}, found);
-    }
+    if (columns.empty()) return wouldBeRight(c, score, found);
     return isRightBeside(c, columns.subspan(1), score, found) ||
            std::ranges::any_of(*columns[0], [&](double change) {
                return isRightBeside(c, columns.subspan(1), score + change, found);
@@ -499,7 +541,7 @@ void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow
             c.positionRows.emplace_back(recoding.y.size());
         }
     }
-    const bool isKept = row && c.differing.size() < mostKept;
+    const bool isKept = row && c.differing.size() < mostLookedAt;
     if (isKept) c.differing.push_back(*row);
     const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{0, 0};
     for (std::size_t i = 0; i < recoded.size(); ++i) {
@@ -511,8 +553,8 @@ void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow
             rows.amount = both;
             ++rows.agree;
             ++rows.votes;
-        } else if (rows.votes > 0) {
-            --rows.votes;
+        } else if (rows.votes > 0 || amount.least > amount.most) {
+            rows.votes = std::max<std::int64_t>(rows.votes - 1, 0);
             ++rows.disagree;
         } else {
             rows.amount = amount;
@@ -557,9 +599,9 @@ std::vector<Cause> causesOf(const Comparison &c,
     std::vector<Cause> causes = mapsOf(c);
     std::vector<Cause> points = pointsOf(c, positions);
     // An amount that not all rows of the file differ by is rather that of some value.
-    const bool isPlain = !causes.empty() && neededFor(causes[0]) == 1;
-    const bool pointsFirst = !points.empty() && !isPlain && c.result.equal > 0 &&
-                             (causes.empty() || points[0].rows >= causes[0].rows);
+    const bool pointsFirst =
+        !points.empty() && c.result.equal > 0 &&
+        (causes.empty() || (!isPlain(causes[0]) && points[0].rows >= causes[0].rows));
     if (pointsFirst) {
         causes = std::move(points);
     } else if (causes.empty() || causes[0].rows < std::ssize(c.differing)) {

@@ -45,7 +45,7 @@ struct Cause {
         KeyText,     // `texts` are a key of the rows and the same number as the results write it
     };
     Kind kind = Kind::Numbers;
-    std::int64_t rows = 0; // without explanation that it makes right
+    std::int64_t rows = 0; // that it makes right, of those looked at
     NumberMap score = {}, probability = {};
     std::size_t recoding = 0;
     std::vector<std::pair<std::size_t, double>> amounts = {}; // by position
@@ -53,6 +53,8 @@ struct Cause {
     std::int64_t row = 0;
     QStringList texts = {};
 };
+
+inline constexpr std::int64_t mostLookedAt = 1 << 20; // rows without explanation, the first ones
 
 // A row without explanation.
 struct DifferingRow {

@@ -159,8 +159,10 @@ void keepUnexplained(Comparison &c, const RowFacts &facts, const Prediction &num
 void findKeyTexts(Comparison &c) {
     std::unordered_map<double, const ResultRow *> extra;
     const auto numberOf = [&](const ResultRow &row) {
+        constexpr double mostExact = 0x1p53; // above, different keys are the same double
         double number = noNumber;
-        return readNumber(keyOf(c, row), number) ? number : noNumber;
+        const bool isNumber = readNumber(keyOf(c, row), number);
+        return isNumber && std::abs(number) < mostExact ? number : noNumber;
     };
     for (const ResultRow &row : c.entries) {
         const double number = row.isSeen || c.absent.empty() ? noNumber : numberOf(row);

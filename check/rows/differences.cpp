@@ -66,9 +66,11 @@ Unreadable kindOfText(std::string_view text) {
     if (text.back() == '%' && text.size() > 1) return Unreadable::PerCent;
     const auto separators =
         std::ranges::count_if(text, [](char c) { return c == '.' || c == ','; });
+    if (text.size() > 1 && (text[0] == '-' || text[0] == '+')) text.remove_prefix(1);
+    text = text.substr(0, std::max<std::size_t>(text.find_last_of("eE"), 1));
     const bool isNumber =
-        isDigit(text.back()) && std::ranges::all_of(text, [](char c) {
-            return isDigit(c) || std::string_view("+-.,'  eE").find(c) != std::string_view::npos;
+        isDigit(text.front()) && isDigit(text.back()) && std::ranges::all_of(text, [](char c) {
+            return isDigit(c) || std::string_view(".,'  ").find(c) != std::string_view::npos;
         });
     if (!isNumber) return Unreadable::Other;
     const bool hasOneComma = separators == 1 && text.find(',') != std::string_view::npos;

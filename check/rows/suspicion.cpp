@@ -47,13 +47,6 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
     return points;
 }
 
-bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
-    Deviations always = {{}, c.options.target, c.options.sql};
-    if (matches(c, {score, probabilityOf(c.card, score, always)}, found)) return true;
-    for (const FindingId id : c.always) always.findings.add(id);
-    return matches(c, {score, probabilityOf(c.card, score, always)}, found);
-}
-
 void suspectColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
                     QStringList &faults) {
     for (std::size_t i = 0; i < c.card.columns.size(); ++i) {
@@ -84,6 +77,18 @@ void suspectPairs(const Comparison &c, const RowFacts &facts, const Prediction &
 }
 
 } // namespace
+
+bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
+    if (c.options.hasScore() && !isNear(c, score, found.score)) return false;
+    if (!c.options.hasProbability()) return true;
+    Deviations always = {{}, c.options.target, c.options.sql};
+    const auto isRight = [&] {
+        return isNear(c, probabilityOf(c.card, score, always), found.probability);
+    };
+    if (isRight()) return true;
+    for (const FindingId id : c.always) always.findings.add(id);
+    return isRight();
+}
 
 void suspect(Comparison &c, const RowFacts &facts, const Prediction &found) {
     for (std::size_t i = c.pointsOfColumns.size(); i < c.card.columns.size(); ++i) {

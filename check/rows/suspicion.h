@@ -3,6 +3,9 @@
 
 #include "check/rows/comparison.h"
 
+// Whether the score, with its probability of the model or of the target, is that of the result.
+bool wouldBeRight(const Comparison &comparison, double score, const Prediction &found);
+
 // Counts in the comparison what would make the row right: one column read as missing or as some
 // other value, or two columns exchanged.
 void suspect(Comparison &comparison, const RowFacts &facts, const Prediction &found);
