@@ -452,6 +452,8 @@ class DeploymentTest(CheckedTest):
              "\u00a0x,y", "s\n1", ["other-blanks"]),
             ("either of two findings of a cell", "python", model(numeric(1, "O'B", [1, 2], [0, 1, 2, 3]), missing={"O'B": [1234567]}),
              "1234567,a", "s\n4", ["missing-codes-digits", "missing-codes-name"]),
+            ("a column as missing, or one of four otherwise", "sas", model(*same, numeric(5, "v", [1, 2], [3, 1, 2, 3]),
+             terms=[(i, 1) for i in range(1, 6)]), "1,1,1,1,1", "s\n11", "v read as missing"),
             ("any of four columns", "sas", model(*same, terms=[*three, (4, 1)]), "1,1,1,1", "s\n9", []),
         ]:
             with self.subTest(name):

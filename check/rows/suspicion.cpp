@@ -48,12 +48,12 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
 }
 
 void suspectColumns(const Comparison &c, const RowFacts &facts, const Prediction &found,
-                    QStringList &faults) {
+                    QStringList &missing, QStringList &faults) {
     for (std::size_t i = 0; i < c.card.columns.size(); ++i) {
         const double others = facts.expected.score - pointsOf(c.card, i, facts.cells[i]->cell);
         const auto isRight = [&](double points) { return wouldBeRight(c, others + points, found); };
         if (isRight(pointsOf(c.card, i, {}))) {
-            faults.append(u"%1 read as missing"_s.arg(c.card.columns[i]));
+            missing.append(u"%1 read as missing"_s.arg(c.card.columns[i]));
         } else if (std::ranges::any_of(c.pointsOfColumns[i], isRight)) {
             faults.append(u"%1 read as another value"_s.arg(c.card.columns[i]));
         }
@@ -94,10 +94,14 @@ void suspect(Comparison &c, const RowFacts &facts, const Prediction &found) {
     for (std::size_t i = c.pointsOfColumns.size(); i < c.card.columns.size(); ++i) {
         c.pointsOfColumns.push_back(possiblePoints(c.card, i));
     }
+    QStringList missing;
     QStringList faults;
-    suspectColumns(c, facts, found, faults);
+    suspectColumns(c, facts, found, missing, faults);
     suspectPairs(c, facts, found, faults);
-    // More than three causes are no evidence for any.
-    if (faults.size() > 3) return;
-    for (const QString &fault : faults) ++c.suspectCounts[fault];
+    // More than three causes are no evidence for any. Few columns are right as missing by chance,
+    // so that others speak against none of these.
+    for (const QStringList &list : {missing, faults}) {
+        if (list.size() > 3) continue;
+        for (const QString &fault : list) ++c.suspectCounts[fault];
+    }
 }
