@@ -98,11 +98,15 @@ class CausesTest(CheckedTest):
         found = self.compare(self.meant, "--key", "id")
         self.assertEqual((found["missing"], found["extra"]), (72, 72))
         self.assertEqual([(cause["cause"], cause["rows"]) for cause in found["causes"]], [("key-text", 72)])
-        self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results")
+        self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results; write both in one format")
         printed = self.check("m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
         self.assertIn("in the results only: 72 rows: 0, 1, 2, 3, 4, …\n", printed)
-        found = self.compare(self.meant[:10] + self.meant[11:])
-        self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
+        for results in [self.meant[:10] + self.meant[11:], [(s + i * i, p) for i, (s, p) in enumerate(self.meant)]]:
+            found = self.compare(results)
+            self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
+        self.write("keyless.csv", "id,n,c,m\n7,,,\n,,,\n")
+        printed = self.check("m.ModelXml", "--rows", "keyless.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
+        self.assertIn("without a result: 1 row: row 2, which has no key\n", printed)
 
     def test_summary(self):
         """Of 72 rows, 70 are within 1e-6: one is off by 0.25, and one is no number."""
@@ -154,7 +158,7 @@ class CausesTest(CheckedTest):
         status, printed, _ = self.check(*call, "--accept", "lowest-segment")
         self.assertIn("\naccepted: lowest-segment\n", printed)
         for names, message in [("lowest-segmnt", "There is no finding 'lowest-segmnt'. 'lowest-segment' is meant?"), ("x", "There is no finding 'x'.")]:
-            self.assertEqual(self.check(*call, "--accept", names)[::2], (2, message + "\nscorewright-check --help tells the options.\n"))
+            self.assertEqual(self.check(*call, "--accept", names)[::2], (2, message + "\nscorewright-check --help lists the options.\n"))
 
 
 if __name__ == "__main__":
