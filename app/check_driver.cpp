@@ -117,7 +117,7 @@ int run(const QStringList &arguments) {
     Request request;
     QString problem = readRequest(arguments, request);
     if (!problem.isEmpty()) {
-        return fail(problem + u"\nscorewright-check --help tells the options."_s, exitUsage);
+        return fail(problem + u"\nscorewright-check --help lists the options."_s, exitUsage);
     }
     if (request.answer.isEmpty()) return check(request);
     problem = print(request.answer);

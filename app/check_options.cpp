@@ -47,7 +47,9 @@ QString setTargets(Request &request, const QStringList &values) {
     request.targets = 0;
     const QStringList known = targetNames(allTargets);
     for (const QString &name : values.constLast().split(u',')) {
-        if (!known.contains(name)) return u"There is no target '%1'."_s.arg(name);
+        if (!known.contains(name)) {
+            return u"There is no target '%1'. The targets are %2."_s.arg(name, known.join(u", "_s));
+        }
         request.targets |= only(static_cast<Target>(known.indexOf(name)));
     }
     return {};
@@ -103,27 +105,27 @@ QString setTolerance(Request &request, const QStringList &values) {
 using enum FileRole;
 constexpr Option options[] = {
     {u"show", u"Print the model.", set<&Request::showsModel>},
-    {u"target", u"Look for findings of these targets only: sas, sql, vba, python, html.", setTargets, u"list", {}, None, true},
+    {u"target", u"Report findings for these targets only: sas, sql, vba, python, html.", setTargets, u"list", {}, None, true},
     {u"sql", u"The configuration file of SQL.", set<&Request::sql>, u"file", {}, Input, true},
     {u"canvas", u"The canvas of HTML.", set<&Request::canvas>, u"file", {}, Input, true},
-    {u"probe", u"Write rows that try everything to this CSV file.", set<&Request::probe>, u"file", {}, Output},
+    {u"probe", u"Write rows that try every interval and value to this CSV file.", set<&Request::probe>, u"file", {}, Output},
     {u"rows", u"Score the rows of this CSV file.", set<&RowOptions::file>, u"file", {}, RequiredInput, true},
-    {u"key", u"The column that names a row.", set<&RowOptions::key>, u"column", u"rows"},
+    {u"key", u"The column that identifies a row, in all files.", set<&RowOptions::key>, u"column", u"rows"},
     {u"scores", u"Write key, score and probability to this CSV file.", set<&RowOptions::scores>, u"file", u"rows", Output},
-    {u"delimiter", u"What stands between cells, if the title lines do not show it.", setDelimiter, u"character", u"rows"},
-    {u"decimal", u"What stands before decimals in both files: a full stop (.) or a comma.", setDecimal, u"mark", u"rows"},
-    {u"missing", u"Cells with this text mean nothing. May be given several times.", setMissing, u"text", u"rows"},
-    {u"compare", u"Hold this CSV file of results of the one target against the model.", set<&RowOptions::results>,
+    {u"delimiter", u"The delimiter, if the title lines do not show it.", setDelimiter, u"character", u"rows"},
+    {u"decimal", u"The decimal mark in both files: a full stop (.) or a comma.", setDecimal, u"mark", u"rows"},
+    {u"missing", u"Treat cells with this text as missing. May be given several times.", setMissing, u"text", u"rows"},
+    {u"compare", u"Compare the results in this CSV file with the model (requires one --target).", set<&RowOptions::results>,
      u"file", u"rows", RequiredInput},
-    {u"score", u"The column of scores there.", set<&RowOptions::score>, u"column", u"compare"},
-    {u"probability", u"The column of probabilities there.", set<&RowOptions::probability>, u"column", u"compare"},
-    {u"differences", u"Write the rows that are not as the model says to this CSV file.", set<&RowOptions::differences>,
+    {u"score", u"The column of scores in the results.", set<&RowOptions::score>, u"column", u"compare"},
+    {u"probability", u"The column of probabilities in the results.", set<&RowOptions::probability>, u"column", u"compare"},
+    {u"differences", u"Write the rows that depart from the model to this CSV file.", set<&RowOptions::differences>,
      u"file", u"compare", Output},
-    {u"tolerance", u"What numbers may differ by; 1e-9.", setTolerance, u"number", u"compare"},
-    {u"accept", u"Findings that are known, and count for nothing. May be given several times.", setAccepted, u"list", {}, None, true},
-    {u"quiet", u"Print the verdict alone.", set<&Request::isQuiet>, {}, {}, None, true},
+    {u"tolerance", u"Tolerance for numeric differences (default 1e-9).", setTolerance, u"number", u"compare"},
+    {u"accept", u"Ignore these findings in the verdict. May be given several times.", setAccepted, u"list", {}, None, true},
+    {u"quiet", u"Print only the verdict.", set<&Request::isQuiet>, {}, {}, None, true},
     {u"json", u"Print JSON.", set<&Request::isJson>, {}, {}, None, true},
-    {u"report", u"Write a page to this file.", set<&Request::report>, u"file", {}, Output, true},
+    {u"report", u"Write an HTML page to this file.", set<&Request::report>, u"file", {}, Output, true},
 };
 // clang-format on
 
@@ -131,21 +133,21 @@ constexpr Option options[] = {
 
 QString findIncomplete(const QCommandLineParser &parser, const Option &option) {
     if (!option.needed.isEmpty() && !parser.isSet(option.needed.toString())) {
-        return u"--%1 wants --%2."_s.arg(option.name, option.needed);
+        return u"--%1 requires --%2."_s.arg(option.name, option.needed);
     }
     const bool lacksFile =
         option.file == RequiredInput && parser.value(option.name.toString()).isEmpty();
-    return lacksFile ? u"--%1 wants a file."_s.arg(option.name) : QString();
+    return lacksFile ? u"--%1 requires a file."_s.arg(option.name) : QString();
 }
 
 QString checkComparison(Request &request) {
     RowOptions &rows = request.rows;
     if (!std::has_single_bit(request.targets)) {
-        return u"--compare wants the one --target that the results are of."_s;
+        return u"--compare requires one --target, that of the results."_s;
     }
     rows.target = listTargets(request.targets).front();
     if (rows.score.isEmpty() && rows.probability.isEmpty()) {
-        return u"--compare wants --score or --probability, the columns of the results."_s;
+        return u"--compare requires --score or --probability, columns of the results."_s;
     }
     const auto isAgain = [](const QString &a, const QString &b) { return !a.isEmpty() && a == b; };
     const bool isKey = isAgain(rows.score, rows.key);
@@ -183,8 +185,8 @@ QString findOverwritten(QStringList others, const QStringList &outputs) {
 
 void addOptions(QCommandLineParser &parser) {
     parser.setApplicationDescription(
-        u"Shows a scoring model, tells where generated code does not do what the model says,\n"
-        "scores rows as the model means them, and explains the results of a deployment."_s);
+        u"Shows a scoring model, reports where generated code departs from it, scores rows\n"
+        "exactly as the model defines them, and explains the results of a deployment."_s);
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument(u"model"_s, u"The model document."_s);

@@ -102,7 +102,7 @@ class CausesTest(CheckedTest):
     def test_tolerance(self):
         """Within a large tolerance, some numbers are right with any amount, and nearly all in another order."""
         noise = [(s + (0.02 + i * 29 % 72 / 400) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
-        self.assertEqual(self.compare(noise, "--tolerance", "0.02", columns=["score"])["causes"], [])
+        self.assertEqual([cause["cause"] for cause in self.compare(noise, "--tolerance", "0.02", columns=["score"])["causes"]], ["key-column"])
         moved = self.compare([(round(s + 0.5, 2), p) for s, p in self.meant], "--tolerance", "0.02", columns=["score"])["causes"][0]
         self.assertEqual((moved["cause"], moved["rows"]), ("amount", 72))
 
@@ -111,7 +111,7 @@ class CausesTest(CheckedTest):
         found = self.compare(self.meant, "--key", "id")
         self.assertEqual((found["missing"], found["extra"]), (72, 72))
         self.assertEqual([(cause["cause"], cause["rows"]) for cause in found["causes"]], [("key-text", 72)])
-        self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results")
+        self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results; write both in one format")
         printed = self.check("m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
         self.assertIn("in the results only: 72 rows: 0, 1, 2, 3, 4, …\n", printed)
         long = [f"{2 ** 53 + i}" for i in range(0, 144, 2)]
@@ -119,8 +119,12 @@ class CausesTest(CheckedTest):
         self.write("results.csv", "id,score\n" + "".join(f"{int(key) + 1},0.5\n" for key in long))
         found = self.report("m.ModelXml", "--rows", "long.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")["comparison"]
         self.assertEqual((found["missing"], found["causes"]), (72, []))
-        found = self.compare(self.meant[:10] + self.meant[11:])
-        self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
+        for results in [self.meant[:10] + self.meant[11:], [(s + i * i, p) for i, (s, p) in enumerate(self.meant)]]:
+            found = self.compare(results)
+            self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
+        self.write("keyless.csv", "id,n,c,m\n7,,,\n,,,\n")
+        printed = self.check("m.ModelXml", "--rows", "keyless.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
+        self.assertIn("without a result: 1 row: row 2, which has no key\n", printed)
 
     def test_summary(self):
         """Of 72 rows, 70 are within 1e-6: one is off by 0.25, and one is no number."""
@@ -172,7 +176,7 @@ class CausesTest(CheckedTest):
         status, printed, _ = self.check(*call, "--accept", "lowest-segment")
         self.assertIn("\naccepted: lowest-segment\n", printed)
         for names, message in [("lowest-segmnt", "There is no finding 'lowest-segmnt'. 'lowest-segment' is meant?"), ("x", "There is no finding 'x'.")]:
-            self.assertEqual(self.check(*call, "--accept", names)[::2], (2, message + "\nscorewright-check --help tells the options.\n"))
+            self.assertEqual(self.check(*call, "--accept", names)[::2], (2, message + "\nscorewright-check --help lists the options.\n"))
 
 
 if __name__ == "__main__":

@@ -198,17 +198,17 @@ class ScoresAndFindingsTest(CheckedTest):
         good = ["m.ModelXml", "--rows", "good.csv"]
         scored = [*good, "--compare", "good.csv", "--target", "sql", "--score", "n"]
         for status, message, arguments in [
-            (2, "One model document is needed.\nscorewright-check --help tells the options.\n", []),
+            (2, "One model document is needed.\nscorewright-check --help lists the options.\n", []),
             (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
-            (2, "There is no target 'r'.", ["m.ModelXml", "--target", "sql,r", "--json"]),
-            (2, "--key wants --rows.", ["m.ModelXml", "--key", "n", "--score", "s"]),
+            (2, "There is no target 'r'. The targets are sas, sql, vba, python, html.", ["m.ModelXml", "--target", "sql,r", "--json"]),
+            (2, "--key requires --rows.", ["m.ModelXml", "--key", "n", "--score", "s"]),
             (2, "File 'rows.csv' lacks the column 'c'. Its titles are 'n', 'x', 'x'.\n", ["m.ModelXml", "--rows", "rows.csv"]),
             (2, "File 'odd.csv' lacks the columns 'n', 'c'. 'n' is there as 'N '. Its titles are "
              + ", ".join(["'N '", "'x y'", *(f"'{60 * str(i % 10)}…'" for i in range(18))]) + " and 3 more.\n", ["m.ModelXml", "--rows", "odd.csv"]),
             (2, "The decimal mark must be a comma or a full stop.", [*good, "--decimal", ";"]),
             (2, "File 'kept.html' lacks the columns 'n', 'c'.", ["m.ModelXml", "--rows", "kept.html"]),
             (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
-            (2, "--compare wants the one --target", ["m.ModelXml", *compare]),
+            (2, "--compare requires one --target", ["m.ModelXml", *compare]),
             (2, "--show prints text", ["m.ModelXml", "--show", "--json"]),
             (2, "File './rows.csv' would be written over.", ["m.ModelXml", "--rows", "rows.csv", "--scores", "./rows.csv"]),
             (2, "File 'link.csv' would be written over.", [*good, "--scores", "link.csv"]),
@@ -225,7 +225,7 @@ class ScoresAndFindingsTest(CheckedTest):
             *[(2, "File 'large.csv' has a cell of more than 64 MiB; is a quotation mark not closed?", ["m.ModelXml", "--rows", "large.csv"])
               for _ in range(b"__asan_init" not in Path(engines.CHECK).read_bytes())],
             (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv", "--report", "kept.html"]),
-            (2, "--rows wants a file.", ["m.ModelXml", "--rows", ""]),
+            (2, "--rows requires a file.", ["m.ModelXml", "--rows", ""]),
             (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
             (2, "The column 'x' is named twice.", [*compare, "m.ModelXml", "--target", "sql", "--key", "x", "--probability", "x"]),
             (2, "The column 'n' is named twice.", [*scored, "--key", "n", "--probability", "c"]),

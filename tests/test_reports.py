@@ -91,15 +91,15 @@ class ReportsTest(CheckedTest):
         """Of a recoding with these bounds, as --show prints them, and the line that explains them."""
         self.write("m.ModelXml", document([numeric(1, "n", bounds, range(len(bounds) + 2))], [(1, 1)], 0))
         printed = self.check("m.ModelXml", "--show")[1]
-        return re.findall(r"^  ([(\[].*[)\]])  ", printed, re.M), re.findall(r"^The document has (.*?):", printed, re.M)
+        return re.findall(r"^  ([(\[].*[)\]])  ", printed, re.M), re.findall(r"^The bound that is shown as (.*?) in the document:", printed, re.M)
 
     def test_intervals(self):
         """A bound that was closed on the left, and its near misses: the first, a digit further, digits too many."""
         before = lambda number: math.nextafter(number, -math.inf)
         for bounds, shown, explained in [
-                ([12, 23.99999999999999, before(36)], "(-∞, 12) [12, 24) [24, 36) [36, ∞)", "23.99999999999999] for 24)"),
+                ([12, 23.99999999999999, before(36)], "(-∞, 12) [12, 24) [24, 36) [36, ∞)", "24) is 23.99999999999999]"),
                 ([-24, -10.00000000000001, 0.09999999999999999, before(10), before(65.6)],
-                 "(-∞, -24) [-24, -10) [-10, 0.1) [0.1, 10) [10, 65.6) [65.6, ∞)", "-10.00000000000001] for -10)"),
+                 "(-∞, -24) [-24, -10) [-10, 0.1) [0.1, 10) [10, 65.6) [65.6, ∞)", "-10) is -10.00000000000001]"),
                 ([-2e-9, before(1e-9), 123456789012.9999, 1.999999999999999e+20],
                  "(-∞, -2e-09) [-2e-09, 1e-09) [1e-09, 123456789013) [123456789013, 2e+20) [2e+20, ∞)", None),
                 ([23.99999999999999, 35.99999999999998, 65.6], "(-∞, 23.99999999999999) [23.99999999999999, "

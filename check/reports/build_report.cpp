@@ -183,10 +183,11 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
     addSample(u"without a result"_s, result.missing);
     addSample(u"in the results only"_s, result.extra);
     addSample(u"key occurs again"_s, result.repeated);
+    // What makes fewer than a tenth of the rows right may do so by chance. JSON has all.
     for (const auto &[fault, rows] : result.suspected) {
-        add(u"would be right with "_s + fault, rows,
-            rows < result.suspects ? u", of %1 looked into"_s.arg(grouped(result.suspects))
-                                   : QString());
+        const bool isPart = rows < result.suspects || result.suspects < result.unexplained;
+        add(u"would be right with "_s + fault, 10 * rows < result.suspects ? 0 : rows,
+            isPart ? u", of %1 looked into"_s.arg(grouped(result.suspects)) : QString());
     }
     return counts;
 }

@@ -128,8 +128,8 @@ QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &opti
         return u"both files have a column '%1', which --key may join by"_s.arg(
             cause.texts.join(u"' and '"_s));
     case Kind::KeyText:
-        return u"the key '%1' of the rows is written '%2' in the results"_s.arg(cause.texts[0],
-                                                                                cause.texts[1]);
+        return u"the key '%1' of the rows is written '%2' in the results; write both in one "
+               "format"_s.arg(cause.texts[0], cause.texts[1]);
     }
     return {};
 }

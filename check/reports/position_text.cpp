@@ -41,9 +41,10 @@ QString intervalAt(std::span<const double> bounds, std::size_t position, QString
         const double shown = shownBound(bounds, place);
         End end = {numberText(shown), shown > bounds[place]};
         if (end.isBelow && notation.isEmpty()) {
-            notation = u"The document has %1] for %2): no number of up to 16 digits lies between "
-                       "them. The same holds for every bound before ), except the lowest of a "
-                       "recoding."_s.arg(numberText(bounds[place]), end.text);
+            notation =
+                u"The bound that is shown as %2) is %1] in the document: no number of up to "
+                "16 digits lies between the two. The same holds for every bound before ), "
+                "except the lowest of a recoding."_s.arg(numberText(bounds[place]), end.text);
         }
         return end;
     };

@@ -46,6 +46,8 @@ void putHead(TextBuffer &out, const Report &report) {
         putTile(result.equal, u"as the model says");
         putTile(result.explainedRows, u"explained");
         putTile(result.unexplained, u"without explanation");
+        const std::int64_t apart = result.missing.rows + result.extra.rows + result.repeated.rows;
+        if (apart > 0) putTile(apart, u"missing, extra or repeated");
     }
     put(out, u"</div>\n<p class=\"verdict\">");
     putVerdict(out, report);
@@ -77,7 +79,8 @@ void putEvidence(TextBuffer &out, const Found &found) {
     for (const Evidence::File &file : evidence.files) {
         const FileRead &read = file.read;
         const bool isRead = !read.sha256.isEmpty();
-        put(out, u"<tr><td>", escaped(file.role), u"</td><td>", escaped(file.path), u"</td><td>",
+        put(out, u"<tr><td>", escaped(file.role), u"</td><td>", escaped(file.path),
+            u"</td><td class=\"hash\">",
             isRead ? QString::fromLatin1(read.sha256.toHex()) : u"not read"_s,
             u"</td><td class=\"number\">", isRead ? QString::number(read.bytes) : QString(),
             u"</td><td class=\"number\">", read.rows < 0 ? QString() : QString::number(read.rows),

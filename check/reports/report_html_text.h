@@ -62,7 +62,8 @@ td { min-width: 72px; }
   .plot .below.minor b { display: none; } }
 @page { size: A4; margin: 14mm; }
 @media print { body { background: #fff; font-size: 11px; } main { max-width: none; padding: 0; }
-  table { font-size: 11px; } .bar { width: 28%; min-width: 50px; } .long { break-inside: auto; }
+  table { font-size: 11px; } .hash { font-size: 9.5px; white-space: nowrap; }
+  .bar { width: 16%; min-width: 44px; } .long { break-inside: auto; }
   .recodings { display: block; columns: 2; } .recodings article { margin-bottom: 10px; } }
 </style>
 )";

@@ -222,9 +222,13 @@ QStringList summaryOf(const Report &report) {
             shares.append(u"%1 % within %2"_s.arg(perCent(differences.within[i], differences.rows),
                                                   differenceSteps[i]));
         }
-        lines.append(u"%1: largest difference %2, median %3; %4"_s.arg(
-            column, shortNumber(differences.largest), shortNumber(differences.median()),
-            shares.join(u", "_s)));
+        const QString of = differences.rows < result.rows
+                               ? u" of %1, where both are numbers"_s.arg(rowsText(differences.rows))
+                               : QString();
+        lines.append(column.toString() + of +
+                     u": largest difference %1, median %2; %3"_s.arg(
+                         shortNumber(differences.largest), shortNumber(differences.median()),
+                         shares.join(u", "_s)));
     };
     addDifferences(u"score", result.scores);
     addDifferences(u"probability", result.probabilities);

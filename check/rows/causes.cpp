@@ -624,7 +624,8 @@ std::vector<Cause> causesOf(const Comparison &c,
     const bool isJoin = std::ranges::any_of(
         causes, [](const Cause &cause) { return cause.kind >= Cause::Kind::NextRow; });
     const bool isUneven = c.result.missing.rows > 0 || c.result.extra.rows > 0;
-    const bool mayNeedKey = c.options.key.isEmpty() && (isJoin || isUneven);
+    const bool isOpen = causes.empty() && !c.differing.empty();
+    const bool mayNeedKey = c.options.key.isEmpty() && (isJoin || isUneven || isOpen);
     const QStringList keys = mayNeedKey ? keysOf(c, rows) : QStringList();
     if (!keys.empty()) causes.push_back({.kind = Cause::Kind::KeyColumn, .texts = keys});
     return causes;

@@ -74,8 +74,10 @@ bool takeNext(Comparison &c, ResultRow &found) {
     return true;
 }
 
-QString describe(const RowFacts &facts) {
-    return facts.key.empty() ? QString::number(facts.row) : QString::fromUtf8(facts.key);
+// A row by its key. A number alone would pass for the key of a row whose key is empty.
+QString describe(const Comparison &c, std::string_view key, std::int64_t row) {
+    if (c.options.key.isEmpty()) return QString::number(row);
+    return key.empty() ? u"row %1, which has no key"_s.arg(row) : QString::fromUtf8(key);
 }
 
 bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
@@ -88,7 +90,7 @@ bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
         keepKey(c, c.absent.back(), facts.key);
         return false;
     }
-    if (at->isSeen) count(c.result.repeated, describe(facts));
+    if (at->isSeen) count(c.result.repeated, describe(c, facts.key, facts.row));
     at->isSeen = true;
     found = *at;
     return true;
@@ -307,7 +309,7 @@ QString openDifferences(Comparison &c, char delimiter) {
 void compareRow(Comparison &c, const RowFacts &facts) {
     ResultRow found;
     if (!find(c, facts, found)) {
-        count(c.result.missing, describe(facts));
+        count(c.result.missing, describe(c, facts.key, facts.row));
         noteRow(c, facts.recoded, nullptr);
         putDifference(c, facts.key, facts.row, facts.expected, {}, {});
         return;
@@ -342,8 +344,7 @@ QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t
     const auto countExtra = [&](const ResultRow &row) {
         const std::string_view key = keyOf(c, row);
         if (row.isSeen) return;
-        count(c.result.extra,
-              c.options.key.isEmpty() ? QString::number(row.row) : QString::fromUtf8(key));
+        count(c.result.extra, describe(c, key, row.row));
         putDifference(c, key, row.row, {}, row.numbers, {});
     };
     std::ranges::sort(c.entries, {}, &ResultRow::row);
