@@ -75,7 +75,7 @@ bool takeNext(Comparison &c, ResultRow &found) {
 }
 
 QString describe(const RowFacts &facts) {
-    return facts.key.empty() ? QString::number(facts.row) : QString::fromUtf8(facts.key);
+    return facts.key.empty() ? QString::number(facts.row) : shownText(facts.key);
 }
 
 bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
@@ -173,7 +173,7 @@ void findKeyTexts(Comparison &c) {
         const auto found = extra.find(numberOf(row));
         if (found == extra.end() || cause.rows++ > 0) continue;
         for (const ResultRow *const key : {&row, found->second}) {
-            cause.texts.push_back(QString::fromUtf8(keyOf(c, *key)));
+            cause.texts.push_back(shownText(keyOf(c, *key)));
         }
     }
     if (cause.rows > 0) c.result.causes.insert(c.result.causes.begin(), cause);
@@ -342,8 +342,7 @@ QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t
     const auto countExtra = [&](const ResultRow &row) {
         const std::string_view key = keyOf(c, row);
         if (row.isSeen) return;
-        count(c.result.extra,
-              c.options.key.isEmpty() ? QString::number(row.row) : QString::fromUtf8(key));
+        count(c.result.extra, c.options.key.isEmpty() ? QString::number(row.row) : shownText(key));
         putDifference(c, key, row.row, {}, row.numbers, {});
     };
     std::ranges::sort(c.entries, {}, &ResultRow::row);
