@@ -73,6 +73,8 @@ class CausesTest(CheckedTest):
              ("decimals", sum(1e-8 < s - math.floor(s * 100) / 100 < 0.00500001 for s, _ in meant), "the score, rounded to 2 decimals")),
             ("32 bits", [(single(s), single(p)) for s, p in meant], both, ("single-precision", None, "the score, rounded to 32 bits; ")),
             ("one value", moved, ["score"], ("points", 24, "other points of V2 c, 'b' by -0.18")),
+            ("two values by one amount", [(s + 0.18 * (row[1] != "a"), p) for (s, p), row in zip(meant, ROWS)], ["score"],
+             ("points", 48, "other points of V2 c, missing or not listed by +0.18, 'b' by +0.18")),
             ("one value, and two rows of something else", [(s + (i < 2) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
              ("points", 24, "other points of V2 c, 'b' by -0.18")),
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
@@ -104,6 +106,8 @@ class CausesTest(CheckedTest):
         """Within a large tolerance, some numbers are right with any amount, and nearly all in another order."""
         noise = [(s + (0.02 + i * 29 % 72 / 400) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
         self.assertEqual(self.compare(noise, "--tolerance", "0.02", columns=["score"])["causes"], [])
+        noise = [(s + (0.45 + i * 29 % 72 / 1000) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
+        self.assertNotIn("other-order", [cause["cause"] for cause in self.compare(noise, "--tolerance", "0.4", columns=["score"])["causes"]])
         moved = self.compare([(round(s + 0.5, 2), p) for s, p in self.meant], "--tolerance", "0.02", columns=["score"])["causes"][0]
         self.assertEqual((moved["cause"], moved["rows"]), ("amount", 72))
 
@@ -156,6 +160,10 @@ class CausesTest(CheckedTest):
         self.assertEqual((self.folder / "d.csv").read_text("ascii").splitlines(), [
             "id,score,probability,result_score,result_probability,reason", f"007,{meant[0]},{results[7][0]},{results[7][1]},",
             f"030,{meant[1]},,,", f"050,{meant[2]},,,", "099,,,1,0.5,"])
+
+        self.write("keyed.csv", "id,score\n" + "".join(f"{key:03},{s}\n" for key, (s, _) in enumerate(self.meant)) + "007,1\n")
+        call = ["m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas", "--score", "score", "--quiet"]
+        self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows as the model says, 1 repeated; no findings\n"))
 
     def test_acceptance(self):
         """Accepted findings and the rows that they explain count for nothing, others for a status of 1."""
