@@ -5,11 +5,12 @@ import json
 import math
 import struct
 import unittest
+from itertools import accumulate
 
 from engines import CheckedTest
 from support import categorical, document, numeric
 
-TABLE = [(6, 0.99), (2.125, 0.61), (-1, 0.17), (-5, 0.02)]
+TABLE = [(4, 1), (2.125, 0.61), (-1, 0.17), (-5, 0.02)]
 RECODINGS = [numeric(1, "n", [1 / 3, 2, 5], [0.0625, -1.37, 0.51, 1.93, 2.71]), categorical(2, "c", ["a", "b"], [0.11, -0.71, 1.23]),
              numeric(3, "m", [10, 20], [0, 0.43, -0.29, 0.83])]
 NUMBERS = {"n": ["", "0.25", f"{1 / 3}", "1.5", "3", "7"], "c": ["", "a", "b"], "m": ["", "5", "20", "30"]}
@@ -85,7 +86,7 @@ class CausesTest(CheckedTest):
             ("two numbers, which lie on a line", [(2.5 * s + 1 if row[0] in NUMBERS["n"][2:4] and row[1:] in [("a", "5"), ("a", "20")] else s, p)
                                                   for (s, p), row in zip(meant, ROWS)], ["score"], None),
             ("more digits than 32 bits hold", [(round(s + i * 37 % 101 * 9e-10, 11), p) for i, (s, p) in enumerate(meant)], ["score"], None),
-            ("a single result of 0, where 1 is right", [(s, p) if i != 3 else (s, 0) for i, (s, p) in enumerate(meant)], ["probability"], None),
+            ("a single result of 0, where 1 is right", [(s, 0 if i == p == 1 else p) for i, (s, p) in zip(accumulate(p == 1 for _, p in meant), meant)], ["probability"], None),
             ("a coefficient", [(s + 0.2 * {"": 0.0625, "0.25": -1.37, "1.5": 0.51, "3": 1.93, "7": 2.71}.get(row[0], 0.51), p)
                                for (s, p), row in zip(meant, ROWS)], ["score"], ("coefficient", 72, "a coefficient of 1.3 for V1 n")),
             ("another order", meant[::-1], both, ("other-order", None, "those of the rows in another order")),
