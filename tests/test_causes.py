@@ -5,11 +5,12 @@ import json
 import math
 import struct
 import unittest
+from itertools import accumulate
 
 from engines import CheckedTest
 from support import categorical, document, numeric
 
-TABLE = [(6, 0.99), (2.125, 0.61), (-1, 0.17), (-5, 0.02)]
+TABLE = [(4, 1), (2.125, 0.61), (-1, 0.17), (-5, 0.02)]
 RECODINGS = [numeric(1, "n", [1 / 3, 2, 5], [0.0625, -1.37, 0.51, 1.93, 2.71]), categorical(2, "c", ["a", "b"], [0.11, -0.71, 1.23]),
              numeric(3, "m", [10, 20], [0, 0.43, -0.29, 0.83])]
 NUMBERS = {"n": ["", "0.25", f"{1 / 3}", "1.5", "3", "7"], "c": ["", "a", "b"], "m": ["", "5", "20", "30"]}
@@ -69,9 +70,12 @@ class CausesTest(CheckedTest):
             ("no table", [(s, 1 / (1 + math.exp(-s))) for s, _ in meant], both, ("logistic", 72, "the logistic function of the score in place of the table")),
             ("decimals", [(round(s, 3), round(p, 2)) for s, p in meant], both, ("decimals", None, "the score, rounded to 3 decimals; the probability, rounded to 2")),
             ("digits", [(float(f"{s:.3g}"), p) for s, p in meant], ["score"], ("digits", None, "the score, rounded to 3 digits")),
-            ("decimals that are cut off", [(math.floor(s * 8) / 8, p) for s, p in meant], ["score"], None),
+            ("decimals that are cut off, some as if they were rounded", [(math.floor(s * 100) / 100, p) for s, p in meant], ["score"],
+             ("decimals", sum(1e-8 < s - math.floor(s * 100) / 100 < 0.00500001 for s, _ in meant), "the score, rounded to 2 decimals")),
             ("32 bits", [(single(s), single(p)) for s, p in meant], both, ("single-precision", None, "the score, rounded to 32 bits; ")),
             ("one value", moved, ["score"], ("points", 24, "other points of V2 c, 'b' by -0.18")),
+            ("two values by one amount", [(s + 0.18 * (row[1] != "a"), p) for (s, p), row in zip(meant, ROWS)], ["score"],
+             ("points", 48, "other points of V2 c, missing or not listed by +0.18, 'b' by +0.18")),
             ("one value, and two rows of something else", [(s + (i < 2) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
              ("points", 24, "other points of V2 c, 'b' by -0.18")),
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
@@ -82,7 +86,7 @@ class CausesTest(CheckedTest):
             ("two numbers, which lie on a line", [(2.5 * s + 1 if row[0] in NUMBERS["n"][2:4] and row[1:] in [("a", "5"), ("a", "20")] else s, p)
                                                   for (s, p), row in zip(meant, ROWS)], ["score"], None),
             ("more digits than 32 bits hold", [(round(s + i * 37 % 101 * 9e-10, 11), p) for i, (s, p) in enumerate(meant)], ["score"], None),
-            ("a single result of 0, where 1 is right", [(s, p) if i != 3 else (s, 0) for i, (s, p) in enumerate(meant)], ["probability"], None),
+            ("a single result of 0, where 1 is right", [(s, 0 if i == p == 1 else p) for i, (s, p) in zip(accumulate(p == 1 for _, p in meant), meant)], ["probability"], None),
             ("a coefficient", [(s + 0.2 * {"": 0.0625, "0.25": -1.37, "1.5": 0.51, "3": 1.93, "7": 2.71}.get(row[0], 0.51), p)
                                for (s, p), row in zip(meant, ROWS)], ["score"], ("coefficient", 72, "a coefficient of 1.3 for V1 n")),
             ("another order", meant[::-1], both, ("other-order", None, "those of the rows in another order")),
@@ -103,6 +107,8 @@ class CausesTest(CheckedTest):
         """Within a large tolerance, some numbers are right with any amount, and nearly all in another order."""
         noise = [(s + (0.02 + i * 29 % 72 / 400) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
         self.assertEqual([cause["cause"] for cause in self.compare(noise, "--tolerance", "0.02", columns=["score"])["causes"]], ["key-column"])
+        noise = [(s + (0.45 + i * 29 % 72 / 1000) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
+        self.assertNotIn("other-order", [cause["cause"] for cause in self.compare(noise, "--tolerance", "0.4", columns=["score"])["causes"]])
         moved = self.compare([(round(s + 0.5, 2), p) for s, p in self.meant], "--tolerance", "0.02", columns=["score"])["causes"][0]
         self.assertEqual((moved["cause"], moved["rows"]), ("amount", 72))
 
@@ -159,6 +165,10 @@ class CausesTest(CheckedTest):
         self.assertEqual((self.folder / "d.csv").read_text("ascii").splitlines(), [
             "id,score,probability,result_score,result_probability,reason", f"007,{meant[0]},{results[7][0]},{results[7][1]},",
             f"030,{meant[1]},,,", f"050,{meant[2]},,,", "099,,,1,0.5,"])
+
+        self.write("keyed.csv", "id,score\n" + "".join(f"{key:03},{s}\n" for key, (s, _) in enumerate(self.meant)) + "007,1\n")
+        call = ["m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas", "--score", "score", "--quiet"]
+        self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows as the model says, 1 repeated; no findings\n"))
 
     def test_acceptance(self):
         """Accepted findings and the rows that they explain count for nothing, others for a status of 1."""

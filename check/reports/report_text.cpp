@@ -80,7 +80,7 @@ void putNumbers(TextBuffer &out, QStringView title, const Prediction &numbers,
 
 void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribution> parts) {
     put(out, u"\n  row ", row.row);
-    if (!row.key.empty()) put(out, u", key ", QString::fromStdString(row.key));
+    if (!row.key.empty()) put(out, u", key ", shownText(row.key));
     put(out, u"\n");
     putNumbers(out, u"model: ", row.expected, row.found);
     putNumbers(out, u"result:", row.found, row.expected);

@@ -395,8 +395,10 @@ PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
         fit.ranges.push_back(rows.amount);
         shared = common(shared, rows.amount);
     }
-    // The same amount everywhere says nothing about the recoding.
-    const bool isShared = fit.amounts.size() > 1 || reached < 2;
+    // The same amount everywhere says nothing about the recoding; a probability that is right may
+    // have a score that is not.
+    const bool isShared =
+        fit.amounts.size() == reached || (fit.amounts.size() > 1 && !c.options.hasScore());
     if (isShared && shared.least <= shared.most) fit.rows = 0;
     return fit;
 }

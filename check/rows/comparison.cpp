@@ -77,7 +77,7 @@ bool takeNext(Comparison &c, ResultRow &found) {
 // A row by its key. A number alone would pass for the key of a row whose key is empty.
 QString describe(const Comparison &c, std::string_view key, std::int64_t row) {
     if (c.options.key.isEmpty()) return QString::number(row);
-    return key.empty() ? u"row %1, which has no key"_s.arg(row) : QString::fromUtf8(key);
+    return key.empty() ? u"row %1, which has no key"_s.arg(row) : shownText(key);
 }
 
 bool find(Comparison &c, const RowFacts &facts, ResultRow &found) {
@@ -175,7 +175,7 @@ void findKeyTexts(Comparison &c) {
         const auto found = extra.find(numberOf(row));
         if (found == extra.end() || cause.rows++ > 0) continue;
         for (const ResultRow *const key : {&row, found->second}) {
-            cause.texts.push_back(QString::fromUtf8(keyOf(c, *key)));
+            cause.texts.push_back(shownText(keyOf(c, *key)));
         }
     }
     if (cause.rows > 0) c.result.causes.insert(c.result.causes.begin(), cause);
