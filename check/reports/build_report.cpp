@@ -184,10 +184,10 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
     addSample(u"in the results only"_s, result.extra);
     addSample(u"key occurs again"_s, result.repeated);
     // What makes fewer than a tenth of the rows right may do so by chance. JSON has all.
-    for (const auto &[fault, rows] : result.suspected) {
-        const bool isPart = rows < result.suspects || result.suspects < result.unexplained;
-        add(u"would be right with "_s + fault, 10 * rows < result.suspects ? 0 : rows,
-            isPart ? u", of %1 looked into"_s.arg(grouped(result.suspects)) : QString());
+    for (const auto &[text, rows, of] : result.suspected) {
+        const bool isPart = rows < of || of < result.unexplained;
+        add(u"would be right with "_s + text, 10 * rows < of ? 0 : rows,
+            isPart ? u", of %1 looked into"_s.arg(grouped(of)) : QString());
     }
     return counts;
 }
@@ -258,7 +258,10 @@ QString sentenceOf(const Report &report) {
     for (const auto &[count, label] : others) {
         if (count > 0) rows += u", %1 %2"_s.arg(grouped(count), label);
     }
-    return rows + u"; "_s + findings;
+    // Where rows differ without explanation, the absence of findings is no all-clear.
+    const bool isSilent =
+        report.verdict == Verdict::Unexplained && report.open.empty() && report.accepted.empty();
+    return isSilent ? rows : rows + u"; "_s + findings;
 }
 
 } // namespace

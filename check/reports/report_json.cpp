@@ -102,7 +102,7 @@ QJsonObject jsonOf(const Report &report) {
     QJsonObject reasons;
     for (const auto &[reason, rows] : result.reasons) reasons[reason] = count(rows.rows);
     QJsonObject blamed;
-    for (const auto &[fault, rows] : result.suspected) blamed[fault] = count(rows);
+    for (const Suspected &fault : result.suspected) blamed[fault.text] = count(fault.rows);
     QJsonArray worst;
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
         worst.append(jsonOf(result.worst[i], report.contributions[i]));

@@ -16,7 +16,6 @@ namespace {
 constexpr double singleProbability = 1e-6; // that 32 bits hold
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
-constexpr std::int64_t mostSuspected = 1000; // rows that are looked into for a column at fault
 
 // The deviations that are not up to the cells.
 std::vector<FindingId> alwaysOf(const Comparison &c, std::span<const Finding> findings) {
@@ -152,9 +151,7 @@ void keepUnexplained(Comparison &c, const RowFacts &facts, const Prediction &num
     noteRow(c, facts.recoded, &row);
     ++c.result.unexplained;
     keepWorst(c, facts, numbers);
-    if (c.result.suspects >= mostSuspected || !isReadable || row.isLastDigit) return;
-    ++c.result.suspects;
-    suspect(c, facts, numbers);
+    if (isReadable) suspect(c, facts, row);
 }
 
 // A key of the rows and one of the results that are the same number in other characters.
@@ -354,10 +351,13 @@ QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t
     ResultRow row;
     while (takeNext(c, row)) countExtra(row);
     countRepeated(c, c.absent, u"row %1"_s);
-    c.result.suspected.assign(c.suspectCounts.begin(), c.suspectCounts.end());
-    std::ranges::stable_sort(c.result.suspected, std::greater(),
-                             [](const auto &fault) { return fault.second; });
+    finishSuspicion(c);
     std::ranges::move(causesOf(c, positions, rows), std::back_inserter(c.result.causes));
+    // One cause that makes all rows right needs few of them as samples.
+    constexpr std::size_t samples = 3;
+    const bool isOne = std::ranges::any_of(
+        c.result.causes, [&](const Cause &cause) { return cause.rows == c.result.unexplained; });
+    if (isOne && c.result.worst.size() > samples) c.result.worst.resize(samples);
     const QString problem = c.out.close();
     return problem.isEmpty() ? c.reader.problem : problem;
 }

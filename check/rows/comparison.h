@@ -57,6 +57,23 @@ struct RowSample {
     QStringList first = {};
 };
 
+// What would make rows right: a column read as missing or as another value, or two exchanged.
+struct Suspicion {
+    enum class Kind : std::uint8_t { Missing, OtherValue, Exchanged };
+    Kind kind = Kind::Missing;
+    std::size_t column = 0;
+    std::size_t other = 0; // with which it is exchanged
+
+    auto operator<=>(const Suspicion &) const = default;
+};
+
+// The same in words, and how many it makes right of those it was tried with.
+struct Suspected {
+    QString text;
+    std::int64_t rows = 0;
+    std::int64_t of = 0;
+};
+
 struct ComparisonResult {
     std::int64_t rows = 0; // in both files
     std::int64_t equal = 0;
@@ -70,7 +87,7 @@ struct ComparisonResult {
     RowSample repeated;             // whose key occurred before, in either file
     std::vector<ComparedRow> worst; // of the unexplained rows, the largest differences first
     // What would explain unexplained rows, were it so, and how many; the most likely first.
-    std::vector<std::pair<QString, std::int64_t>> suspected;
+    std::vector<Suspected> suspected;
     std::int64_t suspects = 0; // unexplained rows that were looked into for that
     std::vector<Cause> causes = {};
     Differences scores, probabilities;
@@ -119,8 +136,9 @@ struct Comparison {
     bool hasAlikeNames = false;         // columns of the target whose names become the same
     std::vector<ColumnTests> tests = {};
     std::vector<std::vector<double>> pointsOfColumns =
-        {};                                             // that cells may have; from the first use
-    std::map<QString, std::int64_t> suspectCounts = {}; // by what they are
+        {};                                            // that cells may have; from the first use
+    std::map<Suspicion, std::int64_t> suspicions = {}; // rows that each makes right
+    std::vector<Suspicion> leading = {};               // of them, which all rows are tried with
 
     // Take the columns of results, which are in the order of key, score and probability.
     void takeCell(std::size_t place, std::string_view bytes);
