@@ -161,6 +161,7 @@ CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions 
 
 // --- What printers share
 
+QString nameOf(Verdict verdict); // "clean", "findings" or "unexplained"
 // The names of the findings, each once, with the number of their places where it is above 1.
 QString namesOf(std::span<const FindingGroup> groups);
 

@@ -49,7 +49,7 @@ void putHead(TextBuffer &out, const Report &report) {
         const std::int64_t apart = result.missing.rows + result.extra.rows + result.repeated.rows;
         if (apart > 0) putTile(apart, u"missing, extra or repeated");
     }
-    put(out, u"</div>\n<p class=\"verdict\">");
+    put(out, u"</div>\n<p class=\"verdict\"><b>Verdict: ", nameOf(report.verdict), u".</b> ");
     putVerdict(out, report);
     put(out, u"</p>\n");
 }
@@ -97,7 +97,11 @@ void putEvidence(TextBuffer &out, const Found &found) {
         put(out, u"<p>Cells that count as missing: empty, ", escaped(missing.join(u", "_s)),
             u"</p>\n");
     }
-    if (found.comparison) put(out, u"<p>Tolerance ", found.options->tolerance, u"</p>\n");
+    if (found.comparison) {
+        put(out, u"<p>Results of ", targetNames(only(found.options->target)).constFirst(),
+            u", tolerance ", shortNumber(found.options->tolerance).replace(u"e-0"_s, u"e-"_s),
+            u"</p>\n");
+    }
     const QStringList accepted = namesOf(found.accepted);
     if (!accepted.isEmpty()) put(out, u"<p>Accepted: ", accepted.join(u", "_s), u"</p>\n");
     put(out, u"</article></section>\n");

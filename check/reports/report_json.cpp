@@ -129,18 +129,6 @@ QJsonObject jsonOf(const Report &report) {
             {u"worst"_s, worst}};
 }
 
-QString nameOf(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Unexplained:
-        return u"unexplained"_s;
-    case Verdict::Findings:
-        return u"findings"_s;
-    case Verdict::Clean:
-        break;
-    }
-    return u"clean"_s;
-}
-
 QJsonObject jsonOf(const Evidence::File &file) {
     const FileRead &read = file.read;
     const bool isRead = !read.sha256.isEmpty();

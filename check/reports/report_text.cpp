@@ -241,3 +241,15 @@ QStringList summaryOf(const Report &report) {
     }
     return lines;
 }
+
+QString nameOf(Verdict verdict) {
+    switch (verdict) {
+    case Verdict::Unexplained:
+        return u"unexplained"_s;
+    case Verdict::Findings:
+        return u"findings"_s;
+    case Verdict::Clean:
+        break;
+    }
+    return u"clean"_s;
+}
