@@ -415,6 +415,8 @@ class DeploymentTest(CheckedTest):
              "1.0,1.0", "s\n4", ["values-as-numbers"]),
             ("an overflow of SAS", "sas", model(method="softmax", constant=-800), ",a", 'p\n""', ["logistic-overflow"]),
             ("32 bits", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.33333337", ["single-precision"], "--sql", "c.xml"),
+            ("32 bits of a term that a bound makes larger", "sql", model(numeric(1, "n", [4.05], [0, -0.5, -45.04])), "4.05,a", "s\n-44.0400009",
+             ["single-precision"], "--sql", "c.xml"),
             ("more than 32 bits lose", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.333335", [], "--sql", "c.xml"),
             ("blanks at the end in MySQL", "sql", model(None, boolean(NO_YES)), "1, yes ", "s\n2", ["boolean-blanks"], "--sql", "m.xml"),
             *((f"{text} in {target}", target, scale, f'"{text}",a', f"s\n{score}", told) for target, text, score, told in [

@@ -168,9 +168,10 @@ bool matches(const Comparison &comparison, const Prediction &expected, const Pre
 // within that.
 bool fits(const Comparison &comparison, std::span<const Recoded> recoded,
           const Deviations &deviations, const Prediction &found);
-// What rounding may do to the score of the recoded row.
+// What rounding may do to the score of the recoded row, or of one whose terms are larger by no more
+// than `grown` together.
 double slackOf(const Comparison &comparison, std::span<const Recoded> recoded,
-               const Deviations &deviations);
+               const Deviations &deviations, double grown = 0);
 // The least and the highest score with which fits() may hold, but for rounding.
 ScoreRange scoresOf(const Comparison &comparison, const Deviations &deviations,
                     const Prediction &found);

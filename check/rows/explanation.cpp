@@ -229,8 +229,10 @@ Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
             putChoice(s, *wheel.column, deviates ? wheel.choices.front() : nullptr);
         }
         const double score = scoreOf(s.c.card, s.recoded, deviations);
-        const double slack = slackOf(s.c, s.recoded, deviations);
         measure(hunt, first, score);
+        // Larger terms, as the choices may have them, are rounded by more.
+        const double grown = hunt.behind[0].most - hunt.behind[0].least;
+        const double slack = slackOf(s.c, s.recoded, deviations, grown);
         hunt.wanted.least -= slack;
         hunt.wanted.most += slack;
         tryOutcomes(hunt, 0, score, deviates);
