@@ -198,8 +198,8 @@ bool matches(const Comparison &c, const Prediction &expected, const Prediction &
 
 // Sums are exact but for their order; in 32 bits, each number and each sum loses half of its last
 // bit.
-double slackOf(const Comparison &c, std::span<const Recoded> recoded,
-               const Deviations &deviations, double grown) {
+double slackOf(const Comparison &c, std::span<const Recoded> recoded, const Deviations &deviations,
+               double grown) {
     constexpr double otherOrder = 1e-12;
     constexpr double halfBit = 0x1p-24;
     const SumSize size = sumSizeOf(c.card, recoded, deviations);

@@ -130,7 +130,7 @@ struct Comparison {
     std::deque<ResultRow> absent = {};  // keys of rows without a result
     std::string keys = {};              // of both, one behind the other
     CsvWriter out = {};                 // of the differences
-    std::vector<DifferingRow> differing = {};                 // rows without explanation
+    std::deque<DifferingRow> differing = {};                  // rows without explanation
     std::vector<std::vector<PositionRows>> positionRows = {}; // by recodings
     std::vector<FindingId> always = {}; // may explain any row; what cells decide is not among them
     bool hasAlikeNames = false;         // columns of the target whose names become the same

@@ -73,10 +73,11 @@ void openColumns(Search &s) {
     const auto target = static_cast<std::size_t>(s.c.options.target);
     for (std::size_t i = 0; i < card.columns.size(); ++i) {
         OpenColumn column = {.column = i};
-        const bool isNamed = std::ranges::any_of(card.recodingsOf[i], [&](std::size_t recoding) {
-            return card.recodings[recoding].lastAlike[target] != i;
-        });
-        if (isNamed && s.c.hasAlikeNames) {
+        const bool isNamed = s.c.hasAlikeNames &&
+                             std::ranges::any_of(card.recodingsOf[i], [&](std::size_t recoding) {
+                                 return card.recodings[recoding].lastAlike[target] != i;
+                             });
+        if (isNamed) {
             column.named = s.facts.cells[i]->choices;
             std::ranges::copy(choicesByName(s, i), std::back_inserter(column.named));
         }

@@ -309,8 +309,9 @@ ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
     const double slack = toleranceOf(c) * std::max(1.0, std::abs(row.expected.score));
     const auto isProbable = [&] {
         return wouldBeRight(c, row.found.score, row.found) ||
-               hasProbabilityNear(c.card, row.found.score, slack, row.found.probability,
-                                  toleranceOf(c), {{}, c.options.target, c.options.sql});
+               (hasPointBeside(c.card, row.found.score, slack) &&
+                hasProbabilityNear(c.card, row.found.score, slack, row.found.probability,
+                                   toleranceOf(c), {{}, c.options.target, c.options.sql}));
     };
     if (!std::isfinite(amount) || (c.options.hasProbability() && !isProbable())) return none;
     return {amount - slack, amount + slack};
