@@ -11,6 +11,7 @@
 
 #include <deque>
 #include <map>
+#include <tuple>
 
 // What is asked about rows.
 struct RowOptions {
@@ -64,7 +65,10 @@ struct Suspicion {
     std::size_t column = 0;
     std::size_t other = 0; // with which it is exchanged
 
-    auto operator<=>(const Suspicion &) const = default;
+    bool operator==(const Suspicion &) const = default;
+    bool operator<(const Suspicion &than) const {
+        return std::tie(kind, column, other) < std::tie(than.kind, than.column, than.other);
+    }
 };
 
 // The same in words, and how many it makes right of those it was tried with.

@@ -28,7 +28,8 @@ double snapped(double number, double relative) {
 // The decimals and the significant digits of the shortest text of a number.
 std::pair<int, int> placesOf(double number) {
     char text[32];
-    const auto end = std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
+    const char *const end =
+        std::to_chars(text, std::end(text), number, std::chars_format::scientific).ptr;
     const std::string_view shown(text, static_cast<std::size_t>(end - text));
     const std::size_t exponentAt = shown.find('e');
     int exponent = 0;
@@ -257,8 +258,7 @@ bool isEvident(const Sample &sample, const Cause &cause) {
         numbers.push_back(numberOf(row->expected, isScore));
     }
     std::ranges::sort(numbers);
-    const auto repeated = std::ranges::unique(numbers).size();
-    const std::int64_t distinct = std::ssize(numbers) - static_cast<std::int64_t>(repeated);
+    const auto distinct = std::unique(numbers.begin(), numbers.end()) - numbers.begin();
     return distinct >= (isPlain(cause) ? 1 : neededFor(cause) - 1);
 }
 

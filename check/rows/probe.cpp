@@ -44,8 +44,9 @@ QString digitsOf(double number) {
     const bool isPlain = size == 0 || (size >= least && size < most);
     std::array<char, 64> text{};
     const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
-    const auto end = std::to_chars(text.begin(), text.end(), number + 0.0, format).ptr; // no -0
-    return QString::fromLatin1(text.data(), end - text.begin());
+    const char *const end =
+        std::to_chars(text.begin(), text.end(), number + 0.0, format).ptr; // no -0
+    return QString::fromLatin1(text.data(), end - text.data());
 }
 
 void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
@@ -273,7 +274,7 @@ QString trialText(const QString &field, const Try &cell) {
 
 QString scoreText(const Scorecard &card, double score) {
     const std::span<const double> x = card.table.x;
-    const QString text = u"a score of about %1"_s.arg(QString::number(score, 'g', 4));
+    QString text = u"a score of about %1"_s.arg(QString::number(score, 'g', 4));
     if (x.empty() || !card.isFalling) return text;
     const std::size_t at = segmentOf(card, score);
     if (at == 0) return text + u", above the table"_s;
@@ -412,7 +413,7 @@ std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::si
 
 QString writeProbe(const Scorecard &card, const QString &fileName) {
     Probe probe = probeOf(card);
-    const QString problem = probe.file.open(fileName, ',');
+    QString problem = probe.file.open(fileName, ',');
     if (!problem.isEmpty()) return problem;
     probe.file.put(freeTitle(card, u"probe"_s).toStdString());
     for (const QString &column : card.columns) probe.file.put(column.toStdString());
