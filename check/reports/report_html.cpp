@@ -71,7 +71,8 @@ QString callText(QStringList arguments) {
     return arguments.join(u' ');
 }
 
-void putEvidence(TextBuffer &out, const Found &found) {
+void putEvidence(TextBuffer &out, const Report &report) {
+    const Found &found = report.found;
     const Evidence &evidence = *found.evidence;
     put(out,
         u"<section><h2>What was checked</h2>\n<article><table>\n<tr><th>file</th><th></th>"
@@ -98,9 +99,8 @@ void putEvidence(TextBuffer &out, const Found &found) {
             u"</p>\n");
     }
     if (found.comparison) {
-        put(out, u"<p>Results of ", targetNames(only(found.options->target)).constFirst(),
-            u", tolerance ", shortNumber(found.options->tolerance).replace(u"e-0"_s, u"e-"_s),
-            u"</p>\n");
+        put(out, u"<p>Results of ", comparedTarget(report), u", tolerance ",
+            shortNumber(found.options->tolerance).replace(u"e-0"_s, u"e-"_s), u"</p>\n");
     }
     const QStringList accepted = namesOf(found.accepted);
     if (!accepted.isEmpty()) put(out, u"<p>Accepted: ", accepted.join(u", "_s), u"</p>\n");
@@ -319,7 +319,7 @@ void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &
 void putPage(TextBuffer &out, const Report &report) {
     const ModelSection &model = report.model;
     putHead(out, report);
-    if (report.found.evidence) putEvidence(out, report.found);
+    if (report.found.evidence) putEvidence(out, report);
     put(out, signatures);
     putFindings(out, report);
     if (report.found.comparison) putComparison(out, report);

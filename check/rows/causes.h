@@ -25,7 +25,7 @@ struct NumberMap {
     double times = 1;
     Rounding rounding = Rounding::None;
     int places = 0; // decimals or digits
-    int rank = 0;   // how much it assumes: the simpler one is told where both fit
+    int rank = 0;   // how much it assumes: of two that fit, the lower one is reported
 
     bool isSame() const {
         return form == Form::Linear && add == 0 && times == 1 && rounding == Rounding::None;

@@ -14,7 +14,7 @@ public:
     static constexpr int leastPower = -17; // of ten, of the histogram
     static constexpr std::size_t powers = 22;
 
-    // Numbers that are none, or infinite, do not count.
+    // Pairs with NaN or infinity are ignored.
     void add(double expected, double found);
 
     std::int64_t rows = 0;

@@ -25,7 +25,7 @@ double beside(double bound, double way) {
     return std::isnormal(next) || std::isinf(next) ? next : std::copysign(nextToZero, way);
 }
 
-// A number with few digits in the middle of two others; NaN if there is none.
+// A number with few digits between two others, near their middle; NaN if there is none.
 double between(double least, double most) {
     const double middle = least / 2 + most / 2;
     constexpr int digits = 17; // which distinguish any two
