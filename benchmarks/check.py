@@ -1,4 +1,4 @@
-"""Scores a million rows in every way there is, and prints the least processor time of each.
+"""Scores a million rows with each program and target below, and prints the least processor time of each.
 
 usage: check.py <folder of scorewright, scorewright-check and csv_floor> [rows]"""
 
@@ -48,7 +48,7 @@ def score_with_scorer(rows):
 
 
 def score_with_class(programs, rows, folder):
-    """On the first hundredth of the rows, since it is slow; the time is that of all."""
+    """Scores a hundredth of the rows, because the class is slow, and returns the time for all rows."""
     import pandas
     subprocess.run([programs / "scorewright", "-p", MODEL, folder / "credit.py", "M"], check=True, stdout=subprocess.DEVNULL)
     names = {}
@@ -62,7 +62,7 @@ def score_with_class(programs, rows, folder):
 
 
 def score_with_postgres(programs, rows, folder):
-    """Elapsed time, since the server is another process."""
+    """Returns the elapsed time, because the server is another process."""
     (folder / "c.xml").write_text(
         f'<Model2SQL inputFile="{MODEL}" outputFile="{folder}/out" inputTable="src" predictionTable="preds"'
         ' dbType="postgresql" createPredictionTable="1" boolsAreNumbers="0"/>')
@@ -99,6 +99,6 @@ def main():
 
 
 if __name__ == "__main__":
-    if "PGVERSION" not in os.environ:  # a server for as long as it runs
+    if "PGVERSION" not in os.environ:  # starts a temporary server
         os.execvp("pg_virtualenv", ["pg_virtualenv", "-t", sys.executable, "-B", *sys.argv])
     main()

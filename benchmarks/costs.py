@@ -1,10 +1,10 @@
 #!/usr/bin/python3
-"""costs.py: measures what the program would cost without each of its optimisations, and renews costs.md.
+"""costs.py: measures what each optimisation saves, and rewrites costs.md. Takes some fifteen minutes.
 
-Builds a copy of the committed program, and again with each of the patches below, and counts instructions and cache
-misses (valgrind) of a SAS script: of a document of 10,000 variables, and of one without any, which is the start of the
-program. Takes some fifteen minutes. A patch is a list of files, texts that occur there once, and their replacements; it
-must not change what the program writes."""
+Builds the committed program, then once more with each of the patches below, which remove one optimisation each. Counts
+instructions and cache misses (valgrind) of a conversion to SAS: of a document of 10,000 variables, and of one without
+variables, to measure the start of the program. A patch is a list of files, texts that occur there once, and their
+replacements; it must not change the output."""
 
 import hashlib
 import os
@@ -69,10 +69,10 @@ ALTERNATIVES = {
 }
 HEAD = """# What the optimisations save
 
-What a SAS script costs without each of them, compared with the program as it is: {large[0]:,} instructions,
-{large[1]:,} misses of a cache of 2 MB and a peak of {memory:.1f} MB for a document of {count:,} variables; and
-{small[0]:,} instructions to start, for a document without any. The counts are those of valgrind; peaks vary by 0.5 %
-from run to run. `benchmarks/costs.py` makes this table.
+A conversion of {count:,} variables to SAS takes {large[0]:,} instructions, {large[1]:,} misses of a 2 MB cache and
+{memory:.1f} MB of peak memory; one of no variables takes {small[0]:,} instructions. The table shows the increase without
+each optimisation. Valgrind counted instructions and misses; peaks vary by 0.5 % between runs.
+`benchmarks/costs.py` writes this page.
 
 Measured on {day} with {compiler}.
 
@@ -101,8 +101,8 @@ def build(source):
 
 
 def measure(program, folder):
-    """Instructions and cache misses of the large document, its peak memory, instructions of the small one; and a hash of
-    what was written."""
+    """Returns instructions, cache misses and peak memory of the large document and instructions of the small one, and a
+    hash of both outputs."""
     counts, written = [], hashlib.sha256()
     for name in ["large", "small"]:
         tool = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", *CACHE]
@@ -110,7 +110,7 @@ def measure(program, folder):
         events = [int(count) for count in re.search(r"Collected : ([\d ]+)", counted.stderr)[1].split()]
         counts.append((events[0], sum(events[-3:])))
         written.update((folder / "out").read_bytes())
-    # The peak of a process begins with that of its parent, which is therefore a small one.
+    # A process inherits the peak of its parent, so a small parent starts it.
     peak = subprocess.run([sys.executable, "-c", PEAK, program, "-a", "large", "out"], cwd=folder, capture_output=True,
                           check=True)
     return [*counts[0], int(peak.stdout), counts[1][0]], written.digest()
@@ -119,7 +119,7 @@ def measure(program, folder):
 def main():
     with tempfile.TemporaryDirectory() as name:
         folder, source = Path(name), Path(name) / "source"
-        subprocess.run(["git", "clone", "--quiet", ROOT, source], check=True)  # what is committed
+        subprocess.run(["git", "clone", "--quiet", ROOT, source], check=True)
         write_documents(folder)
         usual, text = measure(build(source), folder)
         rows = ""
@@ -127,10 +127,10 @@ def main():
             kept = {file: (source / file).read_text() for file, _, _ in patch}
             for file, old, new in patch:
                 before = (source / file).read_text()
-                assert before.count(old) == 1, f"{alternative}: {file} has no such line, or several"
+                assert before.count(old) == 1, f"{alternative}: the patch does not match exactly once in {file}"
                 (source / file).write_text(before.replace(old, new))
             figures, changed = measure(build(source), folder)
-            assert changed == text, f"{alternative} writes something else"
+            assert changed == text, f"{alternative} changes the output"
             shares = " | ".join(f"{round(100 * (figure / least - 1), 1) + 0.0:+.1f} %" for figure, least in zip(figures, usual))
             rows += f"| {alternative} | {shares} |\n"
             print(alternative, shares, flush=True)

@@ -1,12 +1,12 @@
 #!/usr/bin/python3
 """exporters.py [N...]: runs every exporter on models of N variables (100 1000 10000 100000).
 
-Prints the least processor time of several rounds, the peak memory, the time for each byte written, the memory as a
-multiple of the document's size, the growth from one N to the next, and the exporter's own time as a multiple of that of
-read_model, which reads the document and turns its numbers into text and which stands beside the program. Peaks below
-some 20 MB are those of the process that starts the program. SCOREWRIGHT names the program (build/scorewright).
+Prints the least processor time of several rounds, the time for each byte written, the peak memory, also as a multiple
+of the document's size, the growth from one N to the next, and the exporter's own time as a multiple of that of
+read_model, which only reads the document and formats its numbers. Peaks below some 20 MB are those of the process that
+starts the program. SCOREWRIGHT names the program (build/scorewright); read_model must be beside it.
 
-Ends with status 1 when an exporter takes more memory than the manual states, or more time of its own than it may."""
+Exits with status 1 if an exporter exceeds the memory that the manual states, or the limit for its own time."""
 
 import os
 import random
@@ -28,17 +28,17 @@ OPTIONS = {
     "html": ["-h", "model.ModelXml", "", "out"],
     "etl": ["-s", "etl.xml"],
 }
-# Peak memory as a multiple of a document in UTF-16, as the manual states it; of documents that are large enough to tell.
+# Peak memory as a multiple of a UTF-16 document, as the manual states it for large documents.
 STATED = {"sas": 5, "sql": 5, "vba": 5, "python": 5, "html": 7, "etl": 7}
 LARGE = 10e6
 MOST_OWN_TIME = 1.5
-# The SQL script that goes through a temporary table.
+# A script with a temporary table.
 CONFIGURATION = """<Model2SQL inputFile="model.ModelXml" outputFile="out" inputTable="rows" predictionTable="risk"
  dbType="mysql"/>"""
 
 
 def model(count):
-    """Two thirds numeric variables of 20 bounds, one third categorical ones of 12 values, in UTF-16."""
+    """A document: two thirds numeric variables of 20 bounds, one third categorical ones of 12 values."""
     rnd = random.Random(count)
     models = []
     for k in range(1, count + 1):
@@ -56,7 +56,7 @@ def model(count):
 
 
 def run(folder, arguments, expected=0, program=PROGRAM):
-    """Processor time in seconds and peak memory in bytes."""
+    """Returns processor time in seconds and peak memory in bytes."""
     child = os.fork()
     if child == 0:
         os.chdir(folder)
@@ -73,7 +73,7 @@ def main():
     before = {}
     excess = []
     start = min(run(".", [], expected=1)[0] for _ in range(50))
-    print(f"The program's start takes {start * 1e3:.1f} ms.")
+    print(f"The program takes {start * 1e3:.1f} ms to start.")
     print("exporter       N  doc MB  out MB   cpu ms  ns/byte  peak MB  peak/doc  growth  own/read")
     for count in counts:
         with tempfile.TemporaryDirectory() as name:

@@ -1,4 +1,4 @@
-// The pieces that a conversion spends its time in, each beside the best known ones for its job.
+// Where a conversion spends its time: each part beside other libraries for the same task.
 #include "model/number_text.h"
 #include "xml/base64.h"
 #include "xml/xml_node.h"
@@ -12,7 +12,7 @@
 
 namespace {
 
-// A document of the shape of a model document: 2,000 models of one array and twelve values each.
+// Like a model document: 2,000 models of one array and twelve values each.
 QString modelText() {
     const QString array = QString::fromLatin1(QByteArray(176, 'x').toBase64()); // 22 doubles
     QString text = QStringLiteral("<?xml version=\"1.0\"?>\n<QRV_Model>\n <UnivModels>\n");

@@ -1,5 +1,5 @@
-// read_model MODEL: the work that no target can do without. Reads the document and turns each of
-// its numbers into text once.
+// read_model MODEL: the work that every target requires. Reads the document and formats each of its
+// numbers once.
 #include "model/number_text.h"
 #include "model/regression.h"
 

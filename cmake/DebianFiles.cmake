@@ -1,4 +1,4 @@
-# Adds the files that only a Debian package has. CPack runs this on the installed files.
+# Adds the files that only the Debian package has. CPack runs this after the installation.
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
   return()
 endif()

@@ -1,22 +1,22 @@
-# Where files are installed, and the packages that CPack builds from them.
+# Installation, and the packages that CPack builds.
 include(GNUInstallDirs)
 
-# The documents keep the layout of the repository, so that the links between them work. In the
-# Windows package the programs are beside them.
+# The documents keep the layout of the repository, so that their links work. The Windows package
+# has the programs in the same folder.
 if(WIN32)
   set(program_folder .)
   set(document_folder .)
   set(copyright copyright.txt)
   set(other_parts "
-The programs also hold, unchanged, Qt 6 Core (Copyright The Qt Company Ltd.
-and others; LGPL version 3 or GPL version 2) with the libraries that come in its
-source, PCRE2, zlib and double-conversion among them, and the run-time libraries
-of GCC and mingw-w64; scorewright-check.exe holds libcsv (Copyright Robert
-Gamble; LGPL version 2.1 or later) too. Their copyright notices and licences are in the folder
-licences. Their source is in Debian 12's source packages qt6-base (${Qt6_VERSION}),
-libcsv, gcc-mingw-w64 and mingw-w64: https://sources.debian.org, or apt-get source.
-scripts/windows in the source of scorewright fetches and builds Qt Core into the
-folder build-windows-qt, and links the programs with what it finds there.
+The programs contain, unchanged, Qt 6 Core (Copyright The Qt Company Ltd. and
+others; LGPL version 3 or GPL version 2) with the libraries in its source, among
+them PCRE2, zlib and double-conversion, and the run-time libraries of GCC and
+mingw-w64. scorewright-check.exe also contains libcsv (Copyright Robert Gamble;
+LGPL version 2.1 or later). Their copyright notices and licences are in the
+folder licences. Their source is in Debian 12's source packages qt6-base
+(${Qt6_VERSION}), libcsv, gcc-mingw-w64 and mingw-w64: https://sources.debian.org,
+or apt-get source. scripts/windows in the source of scorewright fetches Qt Core,
+builds it in the folder build-windows-qt, and links the programs with it.
 ")
 else()
   set(program_folder ${CMAKE_INSTALL_BINDIR})
@@ -28,7 +28,7 @@ endif()
 file(READ examples/credit/LICENSE data_licence)
 configure_file(cmake/copyright.in ${PROJECT_BINARY_DIR}/${copyright} @ONLY)
 
-# Lets the programs find a Qt outside the folders that the system searches for libraries.
+# Lets the programs find a Qt outside the system's library folders.
 set_target_properties(scorewright scorewright-check PROPERTIES INSTALL_RPATH_USE_LINK_PATH ON)
 
 install(TARGETS scorewright scorewright-check RUNTIME DESTINATION ${program_folder})
@@ -38,7 +38,7 @@ install(DIRECTORY docs DESTINATION ${document_folder} PATTERN "*.1" EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_folder} USE_SOURCE_PERMISSIONS
   PATTERN "__pycache__" EXCLUDE)
 if(WIN32)
-  # The notices of the packages of the compiler and of Qt, and the licences that they refer to.
+  # Copyright notices of the linked libraries, and the licences that they refer to.
   foreach(part libqt6core6 libcsv-dev gcc-mingw-w64-base mingw-w64-x86-64-dev)
     install(FILES /usr/share/doc/${part}/copyright DESTINATION licences RENAME ${part}.txt)
   endforeach()
@@ -52,8 +52,8 @@ else()
   endforeach()
 endif()
 
-# Debian's Python searches one folder in /usr for all its versions, and one for each version in
-# /usr/local. Elsewhere users set PYTHONPATH. The prefix is known only when files are installed.
+# Debian's Python searches one folder in /usr for all versions, and one per version in /usr/local;
+# elsewhere users set PYTHONPATH. The prefix is known only at installation.
 if(NOT WIN32)
   install(CODE [[
     set(python_folder lib/python3/dist-packages)
@@ -80,8 +80,8 @@ set(CPACK_PACKAGE_DESCRIPTION
 and a table from score to probability) and writes code that computes its score
 and probability: a SAS data step, SQL for six dialects, an Excel VBA
 module, a Python class for pandas, or an interactive HTML page. Its companion
-scorewright-check shows the model, scores rows as the model means them, and
-explains where the results of a deployment differ.")
+scorewright-check shows the model, scores rows exactly as the model defines
+them, and explains why a deployment returns different results.")
 set(CPACK_RESOURCE_FILE_README ${PROJECT_SOURCE_DIR}/README.md)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -96,7 +96,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The Python package is in the same .deb; only those who use it need the libraries.
+# The .deb includes the Python package, and only its users need these libraries.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "python3:any")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "python3-numpy, python3-pandas, python3-sklearn")
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/DebianFiles.cmake)

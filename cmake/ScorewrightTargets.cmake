@@ -1,17 +1,17 @@
-# Compiler settings for all of the project's own code.
+# Compiler settings of the project's own code.
 function(scorewright_settings target)
   target_compile_features(${target} PUBLIC cxx_std_20)
   set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF)
   # benchmarks/costs.md: "no link-time optimisation".
   set_target_properties(${target} PROPERTIES INTERPROCEDURAL_OPTIMIZATION_RELEASE ${has_ipo})
   if(has_ipo AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # After inlining, g++ 12 reports sizes of Qt's hashes as impossible.
+    # After inlining, g++ 12 warns of impossible sizes of Qt's hashes.
     target_link_options(${target} PRIVATE -Wno-alloc-size-larger-than)
   endif()
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${target} PUBLIC Qt6::Core)
   target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
-  # Slopes and intercepts must round the same on every processor: no fused multiply-add.
+  # No fused multiply-add: slopes and intercepts must round in the same way on every processor.
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off)
   if(SCOREWRIGHT_STRICT)

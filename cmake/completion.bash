@@ -1,7 +1,6 @@
-# Completion of scorewright and scorewright-check in bash, installed under both names: bash looks for a file named like
-# the command.
+# Bash completion of scorewright and scorewright-check, installed under both names, by which bash finds it.
 
-# Completes folders, and files with these endings.
+# Completes folders and files with the given endings.
 _scorewright_files() {
   local word=$1 ending
   shift
@@ -33,7 +32,7 @@ _scorewright_check() {
   COMPREPLY=()
   case $before in
     --target)
-      # A comma-separated list: everything before the last comma stays.
+      # In a comma-separated list, completes what follows the last comma.
       [[ $word == *,* ]] && begun=${word%,*},
       mapfile -t COMPREPLY < <(compgen -P "$begun" -W 'sas sql vba python html' -- "${word##*,}")
       compopt -o nospace 2>/dev/null ;;

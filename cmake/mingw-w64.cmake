@@ -1,4 +1,5 @@
-# Debian's compiler for 64-bit Windows. Searches its own libraries and CMAKE_PREFIX_PATH.
+# Debian's compiler for 64-bit Windows. Finds libraries only in its own folders and in
+# CMAKE_PREFIX_PATH.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
