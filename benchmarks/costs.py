@@ -19,8 +19,8 @@ from exporters import ROOT, model
 from support import document
 
 RECODINGS = "model/recodings.cpp"
-TAKE = """    variable.x = node.childNode(u"x").decodeNumbers(document.decoder);
-    variable.y = node.childNode(u"y").decodeNumbers(document.decoder);
+TAKE = """    variable.x = decodeNumbers(document, node, u"x");
+    variable.y = decodeNumbers(document, node, u"y");
 """
 ALTERNATIVES = {
     "search in units": [
