@@ -10,7 +10,7 @@ import pandas as pd
 from score_applicants import HERE, load
 
 
-# The class numbers its rows from 0, in each partition anew.
+# The class numbers the rows of each partition from 0.
 def score_partition(part, model):
     return model.apply(part).set_axis(part.index)
 
