@@ -249,7 +249,7 @@ class FindingsTest(CheckedTest):
                            source, re.M | re.S)
         described = []
         for page in (TESTS.parent / "docs").glob("*.md"):
-            for what, remedy, name in re.findall(r"^\| ([^|]+) \| [^|]+ \| ([^|]+) \| `([\w-]+)` \|$", page.read_text(), re.M):
+            for what, remedy, name in re.findall(r"^\| ([^|\n]+) \| [^|\n]+ \| ([^|\n]+) \| `([\w-]+)` \|$", page.read_text(), re.M):
                 described.append((name, *(re.sub(r"\[([^]]*)\]\([^)]*\)", r"\1", text).replace("`", "") for text in (what, remedy)),
                                   page.name))
         unescaped = [(name, *(re.sub(r"\\(.)", r"\1", text) for text in texts), page) for name, *texts, page in kinds]

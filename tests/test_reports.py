@@ -83,7 +83,7 @@ class ReportsTest(CheckedTest):
         self.write("m.ModelXml", document(models, [(1, 1), (2, 1)], 0, table=[(3, 0.9), (float("nan"), 0.5), (0, 0.1)]))
         self.write("rows.csv", "1x,é\n1\n", "utf-8")
         printed = self.check("m.ModelXml", "--rows", "rows.csv", "--report", "report.html")[1]
-        self.assertIn("name-characters [sas, python] docs/python.md\n", printed)
+        self.assertIn("name-characters [sas, python] docs/manual.md\n", printed)
         self.assertIn("\n1 row with fewer or more cells than titles, first row 1\n", printed)
         self.assertNotIn(" 0.00,", (self.folder / "report.html").read_text("utf-8").split("<polyline")[1])
 
