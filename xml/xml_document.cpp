@@ -1,4 +1,3 @@
-// The memory of a document, and its entities.
 #include "xml/xml_document.h"
 
 #include <algorithm>
@@ -25,7 +24,7 @@ XmlDocument::XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byt
     forbidAccess(source + length + 1, room.data() + room.size());
 }
 
-// The sanitizer keeps one mark for eight bytes, so that two pieces must not share them.
+// The sanitizer marks groups of eight bytes, which two pieces therefore must not share.
 void *XmlDocument::allocateBeforeGap(std::size_t bytes, std::size_t alignment) {
     constexpr std::size_t grain = 8;
     const std::size_t whole = (bytes + grain - 1) / grain * grain + gapSize;
@@ -87,7 +86,6 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
     auto *const copy = reinterpret_cast<char16_t *>(block.get());
     *std::copy_n(text.utf16(), size, copy) = u'\0';
     const std::span room(block.get() + textBytes, roomBytes);
-    // A view made of a pointer alone ends before the first zero unit.
-    const QStringView source(copy);
+    const QStringView source(copy); // ends before the first zero unit
     return parseXml(std::make_unique<XmlDocument>(std::move(block), source, room), tag, results);
 }
