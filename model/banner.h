@@ -4,8 +4,8 @@
 #include "model/recodings.h"
 #include "model/text_buffer.h"
 
-// One target's banner: a fixed text with the places version, file and count; the texts around the
-// names of each variable; and a fixed text at the end.
+// One target's banner: a fixed text with the placeholders version, file and count; the texts around
+// the names of each variable; and a fixed text at the end.
 struct BannerText {
     QStringView head;
     QStringView before;

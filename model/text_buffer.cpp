@@ -80,14 +80,14 @@ void put(TextBuffer &out, const EscapedText &escaped) {
     put(out, rest);
 }
 
-void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places) {
+void fill(TextBuffer &out, QStringView text, std::initializer_list<Placeholder> placeholders) {
     for (qsizetype open = text.indexOf(u'$'); open >= 0; open = text.indexOf(u'$')) {
         const qsizetype close = text.indexOf(u'$', open + 1);
         const QStringView name = text.sliced(open + 1, close - open - 1);
-        const auto *const place = std::ranges::find(places, name, &Place::name);
-        assert(place != places.end());
+        const auto *const found = std::ranges::find(placeholders, name, &Placeholder::name);
+        assert(found != placeholders.end());
         put(out, text.first(open));
-        std::visit([&](const auto &value) { put(out, value); }, place->value);
+        std::visit([&](const auto &value) { put(out, value); }, found->value);
         text = text.sliced(close + 1);
     }
     put(out, text);

@@ -1,5 +1,5 @@
-// The output of an exporter, and the two ways to append to it: put for lines, fill for fixed texts
-// with places.
+// The output of an exporter, and the two ways to append to it: put for values, fill for fixed texts
+// with placeholders.
 //
 //     put(out, u"   else ", name, u"=", score, u";\n");
 //
@@ -110,14 +110,14 @@ void put(TextBuffer &out, const First &first, const Second &second, const Rest &
     (put(out, rest), ...);
 }
 
-// A place in a fixed text, and the value that replaces it.
-struct Place {
+// The name of a placeholder, and the value that replaces it.
+struct Placeholder {
     QStringView name;
     std::variant<QStringView, std::ptrdiff_t, double> value;
 };
 
-// Appends a fixed text with its places filled. A place is a name between two "$" and must be one of
-// `places`, whose values are not searched for places:
+// Appends a fixed text with its placeholders replaced. A placeholder is a name between two "$" and
+// must be one of `placeholders`, whose values are not searched for placeholders:
 //
 //     fill(out, u"Dim $recoding$ As Double\n", {{u"recoding", name}});
-void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places);
+void fill(TextBuffer &out, QStringView text, std::initializer_list<Placeholder> placeholders);

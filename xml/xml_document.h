@@ -35,14 +35,14 @@ struct XmlElement {
     bool isDecoded = false; // texts[0] is then the memory of its decoded numbers
 };
 
-// One block of memory, an arena, holds a document: its text, its tree, and the pieces that readers
-// allocate. The last handle releases all of it at once; no piece is released alone.
+// One block of memory holds a document: its text, and an arena for the pieces of its tree and those
+// that readers allocate. The last handle releases all of it at once; no piece is released alone.
 struct XmlDocument {
-    // Takes ownership of the block, which consists of the text, whose only zero unit is at its end,
-    // and the room for pieces.
-    XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> room);
+    // Takes ownership of the block, which contains the text and then the arena. The text ends with
+    // a zero unit and contains no other.
+    XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> arena);
 
-    // An uninitialised piece of the room. What does not fit is allocated on the heap, but also
+    // An uninitialised piece of the arena. What does not fit is allocated on the heap, but also
     // released with the document.
     void *allocate(std::size_t bytes, std::size_t alignment) {
         if constexpr (hasMemoryGaps) return allocateBeforeGap(bytes, alignment);
@@ -64,7 +64,7 @@ private:
 void forbidAccess(const void *begin, const void *end);
 
 // Estimated bytes for the tree and arrays parsed from `units` UTF-16 units; seldom exceeded.
-constexpr std::size_t expectedRoom(std::size_t units) {
+constexpr std::size_t expectedArena(std::size_t units) {
     return 3 * units + 4096;
 }
 

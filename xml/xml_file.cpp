@@ -34,7 +34,7 @@ std::size_t roomForText(std::size_t bytes) {
 bool allocateBlockFor(FileBytes &file) {
     const std::size_t room = roomForText(file.size);
     const std::size_t least = file.start + file.size + zeroBytes;
-    for (const std::size_t size : {room + zeroBytes + expectedRoom(file.size), least}) {
+    for (const std::size_t size : {room + zeroBytes + expectedArena(file.size), least}) {
         file.blockSize = size;
         file.block = allocateBlock(size);
         if (file.block) return true;
@@ -106,10 +106,10 @@ QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     return isUtf8 ? QStringView(text, end) : QStringView(text);
 }
 
-// The text within the block, and the free part of the block.
+// The parts of the block.
 struct Source {
     QStringView text;
-    std::span<std::byte> room;
+    std::span<std::byte> arena;
 };
 
 Source utf16Source(const FileBytes &file) {
@@ -148,6 +148,6 @@ XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseRes
         if (results) *results = {file.error};
         return {};
     }
-    return parseXml(std::make_unique<XmlDocument>(std::move(file.block), source.text, source.room),
+    return parseXml(std::make_unique<XmlDocument>(std::move(file.block), source.text, source.arena),
                     tag, results);
 }
