@@ -9,7 +9,7 @@
 struct BannerText {
     QStringView head;
     QStringView before;
-    QStringView behind;
+    QStringView after;
     QStringView end;
 };
 

@@ -48,7 +48,7 @@ Word eightDigits(Word number) {
     return tens | (twos - 10 * tens) << 8;
 }
 
-// Writes a number of 16 digits with a point behind the first `exponent + 1` of them and without
+// Writes a number of 16 digits with a point after the first `exponent + 1` of them and without
 // trailing zeros. Returns the number of characters.
 int storeDigits(Word number, int exponent, char *text) {
     const Word first = eightDigits(number / 100000000);

@@ -25,7 +25,7 @@ void requireWhole(ModelDocument &document, const XmlNode &owner, QStringView arr
                                       QString::number(promised)));
 }
 
-// Ignores the bytes behind the last complete number.
+// Ignores the bytes after the last complete number.
 template <typename Number>
 std::vector<Number> decodeArray(ModelDocument &document, const XmlNode &owner, QStringView array) {
     const XmlNode node = owner.childNode(array);

@@ -10,7 +10,7 @@
 #include <vector>
 
 // One recoding of the model and the input column that it reads. All views are into the document's
-// block, which `node` keeps alive: a copy of a variable is valid alone.
+// block, which `node` keeps alive, also in copies.
 struct Variable {
     XmlNode node;               // its element "Model"
     QStringView name;           // such as "V17"
@@ -24,8 +24,8 @@ struct Variable {
                                 // its first character, 17 for "V17"; -1 for a shorter name
     bool isCategorical = false; // has a list of values, else bins
     bool isBoolean = false;     // a list of spellings of false and true
-    std::span<const double> x;  // the bounds; possibly none or too few
-    std::span<const double> y;  // the scores; likewise
+    std::span<const double> x;  // the bounds; maybe none
+    std::span<const double> y;  // the scores; maybe too few
     std::span<const QStringView> values; // the list, in document order; empty if absent
 };
 

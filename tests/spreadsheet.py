@@ -20,7 +20,7 @@ REPLACEMENTS = """
 Function MsgBox(text, Optional buttons, Optional title)
   messagesShown = messagesShown & title & ": " & text & Chr(10)
 End Function
-Sub Reset()
+Sub PrepareModule()
   Dim sheets(1 To 2) As Object
   Set sheets(1) = ThisWorkbook.Worksheets(1)
   Set sheets(2) = ThisWorkbook.Worksheets(2)
@@ -31,14 +31,14 @@ End Sub
 # One call does everything, since each takes a millisecond, and receives addresses, since ranges cannot be passed.
 CALL = """Option VBASupport 1
 Function CallModule(sheet As String, titles As String, rows, table As String)
-  Reset
+  PrepareModule
   Set cells = ThisWorkbook.Worksheets("Data")
   Set titleRow = cells.Range(titles)
   Dim scores(rows - 1)
   For r = 1 To rows
     scores(r - 1) = QorvPrediction_1(sheet, titleRow, titleRow.Offset(r, 0))
   Next r
-  Reset
+  PrepareModule
   On Error Resume Next
   QorvCheckRange_1 sheet, titleRow, cells.Range(table)
   CallModule = Array(scores, Err.Number, messagesShown)

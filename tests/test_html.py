@@ -40,7 +40,7 @@ class HtmlTest(ProgramTest):
         return self.write("list.Xml", f'<?xml version="1.0"?><Models>{entries}</Models>')
 
     def test_golden_pages(self):
-        # The constant is read behind one coefficient per variable, though two variables share one.
+        # The constant is read after one coefficient per variable, though two variables share one.
         kinds, betas = DOCUMENTS["kinds"], [0.5, -1.25, 2, 1e-13, 1, -10, 1 / 3]
         page = self.page(kinds.replace(doubles(betas), doubles(betas + [1e18])))
         self.assert_golden("kinds.html", page)

@@ -91,7 +91,7 @@ class ProgramLineTest(ProgramTest):
                     status, printed = self.run_program(option, name, "out")
                     self.assertEqual((status, printed.count("\n")), (8, 1))
                     self.assertTrue(printed.startswith(f"Cannot convert model '{name}': {problem}"), printed)
-        # White space behind the padding is accepted, though the length of the text then implies more numbers.
+        # White space after the padding is accepted, though the length of the text then implies more numbers.
         self.convert("-a", good.replace("=</", "=\n</"), "spaced")
         # The unusable document is reported even if the output could not be written.
         self.assertEqual(self.run_program("-a", "m", "no/such/folder")[0], 8)

@@ -130,7 +130,7 @@ class SqlTest(SqlProgramTest):
         script = self.sql(document(models, [(1, 5), (1, 7)], 0))
         self.assertIn("WHEN a<0 THEN 14\n   WHEN a>0 THEN 21\n   ELSE 7\n", script)
         self.assertIn("( b IS NULL) THEN 7\n   WHEN b=0 THEN 14\n   WHEN b=1 THEN 21\n   ELSE 7\n   END)", script)
-        # A coefficient without a variable has no effect; the constant is behind all coefficients.
+        # A coefficient without a variable has no effect; the constant follows all coefficients.
         self.assertEqual(self.sql(document(models, [(8, 3), (1, 7), (9, 4)], 0.5)), self.sql(document(models, [(1, 7)], 0.5)))
 
     def test_missing_codes_are_looked_up_by_the_raw_field(self):

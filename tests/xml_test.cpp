@@ -125,7 +125,7 @@ const ParseCase parseCases[] = {
     {u"<a></>", "-", 5, 1, 7},
     {u"<a></a x>", "-", 5, 1, 9},
     {u"<a><='1'/></a>", "-", 4, 1, 6},
-    // Misplaced tokens; the column is behind the token.
+    // Misplaced tokens; the column is after the token.
     {u"<a ='1'/>", "-", 8, 1, 5},
     {u"<a x '1'/>", "-", 8, 1, 9},
     {u"<a <!--x--> />", "-", 8, 1, 8},

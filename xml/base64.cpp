@@ -87,7 +87,7 @@ constexpr std::array<std::array<std::uint32_t, 256>, 4> makePlaces() {
 }
 constexpr auto places = makePlaces();
 
-// Decodes groups of four digits up to the first irregular one, and moves `at` and `out` behind
+// Decodes groups of four digits up to the first irregular one, and moves `at` and `out` past
 // them. Writes four bytes per group, the last of them zero. Four tables are faster than one table
 // and shifts (benchmarks/costs.md: "one Base64 table").
 void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out) {
@@ -103,7 +103,7 @@ void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out)
 }
 
 // Fills the `size` bytes at `out` from a text without illegal characters; returns the error or
-// warning. May write a zero behind them, for which the buffer has room.
+// warning. May write a zero after them, for which the buffer has room.
 XmlError decode(QStringView text, unsigned char *out, qsizetype size) {
     const char16_t *at = text.utf16();
     const char16_t *const end = at + text.size();

@@ -18,7 +18,7 @@ struct Base64Decoder {
 // decoder; *outSize receives their count. Returns null if the text is empty (size 0) or cannot be
 // decoded (*error is Base64IllegalCharacter or Base64OutputBufferTooSmall). A null text returns an
 // empty, non-null result. The warnings Base64LengthNotMultipleOf4 and Base64Truncated come with a
-// result, in which the bytes behind a truncation are zero.
+// result, in which the bytes after a truncation are zero.
 const unsigned char *base64Decode(Base64Decoder &decoder, QStringView text,
                                   qsizetype *outSize = nullptr, XmlError *error = nullptr);
 

@@ -15,11 +15,11 @@ inline constexpr std::size_t gapSize = hasMemoryGaps ? 16 : 0;
 
 struct XmlAttribute {
     QStringView name;
-    QStringView value; // null if the attribute was written without one
+    QStringView value; // null if absent
 };
 
-// One element. Once it is closed, each array has exactly the counted entries. The arrays and all
-// decoded texts are pieces of the document's block; all other texts are views into its source.
+// One element, whose arrays are complete once it is closed. Arrays and decoded texts are pieces of
+// the document's block; all other texts are views into its source.
 struct XmlElement {
     QStringView name; // null for the unnamed top element only
     XmlElement *parent = nullptr;
@@ -52,7 +52,7 @@ struct XmlDocument {
     MemoryBlock block;
     const char16_t *source;
     qsizetype length; // in units, without the zero unit
-    int handles = 0;  // to all elements together
+    int handles = 0;  // to all elements
 
 private:
     void *allocateBeforeGap(std::size_t bytes, std::size_t alignment);

@@ -24,7 +24,7 @@ struct FileBytes {
     QByteArrayView bytes() const { return {block.get() + start, static_cast<qsizetype>(size)}; }
 };
 
-// One UTF-16 unit for each byte, the zero unit behind them, and slack for the decoder (64 bytes).
+// One UTF-16 unit for each byte, a final zero unit, and slack for the decoder (64 bytes).
 std::size_t roomForText(std::size_t bytes) {
     return bytes * sizeof(char16_t) + 64;
 }
@@ -42,8 +42,8 @@ bool allocateBlockFor(FileBytes &file) {
     return false;
 }
 
-// Reads a file of `file.size` bytes. After a UTF-16 mark, the bytes are the text itself and go to
-// the start of the block, which saves touching one large page. Other bytes go behind the room for
+// Reads a file of `file.size` bytes. If it has a UTF-16 mark, the bytes are the text itself and go
+// to the start of the block, which saves touching one large page. Other bytes go after the room for
 // their decoded text.
 void readBytes(std::FILE *input, FileBytes &file) {
     constexpr std::size_t largest = PTRDIFF_MAX / 8; // the sums below do not overflow

@@ -101,7 +101,7 @@ public:
     bool isEmpty() const { return element == nullptr; }
 
     // The first child called `name` at or after `*index` (0 if index is null); sets `*index` to the
-    // index behind it. Without a match, `*index` does not change.
+    // next index. Without a match, `*index` does not change.
     XmlNode childNode(QStringView name, int *index = nullptr) const;
 
     // All children called `name`, in order. Run time is linear in the number of children:
@@ -113,13 +113,13 @@ public:
     XmlNode childNode(QStringView name, int i) const;
 
     // The first child called `name` at or after `*index` that has an attribute called
-    // `attributeName` whose value equals `attributeValue` without regard to ASCII case, or any
-    // attribute of that name if `attributeValue` is null. Scans the children: not for loops.
+    // `attributeName` whose value equals `attributeValue`, ignoring ASCII case, or any attribute of
+    // that name if `attributeValue` is null. Scans the children: not for loops.
     XmlNode childNodeWithAttribute(QStringView name, QStringView attributeName,
                                    QStringView attributeValue, int *index = nullptr) const;
 
     // The value of the first attribute called `name` at or after `*index`; sets `*index` to the
-    // index behind it. Null if there is no such attribute or if it has no value.
+    // next index. Null if there is no such attribute or if it has no value.
     QStringView attribute(QStringView name, int *index = nullptr) const;
     bool isAttributeSet(QStringView name) const;
     // The name of the i-th attribute, or null.
@@ -167,7 +167,7 @@ private:
     XmlElement *element = nullptr;
 };
 
-// What XmlNode::children returns. It holds a handle to the parent.
+// The result of XmlNode::children, which keeps a handle to the parent.
 class XmlChildren {
 public:
     class Iterator {

@@ -393,7 +393,7 @@ bool matchesEndTag(QStringView name, const char16_t *candidate) {
     return isSpace(next) || next == u'/' || next == u'<' || next == u'>' || next == u'=';
 }
 
-// Reads an end tag from behind its "</", and closes the innermost element. If the tag names another
+// Reads an end tag after its "</", and closes the innermost element. If the tag names another
 // element, closes the enclosing ones up to and including that element.
 bool readEndTag(Parser &p) {
     const Token name = nextToken(p);
@@ -419,7 +419,7 @@ void warnIfUnclosed(Parser &p) {
     if (!element.isDeclaration && element.parent) warnUnmatchedEndTag(p);
 }
 
-// Reads a start tag from behind its "<" or "<?". False on an error and if the document ends in it.
+// Reads a start tag after its "<" or "<?". False on an error and if the document ends in it.
 bool readElement(Parser &p, bool isDeclaration) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text) return fail(p, XmlError::MissingStartTagName);

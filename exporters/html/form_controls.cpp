@@ -1,6 +1,6 @@
 // The control of a question depends on the column's kind:
 //
-// Age    a slider and a number field that follow each other   putNumericControl
+// Age    a slider and a number field, synchronised            putNumericControl
 // Paid   unknown, True and False as radio buttons             putYesNoControl
 // Job    a drop-down list of many categories                  putList
 // Home   radio buttons for few categories                     putRadioButtons

@@ -5,7 +5,7 @@
 // [QRV_QUESTION 1]        Age <div style="position:relative; …       putQuestion
 // [QRV_ANSWER 0 /]        <div id="m0_total_proba" …                 putAnswer
 // [QRV_DYN_SCALE/], [QRV_GRAPHICS/], [QRV_SUBMIT/]                   putReplacement
-// behind the last tag     computeIsReady=true;                       putPage
+// after the last tag      computeIsReady=true;                       putPage
 #include "exporters/html/html_exporter.h"
 
 #include "exporters/html/default_canvas_text.h"

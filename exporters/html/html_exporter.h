@@ -16,6 +16,6 @@
 //
 // Returns 0 without a message, even if the output cannot be opened; 2 for a list without models or
 // a canvas that asks only some of the questions; 3 for a canvas that lacks a tag or a variable
-// without coefficient; 8 for too short an array and for too many lines. Modifies the output only if
-// it returns 0.
+// without coefficient; 8 for an array that is too short and for too many lines. Modifies the output
+// only if it returns 0.
 int exportToHtml(const QString &modelPath, const QString &canvasPath, const QString &outputPath);

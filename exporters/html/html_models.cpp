@@ -1,5 +1,5 @@
 // Detects the errors of all models in the order of their messages: first variables that a
-// regression lacks, then too short arrays, which are recorded in each document.
+// regression lacks, then arrays that are too short, which are recorded in each document.
 #include "exporters/html/html_models.h"
 
 #include "model/target_rules.h"
@@ -54,7 +54,7 @@ TargetKind readTargetKind(const XmlNode &metaData) {
                                             : TargetKind::Other;
 }
 
-// The constant is read behind one coefficient per variable, even if variables share coefficients. A
+// The constant is read after one coefficient per variable, even if variables share coefficients. A
 // model of neither a probability nor a prediction needs none.
 void readBetas(HtmlModel &model) {
     const XmlNode &root = model.document.root;

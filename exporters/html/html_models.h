@@ -23,6 +23,6 @@ struct HtmlModel {
 std::vector<HtmlModel> readModels(const QString &modelPath);
 
 // Reads the regression and the probability table of each model. Prints a message and returns false
-// if the regression of a model lacks one of its variables. Records too short an array as a problem
-// of its document. Does not read tables after the one that ends the script.
+// if the regression of a model lacks one of its variables. Records arrays that are too short as
+// problems of their documents. Does not read tables after the one that ends the script.
 bool readRegressions(std::vector<HtmlModel> &models);
