@@ -43,7 +43,7 @@ def answers(models, row, slides=False):
     given = []
     for field, v in {v.field: v for _, _, v in found}.items():
         cell = row[field]
-        slid = slides and not v.categorical and cell.isdecimal() and v.cuts[0] <= float(cell) <= v.cuts[-1]
+        slid = slides and not v.categorical and cell.isdecimal() and v.bounds[0] <= float(cell) <= v.bounds[-1]
         text = str(v.category(cell)) if v.categorical else "" if cell == "0" and not slid else cell or None
         given.append([names[field], text, "range_" if slid else "value_"])
     return given

@@ -53,8 +53,8 @@ class ScoresAndFindingsTest(CheckedTest):
                 if variable.categorical:
                     cells = [*variable.positions, "unseen", "", " "] + [f"\t\v{v} \f" for v in variable.positions]
                 else:
-                    beside = [math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, math.inf)]
-                    cells = [repr(v) for v in [*variable.cuts, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
+                    beside = [math.nextafter(bound, way) for bound in variable.bounds for way in (-math.inf, math.inf)]
+                    cells = [repr(v) for v in [*variable.bounds, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
                     cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", f"0.{0:0400}1", f"1{0:0400}e-5"]
                     cells += [" 7 ", "007", ".5", "5.", "1e", "--1", "+-1", "+"]
                 rows += [{**first, variable.field: cell} for cell in cells]

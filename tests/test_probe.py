@@ -32,8 +32,8 @@ class ProbeTest(CheckedTest):
             if variable.categorical:
                 self.assertIn(0, {variable.category(cell) for cell in cells - {""}}, "an unlisted value")
                 continue
-            cuts = {math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, cut, math.inf)}
-            self.assertLessEqual(cuts | set(variable.missing), {float(cell or "nan") for cell in cells})
+            bounds = {math.nextafter(bound, way) for bound in variable.bounds for way in (-math.inf, bound, math.inf)}
+            self.assertLessEqual(bounds | set(variable.missing), {float(cell or "nan") for cell in cells})
             self.assertFalse([cell for cell in cells if "e" in cell])
 
     def test_examples(self):

@@ -58,7 +58,7 @@ class VbaTest(CheckedTest):
         """Of two variables of a column, the later one colours it."""
         for example in [CREDIT, CLAIMS]:
             cells = {v.field: 5 * [None] if v.categorical else
-                     [v.cuts[0] - 1, v.cuts[0], v.cuts[-1], v.cuts[-1] + 1, None] for v in example.model.variables}
+                     [v.bounds[0] - 1, v.bounds[0], v.bounds[-1], v.bounds[-1] + 1, None] for v in example.model.variables}
             colours = [5 * [None] if values[0] is None else [BELOW, WITHIN, WITHIN, ABOVE, EMPTY]
                        for values in cells.values()]
             result = self.run_module(self.convert("-e", example.text), list(cells), list(zip(*cells.values())))
