@@ -33,7 +33,7 @@ using Operands = std::array<QString, 3>;
 
 struct Option {
     QStringView name;
-    std::size_t leastOperands; // with fewer, the usage text is printed
+    std::size_t leastOperands; // fewer print the usage
     std::size_t mostOperands;  // further ones are ignored
     int (*convert)(const Operands &operands);
 };
@@ -52,7 +52,7 @@ int runOption(const std::vector<QString> &arguments) {
         if (arguments.size() < 2 || arguments[1] != option.name || given < option.leastOperands)
             continue;
         Operands operands;
-        operands.fill(u""_s); // a null text would be an argument that is not valid
+        operands.fill(u""_s); // null stands for invalid UTF-8
         for (std::size_t i = 0; i < std::min(given, option.mostOperands); ++i) {
             operands[i] = arguments[2 + i];
             if (operands[i].isNull()) {

@@ -9,9 +9,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// Arguments are UTF-8; the text is null if the argument is not valid UTF-8.
+// Null if the argument is not valid UTF-8.
 QString decodeArgument(const char *argument) {
-    // A stateless decoder reports a truncated sequence at the end as an error, too.
+    // Only a stateless decoder reports a truncated sequence at the end as an error.
     QStringDecoder utf8(QStringDecoder::Utf8,
                         QStringDecoder::Flag::ConvertInitialBom | QStringDecoder::Flag::Stateless);
     const QString text = utf8(QByteArrayView(argument));
@@ -27,8 +27,8 @@ int main(int argc, char **argv) {
         for (int i = 0; i < argc; ++i) arguments.push_back(decodeArgument(argv[i]));
         return arguments;
     });
-    // All files are closed. Skips Qt's static destructors; the operating system reclaims the memory
-    // (benchmarks/costs.md: "leaving through main").
+    // Skips Qt's static destructors; all files are closed, and the operating system reclaims the
+    // memory (benchmarks/costs.md: "leaving through main").
     if constexpr (SCOREWRIGHT_LEAVES_AT_ONCE) {
         std::fflush(stdout);
         std::_Exit(status);

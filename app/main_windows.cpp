@@ -1,6 +1,6 @@
 #include "app/driver.h"
 
-// Arguments are not validated: even one with half a surrogate pair may name a file.
+// Arguments are not validated: even half a surrogate pair may be part of a file name.
 int wmain(int argc, wchar_t **argv) {
     return runCommandLine([&] {
         std::vector<QString> arguments;

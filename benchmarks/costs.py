@@ -49,9 +49,9 @@ ALTERNATIVES = {
          "        static std::deque<QString> strings;\n"
          "        variable.cleanField = strings.emplace_back(cleanName(variable.field, replaced));\n"),
         (RECODINGS, "= makeRecodingName(variable);",
-         '= strings.emplace_back(QStringLiteral("R%1_%2").arg(position).arg(variable.cleanField).left(31));')],
+         '= strings.emplace_back(QStringLiteral("R%1_%2").arg(index).arg(variable.cleanField).left(31));')],
     "fields without missing codes": [
-        (RECODINGS, "            if (!isListed) {\n                dictionary.positions.erase(name);\n            } else if",
+        (RECODINGS, "            if (!isListed) {\n                dictionary.indexes.erase(name);\n            } else if",
          "            if"),
         (RECODINGS, "insert_or_assign(name, dictionary.lists.size() - 1)",
          "insert_or_assign(name, isListed ? dictionary.lists.size() - 1 : 0)")],

@@ -8,7 +8,7 @@ void putBanner(TextBuffer &out, const ModelDocument &document, std::span<const V
           {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
         put(out, banner.before, variable.cleanField, u"  <->  ", variable.recodingName,
-            banner.behind);
+            banner.after);
     }
     put(out, banner.end);
 }

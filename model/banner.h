@@ -4,16 +4,16 @@
 #include "model/recodings.h"
 #include "model/text_buffer.h"
 
-// What one target writes: a fixed text with the places version, file and count; what stands before
-// and behind the names of each variable; and a fixed text at the end.
+// One target's banner: a fixed text with the placeholders version, file and count; the texts around
+// the names of each variable; and a fixed text at the end.
 struct BannerText {
     QStringView head;
     QStringView before;
-    QStringView behind;
+    QStringView after;
     QStringView end;
 };
 
-// Names the workbench's version, the file, the number of variables, and each column with the name
+// Shows the workbench's version, the file, the number of variables, and each column with the name
 // of its recoding.
 void putBanner(TextBuffer &out, const ModelDocument &document, std::span<const Variable> variables,
                const BannerText &banner);

@@ -1,6 +1,6 @@
-// The next occurrence of each kind of tag is kept, and the first of these is the next tag of the
-// canvas. To move on, only the kind of the current tag is searched: in total, the canvas is read
-// once per kind.
+// Keeps the next occurrence of each kind of tag; the first of these is the next tag of the canvas.
+// Moving on searches for the kind of the current tag only, so that the canvas is read once per kind
+// in total.
 #include "model/canvas_tags.h"
 
 #include "platform/platform.h"
@@ -18,8 +18,8 @@ constexpr std::array<QStringView, tagKinds> openings = {
     u"[QRV_GRAPHICS",    u"[QRV_ANSWER",        u"[QRV_SUBMIT",       u"[QRV_STRING_UNKNOWN",
     u"[QRV_STRING_TRUE", u"[QRV_STRING_FALSE",  u"[QRV_STRING_SUBMIT"};
 
-constexpr TagKind kindAt(std::size_t position) {
-    return static_cast<TagKind>(position);
+constexpr TagKind kindAt(std::size_t index) {
+    return static_cast<TagKind>(index);
 }
 
 bool isBlank(QChar c) {
@@ -49,14 +49,14 @@ std::optional<int> wholeNumber(QStringView text) {
     return static_cast<int>(number);
 }
 
-// The end of the value found last; values that start before it end there too.
+// The end of the value found last. Values that start before it end there too.
 struct ValueEnd {
     qsizetype position = -1; // of its "/" or "]"
-    qsizetype trimmed = -1;  // of the blanks before that
+    qsizetype trimmed = -1;  // of the first blank before that
 };
 
-// The value at `at`, without the blanks around it. Its end is searched only if it was not found for
-// an earlier value: otherwise unclosed tags before a long text would take quadratic time.
+// The value at `at`, without the blanks around it. Reuses the end found for an earlier value:
+// searching for it again would take quadratic time for unclosed tags before a long text.
 QStringView readValue(QStringView canvas, qsizetype at, ValueEnd &end) {
     const qsizetype start = skipBlanks(canvas, at);
     if (end.position < start) {
@@ -68,7 +68,6 @@ QStringView readValue(QStringView canvas, qsizetype at, ValueEnd &end) {
     return canvas.sliced(start, std::max(end.trimmed, start) - start);
 }
 
-// Warns with the opening of the tag and its position if the value is not a number.
 int numberOrWarn(const CanvasTags &tags, QStringView value, QStringView warning, TagKind kind) {
     const std::optional<int> number = wholeNumber(value);
     if (!number && tags.warn) {
@@ -77,7 +76,7 @@ int numberOrWarn(const CanvasTags &tags, QStringView value, QStringView warning,
     return number.value_or(0);
 }
 
-void takeValue(CanvasTags &tags, TagKind kind, QStringView value) {
+void storeValue(CanvasTags &tags, TagKind kind, QStringView value) {
     switch (kind) {
     case TagKind::Question:
         tags.questionNumber = numberOrWarn(
@@ -145,7 +144,7 @@ void scanTag(CanvasTags &tags, TagKind kind) {
         if (tag.start < 0) return;
         from = tag.start + opening.size();
         if (hasValue(kind)) {
-            takeValue(tags, kind, readValue(tags.canvas, from, valueEnd));
+            storeValue(tags, kind, readValue(tags.canvas, from, valueEnd));
             tag.end = closingEnd(tags.canvas, valueEnd.position);
         } else {
             tag.end = closingEnd(tags.canvas, skipBlanks(tags.canvas, from));

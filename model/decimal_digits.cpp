@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-static_assert(std::endian::native == std::endian::little, "digits are put together in words");
+static_assert(std::endian::native == std::endian::little, "digits are combined in words");
 
 #ifdef __SIZEOF_INT128__
 
@@ -16,7 +16,7 @@ __extension__ using Wide = unsigned __int128;
 using Word = std::uint64_t;
 
 constexpr int mostDigits = 16;
-constexpr int leastExponent = -4; // decimal, of a number written without exponent
+constexpr int leastExponent = -4; // decimal; smaller numbers are written with an exponent
 
 template <std::size_t size>
 constexpr std::array<Word, size> powersOf(Word base) {
@@ -27,19 +27,19 @@ constexpr std::array<Word, size> powersOf(Word base) {
 constexpr auto powersOfFive = powersOf<mostDigits - leastExponent>(5);
 constexpr auto powersOfTen = powersOf<mostDigits + 1>(10);
 
-// The smallest double of each decimal exponent, from leastExponent on. The powers of ten below 1
-// are not exact, but each constant is the smallest double that is not below its power.
+// The smallest double of each decimal exponent, from leastExponent on. Powers of ten below 1 are
+// inexact, but each constant is the smallest double not below its power.
 constexpr double leastOfExponent[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0,  1e1,  1e2,  1e3,  1e4,  1e5,
                                       1e6,  1e7,  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 // floor(log10(value)) for 1e-4 <= value < 1e15.
 int decimalExponent(double value, int binaryExponent) {
-    // The exponent of the power of two below the value, or one less.
+    // The decimal exponent of the power of two below the value, or one less.
     const int estimate = (binaryExponent * 1233 >> 12) - leastExponent;
     return estimate + leastExponent + (value >= leastOfExponent[estimate + 1] ? 1 : 0);
 }
 
-// The eight digits of a number below 10^8 in the bytes of a word, the first in the lowest byte.
+// The eight digits of a number below 10^8, one per byte, the first in the lowest byte.
 Word eightDigits(Word number) {
     const Word fours = number / 10000 | number % 10000 << 32;
     const Word hundreds = (fours * 10486 >> 20 & 0x7F0000007F);
@@ -48,7 +48,7 @@ Word eightDigits(Word number) {
     return tens | (twos - 10 * tens) << 8;
 }
 
-// Writes a number of 16 digits with a point behind the first `exponent + 1` of them, but without
+// Writes a number of 16 digits with a point after the first `exponent + 1` of them and without
 // trailing zeros. Returns the number of characters.
 int storeDigits(Word number, int exponent, char *text) {
     const Word first = eightDigits(number / 100000000);
@@ -56,7 +56,7 @@ int storeDigits(Word number, int exponent, char *text) {
     const int count = last != 0 ? 16 - std::countl_zero(last) / 8 : 8 - std::countl_zero(first) / 8;
     constexpr Word zeros = 0x3030303030303030;
     const Wide digits = Wide(last | zeros) << 64 | (first | zeros);
-    // Below 1 the digits follow "0." and zeros. Both cases take the same steps, since a branch
+    // Below 1, the digits follow "0." and zeros. Both cases take the same steps, because a branch
     // would often be mispredicted.
     const int whole = std::max(exponent + 1, 0);
     const int start = exponent < 0 ? 1 - exponent : 0;
@@ -92,7 +92,7 @@ int exactDigits(double value, int digits, char *text) {
     const Word dropped = low << (64 - shift);
     const Word rounded = down + (dropped + (down & 1) > half ? 1 : 0);
     const Word number = rounded * powersOfTen[static_cast<std::size_t>(mostDigits - digits)];
-    if (number == powersOfTen[mostDigits]) return 0; // rounded up to one digit more
+    if (number == powersOfTen[mostDigits]) return 0; // rounded up to a power of ten
     *text = '-';
     const int sign = bits >> 63 ? 1 : 0;
     return sign + storeDigits(number, exponent, text + sign);

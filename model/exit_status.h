@@ -1,7 +1,6 @@
-// The exit statuses of the program.
+// The exit statuses that several exporters return.
 #pragma once
 
-// Those that several exporters return.
 enum ExitStatus {
     exitSuccess = 0,
     exitCannotOpenOutput = 6,

@@ -1,5 +1,5 @@
-// Hash tables by texts and by the numbers of variables. Qt's containers terminate on allocation
-// failure; these throw bad_alloc. Their seeds differ from run to run, so that nobody can craft a
+// Hash tables keyed by text or by a variable's number. Qt's containers terminate on allocation
+// failure; these throw bad_alloc. The seeds differ from run to run, so that nobody can craft a
 // document whose keys all collide.
 #pragma once
 
@@ -19,6 +19,6 @@ using NumberTable = std::unordered_map<int, Value, HashOfNumber>;
 struct HashOfText {
     std::size_t operator()(QStringView text) const { return hashText(text); }
 };
-// Text is QString, or QStringView for a table that ends before the texts do.
+// Text is QString, or QStringView if the texts outlive the table.
 template <typename Text, typename Value>
 using TextTable = std::unordered_map<Text, Value, HashOfText>;

@@ -1,5 +1,5 @@
 // The tree is the model: readers return views into it and decoded arrays. All arrays are decoded in
-// one buffer and copied from there to where they are aligned.
+// one buffer, then copied to aligned memory.
 #include "model/model_document.h"
 
 #include "model/exit_status.h"
@@ -12,11 +12,11 @@
 
 using namespace Qt::Literals::StringLiterals;
 
-static_assert(std::endian::native == std::endian::little, "arrays are copied as they are");
+static_assert(std::endian::native == std::endian::little, "arrays are copied byte by byte");
 
 namespace {
 
-// Zeros instead of the numbers behind padding would silently change the model.
+// Padding inside an array leaves zeros, which would silently change the model.
 void requireWhole(ModelDocument &document, const XmlNode &owner, QStringView array,
                   std::size_t whole, std::size_t promised) {
     if (whole >= promised) return;
@@ -25,7 +25,7 @@ void requireWhole(ModelDocument &document, const XmlNode &owner, QStringView arr
                                       QString::number(promised)));
 }
 
-// The whole numbers of an array. Bytes behind the last of them are ignored.
+// Ignores the bytes after the last complete number.
 template <typename Number>
 std::vector<Number> decodeArray(ModelDocument &document, const XmlNode &owner, QStringView array) {
     const XmlNode node = owner.childNode(array);
@@ -89,7 +89,7 @@ QString describe(const XmlNode &node) {
 
 QString problemMessage(const QString &fileName, const QString &problem) {
     QString message = u"Cannot convert model '%1': %2."_s.arg(fileName, problem);
-    // A name may contain line ends, but the message is one line.
+    // Names may contain line ends, but the message is one line.
     for (const char16_t lineEnd : {u'\n', u'\r'}) message.replace(lineEnd, u' ');
     return message + u'\n';
 }
@@ -118,7 +118,7 @@ void requireNumbers(ModelDocument &document, const XmlNode &owner, QStringView a
 std::vector<double> readNumbers(ModelDocument &document, const XmlNode &owner, QStringView array,
                                 std::size_t needed) {
     std::vector<double> values = decodeArray<double>(document, owner, array);
-    if (values.empty()) { // or they stand in the place of their text already
+    if (values.empty()) { // maybe decoded over their text by an earlier call
         const std::span<const double> decoded = decodeNumbers(document, owner, array);
         values.assign(decoded.begin(), decoded.end());
     }

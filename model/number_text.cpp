@@ -1,4 +1,4 @@
-// std::to_chars with a precision writes exactly what printf's %g writes, but in any locale.
+// With a precision, std::to_chars writes what printf's %g writes, regardless of the locale.
 #include "model/number_text.h"
 
 #include "model/decimal_digits.h"

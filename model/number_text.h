@@ -12,16 +12,16 @@ struct NumberText {
     std::string_view view() const { return {characters, static_cast<std::size_t>(size)}; }
 };
 
-// The text that printf("%.*g", digits, value) gives in the C locale, for 1 to 17 digits. Negative
-// zero keeps its sign.
+// What printf("%.*g", digits, value) writes in the C locale, for 1 to 17 digits. Negative zero
+// keeps its sign.
 NumberText generalNumber(double value, int digits);
 
 // Model numbers (scores, bounds, coefficients, probabilities): 16 significant digits.
 NumberText modelNumber(double value);
 
-// Counts and positions.
+// Counts and indexes.
 NumberText integerText(std::int64_t value);
 
-// Numbers as a plain text stream writes them: 6 significant digits and an
-// exponent of at least three digits, as in 1e+006.
+// The default format of a text stream: 6 significant digits and an exponent of at least three
+// digits, as in 1e+006.
 NumberText streamNumber(double value);

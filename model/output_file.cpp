@@ -1,11 +1,11 @@
-// UTF-16 is written from where it is in memory. UTF-8 is converted piece by piece, which saves the
-// memory of a second copy of the whole text.
+// Writes UTF-16 straight from memory. Converts to UTF-8 piece by piece, which avoids a second copy
+// of the whole text.
 #include "model/output_file.h"
 
 #include <algorithm>
 #include <bit>
 
-static_assert(std::endian::native == std::endian::little, "UTF-16 texts are written as they are");
+static_assert(std::endian::native == std::endian::little, "UTF-16 is written straight from memory");
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 enum class OutputEncoding { Utf16, Utf8 }; // UTF-16 is little-endian
 
-// A file that is open for writing; without a stream there is no file.
+// A file that is open for writing; no file if the stream is null.
 struct OutputFile {
     struct Close {
         void operator()(std::FILE *opened) const { std::fclose(opened); }
@@ -17,15 +17,14 @@ struct OutputFile {
     OutputEncoding encoding = OutputEncoding::Utf16;
 };
 
-// Whether the text ends in the first half of a surrogate pair, which cannot be converted without
-// the second.
+// Whether the text ends in the first half of a surrogate pair, which cannot be converted alone.
 inline bool endsInHalfPair(QStringView text) {
     return !text.isEmpty() && text.back().isHighSurrogate();
 }
 
-// Appends the text to the file. Write errors are ignored here: an exporter's status is 0 even when
-// the disk fills up, which is a documented contract.
+// Appends the text to the file. Ignores write errors: by documented contract, an exporter's status
+// is 0 even if the disk fills up.
 void writeText(const OutputFile &file, QStringView text);
 
-// Closes the file; false if anything could not be written.
+// Closes the file; false if any write failed.
 bool isClosed(OutputFile &file);

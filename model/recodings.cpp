@@ -11,7 +11,7 @@
 
 namespace {
 
-// Not counting the score of a missing value.
+// Excluding the score of missing values.
 std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
     if (scores == BooleanScores::Both || values > 5) return 2;
     return std::min<std::size_t>(values, 1);
@@ -20,13 +20,13 @@ std::size_t booleanScoresNeeded(std::size_t values, BooleanScores scores) {
 } // namespace
 
 std::size_t MissingDictionary::find(QStringView field) const {
-    const auto found = positions.find(field.isNull() ? QStringView(u"") : field);
-    return found == positions.end() ? 0 : found->second;
+    const auto found = indexes.find(field.isNull() ? QStringView(u"") : field);
+    return found == indexes.end() ? 0 : found->second;
 }
 
 // Decodes each list once, however many variables share it. Walks backwards, so that the first field
-// of a name wins. A field without a list then simply erases the entry, so that the table need not
-// hold such fields (benchmarks/costs.md: "fields without missing codes").
+// of a name wins; a field without a list then simply erases the entry, which keeps such fields out
+// of the table (benchmarks/costs.md: "fields without missing codes").
 MissingDictionary readMissingDictionary(ModelDocument &document) {
     const XmlNode parent = document.root.childNode(u"DataDictionary");
     MissingDictionary dictionary{.owner = parent};
@@ -47,9 +47,9 @@ MissingDictionary readMissingDictionary(ModelDocument &document) {
             before = next;
             const QStringView name = field.attribute(u"name", &next);
             if (!isListed) {
-                dictionary.positions.erase(name);
+                dictionary.indexes.erase(name);
             } else if (!name.isNull()) {
-                dictionary.positions.insert_or_assign(name, dictionary.lists.size() - 1);
+                dictionary.indexes.insert_or_assign(name, dictionary.lists.size() - 1);
             }
         } while (next != before);
     }
@@ -58,7 +58,6 @@ MissingDictionary readMissingDictionary(ModelDocument &document) {
 
 namespace {
 
-// The values of a list.
 std::span<const QStringView> readValues(const XmlNode &modalities) {
     const auto most = static_cast<std::size_t>(modalities.childCount());
     if (most == 0) return {};
@@ -88,8 +87,7 @@ char16_t *allocateUnits(const XmlNode &node, qsizetype count) {
     return node.allocate<char16_t>(static_cast<std::size_t>(count));
 }
 
-// The field with "_" in place of each character of `replaced`; the field's own view if it has none
-// of them.
+// Returns the field's own view if no character is replaced.
 QStringView makeCleanField(const Variable &variable, QStringView replaced) {
     const QStringView name = variable.field;
     const auto isReplaced = [&](QChar c) {
@@ -104,13 +102,13 @@ QStringView makeCleanField(const Variable &variable, QStringView replaced) {
 }
 
 QStringView makeRecodingName(const Variable &variable) {
-    const NumberText position = integerText(static_cast<std::int64_t>(variable.position));
+    const NumberText index = integerText(static_cast<std::int64_t>(variable.index));
     const QStringView field = variable.cleanField;
-    const qsizetype size = std::min(2 + position.size + field.size(), longestRecodingName);
+    const qsizetype size = std::min(2 + index.size + field.size(), longestRecodingName);
     char16_t *const name = allocateUnits(variable.node, size);
     char16_t *end = name;
     *end++ = u'R';
-    end = std::copy_n(position.characters, position.size, end);
+    end = std::copy_n(index.characters, index.size, end);
     *end++ = u'_';
     std::copy_n(field.utf16(), size - (end - name), end);
     return {name, size};
@@ -127,12 +125,12 @@ Variables &Variables::operator=(Variables other) noexcept {
     return *this;
 }
 
-// The list's own handles are released before the owner's, which may release the list's memory.
+// Releases the list's own handles before the owner's, which may free the memory of the list.
 Variables::~Variables() {
     std::ranges::destroy(list);
 }
 
-// Names are views rather than strings (benchmarks/costs.md: "names as strings").
+// Names are views, not strings (benchmarks/costs.md: "names as strings").
 Variables readVariables(ModelDocument &document, QStringView replaced) {
     const XmlNode parent = document.root.childNode(u"UnivModels");
     Variables variables;
@@ -140,10 +138,10 @@ Variables readVariables(ModelDocument &document, QStringView replaced) {
     variables.owner = parent;
     auto *const first = parent.allocate<Variable>(static_cast<std::size_t>(parent.childCount()));
     for (const XmlNode &node : parent.children(u"Model")) {
-        const std::size_t position = variables.size();
-        Variable &variable = *new (first + position) Variable;
-        variables.list = {first, position + 1};
-        variable.position = position;
+        const std::size_t index = variables.size();
+        Variable &variable = *new (first + index) Variable;
+        variables.list = {first, index + 1};
+        variable.index = index;
         readVariable(document, node, variable);
         variable.cleanField = makeCleanField(variable, replaced);
         variable.recodingName = makeRecodingName(variable);
@@ -152,7 +150,7 @@ Variables readVariables(ModelDocument &document, QStringView replaced) {
 }
 
 NumericRecoding Recodings::numeric(const Variable &variable) const {
-    const MissingCodes &missing = missingCodes[missingLists[variable.position]];
+    const MissingCodes &missing = missingCodes[missingLists[variable.index]];
     return {.x = variable.x, .y = variable.y, .missing = missing};
 }
 

@@ -1,5 +1,5 @@
-// The regression names a variable by its number, which is not its position, and which several
-// variables may share. Tables from numbers to variables or coefficients keep the search linear.
+// The regression refers to a variable by its number, which is not its index and which several
+// variables may share. Hash tables by number keep the search linear.
 #include "model/regression.h"
 
 #include <algorithm>
@@ -12,8 +12,8 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
     const std::vector<int> indexes = readIntegers(document, node, u"indexes");
     const XmlNode list = node.childNode(u"indexes");
     if (list.isEmpty() || (indexes.empty() && !list.text().isNull())) {
-        // An empty element is a regression without terms. An absent one, or a text without a whole
-        // number, would silently leave nothing but a constant.
+        // An empty element is a regression without terms. An absent one, or a text too short for
+        // one number, would silently reduce the score to the constant.
         noteProblem(document, u"RegressionModel: array 'indexes' is absent or holds no number"_s);
     }
     const bool hasConstant = constantTerm == ConstantTerm::Read;
@@ -29,22 +29,21 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
     regression.terms.reserve(indexes.size());
     for (std::size_t j = 0; j < indexes.size(); ++j) {
         const auto last = lastOfNumber.find(indexes[j]);
-        const int position = last == lastOfNumber.end() ? -1 : last->second;
-        regression.terms.push_back({betas[j], indexes[j], position});
+        const int index = last == lastOfNumber.end() ? -1 : last->second;
+        regression.terms.push_back({betas[j], indexes[j], index});
     }
     if (hasConstant) regression.constant = betas[indexes.size()];
     return regression;
 }
 
 QStringView recodingName(std::span<const Variable> variables, const RegressionTerm &term) {
-    if (term.position < 0) return {};
-    return variables[static_cast<std::size_t>(term.position)].recodingName;
+    if (term.index < 0) return {};
+    return variables[static_cast<std::size_t>(term.index)].recodingName;
 }
 
 void requireVariables(ModelDocument &document, const Regression &regression) {
-    const auto unmatched =
-        std::find_if(regression.terms.begin(), regression.terms.end(),
-                     [](const RegressionTerm &term) { return term.position < 0; });
+    const auto unmatched = std::find_if(regression.terms.begin(), regression.terms.end(),
+                                        [](const RegressionTerm &term) { return term.index < 0; });
     if (unmatched != regression.terms.end()) {
         noteProblem(document, u"RegressionModel: array 'indexes' holds %1, which is the number of "
                               "no model"_s.arg(unmatched->number));

@@ -11,14 +11,14 @@
 // variable.
 struct RegressionTerm {
     double coefficient;
-    int number;   // of the variable
-    int position; // of the last variable with that number; -1 if there is none
+    int number; // of the variable
+    int index;  // of the last variable with that number; -1 if no variable has it
 };
 struct Regression {
     std::vector<RegressionTerm> terms;
     double constant = 0;
 };
-// A constant that is left out is 0 and need not exist.
+// With LeftOut, the constant is 0 and the document need not contain it.
 enum class ConstantTerm { Read, LeftOut };
 Regression readRegression(ModelDocument &document, std::span<const Variable> variables,
                           ConstantTerm constantTerm = ConstantTerm::Read);
@@ -26,17 +26,17 @@ Regression readRegression(ModelDocument &document, std::span<const Variable> var
 // The name of the recoding that a term multiplies; empty if the term has no variable.
 QStringView recodingName(std::span<const Variable> variables, const RegressionTerm &term);
 
-// Notes a problem if a term has no variable; for targets that would not run without its name.
+// Records a problem if a term has no variable; for targets whose code would not run without one.
 void requireVariables(ModelDocument &document, const Regression &regression);
 
-// The coefficient of each variable: that of the last term with the variable's number. Notes a
+// The coefficient of each variable: that of the last term with the variable's number. Records a
 // problem if a variable has no term; its coefficient is then 0.
 std::vector<double> variableCoefficients(ModelDocument &document,
                                          std::span<const Variable> variables,
                                          const Regression &regression);
 
-// Scores in decreasing order and their probabilities. If the document has a table, it has at least
-// one point.
+// The points of the probability table: scores in decreasing order and their probabilities. A table
+// that exists has at least one point.
 struct ProbabilityTable {
     bool exists = false;
     std::vector<double> x;
@@ -44,7 +44,7 @@ struct ProbabilityTable {
 };
 ProbabilityTable readProbabilityTable(ModelDocument &document);
 
-// Scores above `threshold` (and not above that of the segment before) have the probability
+// Scores above `threshold` and up to that of the previous segment have the probability
 // intercept + score * slope.
 struct ProbabilitySegment {
     double threshold;
@@ -53,8 +53,8 @@ struct ProbabilitySegment {
 };
 // The segment between points i and i - 1 of the table, whose scores differ.
 ProbabilitySegment probabilitySegment(const ProbabilityTable &table, std::size_t i);
-// Calls write(segment) for each segment down to the last point of the table, or to the last but
-// one. Two points with the same score have no segment between them.
+// Calls write(segment) for each segment from the highest score down, with or without the one that
+// ends at the table's last point. Two points with the same score have no segment between them.
 enum class LastSegment { Written, LeftOut };
 template <typename Write>
 void forEachSegment(const ProbabilityTable &table, LastSegment lastSegment, Write write) {
@@ -64,5 +64,5 @@ void forEachSegment(const ProbabilityTable &table, LastSegment lastSegment, Writ
     }
 }
 
-// Whether, without a table, the logistic function of the score is the probability.
+// Whether the logistic function of the score is the probability if there is no table.
 bool hasLogisticProbability(const ModelDocument &document);

@@ -1,5 +1,4 @@
-// Settings are attributes of the root element, and the comment is its text. All are read before the
-// first is checked.
+// Settings are attributes of the root element, and the comment is its text.
 #include "model/sql_configuration.h"
 
 #include "model/model_document.h"
@@ -19,7 +18,7 @@ enum ConfigurationStatus {
     exitBadConfiguration = 10,
 };
 
-// Messages about absent settings. By contract they have no line end.
+// Messages about absent settings; by contract without a line feed.
 constexpr char16_t sqlNoInputFile[] =
     u"Error: cannot convert model: no XML model to convert! ('inputFile' field is empty or mising)";
 constexpr char16_t sqlNoOutputFile[] =

@@ -1,4 +1,4 @@
-// The file that says what SQL to write, and of which model.
+// The configuration file: which model to convert to SQL, and how.
 #pragma once
 
 #include "xml/xml_node.h"
@@ -9,12 +9,12 @@
 
 struct ModelDocument;
 
-// The settings, with the values that they have where the file leaves them out.
+// The settings, with their defaults.
 struct SqlConfiguration {
     QString inputFile;  // the model document
     QString outputFile; // the script
     QString inputTable;
-    QString keyName; // empty: the model's own key
+    QString keyName; // if empty, the model's own key
     QString prediction = QStringLiteral("Predictions");
     QString predictionTable;
     QString schemaName;
@@ -28,42 +28,42 @@ struct SqlConfiguration {
     QString odbcLink;
     QString odbcLogin;
     QString odbcPassword;
-    QString comment; // the text of the file; each line after the first begins as a comment
+    QString comment; // the file's text, with "-- " before each line but the first
 };
 
-// The name of a setting in the file, and where its value goes: one of the two, the other is null.
+// The name of a setting in the file, and the member that stores it; the other member is null.
 struct SqlSetting {
     QStringView name;
     QString SqlConfiguration::*text;
     bool SqlConfiguration::*flag;
 };
 
-// All settings. The file is read by this table, and any other name in it is unknown.
+// All settings; any other name in the file is unknown.
 std::span<const SqlSetting> sqlSettings();
 
-// What a configuration file says. It can be used if there is no message.
+// A configuration file. It is usable if the message is empty.
 struct SqlConfigurationFile {
     SqlConfiguration configuration;
     XmlNode root;    // the element "Model2SQL"; empty if the file cannot be read
     int status = 0;  // the exit status of a conversion with this file
-    QString message; // ends with a line end only if the file cannot be read
+    QString message; // ends with a line feed only if the file cannot be read
 };
 
-// Reads the file and checks that it has the settings that have no default. The status is 1, 2, 3
-// or 5 without an input file, output file, input table or prediction table, and 10 for a file that
-// gives a parse error or warning.
+// Reads the file and checks that it has the settings without a default. The status is 1, 2, 3 or 5
+// without an input file, output file, input table or prediction table, and 10 for a parse error or
+// warning.
 SqlConfigurationFile readSqlConfiguration(const QString &fileName);
 
-// --- What follows from the settings
+// --- Derived from the settings
 
-// The column that identifies a row: that of the setting, else the model's own, else "id".
+// The column that identifies a row: the setting's, else the model's own, else "id".
 QString keyColumn(const SqlConfiguration &configuration, const ModelDocument &document);
 
-// Whether the script goes through a temporary table; `mapsScores`: it makes probabilities of scores
-// by the model's table.
+// Whether the script uses a temporary table; `mapsScores`: the model's probability table maps the
+// scores.
 inline bool usesTemporaryTable(const SqlConfiguration &configuration, bool mapsScores) {
     return mapsScores && configuration.useTmpTable;
 }
 
-// The table for the scores, if there is one; without its schema, and before it is cut.
+// The name of the temporary table, without its schema and before it is truncated.
 QString temporaryTableName(const SqlConfiguration &configuration);

@@ -22,7 +22,7 @@ constexpr SqlQuoting brackets = SqlQuoting::Brackets;
 constexpr bool yes = true;
 constexpr bool no = false;
 
-// The last one stands for all names that are not in the table.
+// The last one is for all other names.
 // clang-format off
 constexpr SqlDialect dialects[] = {
     // name              score  column  text   quoting  name    digits  proba-  distri-  makes  collects    reader  reads    ANSI    comment  may   pads

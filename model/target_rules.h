@@ -1,7 +1,6 @@
-// What targets do with the names, types and lists of a document. An exporter follows these rules,
-// and the companion asks for the same ones to say what the generated code does. Rules of SQL's
-// settings and dialects stand in sql_configuration.h and sql_dialect.h, those of a canvas in
-// canvas_tags.h.
+// How targets treat the names, types and lists of a document: rules that the exporters follow and
+// that the companion uses to predict what the generated code does. Rules of SQL's settings and
+// dialects are in sql_configuration.h and sql_dialect.h, those of a canvas in canvas_tags.h.
 #pragma once
 
 #include <QStringView>
@@ -15,34 +14,34 @@ inline constexpr std::size_t targetCount = 5;
 
 // --- Names
 
-// The characters that become "_" in the names of columns and of the target column, since the
-// target's code cannot hold them. Missing codes are looked up by the name that results. The Python
-// package has the same list (REPLACED in python/scorewright/document.py).
+// The characters that become "_" in column names, because the generated code cannot contain them.
+// Missing codes are looked up by the resulting name. The Python package has the same list (REPLACED
+// in python/scorewright/document.py).
 QStringView replacedCharacters(Target target);
 
-// The longest name of a recoding, in UTF-16 units; the rest is cut off.
+// The longest name of a recoding, in UTF-16 units; longer names are truncated.
 inline constexpr qsizetype longestRecodingName = 31;
 
 // --- SAS
 
-// Whether there is SAS code for recodings of this type. A document with any other is rejected.
+// Whether SAS code can be generated for this type of recoding. Documents with others are rejected.
 bool sasSupports(QStringView type);
 
-// Whether SAS compares the values of a list as numbers, written without quotes: if all of them
-// consist of digits and full stops only. False for an empty list.
+// Whether the values of a list are written without quotes, so that SAS compares them as numbers: if
+// all consist of digits and full stops only. False for an empty list.
 bool sasComparesNumbers(std::span<const QStringView> values);
 
 // --- HTML
 
-// Whether a page shows a list of this many categories as a drop-down list rather than as radio
-// buttons, and whether its script reads it as one.
+// Whether a page shows a list of this many categories as a drop-down list, not as radio buttons,
+// and whether its script reads it as one.
 constexpr bool htmlShowsList(std::size_t categories) {
     return categories >= 5;
 }
 constexpr bool htmlReadsList(std::size_t categories) {
     return categories >= 6;
 }
-// A list that is read as radio buttons scores as unknown. Existing pages do so.
+// A drop-down list that is read as radio buttons scores as missing. Existing pages do so.
 constexpr bool htmlMisreadsList(std::size_t categories) {
     return htmlShowsList(categories) && !htmlReadsList(categories);
 }

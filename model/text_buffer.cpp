@@ -1,5 +1,5 @@
-// A buffer with a file holds little more than one block, which stays in the processor's cache while
-// it is filled and written. A buffer in memory doubles its capacity as it grows.
+// A buffer with a file holds little more than one block, which stays in the processor's cache. A
+// buffer in memory doubles its capacity as it grows.
 #include "model/text_buffer.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ constexpr qsizetype blockSize = 1 << 17;
 } // namespace
 
 TextBuffer::TextBuffer(qsizetype expected) {
-    // Memory costs nothing until it is touched. If there is not enough, the buffer grows later.
+    // Untouched memory costs nothing. If the allocation fails, the buffer grows later.
     static_cast<void>(resize(expected));
 }
 
@@ -30,9 +30,9 @@ bool TextBuffer::resize(qsizetype newCapacity) {
     return true;
 }
 
-// In UTF-16, each write ends at the end of a block of the file, so that the system never handles a
-// page twice. In UTF-8, the first half of a surrogate pair is kept, to be converted together with
-// the second.
+// In UTF-16, each write ends at a block boundary of the file, so that the system handles each page
+// once. In UTF-8, the first half of a surrogate pair waits for the second, since it cannot be
+// converted alone.
 void TextBuffer::writeBlock() {
     const bool isUtf16 = file.encoding == OutputEncoding::Utf16;
     const qsizetype kept = isUtf16 ? (position + used) % blockSize : endsInHalfPair(text()) ? 1 : 0;
@@ -48,7 +48,7 @@ void TextBuffer::enlarge(qsizetype count) {
         writeBlock();
         if (count <= capacity - used) return;
     }
-    // A block, and room for the piece that crosses its end.
+    // A block, and room for a piece that crosses its end.
     if (!resize(std::max({blockSize + longestPiece, 2 * capacity, used + count}))) {
         throw std::bad_alloc();
     }
@@ -61,7 +61,7 @@ void TextBuffer::close() {
 }
 
 void put(TextBuffer &out, const NumberText &number) {
-    // Copies a block of fixed size, which needs no loop (benchmarks/costs.md: "numbers by a loop").
+    // A fixed size needs no loop (benchmarks/costs.md: "numbers by a loop").
     constexpr qsizetype block = 32;
     static_assert(block <= std::size(NumberText().characters));
     char16_t *const room = out.extend(block);
@@ -80,14 +80,14 @@ void put(TextBuffer &out, const EscapedText &escaped) {
     put(out, rest);
 }
 
-void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places) {
+void fill(TextBuffer &out, QStringView text, std::initializer_list<Placeholder> placeholders) {
     for (qsizetype open = text.indexOf(u'$'); open >= 0; open = text.indexOf(u'$')) {
         const qsizetype close = text.indexOf(u'$', open + 1);
         const QStringView name = text.sliced(open + 1, close - open - 1);
-        const auto *const place = std::ranges::find(places, name, &Place::name);
-        assert(place != places.end());
+        const auto *const found = std::ranges::find(placeholders, name, &Placeholder::name);
+        assert(found != placeholders.end());
         put(out, text.first(open));
-        std::visit([&](const auto &value) { put(out, value); }, place->value);
+        std::visit([&](const auto &value) { put(out, value); }, found->value);
         text = text.sliced(close + 1);
     }
     put(out, text);

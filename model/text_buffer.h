@@ -1,13 +1,13 @@
-// The output of an exporter, and the two ways of appending to it: put for lines, fill for fixed
-// texts with places.
+// The output of an exporter, and the two ways to append to it: put for values, fill for fixed texts
+// with placeholders.
 //
 //     put(out, u"   else ", name, u"=", score, u";\n");
 //
-// appends its pieces from left to right. A piece is a UTF-16 literal or any other text, a double
-// (written as a model number), an integer, a NumberText, or a text with its quotes escaped.
+// appends its pieces from left to right. A piece is a UTF-16 literal or another text, a double
+// (written as a model number), an integer, a NumberText, or an EscapedText.
 //
-// A buffer with a file writes one block after the other and needs no more memory than one block;
-// without a file, the whole text stays in memory.
+// A buffer with a file writes block by block and needs the memory of one block; without a file, the
+// whole text stays in memory.
 #pragma once
 
 #include "model/number_text.h"
@@ -26,19 +26,19 @@
 class TextBuffer {
 public:
     TextBuffer() = default;
-    // A buffer in memory with room for `expected` units; it may grow beyond that.
+    // A buffer in memory with room for `expected` units; grows if necessary.
     explicit TextBuffer(qsizetype expected);
     TextBuffer(const TextBuffer &) = delete;
     TextBuffer &operator=(const TextBuffer &) = delete;
 
-    // The text that was appended and is not yet in a file.
+    // The appended text that is not yet in a file.
     QStringView text() const { return {units, used}; }
 
-    // Allocates one block, unless the buffer has memory already.
+    // Allocates one block unless the buffer already has memory.
     void reserveBlock() {
         if (capacity == 0) enlarge(1);
     }
-    // Everything that was and will be put into the buffer goes to the file.
+    // Directs everything in the buffer, now and later, to the file.
     void writeTo(OutputFile opened) { file = std::move(opened); }
     // Writes the rest to the file and closes it.
     void close();
@@ -59,14 +59,14 @@ private:
     void writeBlock();
 
     OutputFile file;
-    qsizetype position = 1; // of the first unit in a UTF-16 file, which begins with a mark
+    qsizetype position = 1; // of the first unit in a UTF-16 file; the byte-order mark is at 0
     MemoryBlock block;
     char16_t *units = nullptr; // in the block
     qsizetype used = 0;
     qsizetype capacity = 0;
 };
 
-// A text that is appended with a backslash before every `quote`.
+// Appended with a backslash before every `quote`.
 struct EscapedText {
     QStringView text;
     char16_t quote;
@@ -77,8 +77,8 @@ inline EscapedText escapeQuotes(QStringView text) {
     return {text, u'"'};
 }
 
-// Longer texts are appended in pieces of this size, in units, so that a buffer with a file never
-// grows beyond its block, however long a name is.
+// In units. Longer texts are appended in pieces of this size, so that a buffer with a file never
+// grows beyond its block.
 constexpr qsizetype longestPiece = 1 << 14;
 
 template <std::size_t size>
@@ -110,14 +110,14 @@ void put(TextBuffer &out, const First &first, const Second &second, const Rest &
     (put(out, rest), ...);
 }
 
-// A place in a fixed text, and the value that replaces it.
-struct Place {
+// The name of a placeholder, and the value that replaces it.
+struct Placeholder {
     QStringView name;
     std::variant<QStringView, std::ptrdiff_t, double> value;
 };
 
-// Appends a fixed text with its places filled. A place is a name between two "$", and must be one
-// of `places`; their values are never searched for places:
+// Appends a fixed text with its placeholders replaced. A placeholder is a name between two "$" and
+// must be one of `placeholders`, whose values are not searched for placeholders:
 //
 //     fill(out, u"Dim $recoding$ As Double\n", {{u"recoding", name}});
-void fill(TextBuffer &out, QStringView text, std::initializer_list<Place> places);
+void fill(TextBuffer &out, QStringView text, std::initializer_list<Placeholder> placeholders);

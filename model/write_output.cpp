@@ -5,7 +5,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out) {
-    out.reserveBlock(); // while the file still has its content
+    out.reserveBlock(); // out of memory must not empty the file
     OutputFile file;
     file.stream.reset(openFile(fileName, FileUse::Write));
     file.encoding = encoding;
@@ -16,7 +16,7 @@ int openOutput(const QString &fileName, OutputEncoding encoding, TextBuffer &out
     const QByteArrayView mark = encoding == OutputEncoding::Utf16 ? "\xFF\xFE" : "\xEF\xBB\xBF";
     const auto size = static_cast<std::size_t>(mark.size());
     std::FILE *const stream = file.stream.get();
-    // Flushed, since an error of a full device would else show only when the file is closed.
+    // Without a flush, a full device would be detected only when the file is closed.
     if (std::fwrite(mark.data(), 1, size, stream) != size || std::fflush(stream) != 0) {
         printText(u"Cannot write to file '%1'.\n"_s.arg(fileName));
         return exitCannotWriteOutput;

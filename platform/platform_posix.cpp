@@ -1,5 +1,4 @@
-// Linux. File names and console texts are UTF-8. Documents in 8-bit text come from Western
-// machines.
+// Linux. File names and console output are UTF-8. 8-bit documents come from Western machines.
 #include "platform/platform.h"
 
 #include <QStringEncoder>
@@ -15,7 +14,6 @@
 
 namespace {
 
-// Writes all bytes; false on an error.
 bool writeWhole(int file, QByteArrayView bytes) {
     while (!bytes.isEmpty()) {
         const ssize_t written = write(file, bytes.data(), static_cast<std::size_t>(bytes.size()));
@@ -26,8 +24,8 @@ bool writeWhole(int file, QByteArrayView bytes) {
 }
 
 // Copies a pipe to a file in memory, which has a size, and closes the pipe. The first read does not
-// block, because it waits forever if no process ever opens the other end; the reads after it wait
-// for the writer. Returns -1 if there is nothing to read.
+// block, because without a process at the other end it would wait forever; later reads wait for the
+// writer. Returns -1 if there is nothing to read.
 int readPipe(int pipe) {
     const int file = memfd_create("pipe", MFD_CLOEXEC);
     std::array<char, 1 << 16> buffer{};
@@ -52,7 +50,7 @@ int readPipe(int pipe) {
 std::FILE *openFile(const QString &fileName, FileUse use) {
     const QByteArray path = fileName.toUtf8();
     if (QString::fromUtf8(path) != fileName)
-        return nullptr; // half a surrogate pair would name another file
+        return nullptr; // half a surrogate pair would select another file
     const bool isInput = use == FileUse::Read;
     const int flags = isInput ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC;
     int file = open(path.constData(), flags | O_NONBLOCK | O_CLOEXEC, 0666);
@@ -67,7 +65,7 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
     if (isKnown && (!isInput || S_ISREG(status.st_mode) || S_ISCHR(status.st_mode))) {
         fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK);
         stream = fdopen(file, isInput ? "rb" : "wb");
-        // Outputs are written in large blocks, which stdio buffering would only re-chunk.
+        // Outputs are written in large blocks, which buffering would only split.
         if (stream && !isInput) std::setvbuf(stream, nullptr, _IONBF, 0);
     }
     if (!stream) close(file);
@@ -86,7 +84,7 @@ std::int64_t fileSize(std::FILE *file) {
     return fstat(fileno(file), &status) == 0 ? status.st_size : 0;
 }
 
-// Most units of UTF-16 text in Western languages have a zero high byte; 8-bit text has no zeros.
+// Most units of Western UTF-16 text have a zero high byte; 8-bit text has no zeros.
 bool isUtf16Text(QByteArrayView bytes) {
     if (bytes.startsWith("\xFF\xFE")) return true;
     if (bytes.startsWith("\xFE\xFF") || bytes.startsWith("\xEF\xBB\xBF")) return false;
@@ -96,8 +94,8 @@ bool isUtf16Text(QByteArrayView bytes) {
     return narrow > bytes.size() / 4;
 }
 
-// Windows-1252, the code page of the machines where model documents in 8-bit text are written. Its
-// five unused bytes become the control characters of the same value.
+// Windows-1252, the code page of the machines that write 8-bit model documents. Its five unused
+// bytes become the control characters of the same value.
 char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
     static constexpr char16_t from80to9F[] = {
         0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -110,7 +108,7 @@ char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
     return text;
 }
 
-// Large pages save most of the page faults of a large document.
+// Large pages avoid most of a large document's page faults.
 MemoryBlock allocateBlock(std::size_t bytes) {
 #ifdef MADV_HUGEPAGE
     constexpr std::size_t largePage = 1 << 21;

@@ -1,4 +1,4 @@
-// Windows. The system decides what is UTF-16, what the code page is and what a console shows.
+// Windows. The system detects UTF-16, chooses the code page and writes to the console.
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 namespace {
 
 bool showOnConsole(HANDLE console, QStringView text) {
-    constexpr qsizetype most = 8192; // units; a call with far more may show nothing
+    constexpr qsizetype most = 8192; // units; far more in one call may show nothing
     bool isShown = true;
     while (isShown && !text.isEmpty()) {
         qsizetype size = std::min(most, text.size());
@@ -28,7 +28,7 @@ bool showOnConsole(HANDLE console, QStringView text) {
 
 } // namespace
 
-// Never blocks: a pipe without a server cannot be opened, and a pipe with one is rejected, because
+// Never blocks: a pipe without a server cannot be opened; one with a server is rejected, because
 // reading it might never end.
 std::FILE *openFile(const QString &fileName, FileUse use) {
     const bool isInput = use == FileUse::Read;
@@ -42,7 +42,7 @@ std::FILE *openFile(const QString &fileName, FileUse use) {
 
 bool isSameFile(const QString &a, const QString &b) {
     const std::filesystem::path one(a.toStdWString());
-    std::error_code problem; // a file that does not exist is no other
+    std::error_code problem; // ignored: a nonexistent file is not the same file
     return std::filesystem::is_regular_file(one, problem) &&
            std::filesystem::equivalent(one, b.toStdWString(), problem);
 }
@@ -51,8 +51,8 @@ std::int64_t fileSize(std::FILE *file) {
     return std::max<std::int64_t>(_filelengthi64(_fileno(file)), 0);
 }
 
-// The system's test, by which users' files have always been read. Its errors are known: it mistakes
-// some short 8-bit texts for UTF-16, and looks only at the beginning of long ones.
+// The system's own test, for compatibility. It mistakes some short 8-bit texts for UTF-16 and
+// examines only the beginning of long ones.
 bool isUtf16Text(QByteArrayView bytes) {
     const auto size = std::min<qsizetype>(bytes.size(), INT_MAX - 1);
     return IsTextUnicode(bytes.data(), static_cast<int>(size), nullptr);
@@ -62,7 +62,7 @@ char16_t *decodeAnsi(QByteArrayView bytes, char16_t *text) {
     if (bytes.isEmpty()) return text;
     if (bytes.size() > INT_MAX) return nullptr;
     const auto size = static_cast<int>(bytes.size());
-    // If UTF-8 is the system's code page, the flag for composed characters is an error.
+    // With UTF-8 as code page, the flag for composed characters would be an error.
     const DWORD flags = GetACP() == CP_UTF8 ? 0 : MB_PRECOMPOSED;
     auto *const wide = reinterpret_cast<wchar_t *>(text);
     const int units = MultiByteToWideChar(CP_ACP, flags, bytes.data(), size, wide, size);
@@ -78,8 +78,8 @@ void ReleaseMemory::operator()(std::byte *block) const {
     std::free(block);
 }
 
-// Bypasses the runtime library, which would write line feeds as two characters and show on a
-// console only the characters of its 8-bit code page. False unless all of the text was written.
+// Bypasses the runtime library, which would expand line feeds and show only the characters of the
+// 8-bit code page on a console. False unless all of the text was written.
 static bool print(HANDLE output, QStringView text) {
     DWORD mode = 0;
     if (GetConsoleMode(output, &mode)) return showOnConsole(output, text);

@@ -1,19 +1,19 @@
-"""What the engine tests share: the example rows, and holding results for them against the model with scorewright-check,
-whose counts of deviations are to be those of the independent scorer."""
+"""Shared by the engine tests: the example rows, and comparing their results with the model by scorewright-check, whose
+counts of deviations must match those of the independent scorer."""
 
 import json
 import re
 import subprocess
 from pathlib import Path
 
-from support import EXAMPLES, PROGRAM, ProgramTest, mapping  # which is where Python then finds the next one
+from support import EXAMPLES, PROGRAM, ProgramTest, mapping  # puts the next one on Python's path
 import score
 
 CHECK = str(Path(PROGRAM).with_name("scorewright-check"))
 
 
 class Example:
-    """An example model and its rows, in which '' is a missing cell. Its table ends after some points."""
+    """An example model and its rows, in which '' is a missing cell. `points` truncates its probability table."""
 
     def __init__(self, name, points=None):
         self.path = EXAMPLES / name / f"{name}.ModelXml"
@@ -26,7 +26,7 @@ class Example:
 
 
 CREDIT, CLAIMS = Example("credit", 29), Example("claims")
-# 97 applicants are between the last two points of that table, and 210 below them.
+# The scores of 97 applicants are between the last two points of that table, and those of 210 below them.
 LOWEST = {"lowest-segment": sum(CREDIT.model.segment(CREDIT.model.score(row)) == "last" for row in CREDIT.rows)}
 
 
@@ -42,13 +42,13 @@ class CheckedTest(ProgramTest):
         found = json.loads(printed)
         compared = found.get("comparison", {})
         is_unexplained = any(compared.get(name) for name in ["unexplained", "missing", "extra", "repeated"])
-        touched = {finding["name"] for finding in found["findings"] if finding.get("rows", 1)} | {*compared.get("explained", {})}
-        self.assertEqual(status, 3 if is_unexplained else 1 if touched else 0)
+        affecting = {finding["name"] for finding in found["findings"] if finding.get("rows", 1)} | {*compared.get("explained", {})}
+        self.assertEqual(status, 3 if is_unexplained else 1 if affecting else 0)
         return found
 
     def assert_explained(self, target, rows, names, results, explained, *more, path="model.ModelXml", tolerance=1e-12):
-        """Results of a target, each the row's number and the named numbers, are as the model says but for the last bits
-        of the arithmetic, which engines order as they like, and but for so many rows as deviations explain."""
+        """Compares the results of a target, each a row's number and the named numbers, with the model. They may differ
+        by the rounding of another order of arithmetic, and in as many rows as `explained` has for each deviation."""
         for name, table in {"rows": [["key", *rows[0]], *([i, *row.values()] for i, row in enumerate(rows))],
                             "results": [["key", *names.split()], *results]}.items():
             self.write(name, "".join(",".join(map(str, row)) + "\n" for row in table))

@@ -18,9 +18,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// Numbers near the ends of the way without std::to_chars and far from it: any bits, few decimals,
-// ties, and what stands beside a power of ten.
-TEST(NumberText, IsThatOfTheStandardLibrary) {
+// Numbers within, at the limits of and outside the fast path: any bits, few decimals, ties, and
+// neighbours of powers of ten.
+TEST(NumberText, MatchesTheStandardLibrary) {
     std::vector<double> values = {0.0,    -0.0,    1e18 + 1, 9999999999999999.0, 3504133338402688.5,
                                   5e-324, 1.5e308, -1e100,   HUGE_VAL,           -HUGE_VAL};
     std::mt19937_64 random(1);
@@ -45,7 +45,7 @@ TEST(NumberText, IsThatOfTheStandardLibrary) {
     }
 }
 
-TEST(NumberText, OfTheStreamHasSixDigitsAndALongExponent) {
+TEST(NumberText, OfStreamsHasSixDigitsAndALongExponent) {
     const std::pair<double, const char *> cases[] = {
         {-999.5, "-999.5"},  {1e6, "1e+006"}, {1.5e-07, "1.5e-007"}, {1234567, "1.23457e+006"},
         {-1e100, "-1e+100"}, {0, "0"},        {1e-05, "1e-005"},     {999999.4, "999999"}};
@@ -72,8 +72,8 @@ QByteArray written(OutputEncoding encoding, QStringView text, qsizetype pieceSiz
     return QByteArray::fromStdString(bytes);
 }
 
-// Pairs stand across the ends of blocks, and half a pair at the end of the text.
-TEST(TextBuffer, WritesBlocksAsIfTheyWereOneText) {
+// Surrogate pairs cross the ends of blocks, and the text ends with half a pair.
+TEST(TextBuffer, WritesBlocksAsOneText) {
     for (const qsizetype shift : {0, 1}) {
         const QString text =
             QString(shift, u'x') + QString(u"\U0001D11E"_s).repeated(200000) + QChar(0xD834);
@@ -83,8 +83,8 @@ TEST(TextBuffer, WritesBlocksAsIfTheyWereOneText) {
     }
 }
 
-// The sanitizer sees memory that is used after its document.
-TEST(Variables, KeepTheirDocument) {
+// The sanitizer detects use of memory after its release.
+TEST(Variables, KeepTheirDocumentAlive) {
     std::ofstream(path) << "<QRV_Model><UnivModels><Model field='a b'/><Model field='c d'>"
                            "<y>AAAAAAAA8D8=</y></Model></UnivModels></QRV_Model>";
     Variables kept;
@@ -93,7 +93,7 @@ TEST(Variables, KeepTheirDocument) {
         std::filesystem::remove(path);
         const Variables first = readVariables(document, u"b");
         kept = readVariables(document, u" ");
-        // An array that was read with the variables is there again.
+        // An array that was decoded with the variables can be read again.
         EXPECT_EQ(readNumbers(document, kept[1].node, u"y", 1), std::vector<double>{1});
         EXPECT_EQ(first[1].y.data(), kept[1].y.data());
         EXPECT_EQ(first[0].recodingName, u"R0_a _");
@@ -107,7 +107,7 @@ TEST(Variables, KeepTheirDocument) {
     EXPECT_TRUE(readVariables(none, {}).empty());
 }
 
-// Fused, product and difference would round once, to ...125.
+// A fused multiply-add would round once, to ...125.
 TEST(ProbabilitySegments, RoundProductAndDifferenceSeparately) {
     EXPECT_EQ(probabilitySegment({true, {3, 0.3}, {0.9, 0.1}}, 1).intercept, 0.011111111111111127);
 }

@@ -14,13 +14,13 @@ from pathlib import Path
 import uno
 from com.sun.star.beans import PropertyValue
 
-# What takes the place of LibreOffice's own: without a screen a message box returns at once and its text is lost; and
-# finding workbook and sheet takes longer than reading the cell.
-STAND_INS = """
+# Replace LibreOffice's own: without a screen, a message box returns immediately and loses its text; and finding
+# workbook and sheet takes longer than reading the cell.
+REPLACEMENTS = """
 Function MsgBox(text, Optional buttons, Optional title)
   messagesShown = messagesShown & title & ": " & text & Chr(10)
 End Function
-Sub StartAnew()
+Sub PrepareModule()
   Dim sheets(1 To 2) As Object
   Set sheets(1) = ThisWorkbook.Worksheets(1)
   Set sheets(2) = ThisWorkbook.Worksheets(2)
@@ -28,42 +28,42 @@ Sub StartAnew()
   tdAllModels(1).isInitialized = False
 End Sub
 """
-# Everything in one call, since each from here takes a millisecond, and with addresses, since ranges cannot be passed.
+# One call does everything, since each takes a millisecond, and receives addresses, since ranges cannot be passed.
 CALL = """Option VBASupport 1
 Function CallModule(sheet As String, titles As String, rows, table As String)
-  StartAnew
+  PrepareModule
   Set cells = ThisWorkbook.Worksheets("Data")
   Set titleRow = cells.Range(titles)
   Dim scores(rows - 1)
   For r = 1 To rows
     scores(r - 1) = QorvPrediction_1(sheet, titleRow, titleRow.Offset(r, 0))
   Next r
-  StartAnew
+  PrepareModule
   On Error Resume Next
   QorvCheckRange_1 sheet, titleRow, cells.Range(table)
   CallModule = Array(scores, Err.Number, messagesShown)
 End Function
 """
-# The scores of all rows, the error that stopped the range macro or 0, for each row checked the colour of each cell or
-# None, and the lines of the messages shown.
+# The scores of all rows, the error that stopped the range macro or 0, the colour or None of each cell in the checked
+# rows, and the lines of the messages.
 Result = namedtuple("Result", "scores failure colours messages")
 
 
 def adapt(module):
-    """What of the module is rewritten, in memory, for LibreOffice; everything else runs as it was generated.
+    """Adapts the generated module to LibreOffice, in two respects only:
 
     - LibreOffice cannot ReDim an array that belongs to a record: a plain array is dimensioned and assigned.
-    - The stand-ins are added. Assigning a record copies it in Excel, so that the slot is never written and each call
-      starts anew; LibreOffice makes both names one record, so that the titles stay found from row to row."""
+    - The replacements are added. In Excel, assigning a record copies it, so the slot is never written and each call
+      searches for the titles again; in LibreOffice, both names refer to one record, which keeps them."""
     module, redims = re.subn(r"ReDim td\.indexes\((\d+)\)( As Integer)?",
                              r"ReDim plainIndexes(\1) As Integer : td.indexes = plainIndexes", module)
     assert redims == 4, f"{redims} ReDim found"
     return ("Option VBASupport 1\nType Workbook\n  Worksheets\nEnd Type\n"
-            "Public messagesShown As String, ActiveWorkbook As Workbook\n" + module + STAND_INS)
+            "Public messagesShown As String, ActiveWorkbook As Workbook\n" + module + REPLACEMENTS)
 
 
 def start(test):
-    """The desktop of a LibreOffice with a profile of its own, which ends with the tests."""
+    """The desktop of a LibreOffice with its own profile, which ends with the tests."""
     profile = tempfile.mkdtemp(prefix="spreadsheet")
     pipe = Path(profile).name
     process = subprocess.Popen(["soffice", "--headless", "--norestore", "--nodefault",
@@ -71,7 +71,7 @@ def start(test):
                                start_new_session=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def stop():
-        with contextlib.suppress(Exception):  # the connection may break while the office ends; killing is the answer
+        with contextlib.suppress(Exception):  # the connection may break while the office ends; it is killed below
             desktop.terminate()
             process.wait(30)
         with contextlib.suppress(ProcessLookupError):
@@ -82,7 +82,7 @@ def start(test):
     test.addClassCleanup(stop)
     local = uno.getComponentContext().ServiceManager
     resolver = local.createInstance("com.sun.star.bridge.UnoUrlResolver")
-    while True:  # until there is an answer, or the time of the whole test is over
+    while True:  # until LibreOffice answers or the test times out
         try:
             context = resolver.resolve(f"uno:pipe,name={pipe};urp;StarOffice.ComponentContext")
             desktop = context.ServiceManager.createInstanceWithContext("com.sun.star.frame.Desktop", context)
@@ -94,8 +94,8 @@ def start(test):
 def run(desktop, module, titles, rows, sheet="Data", last_title=None):
     """Scores a table on the second sheet, "Data", with its titles in C2, D2, ..., and checks up to five of its rows.
 
-    rows: a number, text, truth value or None (an empty cell) for each title; last_title: where the title row is said to
-    end."""
+    rows: a number, text, truth value or None (an empty cell) for each title; last_title: the end of the title row
+    that is passed to the module."""
     properties = [PropertyValue(Name="Hidden", Value=True), PropertyValue(Name="MacroExecutionMode", Value=4)]
     document = desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0, tuple(properties))
     document.Sheets.insertNewByName("Data", 1)

@@ -1,4 +1,4 @@
-"""What the tests of the SQL script share: its configuration, and running the program on it."""
+"""Shared by the tests of SQL scripts: the configuration, and running the program with it."""
 
 from xml.sax.saxutils import quoteattr
 
@@ -19,7 +19,7 @@ class SqlProgramTest(ProgramTest):
         return self.run_program("-s", self.write("c.xml", text))
 
     def sql(self, model, comment="", **settings):
-        """The script of a model document, which is given as text."""
+        """The script for a model document given as text."""
         self.write("model.ModelXml", model)
         self.assertEqual(self.run_configuration(configuration(comment, **settings)), (0, "Conversion successful!\n"))
         return self.read("out")

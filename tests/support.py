@@ -1,4 +1,4 @@
-"""What the tests of the program share: running it, and the small documents that it is given."""
+"""Shared by the tests of the program: running it, and small documents."""
 
 import os
 import resource
@@ -12,7 +12,7 @@ from xml.sax.saxutils import quoteattr
 TESTS = Path(__file__).resolve().parent
 EXAMPLES = TESTS.parent / "examples"
 PROGRAM = os.environ.get("SCOREWRIGHT", str(TESTS.parent / "build-release" / "scorewright"))
-# A program for Windows has a script of its name beside it that runs it here.
+# Beside a program for Windows, a script without the suffix runs it here.
 FOR_WINDOWS = Path(PROGRAM + ".exe").exists()
 BANNER = "Qorv Model Exportation v1.07\n=============================\n"
 
@@ -25,7 +25,7 @@ def not_on_windows(reason):
 
 
 class ProgramTest(unittest.TestCase):
-    """A test in a folder of its own, where the program is run too, so that messages hold short names."""
+    """Runs the program in a folder of its own, so that messages contain short names."""
 
     maxDiff = None
 
@@ -35,9 +35,8 @@ class ProgramTest(unittest.TestCase):
         self.folder = Path(folder.name)
 
     def run_program(self, *arguments, memory=None, limit=None, stdin=None):
-        """The exit status and what was printed after the banner. `stdin` goes through a pipe. The program calls `limit`
-        before it starts. It fails when it asks for more bytes of memory, but not under the address sanitizer or wine, which
-        reserve more than any limit allows."""
+        """The exit status and the output after the banner. `stdin` goes through a pipe; `limit` is called in the child
+        process. `memory` is a limit in bytes, not set under the address sanitizer and wine, which reserve more."""
         if memory is not None and not FOR_WINDOWS and b"__asan_init" not in Path(PROGRAM).read_bytes():
             limit = lambda: resource.setrlimit(resource.RLIMIT_AS, (memory, memory))  # noqa: E731
         run = subprocess.run([PROGRAM, *arguments], cwd=self.folder, capture_output=True, timeout=120, preexec_fn=limit,
@@ -52,7 +51,7 @@ class ProgramTest(unittest.TestCase):
         return name
 
     def convert(self, option, document, output="out", *more):
-        """Converts the text of a document, and returns the output's text without its mark."""
+        """Converts a document given as text; returns the output without its byte-order mark."""
         self.write("model.ModelXml", document)
         status, printed = self.run_program(option, "model.ModelXml", output, *more)
         self.assertEqual((status, printed), (0, "" if option == "-p" else "Conversion successful!\n"))
@@ -66,7 +65,7 @@ class ProgramTest(unittest.TestCase):
         return data[3:].decode("utf-8")
 
     def assert_golden(self, name, text):
-        """Golden files are kept in UTF-8 and were read by eye; SCOREWRIGHT_GOLDEN=write makes them anew."""
+        """Golden files are in UTF-8 and reviewed by eye; SCOREWRIGHT_GOLDEN=write overwrites them."""
         path = TESTS / "golden" / name
         if os.environ.get("SCOREWRIGHT_GOLDEN") == "write":
             path.parent.mkdir(exist_ok=True)
@@ -91,7 +90,7 @@ def mapping(table):
 
 
 def document(models, terms, constant, table=None, target="Bad Payer.x", method=None, missing=None, kind="T"):
-    """terms: (number, coefficient); table: (score, probability); missing: field name in the dictionary -> codes."""
+    """terms: (number, coefficient); table: (score, probability); missing: dictionary field -> codes."""
     fields = "".join(f'<DataField name={quoteattr(name)}><Missing>{doubles(codes)}</Missing></DataField>'
                      for name, codes in (missing or {}).items())
     return (f'<?xml version="1.0"?><QRV_Model><Header version="4.2.1"/><MetaData tkind="{kind}">'
@@ -108,7 +107,7 @@ CODES = {"n": [9]}
 
 
 def model(*changes, terms=((1, 1), (2, 1)), constant=0, kind="C", **more):
-    """A plain model with a numeric column and a list; `changes` take the place of its recodings."""
+    """A plain model with a numeric column and a list; `changes` replace its recodings."""
     recodings = [numeric(1, "n", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["a", "b"], [0, 1, 2])]
     recodings[:len(changes)] = [change or given for change, given in zip(changes, recodings)]
     return document([*recodings, *changes[2:]], list(terms), constant, **{"target": "y", "kind": kind, **more})
@@ -119,15 +118,15 @@ def boolean(values, scores=(0, 1, 2), number=2, name="c"):
 
 
 def terms_document(count):
-    """A regression of many terms over numeric models of one bound each."""
+    """A regression of many terms over numeric columns of one bound each."""
     models = [numeric(k, f"c{k}", [k], [0, k, -k]) for k in range(1, count + 1)]
     return document(models, [(k, k / 8) for k in range(1, count + 1)], 0.5)
 
 
-# Small documents that each exporter has a golden output for.
+# Small documents with golden outputs of each exporter.
 DOCUMENTS = {
-    # Every kind of model and name; two models of number 4, the later of which has the term; a table with two equal
-    # points and a flat segment.
+    # Every kind of recoding and name; two recodings of number 4, the later of which has the term; a probability table
+    # with two points of one score and a flat segment.
     "kinds": document(
         [
             numeric(1, "Age in.years", [18, 1e-05, 65.5], [0.1, -0.2, 1 / 3, 1 / 3, 0.5], label="Age (years)"),
@@ -140,24 +139,24 @@ DOCUMENTS = {
         ],
         [(7, 0.5), (4, -1.25), (1, 2), (3, 1e-13), (2, 1), (12, -10)], 1 / 3,
         table=[(3, 0.9), (2, 0.9), (2, 0.8), (1, 1 / 3), (-0.5, 0.25), (-2, 0.01)]),
-    # Lists of missing codes, and no table: one code, several, a list that decodes to none, none
-    # since the first field of two with one name counts.
+    # Missing codes, and no table: one code, several, a list that decodes to none, and none because the first of two
+    # fields with one name counts.
     "missing": document(
         [
             numeric(1, "one", [1, 2], [5, 6, 7, 8]),
             numeric(2, "many codes", [1, 2], [-5, 6, 6, 6]),
             numeric(3, "nothing", [0], [1, 2, 3]),
-            numeric(4, "none", [0, 0.5], [1, 2, 3, 4, 99]),  # a score more than bounds need
+            numeric(4, "none", [0, 0.5], [1, 2, 3, 4, 99]),  # one score too many
         ],
         [(1, 1), (2, 2), (3, 3), (4, 4)], -1,
         missing={"One": [-1], "many_codes": [-999.5, 1e6, 1.5e-07, 99], "many codes": [98, 97], "nothing": []},
         kind="C").replace("<Missing></Missing>", "<Missing>QQ==</Missing>").replace("</DataDictionary>", (
             f'<DataField name="NONE"/><DataField name="none"><Missing>{doubles([1])}</Missing></DataField>'
             "</DataDictionary>")),
-    # The logistic form, no target, and a coefficient after the constant.
+    # The logistic form, no target column, and a coefficient after the constant.
     "logistic": document([numeric(1, "a", [0, 1], [0, 1, 2, 3]), categorical(2, "b", ["x"], [0, 1])],
                          [(2, 0.5), (1, 1)], 0, target="", method="softmax").replace(
                              doubles([0.5, 1, 0]), doubles([0.5, 1, 0, 7])),
-    # No model at all.
+    # No recodings.
     "none": document([], [], 0.125, table=[(1, 0.75)]),
 }

@@ -1,4 +1,4 @@
-"""The HTML pages in Debian's Chromium: what they show for the answers given is held against the model."""
+"""The HTML pages in Debian's Chromium: compares what they show for given answers with the model."""
 
 import math
 import unittest
@@ -18,7 +18,7 @@ OWN_CANVAS = EXAMPLES / "credit" / "canvas.html"
 CANVAS = """[QRV_STRING_TRUE Yes]<p>[QRV_ANSWER 0] and [QRV_ANSWER 1] and [QRV_ANSWER 1]</p>
 <div style="position:relative;height:90px">[QRV_GRAPHICS]</div>[QRV_DYN_SCALE]<form name="QRVform">[QRV_ALL_QUESTIONS]
 [QRV_SUBMIT]</form><script>var QRVSpecifiedHistogramHeight = 80;</script>[QRV_SCRIPT]"""
-# Gives the answers of each case through the controls' own events, and returns the numbers and bars shown after it.
+# Enters the answers of each case through the controls' own events; returns the numbers and bars shown after it.
 WORK = """
 const fire = (element, name) => element.dispatchEvent(new Event(name, { bubbles: true }));
 const texts = (selector, read) => [...document.querySelectorAll(selector)].map(read);
@@ -36,21 +36,21 @@ return arguments[0].map(answers => {
 
 
 def answers(models, row, slides=False):
-    """[control, value or None, part of the control] for each field. Its control is that of the first variable found,
-    and of the last one's kind. Whole numbers within its range may go by slider; an empty field is 0."""
+    """[control, value or None, part of the control] for each field. The control has the name of the field's first
+    variable and the kind of its last one. Whole numbers within its range may use the slider; an empty field is 0."""
     found = sorted((place, i, v) for i, m in enumerate(models) for place, v in enumerate(m.variables))
     names = {v.field: f"m{i}_V{v.number}" for _, i, v in reversed(found)}
     given = []
     for field, v in {v.field: v for _, _, v in found}.items():
         cell = row[field]
-        slid = slides and not v.categorical and cell.isdecimal() and v.cuts[0] <= float(cell) <= v.cuts[-1]
+        slid = slides and not v.categorical and cell.isdecimal() and v.bounds[0] <= float(cell) <= v.bounds[-1]
         text = str(v.category(cell)) if v.categorical else "" if cell == "0" and not slid else cell or None
         given.append([names[field], text, "range_" if slid else "value_"])
     return given
 
 
 def lowest(model, rows):
-    """How many of the rows have no probability on a page."""
+    """The number of rows without a probability on a page."""
     return sum(model.score(row) <= model.table[-1][0] for row in rows)
 
 
@@ -75,17 +75,17 @@ class BrowserTest(CheckedTest):
         self.assertEqual(self.driver.get_log("browser"), [])
 
     def assert_shown(self, pages, rows, height=100, dynamic=False):
-        """Answers with the rows, and wants the numbers shown explained, and bars of their height. For each model of the
-        page its document, and how many rows deviations explain."""
+        """Enters the rows, and requires that the numbers shown are explained and the bars have their heights. `pages`:
+        document, model and explained rows of each model on the page."""
         models = [model for _, model, _ in pages]
         cases = [answers(models, row, slides=i % 2) for i, row in enumerate(rows)]
         changes = [[a for a in case if a not in last] for last, case in zip([[], *cases], cases)]
-        # Each control comes last now and then, so that nothing but it can have the result computed.
+        # Each control comes last now and then, so that its event alone must compute the result.
         changes = [case[i % 13:] + case[:i % 13] for i, case in enumerate(changes)]
         states = self.driver.execute_script(WORK, changes)
         numbers = [[float(text) / (100 if m.table else 1) for m, text in zip(models, texts)] for texts, _ in states]
         for (path, model, explained), found in zip(pages, zip(*numbers)):
-            # Three decimals are shown; the tolerance is relative to the costs, which are above 600.
+            # Pages show three decimals; the tolerance is relative to the costs, which exceed 600.
             self.assert_explained("html", rows, "probability" if model.table else "score", enumerate(found), explained,
                                   path=path, tolerance=0.00051 / (100 if model.table else 600))
         third = max(model.table[2][1] for model in models) if models[0].table else None
@@ -97,7 +97,7 @@ class BrowserTest(CheckedTest):
 
     def test_example_rows(self):
         self.open(self.write("m", CREDIT.text), OWN_CANVAS)
-        # Nothing is known at first, and a slider reaches the values above the last bound.
+        # At first, all values are unknown; a slider reaches the values above the last bound.
         row = dict.fromkeys(CREDIT.rows[0], "")
         for row["Time"], key in [("", Keys.SHIFT), ("55", Keys.END), ("17", Keys.HOME)]:
             self.find("#range_m0_V3").send_keys(key)
@@ -124,7 +124,7 @@ class BrowserTest(CheckedTest):
         model = score.load(self.folder / "b.ModelXml")
         rows = [{**row, "Extra": ["", "-3.5", "-1", "0.25", "7"][i % 5], "Place": "abcde"[i % 5]}
                 for i, row in enumerate(CREDIT.rows[::20])]
-        # A list of exactly five categories is read as unknown, whatever is chosen.
+        # A list of exactly five categories is always read as unknown.
         read = [{**row, "Place": ""} for row in rows]
         moved = sum(min(max(model.score(row), -2), 3) != min(max(model.score(other), -2), 3)
                     for row, other in zip(rows, read))
@@ -133,14 +133,14 @@ class BrowserTest(CheckedTest):
         self.open("list.Xml", self.write("canvas", CANVAS, "utf-8"))
         for dynamic in [False, True]:
             shown = self.assert_shown(pages, rows, 80, dynamic)
-            self.assertEqual({third for *_, third in shown}, {"0"})  # of two places with one name the first is filled
+            self.assertEqual({third for *_, third in shown}, {"0"})  # of two places with one name, the first is filled
             self.find("#scaleProba").click()
         bars = self.driver.find_elements(By.CLASS_NAME, "histogramBar")
         self.assertEqual([bar.value_of_css_property("background-color") for bar in bars],
                          ["rgba(255, 0, 0, 1)", "rgba(0, 255, 0, 1)"])
 
-    def test_a_visitor_works_the_controls(self):
-        """With mouse and keyboard, so the controls can be seen and reached."""
+    def test_a_visitor_uses_the_controls(self):
+        """With mouse and keyboard, so that the controls must be visible and reachable."""
         row = {**CREDIT.rows[0], "Age": "", "Marital": "", "Time": "60", "Income": "72.5", "Amount": "1000"}
         for canvas, highest in [("", "54"), (OWN_CANVAS, "55")]:
             self.open(CREDIT.path, canvas)
@@ -151,14 +151,14 @@ class BrowserTest(CheckedTest):
                 elif control.get_attribute("type") == "radio":
                     self.find(f"[name={name}][value='{text}']").click()
                 elif text is None:
-                    if canvas == "":  # else it is unknown already
+                    if canvas == "":  # the other canvas starts with unknown
                         control.click()
                 else:
                     control.send_keys(Keys.CONTROL, "a", Keys.NULL, text or Keys.BACKSPACE)
             self.find("#range_m0_V12").send_keys(Keys.ARROW_RIGHT)
             self.assertAlmostEqual(float(self.find("#m0_total_proba").text),
                                    100 * CREDIT.model.prediction({**row, "Amount": "1001"}), delta=0.00051)
-            # A slider goes as far as its range and in whole steps, and the field keeps what was typed.
+            # A slider clamps to its range and whole steps; the field keeps what was typed.
             parts = ["range_m0_V3", "value_m0_V3", "range_m0_V9", "value_m0_V9", "value_m0_V12"]
             self.assertEqual([self.find("#" + part).get_property("value") for part in parts],
                              [highest, "60", "73", "72.5", "1001"])

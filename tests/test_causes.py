@@ -1,4 +1,4 @@
-"""What scorewright-check says of a damaged deployment as a whole: each cause, and what only looks like it."""
+"""The causes that scorewright-check reports for a deployment as a whole, and near misses of each."""
 
 import csv
 import json
@@ -50,7 +50,7 @@ class CausesTest(CheckedTest):
         return [(score, probability(score)) for score in map(change, *zip(*[(score, *row) for (score, _), row in zip(self.meant, ROWS)]))]
 
     def test_causes(self):
-        """The cause that is told first, with its rows and words; without a name, none is told."""
+        """The first cause that is reported, with its rows and text; None without a cause."""
         meant = self.meant
         moved = [(score - 0.18 * (row[1] == "b"), p) for (score, p), row in zip(meant, ROWS)]
         both = ("score", "probability")
@@ -104,7 +104,7 @@ class CausesTest(CheckedTest):
                     self.assertIn(told["rows"], [expected[1], *[found["unexplained"], found["unexplained"] - 1, found["unexplained"] - 2] * (expected[1] is None)])
 
     def test_tolerance(self):
-        """Within a large tolerance, some numbers are right with any amount, and nearly all in another order."""
+        """Within a large tolerance, some numbers match with any amount, and nearly all in another order."""
         noise = [(s + (0.02 + i * 29 % 72 / 400) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
         self.assertEqual([cause["cause"] for cause in self.compare(noise, "--tolerance", "0.02", columns=["score"])["causes"]], ["key-column"])
         noise = [(s + (0.45 + i * 29 % 72 / 1000) * (-1) ** i, p) for i, (s, p) in enumerate(self.meant)]
@@ -113,7 +113,7 @@ class CausesTest(CheckedTest):
         self.assertEqual((moved["cause"], moved["rows"]), ("amount", 72))
 
     def test_keys(self):
-        """Keys that are written otherwise, a column that might be the key, and keys of results without a row."""
+        """Keys in another format, a column that may be the key, and keys of results without a row."""
         found = self.compare(self.meant, "--key", "id")
         self.assertEqual((found["missing"], found["extra"]), (72, 72))
         self.assertEqual([(cause["cause"], cause["rows"]) for cause in found["causes"]], [("key-text", 72)])
@@ -133,7 +133,7 @@ class CausesTest(CheckedTest):
         self.assertIn("without a result: 1 row: row 2, which has no key\n", printed)
 
     def test_summary(self):
-        """Of 72 rows, 70 are within 1e-6: one is off by 0.25, and one is no number."""
+        """Of 72 rows, 70 are within 1e-6: one is off by 0.25, and one is NaN."""
         results = [(s + 2e-7, p) for s, p in self.meant]
         results[3] = (results[3][0] + 0.25, results[3][1])
         results[5] = ('"1,5"', "n/a")
@@ -150,7 +150,7 @@ class CausesTest(CheckedTest):
             self.assertEqual([cells["kind"] for cells in self.compare(results)["unreadable"]], [kind], text)
 
     def test_differences(self):
-        """A file of every row that is not as the model says, and of no other, that can be joined again."""
+        """The file contains exactly the rows that differ from the model, and can be joined again."""
         results = dict(enumerate(self.meant))
         results[7] = (results[7][0] + 1 / 3, results[7][1])
         results[30] = ("", "")
@@ -171,7 +171,7 @@ class CausesTest(CheckedTest):
         self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows as the model says, 1 repeated\n"))
 
     def test_acceptance(self):
-        """Accepted findings and the rows that they explain count for nothing, others for a status of 1."""
+        """Accepted findings and the rows that they explain do not affect the status; others set it to 1."""
         results = [(score, 0 if -5 < score <= -1 else p) for score, p in self.meant]  # as the target computes the lowest segment
         self.write("results.csv", "score,probability\n" + "".join(f"{s},{p}\n" for s, p in results))
         call = ["m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sql", "--score", "score", "--probability", "probability"]

@@ -1,4 +1,4 @@
-"""The companion program: what it scores, finds and explains, held against the independent scorer and against engines."""
+"""The companion program: its scores, findings and explanations, compared with the independent scorer and engines."""
 
 import csv
 import math
@@ -53,8 +53,8 @@ class ScoresAndFindingsTest(CheckedTest):
                 if variable.categorical:
                     cells = [*variable.positions, "unseen", "", " "] + [f"\t\v{v} \f" for v in variable.positions]
                 else:
-                    beside = [math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, math.inf)]
-                    cells = [repr(v) for v in [*variable.cuts, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
+                    beside = [math.nextafter(bound, way) for bound in variable.bounds for way in (-math.inf, math.inf)]
+                    cells = [repr(v) for v in [*variable.bounds, *beside, *variable.missing, 1e308, -0.0, 5e-324]]
                     cells += ["", "ten", "nan", "-inf", "+1", "1e400", "1e-400", f"0.{0:0400}1", f"1{0:0400}e-5"]
                     cells += [" 7 ", "007", ".5", "5.", "1e", "--1", "+-1", "+"]
                 rows += [{**first, variable.field: cell} for cell in cells]
@@ -66,7 +66,7 @@ class ScoresAndFindingsTest(CheckedTest):
 
     def test_kinds_of_models(self):
         """Several terms of a number, equal points, bounds and points out of order, the logistic form; more cells than
-        are kept, and long ones that differ at their ends."""
+        are cached, and long ones that differ at their ends."""
         rows, long = self.folder / "rows.csv", [20 * "long" + end for end in "xy"]
         rows.write_text("n,c\n" + "".join(f"{n / 1000},{['a', 'b', 'z', ''][n % 4]}\n{n / 9e3},{long[n % 2]}\n"
                                          for n in range(-2000, 4000)))
@@ -79,7 +79,7 @@ class ScoresAndFindingsTest(CheckedTest):
             self.write("m.ModelXml", text, "utf-8")
             self.assert_scores(self.folder / "m.ModelXml", rows)
 
-    def test_findings_say_where(self):
+    def test_places_of_findings(self):
         self.write("m.ModelXml", model(numeric(1, "n", [1], [0, 1, 2]), categorical(2, "c", "abcde", [0, 1, 2, 3, 4, 5]),
                                        categorical(3, "yn", NO_YES, [0, 1, 2], tname="bb64"), terms=[(1, 1), (2, 1), (3, 1)]))
         self.write("s.xml", configuration(dbTpye="mysql", OUTPTFILE="x", colour="red", dbType="sqlservr"))
@@ -100,7 +100,7 @@ class ScoresAndFindingsTest(CheckedTest):
         self.assertEqual([f["name"] for f in only], ["single-bound", "five-categories", "percent-sign"])
 
     def test_titles_and_keys(self):
-        """A title is looked for with its blanks first; what stands in a key stands in the scores."""
+        """A title matches with its blanks first; keys are copied to the scores verbatim."""
         self.write("m.ModelXml", model(None, categorical(2, " n", ["a"], [0, 1])))
         keys = ["a,b", 'a"b', "a\nb", "a\rb", "", " é "]
         with open(self.folder / "rows.csv", "w", newline="") as file:
@@ -109,9 +109,9 @@ class ScoresAndFindingsTest(CheckedTest):
         with open(self.folder / "scores.csv", newline="") as file:
             self.assertEqual(list(csv.reader(file)), [["k", "score", "probability"], *([key, "3", ""] for key in keys)])
 
-    def test_files_as_they_come(self):
-        """The delimiter of each file shows in its title line, though titles hold others; decimal commas are read on request,
-        in numeric columns only, and where cells are between commas, full stops too."""
+    def test_file_formats(self):
+        """The header line of each file determines its delimiter, though titles contain others. Decimal commas are read on
+        request, in numeric columns only; full stops are then read too if the delimiter is a comma."""
         self.write("m.ModelXml", model(numeric(1, "n", [1, 2], [0, 10, 20, 30]), categorical(2, "c;, |", ["1,5"], [0, 1])))
         cells = [["n", "c;, |", "k"], ["1,5", "1,5", "x;y"], ["1.5", "1,5", ","], ["1.234,5", "1.5", "|"], ["7", "", "\t"]]
         plain, comma, either = ["1", "21", "0", "30"], ["21", "1", "0", "30"], ["21", "21", "0", "30"]
@@ -135,7 +135,7 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assertEqual(self.report("m.ModelXml", "--rows", "rows.csv", *more)["uneven"], uneven)
 
     def test_progress(self):
-        """The rows wait for results that come slowly, from a terminal; what they are told is erased at the end."""
+        """While results arrive slowly, the terminal shows the progress of the rows, which is erased at the end."""
         self.write("m.ModelXml", model())
         self.write("rows.csv", "n,c\n" + 20000 * "1,a bc\n", "utf-8")
         result = 20000 * b"2.000\n"
@@ -160,8 +160,8 @@ class ScoresAndFindingsTest(CheckedTest):
             for file in [typed, source, screen, error]:
                 os.close(file)
 
-    def test_status_and_what_is_printed(self):
-        """--show alone looks for nothing, and ends with 0 for any model."""
+    def test_status_and_output(self):
+        """--show alone reports no findings and returns 0 for any model."""
         self.write("m.ModelXml", model(kind="T"))
         shown = self.check("m.ModelXml", "--show")
         found = self.check("m.ModelXml")
@@ -173,7 +173,7 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assertEqual(self.check("m.ModelXml", "--show", *more), (1, shown[1] + "\n" + found[1], ""))
         self.write("good.ModelXml", model())
         self.assertEqual(self.check("good.ModelXml", "--target", "sas"), (0, "No findings\n", ""))
-        # A finding that touches no row does not count, but a file without rows dismisses none.
+        # A finding that affects no row does not count, unless the file has no rows.
         self.write("m.ModelXml", model(None, categorical(2, "c", ["True", "b"], [0, 1, 2])))
         for rows, status in [("n,c\n", 1), ("n,c\n1,b\n", 0)]:
             self.write("rows.csv", rows)
@@ -182,7 +182,7 @@ class ScoresAndFindingsTest(CheckedTest):
             self.write("s.xml", configuration(dbType=written))
             self.assertIn(f"'{written}'; {meant} is meant?\n", self.check("good.ModelXml", "--sql", "s.xml")[1])
 
-    def test_calls_that_are_refused(self):
+    def test_rejected_calls(self):
         self.write("m.ModelXml", model())
         for name, text in {"rows.csv": "n,x,x\n1,1,1\n", "good.csv": "n , c\n1,a\n", "open.csv": 'n,c\n1,"a\n',
                            "odd.csv": 'N \t"x\ny"\t' + "\t".join(99 * str(i % 10) for i in range(21)) + "\n", "kept.html": "x",
@@ -249,7 +249,7 @@ class ScoresAndFindingsTest(CheckedTest):
         self.assertEqual(self.report("m.ModelXml", "--rows", "rows.csv")["rows"], 1)
 
     def test_outputs_that_cannot_be_written(self):
-        """A file with several names would overwrite itself, and a full device takes nothing."""
+        """Inputs under another name, and a full device."""
         self.write("m.ModelXml", model())
         self.write("rows.csv", "n,c\n1,a\n", "utf-8")
         os.link(self.folder / "rows.csv", self.folder / "link.csv")
@@ -272,7 +272,7 @@ class DeploymentTest(CheckedTest):
         return self.report(path, "--rows", rows, "--missing", "NA", "--compare", results, "--target", target, *more)["comparison"]
 
     def test_faults_of_a_deployment(self):
-        """In what the Python class says of all applicants, which test_python.py explains."""
+        """Faults in the results of the Python class, which test_python.py explains without faults."""
         example = engines.CREDIT
         exec(self.convert("-p", example.text, "out", "M"), names := {})
         scoring = names["QORVModel_M"]()
@@ -296,7 +296,7 @@ class DeploymentTest(CheckedTest):
         self.assertAlmostEqual(sum(part["points"] for part in found["worst"][0]["contributions"])
                                + example.model.constant, found["worst"][0]["model"]["score"])
 
-        # A deployment that reads one column in place of another, and one that has lost one.
+        # A deployment that exchanges two columns, and one that lacks a column.
         for fault, wrong in {"Time and Age exchanged": frame.rename(columns={"Time": "Age", "Age": "Time"}),
                              "Seniority read as missing": frame.assign(Seniority=float("nan"))}.items():
             found = compare(scoring.apply(wrong))
@@ -312,7 +312,7 @@ class DeploymentTest(CheckedTest):
                          {"rows": 3, "equal": 3, "missing": 2, "extra": 1, "repeated": 3, "unexplained": 0})
         found = self.compare("m.ModelXml", "rows.csv", "results.csv", "python", "--score", "score")  # by position
         self.assertEqual((found["rows"], found["missing"], found["extra"]), (4, 1, 0))
-        # Each alone is told, which report() holds the status against.
+        # Each alone is reported; report() checks the status.
         for name, more_rows, more_results in [("missing", "y,1,a\n", ""), ("extra", "", "y,3\n"), ("repeated", "x,1,a\n", ""),
                                               ("repeated", "", "x,3\n"), ("none", "", "")]:
             self.write("rows.csv", "k,n,c\nx,1,a\n" + more_rows)
@@ -321,7 +321,7 @@ class DeploymentTest(CheckedTest):
             self.assertEqual([side for side in ["missing", "extra", "repeated"] if found[side]], [name] * (name != "none"))
 
     def test_single_rows(self):
-        """A result is explained by exactly these findings, or as the model says (None), or this is blamed (a text)."""
+        """Exactly these findings explain a result, or it matches the model (None), or this text is the suspicion."""
         five, six = categorical(2, "c", "abcde", [-5, 1, 1, 1, 1, 1]), categorical(1, "n", "abcdef", [0, 1, 2, 30, 4, 5, 6])
         alike = [numeric(i, name, [1], [0, 0, 10**i]) for i, name in enumerate(["a b", "a.b", "a-b"], start=1)]
         same = [numeric(i, name, [1, 2], [0, 1, 2, 3]) for i, name in enumerate("wxyz", start=1)]

@@ -1,14 +1,14 @@
-"""The README and the manual, held against the program. A fenced block is checked by its language and the comment
-before it:
+"""Compares the README and the manual with the program. The language of a fenced block and the comment before it
+determine the check:
 
 ```console                  what follows "$ " is run, and prints the lines below it
-<!-- from: credit.sas -->   the block's lines stand together in that file
+<!-- from: credit.sas -->   that file contains the block's lines, together
 <!-- file: score.py -->     the block is written to that file
 <!-- not run: reason -->    nothing checks it
 ```sh                       is not run
 
-Each page has a folder of its own with examples/ in it. Blocks are taken in order, excerpts after all others. "…" stands
-for any text of a line and, on a line of its own, for any lines."""
+Each page has its own folder with examples/ in it. Blocks are checked in order, excerpts after all others. "…" matches
+any text of a line and, on a line of its own, any lines."""
 
 import glob
 import os
@@ -32,7 +32,7 @@ BLOCK = re.compile(r"(?:<!-- (?P<mark>[^\n]*) -->\n)?^```(?P<language>\w*)\n(?P<
 
 
 def pattern(text):
-    """The regular expression of a text whose ellipses stand for anything."""
+    """The regular expression for a text whose ellipses match anything."""
     return "".join("(?:.*\n)*?" if line == "…" else re.escape(line).replace("…", ".*") + "\n"
                    for line in text.splitlines())
 
@@ -45,7 +45,7 @@ def decoded(path):
 class PagesTest(ProgramTest):
     def setUp(self):
         super().setUp()
-        # The installed tree is what the manual is read with.
+        # The manual describes the installed program.
         subprocess.run(["cmake", "--install", Path(PROGRAM).parent, "--prefix", self.folder], check=True,
                        stdout=subprocess.DEVNULL)
         self.installed = self.folder / "share" / "doc" / "scorewright"
@@ -85,7 +85,7 @@ class PagesTest(ProgramTest):
                     self.check_block(folder, *block.groups())
 
     def test_set_up_in_servers(self):
-        """What is shown in SQLite, by the clients' calls in the page's table; the servers are as they come."""
+        """Runs the page's example for SQLite by the clients' calls in its table, on servers with default settings."""
         page = (MANUAL / "sql-engines.md").read_text()
         for name, text in re.findall(r"<!-- file: (\S+) -->\n```\w+\n(.*?)```", page, re.S):
             self.write(name, text, "utf-8")
@@ -105,7 +105,7 @@ class PagesTest(ProgramTest):
         self.assertEqual(re.findall(r"4454\W+(0\.\d+)", run.stdout), ["0.282581"] * 2, run.stderr)
 
     def test_examples(self):
-        """The installed scripts write the same documents anew, with the package that is installed beside them."""
+        """The installed scripts and package reproduce the example documents."""
         for script in ["credit/fit_credit.py", "claims/make_claims.py"]:
             path = self.installed / "examples" / script
             document = path.with_name(path.parent.name + ".ModelXml")
@@ -114,7 +114,7 @@ class PagesTest(ProgramTest):
             self.assertEqual(document.read_bytes(), (EXAMPLES / path.parent.name / document.name).read_bytes())
 
     def test_completion(self):
-        """Each program's file completes what was typed of its call."""
+        """Each program's completion file completes partial calls."""
         for name in ["m.ModelXml", "canvas.html", "rows.csv", "sql.xml"]:
             self.write(name, "")
         for call, offered in [("scorewright -", "-a -s -e -p -h"), ("scorewright -a m", "m.ModelXml"),
@@ -148,15 +148,15 @@ class PagesTest(ProgramTest):
                     self.assertTrue(glob.glob(f"{ROOT}/{name}") or glob.glob(f"{ROOT}/*/**/{name}", recursive=True))
 
     def test_man_pages(self):
-        """Each is made of the page of its name; SCOREWRIGHT_GOLDEN=write makes them anew."""
+        """Each is generated from the page of its name; SCOREWRIGHT_GOLDEN=write overwrites it."""
         for source in MANUAL.glob("*.1.md"):
             page = source.with_suffix("")
             made = subprocess.run(["lowdown", "-s", "-Tman", "--nroff-nolinks", "--out-no-smarty", "-M",
                                    f"title={page.stem.upper()}", "-M", "section=1", source],
                                   capture_output=True, check=True, encoding="utf-8").stdout
-            # Options are typed as they show, and a terminal of ASCII has no ellipsis.
+            # Options must show the hyphens to type, and ASCII terminals lack the ellipsis.
             made = re.sub(r"(?<=\\fB)-+", lambda dashes: r"\-" * len(dashes[0]), made).replace("…", r"\&...")
-            # The first line asks for tbl; messages are neither hyphenated nor stretched.
+            # The first line requests tbl; messages are neither hyphenated nor justified.
             made = made.replace('.\\" -*-', "'\\\" t -*-", 1).replace('" ""\n', '" ""\n.nh\n.ad l\n', 1)
             made = made.replace("lb lb lb\nl l l.", "lb lb lb\nl lw(3.7i) lw(1.6i).")  # wide enough for the longest word
             self.assertTrue((self.folder / "share/man/man1" / page.name).exists())

@@ -1,4 +1,4 @@
-"""What no input and no device may do: crash, hang, take memory without bound, or spoil an output that was there."""
+"""No input or device may cause a crash, a hang, unbounded memory or the loss of an existing output."""
 
 import ctypes
 import errno
@@ -18,8 +18,8 @@ MANY = 1_000_000
 READ_CALL = {"x86_64": 0, "aarch64": 63}
 
 
-def refuse_reads(least, most):
-    """From here on, reading from `least` to `most` bytes at a time fails in this process and its programs."""
+def fail_reads(least, most):
+    """From now on, reads of `least` to `most` bytes fail in this process and its children."""
     load, equal, above, at_least, result = 0x20, 0x15, 0x25, 0x35, 0x06
     number, size = 0, 32  # of the system call, and of its buffer
     code = b"".join(struct.pack("HBBI", *step) for step in [
@@ -38,8 +38,8 @@ class FaultsTest(ProgramTest):
         self.write("config", '<Model2SQL inputFile="m" outputFile="out" inputTable="i" predictionTable="p"/>')
 
     def export(self, data, options=EXPORTS, statuses=(0, 1, 8), memory=None):
-        """Runs exporters on a document, and checks that an output is whole or as it was. No document in UTF-8 takes
-        more than 60 times its size; what the program itself takes is added."""
+        """Runs exporters on a document, and requires that an output is complete or unchanged. The memory limit is 60 times
+        the size of the document in UTF-8, plus what the program itself needs."""
         data = data if isinstance(data, bytes) else data.encode("utf-8-sig")
         (self.folder / "m").write_bytes(data)
         for option in options:
@@ -52,7 +52,7 @@ class FaultsTest(ProgramTest):
                 self.assertEqual((self.folder / "out").read_text(), "as it was")
         return status
 
-    def test_documents_cut_anywhere(self):
+    def test_truncated_documents(self):
         data = DOCUMENTS["logistic"].encode("utf-8-sig")
         for size in range(0, len(data), 3):
             self.export(data[:size], ["-a"])
@@ -65,55 +65,55 @@ class FaultsTest(ProgramTest):
                       " " * 50_000_000, f"<a x='{'&lt;' * MANY}'/>", "<DataField name='a' name='b'/>" * MANY]:
             self.export(shell.replace("{}", shape), ["-a", "-s"], statuses=(0,))
 
-    @not_on_windows("it takes a filter for system calls")
-    def test_reading_that_fails(self):
-        """A file that cannot be read to its end is treated like an absent one."""
+    @not_on_windows("requires a filter for system calls")
+    def test_read_errors(self):
+        """A file with a read error is treated like an absent one."""
         configuration = (self.folder / "config").read_text("utf-8-sig")
         canvas = "[QRV_SCRIPT][QRV_ANSWER 0][QRV_ALL_QUESTIONS]"
         for text, *arguments in [*[(DOCUMENTS["logistic"], option, "x", "out") for option in ["-a", "-e", "-p"]],
                                  (DOCUMENTS["logistic"], "-h", "x", "", "out"), (canvas, "-h", "none", "x", "out"),
                                  (configuration, "-s", "x")]:
-            # The mark of a document is read with its first block, and the rest at once. A canvas is read in whole
-            # blocks, and then its last block.
+            # A document is read in two calls: the first block, for its mark, and the rest. A canvas is read in whole
+            # blocks and a last block.
             sizes = (4096, 4096) if text == canvas else (1 << 17, 1 << 20)
             with self.subTest(arguments):
                 (self.folder / "out").write_text("as it was")
                 self.write("x", text + " " * 300_000)
-                broken = self.run_program(*arguments, limit=lambda: refuse_reads(*sizes)), (  # noqa: B023
+                broken = self.run_program(*arguments, limit=lambda: fail_reads(*sizes)), (  # noqa: B023
                     self.folder / "out").read_bytes()
                 (self.folder / "x").unlink()
                 absent = self.run_program(*arguments), (self.folder / "out").read_bytes()
                 self.assertEqual(broken, absent)
 
-    @not_on_windows("a file of no memory takes a folder in memory")
+    @not_on_windows("a large sparse file requires /dev/shm")
     def test_sizes_that_overflow(self):
         with tempfile.NamedTemporaryFile(dir="/dev/shm") as file:
             for size in [(1 << 64) // 5 + 1000, (1 << 63) // 5 + 1000, 1 << 62]:
                 file.truncate(size)
                 self.assertEqual(self.run_program("-a", file.name, "out")[0], 8)
 
-    def test_what_many_share_is_read_once(self):
+    def test_shared_arrays_are_decoded_once(self):
         text = document([numeric(k, "a", [1], [1, 2, 3]) for k in range(20_000)], [(k, 1) for k in range(20_000)], 0,
                         missing={"a": []})
         self.export(text.replace("</Missing>", "AAAA" * 500_000 + "!</Missing>"), ["-a", "-e", "-p", "-s"])
 
-    def test_numbers_that_are_none(self):
+    def test_non_finite_numbers(self):
         for value in [math.nan, -math.nan, math.inf, -math.inf, 1e308, -1e308]:
             self.export(document([numeric(1, "a", [value] * 3, [value] * 5), categorical(2, "b", ["x"], [value] * 2)],
                                  [(1, value), (2, value)], value, table=[(value, value)] * 4, missing={"a": [value] * 2})
                         .replace('type="Norm', 'ordinal="1" nocc="" type="Norm'), statuses=(0,))
 
-    def test_arrays_that_do_not_divide(self):
+    def test_arrays_with_partial_numbers(self):
         text = document([numeric(1, "a", [1, 2, 3], [1, 2, 3, 4, 5])], [(1, 1)], 0, table=[(1, 1), (0, 0)])
         for size in range(0, 40, 3):
             array = b64encode(struct.pack("<5d", 1, 2, 3, 4, 5)[:size]).decode()
             for original in [doubles([1, 2, 3]), doubles([1, 2, 3, 4, 5]), integers([1]), doubles([1, 0])]:
                 self.export(text.replace(original, array), ["-a", "-h"], statuses=(0, 1, 3, 8))
 
-    @not_on_windows("wine itself needs more memory than any limit here allows")
-    def test_memory_that_runs_out(self):
+    @not_on_windows("wine itself needs more memory than these limits allow")
+    def test_out_of_memory(self):
         if b"__asan_init" in Path(PROGRAM).read_bytes():
-            self.skipTest("the address sanitizer reserves more memory than any limit here allows")
+            self.skipTest("the address sanitizer reserves more memory than these limits allow")
         models = [numeric(k, f"c{k}", [1], [1, 2, 3]) for k in range(20_000)]
         text = document(models, [(1, 1)], 0)
         for option in ["-a", "-e", "-p"]:

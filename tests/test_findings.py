@@ -1,5 +1,5 @@
-"""What scorewright-check finds in models, configurations, canvases and rows: of each finding the smallest case that has
-it, and the nearest that has not."""
+"""The findings of scorewright-check in models, configurations, canvases and rows: for each, the smallest case that has
+it and the nearest ones that do not."""
 
 import math
 import re
@@ -15,7 +15,7 @@ INFINITY = math.inf
 
 
 class Case:
-    """What the program is given: a document, a canvas, rows in one line with "|" for its ends, settings of SQL."""
+    """The inputs: a document, a canvas, rows in one line with "|" for line ends, settings of SQL."""
 
     def __init__(self, text=model(), canvas=CANVAS, rows=None, key=None, **settings):
         self.text, self.key = text, key
@@ -48,8 +48,7 @@ BESIDE = n(scores=[0, math.nextafter(1 / 7, 0), 2, 3])  # above 1/7 as generated
 SUMS = [(1, 1), (2, 1), (2, 1)]  # which targets add up differently
 LONG = "n,c,k|1,a,short|1,a,012345678901234567890|1,a," + 21 * "é" + "|1,a," + 20 * "é"
 
-# Of each finding: a case that has it in one place, how many of its rows it counts and the first of them, where it counts
-# rows, and near misses.
+# For each finding: a case with it in one place; if it counts rows, their number and the first of them; and near misses.
 FINDINGS = {
     "lowest-segment": (of(table=TABLE, constant=-2, rows="n,c|0,b|1,|,a|,"), (2, 2), of(table=[(2, 0.9), (-1e-9, 0.5), (-2, 0.1)]),
                        of(table=[(2, 0.9), (0, 0.5), (0, 0.1)])),
@@ -169,8 +168,8 @@ FINDINGS = {
     "value-blanks": (of(None, c("a "), rows="n,c|1,b|1,a|1,a |1,A"), (2, 2), of(None, c("a b"))),
 }
 
-# Other causes of findings, with the targets of which they are reported, and as above what rows they count; a single number
-# is that of rows which they affect only together with others.
+# Other causes of findings, with the targets that they are reported for and the rows as above; a single number counts the
+# rows that they affect only together with others.
 EVERY = "sas sql vba python html"
 CAUSES = [
     # The score of another sum may go below that of the model, and a negative coefficient turns the range of scores.
@@ -187,7 +186,7 @@ CAUSES = [
     ("name-characters", "sas vba python", None, of(n(name="R&D"))),
     ("name-characters", "sas python", None, of(n(name=31 * "n" + "&"))),
     ("empty-number", "sas", None, of(None, c("1", "1.2.3"))),
-    # The codes of another name are rounded, and a code of 0 is what an empty field counts as.
+    # The codes of another name are rounded, and an empty field equals a code of 0.
     ("missing-codes-digits", "vba python", None, of(n(name="O'B"), missing={"O_B": [1234567]})),
     ("bound-digits", EVERY, (1, 2), of(BESIDE, table=[(3, 0.9), (1 / 7, 0.6), (1 / 7, 0.2), (-9, 0)], rows="n,c|1,|0,")),
     ("bound-digits", "sql", None, sql(model(n([1, 123456789.0123456])), dbType="teradata")),
@@ -209,7 +208,7 @@ CAUSES = [
     ("page-error", "html", None, of(kind="T")),
     ("page-error", "html", None, of(kind="X", table=TABLE)),
     ("canvas-scale", "html", None, canvas("[QRV_DYN_SCALE]", text=model(kind="T", table=TABLE))),
-    # HTML shows five values as a list and reads them as buttons, and asks for a number with a field.
+    # HTML shows five values as a list but reads them as buttons; numbers have a field.
     ("shared-values", "html", (1, 2), of(c(*"abcd", number=1), c(*"abcde"), rows="c|x|a")),
     ("shared-values", "html", (1, 1), of(c(*"12345", number=1, name="n"), numeric(2, "n", [1, 2], [0, 1, 2, 3]), rows="n|2")),
     ("shared-values", "html", (1, 2), of(boolean([*"nnnnny"], number=1), boolean([*"00000y"]), rows="c|y|n")),
@@ -243,7 +242,7 @@ class FindingsTest(CheckedTest):
         return self.report("m.ModelXml", *arguments)["findings"]
 
     def test_tables(self):
-        """Each finding is tested here, and described in one table of the manual in the words of the report."""
+        """Each finding is tested here, and one table of the manual describes it in the words of the report."""
         source = (TESTS.parent / "check/findings/findings.cpp").read_text()
         kinds = re.findall(r'^    {\w+, u"([\w-]+)", .*?,\n +u"((?:[^"\\]|\\.)*)",\s+u"((?:[^"\\]|\\.)*)", u"([\w-]+\.md)"},$',
                            source, re.M | re.S)
@@ -275,7 +274,7 @@ class FindingsTest(CheckedTest):
                 self.assertEqual((" ".join(finding["targets"]), rows_of(finding)), (targets, rows))
 
     def test_places(self):
-        """The most frequent text that is not listed, and rows that findings affect only together."""
+        """The most frequent unlisted text, and rows that findings affect only together."""
         for name, text, rows, place in [("not-listed", model(), "1,~|1,x|1,z|1,z|1,z|1,x", "recoding V2 (column c), most often 'z' in 3 rows"),
                                         ("table-not-falling", model(table=[(0.1, 0.5), (0.1 + 2**-56, 0.1)]), "",
                                          "table, point 2 (score 0.10000000000000002)")]:

@@ -1,4 +1,4 @@
-"""The HTML page: canvas tags, questions and messages, and its text. What it does is tested in the browser."""
+"""The HTML page: canvas tags, questions, messages and its text. test_browser.py tests its behaviour."""
 
 import re
 import time
@@ -23,7 +23,7 @@ def submit(label):
 
 class HtmlTest(ProgramTest):
     def page(self, model, canvas="", expected=(0, "")):
-        """The page's text; canvas "" asks for the built-in one."""
+        """The text of the page; an empty canvas selects the built-in one."""
         name = model if model.endswith("Xml") else self.write("model.ModelXml", model)
         self.write("canvas", canvas, "utf-8")
         (self.folder / "page").unlink(missing_ok=True)
@@ -32,7 +32,7 @@ class HtmlTest(ProgramTest):
         return page.read_bytes().decode("utf-8") if page.exists() else None
 
     def models(self, *documents):
-        """A list of models; None stands for a file that is not there."""
+        """A list of models; None is an absent file."""
         for i, text in enumerate(documents):
             if text is not None:
                 self.write(f"{i}.ModelXml", text)
@@ -40,16 +40,16 @@ class HtmlTest(ProgramTest):
         return self.write("list.Xml", f'<?xml version="1.0"?><Models>{entries}</Models>')
 
     def test_golden_pages(self):
-        # The constant is looked for behind the coefficients of all models, though two of one number share theirs.
+        # The constant is read after one coefficient per variable, though two variables share one.
         kinds, betas = DOCUMENTS["kinds"], [0.5, -1.25, 2, 1e-13, 1, -10, 1 / 3]
         page = self.page(kinds.replace(doubles(betas), doubles(betas + [1e18])))
         self.assert_golden("kinds.html", page)
-        # A prediction, shared columns and a model that is not there, whose place in the script is where it ends.
+        # A prediction, shared columns, and an absent model, at which the script ends.
         shared = document([numeric(9, "one", [-0.5, 99.2], [1, 2, 3, 4], label=""), categorical(8, "b", ["y"], [0, 1])],
                           [(8, -1), (9, 2)], 3, kind="t", table=[(1, 0.5), (-1, 0.25)])
         three = self.models(DOCUMENTS["missing"], shared, DOCUMENTS["logistic"].replace('"T"', '"t"'), None)
         listed = self.page(three, "ü" * 10 + REQUIRED + "[QRV_DYN_SCALE][QRV_GRAPHICS]\nend")
-        known = set(page.split("\n"))  # the golden file has what the other page has not
+        known = set(page.split("\n"))  # the golden file contains only lines that the other page lacks
         self.assert_golden("list.html", "\n".join(line for line in listed.split("\n") if line not in known))
 
     def test_tags(self):
@@ -67,7 +67,7 @@ class HtmlTest(ProgramTest):
             ("[QRV_ANSWER -1/[QRV_ANSWER -2]", "[QRV_ANSWER -1/" + answer(-2), ""),
             ("[QRV_QUESTION a/b]", "[QRV_QUESTION a/b]", warning(0, "question", "QUESTION")),
             ("[QRV_STRING_SUBMIT]x[QRV_SUBMIT\r\n/]", "x" + submit(""), ""),
-            # The next label of a kind counts as soon as the one before it has been passed. Other white space is no blank.
+            # The next label of a kind applies once its predecessor has been passed. Other white space is not a blank.
             ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\xa0][QRV_SUBMIT][QRV_STRING_SUBMIT b]",
              submit("\va\xa0") + submit("b"), ""),
             ("[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x[QRV_SUBMIT]",
@@ -77,18 +77,18 @@ class HtmlTest(ProgramTest):
             with self.subTest(canvas):
                 page = self.page(ONE, canvas + "|" + REQUIRED, (0, printed))
                 self.assertEqual(page.split("|")[0], expected)
-        # Without a "/" or "]" to the end, the value is all that is left.
+        # Without a further "/" or "]", the value is the rest of the canvas.
         page = self.page(ONE, REQUIRED + "[QRV_SUBMIT][QRV_STRING_SUBMIT over and out ")
         self.assertTrue(page.endswith(submit("over and out") + END + "[QRV_STRING_SUBMIT over and out "))
 
     def test_canvases(self):
         built_in = self.page(ONE)
         self.assertIn("<title>Generated Model</title>\n<script", built_in)
-        self.assertEqual(self.page(ONE, "ü[QRV_SCR"), built_in)  # nine units are no canvas
-        self.assertTrue(self.page(ONE, "\ufeff" + REQUIRED).startswith("<script"))  # the mark is no part of the canvas
+        self.assertEqual(self.page(ONE, "ü[QRV_SCR"), built_in)  # nine units are too short for a canvas
+        self.assertTrue(self.page(ONE, "\ufeff" + REQUIRED).startswith("<script"))  # the mark is not part of the canvas
         twice = self.page(ONE, REQUIRED * 2)
         self.assertEqual([len(re.findall(text, twice)) for text in ["var finished=", r"Question 1\)", "myEventListener\\("]],
-                         [2, 2, 2 + 1 + 2])  # the second script calls for both
+                         [2, 2, 2 + 1 + 2])  # the second script lists both controls
         for canvas, printed in {"0123456789": "Required tag [QRV_SCRIPT] is missing!",
                                 "[QRV_SCRIPT][QRV_ANSWER 1": "Required tag [QRV_ANSWER] is missing!",
                                 "[QRV_SCRIPT][QRV_ANSWER 1]": "One of these tags ([QRV_ALL_QUESTIONS],[QRV_QUESTION]) is "
@@ -103,7 +103,7 @@ class HtmlTest(ProgramTest):
         cases = [
             (TWO, [2, 1], 0, "", ["b", "a"]),
             (TWO, [1, 1, 2], 0, repeated.format(1), ["a", "b"]),
-            # Once all were asked, another round begins.
+            # After all questions, another round starts.
             (TWO, [1, 2, 2, 1], 0, "", ["a", "b", "b", "a"]),
             (TWO, [1, 2, 2, 2], 2, repeated.format(2) + forgotten.format(1, 2, " 1\n"), None),
             (TWO, [1], 2, forgotten.format(1, 2, " 2\n"), None),
@@ -123,7 +123,7 @@ class HtmlTest(ProgramTest):
                 controls = page.split("<form>")[1]
                 self.assertEqual(re.findall(r"^(?:</div>\n)?(\w) \n<div", controls, re.M) or [], asked)
                 calls = re.findall(r'^myEventListener\("(\w+)"\);\n(?=--></script>|myEvent)', controls, re.M)
-                # The last script calls for all that was asked before it.
+                # The last script lists all controls before it.
                 self.assertEqual(calls[-len(asked):], [f"m0_V{'ab'.index(field) + 1}" for field in asked])
 
     def test_lists_of_models(self):
@@ -137,7 +137,7 @@ class HtmlTest(ProgramTest):
         lines = re.findall(r"^      (\w+)_score = enterDoubleField\(document.QRVform.(\w+),", page, re.M)
         a = [("m0_V4", "m0_V1"), ("m2_V2", "m0_V1"), ("m0_V1", "m0_V1")]
         self.assertEqual(lines[:6], a + a[1:] + a[2:])
-        # No message and no status for a model that is not there, in a list or alone.
+        # An absent model, in a list or alone, is not reported.
         self.assertIn("var maxHistogram=0;", self.page("none.ModelXml"))
 
         empty = self.write("list.Xml", "<Models><model/></Models>")
@@ -167,12 +167,12 @@ class HtmlTest(ProgramTest):
                                     unusable("RegressionModel: array 'betas' has 1 values, 2 needed")))
         self.assertIsNone(self.page(shortened("y", 1, 2), "",
                                     unusable("ProbabilityMapping: array 'y' has 2 values, 3 needed")))
-        # A model of another kind has no constant, a table of two points no maximum, and arrays may be empty.
+        # A model of another kind needs no constant, and arrays may be empty.
         self.assertIn("\n\t\t+ m0_V1_score * 1\n\tvar", self.page(shortened("betas", 1).replace('"T"', '"X"')))
         self.assertIn("var histogramMaxProba=0.25;", self.page(shortened("x", 1, 2)))  # the third probability
         self.assertIn("mapScore[0]  = [];\nmapProba[0]  = [];\n\nvar", self.page(shortened("x")))
         self.assertIn("var m0_V1_boundAr = [];\n\n", self.page(ONE.replace("<x>", "<w>", 1).replace("</x>", "</w>", 1)))
-        # The script ends where an array of the table is absent.
+        # The script ends at a probability table that lacks an array.
         for name in ["x", "y"]:
             model, _, mapping = ONE.partition("<ProbabilityMapping>")
             cut = self.page(model + "<ProbabilityMapping>" + mapping.replace(f"{name}>", "w>"))
@@ -223,7 +223,7 @@ class HtmlTest(ProgramTest):
 
         self.assertEqual(offered(["b", "a", "c"], (1, 1, 5, 5)),
                          [(0, "unknown", False), (2, "A", True), (1, "B", False), (3, "C", False)])
-        # Of two with one value the last is offered, and both count for the list.
+        # Of two categories with one value, the page offers the last but counts both for the kind of list.
         self.assertEqual(offered(["b", "a", "b", "B", "é"], labels="none"), [
             (0, "----- unknown -----", True), (4, "B", False), (2, "a", False), (3, "b", False), (5, "é", False)])
         for kind, shown in {"bb64": [(2, "True", True), (1, "False", False)],
@@ -232,7 +232,7 @@ class HtmlTest(ProgramTest):
         self.assertEqual(len(offered("abcdef")), 7)
 
     def test_large_inputs(self):
-        """What grows with the square of the input would take minutes here."""
+        """Quadratic run time would take minutes here."""
         count = 100_000
         models = [numeric(k, f"c{k % 50_000}", [0], [0, 1, 2]) for k in range(count)]
         large = document(models, [(k, 1) for k in range(count)], 0)
@@ -243,7 +243,7 @@ class HtmlTest(ProgramTest):
 
     def test_columns_of_too_many_variables(self):
         def shared(count, name=""):
-            models = [categorical(k, f"c{k % 2}", [], [0]) for k in range(count)]  # of no values, so that no line is written
+            models = [categorical(k, f"c{k % 2}", [], [0]) for k in range(count)]  # without lists, so no lines
             text = document(models, [(k, 1) for k in range(count)], 0).replace("<Modalities></Modalities>", "")
             return text.replace('"V0"', f'"V0{name}"')
 

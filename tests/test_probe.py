@@ -1,4 +1,4 @@
-"""The rows that try everything: what they reach, held against the independent scorer and against the Python class."""
+"""Probe rows: what they reach, compared with the independent scorer and the Python class."""
 
 import csv
 import math
@@ -15,7 +15,7 @@ from test_python import load
 
 class ProbeTest(CheckedTest):
     def probe(self, text, key="probe"):
-        """The rows for a document, which reach all that cells can reach, and how many positions that are."""
+        """The probe rows for a document, which must reach all reachable positions, and the number of these."""
         self.write("m.ModelXml", text)
         self.assertEqual(self.check("--probe", "probe.csv", "m.ModelXml"), (0, "", ""))
         with open(self.folder / "probe.csv", newline="", encoding="utf-8") as file:
@@ -32,8 +32,8 @@ class ProbeTest(CheckedTest):
             if variable.categorical:
                 self.assertIn(0, {variable.category(cell) for cell in cells - {""}}, "an unlisted value")
                 continue
-            cuts = {math.nextafter(cut, way) for cut in variable.cuts for way in (-math.inf, cut, math.inf)}
-            self.assertLessEqual(cuts | set(variable.missing), {float(cell or "nan") for cell in cells})
+            bounds = {math.nextafter(bound, way) for bound in variable.bounds for way in (-math.inf, bound, math.inf)}
+            self.assertLessEqual(bounds | set(variable.missing), {float(cell or "nan") for cell in cells})
             self.assertFalse([cell for cell in cells if "e" in cell])
 
     def test_examples(self):
@@ -58,12 +58,12 @@ class ProbeTest(CheckedTest):
                 self.assertEqual((status, printed.split(" rows")[0]), (0, f"{len(rows)} of {len(rows)}"))
 
     def test_odd_documents(self):
-        """Titles that the model has already, cells that need quoting, and bounds that leave little room."""
+        """Titles that the model already uses, cells that need quotes, and neighbouring bounds."""
         long = 70 * "long " + "x"
         odd = categorical(3, 'a,"b"\n;', [" a", 'say "hi", you', "x\ny", "unlisted", "", long, "a", "a"], range(9))
         rows, positions = self.probe(model(numeric(1, "Tries ", [0, 1e-5], range(4)), categorical(2, "PROBE", ["NA"], [0, 1]), odd,
                                            numeric(4, "PROBE", [5], [0, 1, 2]), table=TABLE), "probe_")
-        # Blanks and the empty value are never found, and of a value that is listed twice the last place counts.
+        # Blanks and the empty value are unreachable; of a value listed twice, the last place counts.
         self.assertEqual((list(rows[0]), positions), (["probe_", "Tries ", "PROBE", 'a,"b"\n;', "tries_"], 4 + 2 + 6 + 3))
         self.assertEqual([row["Tries "] for row in rows[:8]], ["-1", "-" + "0." + 29 * "0" + "1", "0", "0." + 29 * "0" + "1", "0.000005",
                                                             "0.000009999999999999999", "0.00001", "0.000010000000000000003"])
@@ -89,7 +89,7 @@ class ProbeTest(CheckedTest):
         self.assertEqual(rows[0]["tries"].count(";"), 8)
 
     def test_positions_without_rows(self):
-        """What no cell can reach does not count, and neither does a value that means a missing one."""
+        """Unreachable positions do not count, nor does a value that --missing declares missing."""
         self.write("m.ModelXml", model(numeric(1, "n", range(20), range(23)), categorical(2, "c", ["a", "NA", "b "], range(5)),
                                        boolean(NO_YES, number=3, name="yn")))
         self.write("rows.csv", "n,c,yn\n7,a,no\n-1,,\n", "utf-8")

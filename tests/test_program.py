@@ -1,4 +1,4 @@
-"""The command line: options, messages, exit statuses and what becomes of the output file."""
+"""The command line: options, messages, exit statuses and effects on the output file."""
 
 import os
 import unittest
@@ -34,7 +34,7 @@ class ProgramLineTest(ProgramTest):
         self.assertIn(f"Source model file: {name} *\n", self.read("straße 𝄞.sas"))
 
     @not_on_windows("arguments are UTF-16 there")
-    def test_arguments_that_are_no_text(self):
+    def test_arguments_in_invalid_utf_8(self):
         name = self.write("m", PLAIN)
         self.assertEqual(self.run_program("-a", b"m\xff", "out"), (1, "Argument 2 is not valid UTF-8.\n"))
         self.assertEqual(self.run_program("-a", name, b"out\xc3"), (1, "Argument 3 is not valid UTF-8.\n"))
@@ -49,7 +49,7 @@ class ProgramLineTest(ProgramTest):
                                  (6, f"Cannot open file '{output}' for writing.\n"))
             self.assertEqual(self.run_program(option, "m", "/dev/full"), (7, "Cannot write to file '/dev/full'.\n"))
 
-    def test_unusable_documents_leave_the_output_alone(self):
+    def test_unusable_documents_leave_the_output_untouched(self):
         model = numeric(3, "the field", [1, 2], [1, 2, 3, 4])
         good = document([model], [(3, 1)], 0, table=[(1, 1), (0, 0)])
         boolean = categorical(1, "b", ["no"] * 6, [0, 1], tname="bb64")
@@ -71,7 +71,7 @@ class ProgramLineTest(ProgramTest):
             good.replace("<y>", "<y>*").replace("<y>*", "<y>", 1):
                 "ProbabilityMapping: array 'y' has 0 values, 2 needed.\n",
             document([model], [(3, 1)], 0, table=[]): "ProbabilityMapping: array 'x' has 0 values, 1 needed.\n",
-            # Padding in the middle ends a text.
+            # Padding within a text ends it.
             good.replace(doubles([1, 2]), doubles([1]) + doubles([2])):
                 "model 'V3' (field 'the field'): array 'x' ends early: 1 of 2 numbers.\n",
             good.replace(doubles([1, 0]), "\n" + doubles([1]) + doubles([0, 0]) + " ", 1):
@@ -91,9 +91,9 @@ class ProgramLineTest(ProgramTest):
                     status, printed = self.run_program(option, name, "out")
                     self.assertEqual((status, printed.count("\n")), (8, 1))
                     self.assertTrue(printed.startswith(f"Cannot convert model '{name}': {problem}"), printed)
-        # Blanks behind the padding are no reason, though they make the text look longer than it is.
+        # White space after the padding is accepted, though the length of the text then implies more numbers.
         self.convert("-a", good.replace("=</", "=\n</"), "spaced")
-        # The unusable document is told even where the output could not be written.
+        # The unusable document is reported even if the output could not be written.
         self.assertEqual(self.run_program("-a", "m", "no/such/folder")[0], 8)
         self.assertEqual(self.read("out"), "as it was")
 
@@ -114,7 +114,7 @@ class ProgramLineTest(ProgramTest):
                                                              "configuration './c'.\n"))
             self.assertEqual(self.read("c"), settings % "./c")
         self.assertEqual(self.read("m"), PLAIN)
-        self.write("folder/m", PLAIN)  # of the same content, but another file
+        self.write("folder/m", PLAIN)  # the same content, but another file
         self.assertEqual(self.run_program("-a", "m", "folder/m")[0], 0)
 
     @not_on_windows("pipes are rejected there")
@@ -140,9 +140,9 @@ class ProgramLineTest(ProgramTest):
             for option in ["-a", "-e", "-p"]:
                 self.convert(option, text)
 
-    def test_what_sas_alone_refuses(self):
+    def test_what_only_sas_rejects(self):
         self.write("out", "as it was")
-        unsupported = numeric(2, "f", [1], [1], kind="normcontinuous")  # its array is too short besides
+        unsupported = numeric(2, "f", [1], [1], kind="normcontinuous")  # also has too short an array
         self.write("m", document([numeric(1, "e", [1], [1, 2, 3]), unsupported], [(1, 1), (9, 1)], 0))
         self.assertEqual(self.run_program("-a", "m", "out"),
                          (1, "Unsupported recoding (from RANK)!\nPlease update Qorv to the latest version.\n"))
@@ -157,7 +157,7 @@ class ProgramLineTest(ProgramTest):
         self.assertIn("        + 1* R0_e _\n        + 1* \n\n", self.read("out"))
 
     def test_numbers_of_models(self):
-        """Without anything after the first character the number is -1, without digits 0; the last model wins."""
+        """Without a second character, the number is -1; without digits, 0. Of several models, the last counts."""
         names = ["V", "", "Vx", "V0", "V-1", "V 7z"]
         models = [numeric(k, f"f{k}", [1], [1, 2, 3]).replace(f'"V{k}"', f'"{n}"') for k, n in enumerate(names)]
         models.append(numeric(6, "f6", [1], [1, 2, 3]).replace('name="V6"', ""))
@@ -165,7 +165,7 @@ class ProgramLineTest(ProgramTest):
         self.assertIn("+ 1* R6_f6\n        + 2* R3_f3\n        + 3* R5_f5;\n", script)
 
     def test_characters(self):
-        model = document([categorical(1, "x" * 27 + "𝄞", ["a"], [1, 2])], [], 0)  # "R0_" and 27 leave room for one unit
+        model = document([categorical(1, "x" * 27 + "𝄞", ["a"], [1, 2])], [], 0)  # of 31 units, "R0_" and these leave one
         self.assertIn("R0_" + "x" * 27 + "\ud834=1;\n", self.convert("-a", model))
         self.assertIn("R0_" + "x" * 27 + "? = 1\n", self.convert("-p", model))
 

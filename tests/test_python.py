@@ -1,4 +1,4 @@
-"""The Python class: its text, and its scores in pandas held against the model."""
+"""The Python class: its text, and its scores in pandas compared with the model."""
 
 import re
 import unittest
@@ -28,7 +28,7 @@ class PythonTest(CheckedTest):
 
     def test_class_names(self):
         paths = {"m": "m", "./m": "/m", f"{self.folder}/m": "/m", "../" + self.folder.name + "/m": "/m"}
-        if not FOR_WINDOWS:  # where files cannot have such names
+        if not FOR_WINDOWS:  # which does not allow these names
             paths |= {"C:\\models\\credit.v2.ModelXml": "/credit.v2", ".ModelXml": "", "a.b\\c": "/c"}
         for path, name in paths.items():
             (self.folder / path).write_text(DOCUMENTS["logistic"])
@@ -42,7 +42,7 @@ class PythonTest(CheckedTest):
 
     def test_claims(self):
         module = self.convert("-p", CLAIMS.text, "out", "Claims")
-        with self.assertRaises(SyntaxError):  # for lists of missing codes leave a parenthesis open
+        with self.assertRaises(SyntaxError):  # missing codes leave a parenthesis open
             load(module, "Claims")
         result = load(re.sub(r"( if \(isnan\(data\)or .*):", r"\1):", module), "Claims").apply(frame(CLAIMS))
         self.assertEqual(list(result), ["claim_cost_prediction"])
@@ -62,9 +62,9 @@ class PythonTest(CheckedTest):
         result = model.apply(pandas.DataFrame({"a": [0.5, 0.5], "b": ["x", "x"]}))
         self.assertEqual((list(result.score), list(result.proba.round(12))), ([2.5, 2.5], [0, 0.924141819979]))
         tabled = self.convert("-p", document([], [], 0, table=[(1, 1)], method="softmax"))
-        self.assertNotIn("exp(-", tabled)  # a table comes first
+        self.assertNotIn("exp(-", tabled)  # a table takes precedence
 
-    def test_texts_that_do_not_compile(self):
+    def test_modules_that_do_not_compile(self):
         for text, name in [(document([numeric(1, "a", [1], [1, 2, 3])], [(1, 1)], 0), "NoCategories"),
                            (DOCUMENTS["logistic"], "/derived")]:
             with self.subTest(name), self.assertRaises(SyntaxError):

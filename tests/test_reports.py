@@ -1,4 +1,4 @@
-"""The reports of scorewright-check, as text, JSON and page: golden files of a comparison in which everything happens."""
+"""The reports of scorewright-check, as text, JSON and page: golden files of a comparison with all kinds of results."""
 
 import datetime
 import hashlib
@@ -27,7 +27,7 @@ class ReportsTest(CheckedTest):
                 ("code", "9,<script>,?,,too long", "-0.625,0"), *((f"code{i}", "9,<script>,?,", "-0.625,0") for i in range(5)),
                 ("text", "ten,,YES,", "-1.375,0"), ("nan", "3,<script>,0,x", ","),
                 ("best", "3,a&b,YES,", "3.25,1.25"),
-                # Without explanation: the first four as one column or two would be read wrongly.
+                # Unexplained; misreading one or two columns would give the first four.
                 ("wrong0", "2,a&b,no,", "-0.875,0.325"),
                 *((f"wrong{i}", "2,<script>,no,", result) for i, result in enumerate(2 * ["-1.125,0.275"] + ["-1.375,0.225"], 1)),
                 *((f"far{i}", "2,<script>,no,", f"{0.75 + (-1) ** i * (1 + i / 16)},0.5") for i in range(12)),
@@ -55,14 +55,14 @@ class ReportsTest(CheckedTest):
         self.assert_golden("check.json", printed.replace(f'"version": "{self.version}"', '"version": "VERSION"'))
 
     def test_page(self):
-        """But for its style. It needs no other file."""
+        """Except for its style. The page needs no other file."""
         self.check(*self.call, "--report", "report.html")
         page = (self.folder / "report.html").read_text("utf-8")
         self.assert_golden("check.html", page[page.index("<main>"):].replace(f"check {self.version}:", "check VERSION:"))
         self.assertNotRegex(page, r"<script|https?:|url\(|@import|src=|\bnan\b|\binf\b")
 
     def test_evidence(self):
-        """The bytes that were read, and when."""
+        """The bytes that were read, and the time."""
         self.write("s.xml", configuration(dbType="mysql"))
         del os.environ["SOURCE_DATE_EPOCH"]
         begun = datetime.datetime.now(datetime.timezone.utc).replace(microsecond=0)
@@ -78,7 +78,7 @@ class ReportsTest(CheckedTest):
         self.assertEqual(found["files"], expected)
 
     def test_single_things(self):
-        """The targets of findings of one kind, one row that is uneven, a point of the curve that is no number."""
+        """The targets of findings of one kind, one uneven row, a point of the curve that is NaN."""
         models = [numeric(1, "1x", [1, 2], [0, 1, 2, 3]), categorical(2, "é", ["a"], [0, 1])]
         self.write("m.ModelXml", document(models, [(1, 1), (2, 1)], 0, table=[(3, 0.9), (float("nan"), 0.5), (0, 0.1)]))
         self.write("rows.csv", "1x,é\n1\n", "utf-8")
@@ -87,13 +87,13 @@ class ReportsTest(CheckedTest):
         self.assertIn("\n1 row with fewer or more cells than titles, first row 1\n", printed)
         self.assertNotIn(" 0.00,", (self.folder / "report.html").read_text("utf-8").split("<polyline")[1])
 
-    def intervals(self, bounds):
-        """Of a recoding with these bounds, as --show prints them, and the line that explains them."""
+    def bins(self, bounds):
+        """The bins between these bounds as --show prints them, and the line that explains them."""
         self.write("m.ModelXml", document([numeric(1, "n", bounds, range(len(bounds) + 2))], [(1, 1)], 0))
         printed = self.check("m.ModelXml", "--show")[1]
         return re.findall(r"^  ([(\[].*[)\]])  ", printed, re.M), re.findall(r"^The bound that is shown as (.*?) in the document:", printed, re.M)
 
-    def test_intervals(self):
+    def test_bins(self):
         """A bound that was closed on the left, and its near misses: the first, a digit further, digits too many."""
         before = lambda number: math.nextafter(number, -math.inf)
         for bounds, shown, explained in [
@@ -109,13 +109,13 @@ class ReportsTest(CheckedTest):
                 ([12, 23.99999999999999, before(before(24)), 24],
                  "(-∞, 12) [12, 23.99999999999999] (23.99999999999999, 24) [24, 24] (24, ∞)", None),
                 ([23.99999999999999], "(-∞, 23.99999999999999) (23.99999999999999, ∞)", "")]:
-            printed, reasons = self.intervals(bounds)
+            printed, reasons = self.bins(bounds)
             self.assertEqual(" ".join(printed), shown)
             if explained is not None:
                 self.assertEqual(reasons, [explained][:bool(explained)])
 
-    def test_members_of_intervals(self):
-        """What is printed holds the numbers of up to 16 digits that the model's interval holds, however far a bound is
+    def test_members_of_bins(self):
+        """A printed bin contains the numbers of up to 16 digits that the model's bin contains, however far a bound is
         below a short number: by some doubles, by the double of a decimal, or not."""
         number = lambda text: float(text.replace("∞", "inf"))
         for steps in (0, 1, 2, 3, 9):
@@ -123,7 +123,7 @@ class ReportsTest(CheckedTest):
             for short in sorted(sign * k * 10.0 ** e for sign in (-1, 1) for e in (-7, -1, 0, 5, 17) for k in (1, 1.7, 6.56, 7.3, 9.2)):
                 below = short - steps * math.ulp(short)
                 bounds.append(float(f"{below:.16g}") if len(bounds) % 2 else below)
-            intervals = [re.fullmatch(r"(.)(.*), (.*)(.)", text).groups() for text in self.intervals(bounds)[0]]
+            intervals = [re.fullmatch(r"(.)(.*), (.*)(.)", text).groups() for text in self.bins(bounds)[0]]
             self.assertEqual(len(intervals), len(bounds) + 1)
             for i, bound in enumerate(bounds[1:], 1):
                 for value in {float(f"{bound + k * math.ulp(bound):.16g}") for k in range(-12, 13)}:
@@ -137,7 +137,7 @@ class ReportsTest(CheckedTest):
         return [float(place) for place, _ in found], [Decimal(number) for _, number in found]
 
     def test_axes(self):
-        """A few round numbers, evenly spaced, at their places; counts are whole, and alone stand on the left."""
+        """A few round numbers, evenly spaced, at their places; counts are whole, and only they are on the left."""
         for low, high in [(-101, 1500.5), (0.1, 0.7), (65.55, 65.65), (1e15, 1e15 + 40), (-3e-300, 2e-300), (1e300, 1.1e300)]:
             self.write("m.ModelXml", document([numeric(1, "n", [1], [0, 0, 0])], [], low, table=[(high, 0.9), (low, 0.1)]))
             self.check("m.ModelXml", "--report", "report.html")

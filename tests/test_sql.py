@@ -1,4 +1,4 @@
-"""The SQL script and the ETL document: their texts, the configuration, messages and exit statuses."""
+"""The SQL script and the ETL document: their text, the configuration, messages and exit statuses."""
 
 import unittest
 from xml.etree import ElementTree
@@ -12,7 +12,7 @@ SMALL = document([numeric(1, "n", [0.5], [0, 1 / 3, 1e-13]), categorical(2, "my 
 
 class SqlTest(SqlProgramTest):
     def test_golden_scripts(self):
-        """Every dialect once, every plan and switch among them."""
+        """Together, these cover every dialect, plan and switch."""
         nested = {"useTmpTable": "0"}
         debug = {"debugRecoding": "1"}
         for name, settings in {
@@ -78,7 +78,7 @@ class SqlTest(SqlProgramTest):
         self.assertEqual(self.run_configuration(bare.replace("/Model2SQL", "/MODEL2sql"))[0], 0)
         self.assertIn("(id,Predictions)\n SELECT", self.read("out"))
 
-    def test_refused_configurations(self):
+    def test_rejected_configurations(self):
         self.write("model.ModelXml", SMALL)
         no = "Error: cannot convert model: no {} is given! ('{}' field is empty or mising)"
         cases = [
@@ -103,7 +103,7 @@ class SqlTest(SqlProgramTest):
                 self.assertEqual(self.run_configuration(text), (10, parse_error.format("c.xml", *problem)))
         self.assertEqual(self.run_program("-s", "%s"), (10, parse_error.format("%s", "Error: File not found", 0, 0)))
 
-    def test_refused_models(self):
+    def test_rejected_models(self):
         boolean = categorical(1, "b", [], [0, 1], tname="bb64")
         one, two = numeric(1, "a", [0], [1, 2, 3]), numeric(2, "b", [0], [1, 2, 3])
         few = document([one], [], 0).replace("<betas>", "<betas>AAAA</betas><x>").replace("</betas></Reg", "</x></Reg")
@@ -119,18 +119,18 @@ class SqlTest(SqlProgramTest):
                 self.assertEqual(self.run_configuration(configuration(**settings)),
                                  (8, f"Cannot convert model 'model.ModelXml': {problem}.\n"))
                 self.assertFalse((self.folder / "out").exists())
-        # What a plan does not read need not be there.
+        # What a plan does not read may be absent.
         self.sql(document([boolean], [(1, 1)], 0), boolsAreNumbers="0")
         self.sql(document([], [], 0, table=[]))
         self.sql(few.replace("<UnivModels>" + one, "<UnivModels>"), debugRecoding="1")
 
     def test_coefficients(self):
-        """Models of one number share the last coefficient of that number; a boolean column has two lines whatever it lists."""
+        """Variables of one number share its last coefficient; a boolean column always has two lines."""
         models = [numeric(1, "a", [0], [1, 2, 3]), categorical(1, "b", ["x"], [1, 2, 3], tname="bb64")]
         script = self.sql(document(models, [(1, 5), (1, 7)], 0))
         self.assertIn("WHEN a<0 THEN 14\n   WHEN a>0 THEN 21\n   ELSE 7\n", script)
         self.assertIn("( b IS NULL) THEN 7\n   WHEN b=0 THEN 14\n   WHEN b=1 THEN 21\n   ELSE 7\n   END)", script)
-        # A coefficient of no model changes nothing; the constant stands behind all coefficients.
+        # A coefficient without a variable has no effect; the constant follows all coefficients.
         self.assertEqual(self.sql(document(models, [(8, 3), (1, 7), (9, 4)], 0.5)), self.sql(document(models, [(1, 7)], 0.5)))
 
     def test_missing_codes_are_looked_up_by_the_raw_field(self):

@@ -1,4 +1,4 @@
-"""The SQL scripts in real databases, over all example rows. What stands in for which dialect is told in setUpClass."""
+"""The SQL scripts in real databases, over all example rows. setUpClass lists which engine runs which dialect."""
 
 import getpass
 import os
@@ -20,22 +20,22 @@ from support import DOCUMENTS, TESTS
 TEXTS, NESTED, DEBUG = {"boolsAreNumbers": "0"}, {"useTmpTable": "0"}, {"debugRecoding": "1"}
 
 
-class Refused(Exception):
-    """What a server said of a script that it did not run to the end."""
+class Rejected(Exception):
+    """The error with which a server rejected a script."""
 
 
 def client(*command, opening=""):
     def query(sql):
         run = subprocess.run(command, input=opening + sql, capture_output=True, encoding="utf-8", timeout=300)
         if run.returncode:
-            raise Refused(run.stderr[-2000:])
+            raise Rejected(run.stderr[-2000:])
         return [line.split("\t") for line in run.stdout.splitlines()]
     return query
 
 
 def mariadb(test):
-    """A server with the settings that it has by itself, but without accounts, which ends with the tests."""
-    folder = tempfile.mkdtemp(prefix="sw")  # short, since the path of a socket is limited
+    """A server with its default settings but without accounts, which ends with the tests."""
+    folder = tempfile.mkdtemp(prefix="sw")  # the path of a socket must be short
     user = "mysql" if os.geteuid() == 0 else getpass.getuser()
     shutil.chown(folder, user)
     server = subprocess.Popen(["/usr/sbin/mariadbd", "--no-defaults", f"--user={user}", f"--datadir={folder}",
@@ -51,7 +51,7 @@ def mariadb(test):
 
 
 def sqlite(sql, connection=sqlite3.connect(":memory:")):
-    *script, last = sql.replace("\\'", "''").strip().rstrip(";").split(";\n")  # has no backslash escape
+    *script, last = sql.replace("\\'", "''").strip().rstrip(";").split(";\n")  # it has no backslash escapes
     connection.executescript(";\n".join(script))
     return connection.execute(last).fetchall()
 
@@ -63,7 +63,7 @@ def quoted(name, dialect):
 
 
 def load(query, dialect, rows, texts):
-    """Makes the table src of numbers and, in the columns of `texts`, texts; id is the row's number."""
+    """Creates the table src of numbers and, in the columns of `texts`, strings; id is the row's number."""
     def literal(name, cell):
         return "NULL" if cell == "" else "'" + cell.replace("'", "''") + "'" if name in texts else cell
 
@@ -76,7 +76,7 @@ def load(query, dialect, rows, texts):
 class EnginesTest(SqlProgramTest, CheckedTest):
     @classmethod
     def setUpClass(cls):
-        """SQLite takes the brackets of SQL Server. The two clauses that PostgreSQL does not know are taken out here."""
+        """SQLite accepts the brackets of SQL Server. The two clauses that PostgreSQL does not know are removed."""
         postgres = client("psql", "-XqAt", "-F", "\t", "-v", "ON_ERROR_STOP=1",
                           opening="set standard_conforming_strings=off; set escape_string_warning=off;\n")
 
@@ -92,7 +92,7 @@ class EnginesTest(SqlProgramTest, CheckedTest):
         return self.engines[dialect]("select id, Predictions from Preds;")
 
     def test_applicants_in_every_dialect_and_plan(self):
-        # Two variables of one column would make two debug columns of one name.
+        # Two variables of one column would have debug columns of the same name.
         texts = 'field="Income 2"'.join(CREDIT.text.rsplit('field="Income"', 1))
         flags = texts.replace('field="Records"', 'field="Flag"')
         model = CREDIT.model
@@ -104,8 +104,8 @@ class EnginesTest(SqlProgramTest, CheckedTest):
             for plan in [TEXTS] if dialect == "default" else [TEXTS, NESTED, DEBUG]:
                 with self.subTest(dialect=dialect, **plan):
                     if plan == NESTED and dialect == "mysql":
-                        # The alias is written in two cases, and a server on Linux tells them apart.
-                        with self.assertRaisesRegex(Refused, "Unknown column 'qorv_tmp.score'"):
+                        # The script spells the alias in two cases, which a server on Linux distinguishes.
+                        with self.assertRaisesRegex(Rejected, "Unknown column 'qorv_tmp.score'"):
                             self.predictions(dialect, flags, **plan)
                         continue
                     found = self.predictions(dialect, texts if plan == TEXTS else flags, **plan)
@@ -119,7 +119,7 @@ class EnginesTest(SqlProgramTest, CheckedTest):
                         query("drop table Qorv_TMP_Preds;")
 
     def test_claims_in_every_dialect(self):
-        """Nothing helps a field with a full stop or one that is a word of the language, so these get other names."""
+        """Scripts with a full stop or a reserved word as a field do not run, so these fields are renamed."""
         names = {"annual.km": "annual_km", "use": "purpose"}
         text = CLAIMS.text
         for name, other in names.items():
@@ -133,7 +133,7 @@ class EnginesTest(SqlProgramTest, CheckedTest):
                                       untrimmed if "teradata" in dialect else {}, "--sql", "c.xml")
 
     def test_set_up_for_production(self):
-        """The manual's own: a run replaces all predictions, and one that fails leaves them."""
+        """The manual's script: a run replaces all predictions, and a failed one keeps them."""
         page = (TESTS.parent / "docs" / "sql-engines.md").read_text()
         blocks = dict(re.findall(r"<!-- file: (\S+) -->\n```\w+\n(.*?)```", page, re.S))
         for dialect in ["mysql", "unknown"]:
@@ -143,15 +143,15 @@ class EnginesTest(SqlProgramTest, CheckedTest):
                             outputFile="out", inputTable="src", dbType=dialect)
             run = blocks["begin.sql"] + self.sql(CREDIT.text, **settings) + "%s\ncommit;\n"
             query(blocks["table.sql"] + run % "")
-            with self.assertRaises(Refused):
+            with self.assertRaises(Rejected):
                 query(run % "insert into applicant_risk(id) values('0');")
             query(run % "")
             self.assert_explained("sql", CREDIT.rows, "probability", query("select id, risk from applicant_risk;"),
                                   LOWEST, "--sql", "c.xml")
 
     def test_scripts_follow_the_grammars(self):
-        """Of the two dialects that no free server speaks. Neither has a backslash escape."""
-        kinds = DOCUMENTS["kinds"].replace('field="size"', 'field="extent"')  # a word of the language
+        """For the two dialects without a free server, neither of which has backslash escapes."""
+        kinds = DOCUMENTS["kinds"].replace('field="size"', 'field="extent"')  # a reserved word
         for dialect, grammar in [("sqlserver", "tsql"), ("oracle", "oracle")]:
             for flag in "01":
                 script = self.sql(kinds, "A comment", dbType=dialect, createPredictionTable="1", debugRecoding=flag,
@@ -161,6 +161,6 @@ class EnginesTest(SqlProgramTest, CheckedTest):
 
 
 if __name__ == "__main__":
-    if "PGVERSION" not in os.environ:  # a server for as long as the tests run
+    if "PGVERSION" not in os.environ:  # starts a server for the duration of the tests
         os.execvp("pg_virtualenv", ["pg_virtualenv", "-t", sys.executable, "-B", *sys.argv])
     unittest.main()

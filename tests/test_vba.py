@@ -10,10 +10,10 @@ from engines import CLAIMS, CREDIT, LOWEST, CheckedTest
 from support import DOCUMENTS, TESTS, categorical, document, doubles, numeric, terms_document
 
 BELOW, ABOVE, WITHIN = "FFB78B", "EE9EFF", "FFFFFF"
-EMPTY = "9E12FF"  # of RGB(158, 274, 255); Excel takes 274 as 255 and colours 9EFFFF
+EMPTY = "9E12FF"  # of RGB(158, 274, 255); Excel reads 274 as 255 and shows 9EFFFF
 
-# What only this target makes something of: the characters of a name, titles and values with quotes, truth values; a
-# missing code of seven digits, of which six are written; a table of two points; and scores and probabilities to spare.
+# What only this target treats specially: the characters of a name, titles and values with quotes, truth values; a
+# missing code of seven digits, of which six are written; a table of two points; and surplus scores and probabilities.
 WORKSHEET = document(
     [
         numeric(1, "a\"b%c'd-e(f)g/h.i j", [1, 2], [5, 6, 7, 8], label="{recoding}"),
@@ -27,7 +27,7 @@ WORKSHEET = document(
 
 
 def cell(text):
-    """A cell of a data file as somebody would type it into a sheet."""
+    """A cell of a data file as typed into a sheet."""
     try:
         return float(text)
     except ValueError:
@@ -55,10 +55,10 @@ class VbaTest(CheckedTest):
             self.assert_explained("vba", example.rows, name, enumerate(result.scores), explained)
 
     def test_colours_of_cells(self):
-        """Of two variables of a column the later colours it."""
+        """Of two variables of a column, the later one colours it."""
         for example in [CREDIT, CLAIMS]:
             cells = {v.field: 5 * [None] if v.categorical else
-                     [v.cuts[0] - 1, v.cuts[0], v.cuts[-1], v.cuts[-1] + 1, None] for v in example.model.variables}
+                     [v.bounds[0] - 1, v.bounds[0], v.bounds[-1], v.bounds[-1] + 1, None] for v in example.model.variables}
             colours = [5 * [None] if values[0] is None else [BELOW, WITHIN, WITHIN, ABOVE, EMPTY]
                        for values in cells.values()]
             result = self.run_module(self.convert("-e", example.text), list(cells), list(zip(*cells.values())))
@@ -73,7 +73,7 @@ class VbaTest(CheckedTest):
         total = sum(k * k / 8 for k in columns)
         self.assertEqual(result.scores, (0.5 + total, 0.5 - total))
 
-    def test_the_manual_spells_a_module_in_ascii(self):
+    def test_the_manual_converts_a_module_to_ascii(self):
         page = (TESTS.parent / "docs" / "vba.md").read_text()
         script = re.search(r"<!-- file: ascii.py -->\n```python\n(.*?)```", page, re.S)[1]
         title, values = "Größe ж", ["zł", "𝄞", "plain"]
@@ -84,21 +84,21 @@ class VbaTest(CheckedTest):
         self.assertEqual(self.run_module(module, [title], [[v] for v in [*values, "z?"]]).scores, (1.5, 2.5, 4.5, 0.5))
 
     def test_truth_values_and_texts(self):
-        """The cell TRUE shows True, the cell FALSE False; a text stays as it is, and booleans keep their spellings. A
-        text in a column of numbers counts as missing, and stops the macro."""
+        """The truth values TRUE and FALSE show as True and False; texts are compared verbatim, and boolean recodings keep
+        their spellings. A text in a numeric column counts as missing and stops the macro."""
         model = document([categorical(1, "flag", ["TRUE", "FALSE", "true"], [0, 1, 2, 3]),
                           numeric(3, "n", [1], [0, 0, 0]),
                           categorical(2, "bool", ["FALSE"] * 5 + ["TRUE"], [0, 10, 20], tname="bb64")],
                          [(1, 1), (2, 1), (3, 1)], 0, table=[(21, 0.9), (12, 0.5), (3, 0.25), (0, 0.1)])
         rows = [[True, "TRUE", 0], [False, "FALSE", "text"], ["TRUE", True, 0], [" true ", False, 0]]
         result = self.run_module(self.convert("-e", model), ["flag", "bool", "n"], rows)
-        # Scores of 21, 12, 0 and 3: on each point of the table.
+        # The scores, 21, 12, 0 and 3, are at the points of the table.
         self.assertEqual([round(score, 12) for score in result.scores], [0.9, 0.5, 0, 0])
         self.assertEqual(result.failure, 13)
         self.assertEqual([colour for *_, colour in result.colours], [BELOW, None, None, None])
 
     def test_quotes_keep_the_module_from_compiling(self):
-        """The backslash before a quote in a title or value does not keep it from ending the literal."""
+        """A backslash before a quote in a title or value does not escape it."""
         for title, value in [('a "b"', "5 pipe"), ("a b", '5" pipe')]:
             model = document([numeric(1, title, [1], [1, 2, 3]), categorical(2, "c", [value], [10, 20])], [(1, 1)], 0)
             with self.subTest(title), self.assertRaises(SyntaxError):
@@ -107,7 +107,7 @@ class VbaTest(CheckedTest):
     def test_sheets_and_titles_that_are_not_found(self):
         models = [numeric(1, "a", [1], [1, 2, 3]), numeric(2, "b", [1], [1, 2, 3])]
         module = self.convert("-e", document(models, [(1, 1), (2, 10)], 0))
-        result = self.run_module(module, ["a", "b"], [[0, 2]], last_title=1)  # the search goes on for one column more
+        result = self.run_module(module, ["a", "b"], [[0, 2]], last_title=1)  # the search covers one more column
         self.assertEqual(result, ((32,), 0, [[BELOW, ABOVE]], []))
         for titles, sheet, message in [
             (["a", "b"], "Other", "The sheet 'Other' could not be found in document"),

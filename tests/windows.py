@@ -1,4 +1,4 @@
-"""What only the program for Windows shows, run by wine; scripts/windows runs the other tests on it too."""
+"""Tests of the Windows program only, run by wine; scripts/windows also runs the other tests on it."""
 
 import os
 import pty
@@ -27,13 +27,13 @@ class WindowsTest(ProgramTest):
             self.assertEqual(self.run_program("-p", self.write("m", text, encoding), "out", "model"), (0, ""))
             self.assertEqual(self.read("out"), expected)
 
-    def test_arguments_are_taken_as_they_stand(self):
+    def test_arguments_are_passed_verbatim(self):
         self.write("m", PLAIN)
         for name in ["*", "m?", 'a "b\\" c\\', " a ", "%PATH%", "é^&|<>"]:
             self.assertEqual(self.run_program("-p", "m", "out", name), (0, ""))
             self.assertIn(f"\nclass QORVModel_{name}:\n", self.read("out"))
 
-    def test_vba(self):  # whose own tests need an office
+    def test_vba(self):  # test_vba.py needs LibreOffice
         self.assert_golden("kinds.bas", self.convert("-e", DOCUMENTS["kinds"]))
 
     def test_a_console_shows_every_character(self):
@@ -44,7 +44,7 @@ class WindowsTest(ProgramTest):
         try:
             while data := os.read(console, 4096):
                 shown += data
-        except OSError:  # the other side is closed
+        except OSError:  # the program has ended
             pass
         self.assertEqual(os.waitstatus_to_exitcode(os.waitpid(process, 0)[1]), 8)
         self.assertIn("Cannot convert model 'é Ж 日本': Error: File not found.".encode(), shown)

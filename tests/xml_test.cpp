@@ -17,8 +17,8 @@ std::string utf8(QStringView text) {
     return text.toUtf8().toStdString();
 }
 
-// A tree in one line: name(attribute=value flag)[text|text]<clear opening content>{child child}.
-// A declaration has a "?" before its name, the record at the top is called "*".
+// A tree in one line: name(attribute=value flag)[text|text]<opening content closing>{child child}.
+// A "?" precedes the name of a declaration, and "*" is the unnamed element at the top.
 std::string render(const XmlNode &node) {
     if (node.isEmpty()) return "-";
     std::string attributes;
@@ -72,10 +72,10 @@ const ParseCase parseCases[] = {
     {u"<a x><b y/></a>", "a(x){b(y)}"},
     {u"<a x='it\"s' y=\"it's\"/>", "a(x=it\"s y=it's)"},
     {u"<a x=\"1>2\"/>", "a(x=1>2)"},
-    {u"<a x=\"1></a>", "a(x=\"1)"},    // a quote that does not close is part of an unquoted value
-    {u"<a x=\"<b>\"/>", "-", 8, 1, 8}, // a quote does not run over a "<"
+    {u"<a x=\"1></a>", "a(x=\"1)"},    // an unclosed quote is part of an unquoted value
+    {u"<a x=\"<b>\"/>", "-", 8, 1, 8}, // a quotation ends before a "<"
     {u"<a y=1? x?></a>", "a(x? y=1?)"},
-    // Declarations: at the top they take in the rest, elsewhere "?>" closes them.
+    // Declarations: at the top they contain the rest, elsewhere "?>" closes them.
     {u"<?xml version=\"1.0\"?><a/>", "?xml(version=1.0){a}"},
     {u"<?xml version?><a/>", "?xml(version){a}"},
     {u"<?xml version='1?' ?>", "?xml(version=1?)"},
@@ -85,7 +85,7 @@ const ParseCase parseCases[] = {
     {u"<a> one\r\n two \t</a>", "a[one\r\n two]"},
     {u"<a>x='1' / > \" '</a>", "a[x='1' / > \" ']"},
     {u"<a>one<b/>two</a>", "a[one|two]{b}"},
-    {u"<a>\u3C26\u263C&amp;\u013C</a>", "a[\u3C26\u263C&\u013C]"}, // of the bytes of "<" and "&"
+    {u"<a>\u3C26\u263C&amp;\u013C</a>", "a[\u3C26\u263C&\u013C]"}, // with the bytes of "<" and "&"
     {u"<a>&amp;&LT;&gt;&Quot;&apos;&#65;&#x41;&#X6f;&#65601;</a>", "a[&<>\"'AAoA]"},
     {u"<a>one&#0;two</a>", "a[one]"},
     {u"<a>&#;x</a>", "a[]"},
@@ -94,8 +94,8 @@ const ParseCase parseCases[] = {
     {u"<a x='&lt;1&gt;'/>", "a(x=<1>)"},
     {u"<a>\n&#65</a>", "-", 12, 2, 7},
     {u"<a>&#6A;</a>", "-", 12, 1, 11},
-    {u"&bad;", "*", 2, 1, 6}, // no element at the top is what is told, whatever else is wrong
-    // Sections that are kept as they stand.
+    {u"&bad;", "*", 2, 1, 6}, // "no element" replaces all other errors
+    // Sections kept verbatim.
     {u"<a><![CDATA[<b>&x;]]></a>", "a<<![CDATA[ <b>&x; ]]>>"},
     {u"<a><!----></a>", "a<<!-- null -->>"},
     {u"<a><PRE> <b> </PRE></a>", "a<<PRE>  <b>  </PRE>>"},
@@ -125,13 +125,13 @@ const ParseCase parseCases[] = {
     {u"<a></>", "-", 5, 1, 7},
     {u"<a></a x>", "-", 5, 1, 9},
     {u"<a><='1'/></a>", "-", 4, 1, 6},
-    // Tokens where they do not belong; the column is that behind the token.
+    // Misplaced tokens; the column is after the token.
     {u"<a ='1'/>", "-", 8, 1, 5},
     {u"<a x '1'/>", "-", 8, 1, 9},
     {u"<a <!--x--> />", "-", 8, 1, 8},
     {u"<a x=/>", "-", 8, 1, 8},
     {u"<a x=1\n<b/>", "-", 8, 2, 2},
-    // Nothing at the top, or more than one thing.
+    // No element at the top, or several.
     {u"", "*", 2, 1, 1},
     {u" text\n ", "*[text]", 2, 2, 2},
     // Tags.
@@ -143,7 +143,7 @@ const ParseCase parseCases[] = {
     {u"<a>\u0130</a>", "-", 11, 0, 0, u"\u0131"},
 };
 
-TEST(Parser, BuildsTheTreeAndTellsCodeAndPosition) {
+TEST(Parser, BuildsTheTreeAndReportsCodeAndPosition) {
     for (const ParseCase &c : parseCases) {
         SCOPED_TRACE(utf8(c.text));
         XmlParseResult result{XmlError::FileNotFound, -1, -1};
@@ -158,7 +158,7 @@ TEST(Parser, BuildsTheTreeAndTellsCodeAndPosition) {
     EXPECT_EQ(result.error, XmlError::NoElementsFound);
 }
 
-TEST(Navigation, FindsWhatIsThereAndNothingElse) {
+TEST(Navigation, FindsMatchesOrReturnsTheEmptyNode) {
     const XmlNode a = XmlNode::parseText(
         u"<a><B v='1'/><c v='X' v='y'/><b v='2' w/>one<b/><b V='x'/><!--z--></a>");
     int index = 0;
@@ -256,7 +256,7 @@ TEST(File, DetectsTheEncoding) {
         {"\xEF\xBB\xBF\xEF\xBB\xBF<a/>", "*[\uFEFF]{a}"},
         {"\xEF\xBB\xBF<a>\xC3</a>", "a[\uFFFD]"},
         {"\xEF\xBB\xBF<a/>\xC3", "*[\uFFFD]{a}"},
-        {utf16(u"<abcdef/>") + "x", "*", 2}, // of an odd length
+        {utf16(u"<abcdef/>") + "x", "*", 2}, // an odd length
         {"\xFE\xFF" + utf16(u"<abcdef/>"), "*[\u00fe\u00ff]", 2},
         {"\xEF\xBB\xBF", "*", 2},
         {"<a/>", "a"},
@@ -268,7 +268,7 @@ TEST(File, DetectsTheEncoding) {
     });
 }
 
-// Windows has a test of its own for UTF-16, which takes these otherwise.
+// Windows has its own test for UTF-16, with other results.
 TEST(File, CountsNarrowUnitsOutsideWindows) {
     expectTrees({
         {"\xFF\xFE" + utf16(u"<a/>") + "x", "*[x]{a}"}, // an odd byte pairs with a zero
@@ -276,14 +276,14 @@ TEST(File, CountsNarrowUnitsOutsideWindows) {
         {"\xEF\xBB\xBF<a/>\xC3\0<b/>"s, "*[\uFFFD]{a}"},
         {"\xEF\xBB\xBF<a/>\0<b/>"s, "a"},
         {"<a/>\0<b/>"s + std::string(15, '\0'), "a"},
-        // Just half is narrow.
+        // Exactly half of the units are narrow.
         {utf16(u"<a>\u4e00\u4e01\u4e02\u4e03\u4e04\u4e05\u4e06</a>"), "*", 2},
         {utf16(u"<a></a>\u4e00\u4e01\u4e02\u4e03\u4e04\u4e05"),
          "*[\u4e00\u4e01\u4e02\u4e03\u4e04\u4e05]{a}"},
     });
 }
 
-TEST(Base64, DecodesAndTellsWhatIsWrong) {
+TEST(Base64, DecodesAndReportsIrregularities) {
     const std::tuple<QStringView, std::string, int> cases[] = {
         {u"QQ==", "A", 0},
         {u"QUI=", "AB", 0},
@@ -318,7 +318,7 @@ TEST(Base64, DecodesAndTellsWhatIsWrong) {
     EXPECT_EQ(size, 0);
 }
 
-TEST(Memory, NumbersTakeThePlaceOfTheirTextOnce) {
+TEST(Memory, NumbersAreDecodedOverTheirTextOnce) {
     Base64Decoder decoder;
     const XmlNode a =
         XmlNode::parseText(u"<a><x>AAAAAAAA8D8AAAAAAAAAQEE=</x>\n<x>QUJD</x><x/></a>");
@@ -333,8 +333,8 @@ TEST(Memory, NumbersTakeThePlaceOfTheirTextOnce) {
     EXPECT_TRUE(a.childNode(u"x", 2).decodeNumbers(decoder).empty());
 }
 
-TEST(MemoryDeathTest, OverrunsInTheBlockAreSeen) {
-    if (!SCOREWRIGHT_SANITIZE) GTEST_SKIP() << "only the address sanitizer sees them";
+TEST(MemoryDeathTest, OverrunsWithinTheBlockAreDetected) {
+    if (!SCOREWRIGHT_SANITIZE) GTEST_SKIP() << "only the address sanitizer detects them";
     Base64Decoder decoder;
     const XmlNode a = XmlNode::parseText(u"<a>AAAAAAAA8D8AAAAAAAAAQA==</a>");
     const auto read = [](const auto *place) {

@@ -1,6 +1,6 @@
-// Most texts are groups of four digits with nothing between them, which one pass decodes. From the
-// first irregularity on, the rest is measured before it is decoded, so that a text with an illegal
-// character has no result.
+// Most texts are plain groups of four digits, which one pass decodes. From the first irregularity
+// on, the rest is measured before it is decoded, so that a text with an illegal character has no
+// result.
 #include "xml/base64.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ static_assert(std::endian::native == std::endian::little, "groups are read and w
 
 namespace {
 
-// The classes of characters; values below 64 are the digits.
+// Classes of characters; values below 64 are digits.
 constexpr unsigned char padding = 64;
 constexpr unsigned char space = 65;
 constexpr unsigned char textEnd = 66;
@@ -40,8 +40,8 @@ unsigned char classOf(char16_t c) {
     return c > 0xFF ? illegal : classes[c];
 }
 
-// The number of bytes by the length of the text. The walk back over the padding stops at white
-// space, so padding before a line end counts as data, and decoding reports a truncation.
+// The number of bytes according to the length of the text. Padding before trailing white space
+// counts as data, and decoding reports a truncation.
 qsizetype decodedSize(QStringView text, XmlError &error) {
     qsizetype count = 0;
     for (const QChar c : text) {
@@ -70,8 +70,8 @@ unsigned char byte(int value) {
     return static_cast<unsigned char>(value);
 }
 
-// A group of four digits makes a word of three bytes. For each place in the group, a table shifts
-// the bits of a digit to where they belong in the word; any other character sets a bit above them.
+// Four digits encode three bytes. For each place in such a group, a table shifts a digit's bits to
+// their place in the three bytes; any other character sets a bit above them.
 constexpr std::uint32_t noDigit = 1U << 24;
 constexpr std::array<std::array<std::uint32_t, 256>, 4> makePlaces() {
     std::array<std::array<std::uint32_t, 256>, 4> places{};
@@ -87,9 +87,9 @@ constexpr std::array<std::array<std::uint32_t, 256>, 4> makePlaces() {
 }
 constexpr auto places = makePlaces();
 
-// Decodes groups of four digits up to the first irregular one, and moves `at` and `out` behind
-// them. Each group is written as four bytes, the last of them zero. Four tables of shifted bits
-// beat one table and shifts (benchmarks/costs.md: "one Base64 table").
+// Decodes groups of four digits up to the first irregular one, and moves `at` and `out` past
+// them. Writes four bytes per group, the last of them zero. Four tables are faster than one table
+// and shifts (benchmarks/costs.md: "one Base64 table").
 void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out) {
     constexpr std::uint64_t highBytes = 0xFF00FF00FF00FF00;
     for (; end - at >= 4; at += 4, out += 3) {
@@ -103,7 +103,7 @@ void decodeGroups(const char16_t *&at, const char16_t *end, unsigned char *&out)
 }
 
 // Fills the `size` bytes at `out` from a text without illegal characters; returns the error or
-// warning. May write one more byte, a zero, for which the buffer has room.
+// warning. May write a zero after them, for which the buffer has room.
 XmlError decode(QStringView text, unsigned char *out, qsizetype size) {
     const char16_t *at = text.utf16();
     const char16_t *const end = at + text.size();

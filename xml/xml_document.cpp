@@ -1,4 +1,3 @@
-// The memory of a document, and its entities.
 #include "xml/xml_document.h"
 
 #include <algorithm>
@@ -17,15 +16,15 @@ int digitValue(char16_t c, int base) {
 
 } // namespace
 
-XmlDocument::XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> room)
+XmlDocument::XmlDocument(MemoryBlock owned, QStringView text, std::span<std::byte> arena)
     : block(std::move(owned)), source(text.utf16()), length(text.size()),
-      pieces(room.data() + std::min(gapSize, room.size()),
-             room.size() - std::min(gapSize, room.size())) {
+      pieces(arena.data() + std::min(gapSize, arena.size()),
+             arena.size() - std::min(gapSize, arena.size())) {
     forbidAccess(block.get(), source);
-    forbidAccess(source + length + 1, room.data() + room.size());
+    forbidAccess(source + length + 1, arena.data() + arena.size());
 }
 
-// The sanitizer keeps one mark for eight bytes, so that two pieces must not share them.
+// The sanitizer marks groups of eight bytes, which two pieces therefore must not share.
 void *XmlDocument::allocateBeforeGap(std::size_t bytes, std::size_t alignment) {
     constexpr std::size_t grain = 8;
     const std::size_t whole = (bytes + grain - 1) / grain * grain + gapSize;
@@ -81,13 +80,12 @@ XmlNode XmlNode::parseText(QStringView text, QStringView tag, XmlParseResult *re
     }
     const auto size = static_cast<std::size_t>(text.size());
     const std::size_t textBytes = (size + 1) * sizeof(char16_t);
-    const std::size_t roomBytes = expectedRoom(size);
-    MemoryBlock block = allocateBlock(textBytes + roomBytes);
+    const std::size_t arenaBytes = expectedArena(size);
+    MemoryBlock block = allocateBlock(textBytes + arenaBytes);
     if (!block) throw std::bad_alloc();
     auto *const copy = reinterpret_cast<char16_t *>(block.get());
     *std::copy_n(text.utf16(), size, copy) = u'\0';
-    const std::span room(block.get() + textBytes, roomBytes);
-    // A view made of a pointer alone ends before the first zero unit.
-    const QStringView source(copy);
-    return parseXml(std::make_unique<XmlDocument>(std::move(block), source, room), tag, results);
+    const std::span arena(block.get() + textBytes, arenaBytes);
+    const QStringView source(copy); // ends before the first zero unit
+    return parseXml(std::make_unique<XmlDocument>(std::move(block), source, arena), tag, results);
 }

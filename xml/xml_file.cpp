@@ -1,6 +1,5 @@
-// Reads a whole file into the block of its document. UTF-16 text is parsed where it was read. Bytes
-// of any other encoding are decoded to the beginning of the block, and the tree then overwrites the
-// bytes.
+// Reads a whole file into the block of its document. UTF-16 is parsed in place. Other encodings are
+// decoded to the start of the block; the tree then overwrites the encoded bytes.
 #include "platform/platform.h"
 #include "xml/xml_document.h"
 
@@ -13,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t zeroBytes = 4; // behind the bytes, which may end in the middle of a unit
+constexpr std::size_t zeroBytes = 4; // end the text even if the bytes end within a unit
 
 struct FileBytes {
     MemoryBlock block;
@@ -25,17 +24,17 @@ struct FileBytes {
     QByteArrayView bytes() const { return {block.get() + start, static_cast<qsizetype>(size)}; }
 };
 
-// One UTF-16 unit for each byte, the zero unit behind them, and slack for the decoder (64 bytes).
+// One UTF-16 unit for each byte, a final zero unit, and slack for the decoder (64 bytes).
 std::size_t roomForText(std::size_t bytes) {
     return bytes * sizeof(char16_t) + 64;
 }
 
-// Allocates a block for the text and the tree or, if memory is short, for the text alone: the tree
-// then allocates what it needs. False if even the text does not fit.
-bool takeBlock(FileBytes &file) {
+// Allocates a block for the text and the tree or, if memory is short, for the text alone; the tree
+// then goes to the heap. False if even the text does not fit.
+bool allocateBlockFor(FileBytes &file) {
     const std::size_t room = roomForText(file.size);
     const std::size_t least = file.start + file.size + zeroBytes;
-    for (const std::size_t size : {room + zeroBytes + expectedRoom(file.size), least}) {
+    for (const std::size_t size : {room + zeroBytes + expectedArena(file.size), least}) {
         file.blockSize = size;
         file.block = allocateBlock(size);
         if (file.block) return true;
@@ -43,9 +42,9 @@ bool takeBlock(FileBytes &file) {
     return false;
 }
 
-// Reads a file of `file.size` bytes. A UTF-16 mark means that the bytes are the text itself, so
-// they go to the start of the block, which saves touching one large page. Bytes of any other
-// encoding go behind the room for their decoded text.
+// Reads a file of `file.size` bytes. If it has a UTF-16 mark, the bytes are the text itself and go
+// to the start of the block, which saves touching one large page. Other bytes go after the room for
+// their decoded text.
 void readBytes(std::FILE *input, FileBytes &file) {
     constexpr std::size_t largest = PTRDIFF_MAX / 8; // the sums below do not overflow
     if (file.size > largest) {
@@ -56,14 +55,14 @@ void readBytes(std::FILE *input, FileBytes &file) {
     const std::size_t markSize =
         std::fread(mark.data(), 1, std::min(mark.size(), file.size), input);
     file.start = QByteArrayView(mark) == "\xFF\xFE" ? 0 : roomForText(file.size);
-    if (!takeBlock(file)) {
+    if (!allocateBlockFor(file)) {
         file.error = XmlError::WideCharConversionError;
         return;
     }
     std::byte *const bytes = file.block.get() + file.start;
     std::memcpy(bytes, mark.data(), markSize);
     file.size = markSize + std::fread(bytes + markSize, 1, file.size - markSize, input);
-    if (std::ferror(input)) file.error = XmlError::FileNotFound; // never half a document
+    if (std::ferror(input)) file.error = XmlError::FileNotFound; // not a partial document
     std::fill_n(bytes + file.size, zeroBytes, std::byte());
 }
 
@@ -84,7 +83,7 @@ FileBytes readFile(const QString &fileName) {
     return file;
 }
 
-// Decodes 8-bit text up to the first zero byte; `text` has room for one unit for each byte and some
+// Decodes 8-bit text up to the first zero byte; `text` has room for one unit per byte and some
 // slack. Null if the bytes cannot be converted.
 QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     const bool isUtf8 = bytes.startsWith("\xEF\xBB\xBF");
@@ -93,7 +92,7 @@ QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
         static_cast<qsizetype>(qstrnlen(bytes.data(), static_cast<size_t>(bytes.size()))));
     char16_t *end = nullptr;
     if (isUtf8) {
-        // Without these flags, a decoder drops a second mark and a truncated sequence at the end.
+        // Without these flags, the decoder drops a second mark and a truncated sequence at the end.
         QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom |
                                                       QStringDecoder::Flag::Stateless);
         end = reinterpret_cast<char16_t *>(
@@ -103,31 +102,31 @@ QStringView decodeNarrow(QByteArrayView bytes, char16_t *text) {
     }
     if (!end) return {};
     *end = u'\0';
-    // A code page may convert bytes to a zero unit; a view made of a pointer alone ends there.
+    // A code page may produce a zero unit; a view made from a pointer alone ends there.
     return isUtf8 ? QStringView(text, end) : QStringView(text);
 }
 
-// The text within the block, and the free part of the block.
+// The parts of the block.
 struct Source {
     QStringView text;
-    std::span<std::byte> room;
+    std::span<std::byte> arena;
 };
 
 Source utf16Source(const FileBytes &file) {
     const QByteArrayView bytes = file.bytes();
-    // EF FF is skipped like a byte-order mark: existing documents rely on it.
+    // Existing documents rely on EF FF being skipped like a byte-order mark.
     const bool isMarked = bytes.startsWith("\xEF\xFF") || bytes.startsWith("\xFF\xFE");
     const std::span block(file.block.get(), file.blockSize);
     const auto *const text = reinterpret_cast<const char16_t *>(block.data() + file.start);
-    // A view made of a pointer alone ends before the first zero unit.
+    // A view made from a pointer alone ends before the first zero unit.
     return {QStringView(text + (isMarked ? 1 : 0)),
             block.subspan(file.start + file.size + zeroBytes)};
 }
 
-// The text is null if the bytes cannot be converted or if there is no memory to decode them.
+// The text is null if the bytes cannot be converted or if there is no room to decode them.
 Source narrowSource(FileBytes &file) {
     const std::span block(file.block.get(), file.blockSize);
-    if (file.start == 0) { // it has the mark, but the system says that it is not UTF-16
+    if (file.start == 0) { // starts with the mark, but the system does not recognise UTF-16
         file.start = roomForText(file.size);
         if (file.start + file.size + zeroBytes > file.blockSize) return {};
         std::memmove(block.data() + file.start, block.data(), file.size);
@@ -149,6 +148,6 @@ XmlNode XmlNode::parseFile(const QString &fileName, QStringView tag, XmlParseRes
         if (results) *results = {file.error};
         return {};
     }
-    return parseXml(std::make_unique<XmlDocument>(std::move(file.block), source.text, source.room),
+    return parseXml(std::make_unique<XmlDocument>(std::move(file.block), source.text, source.arena),
                     tag, results);
 }

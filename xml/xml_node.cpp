@@ -1,5 +1,5 @@
-// The document counts its handles, whichever element they stand for: the last one releases the
-// whole block. Lookups walk the arrays of one element.
+// The document counts the handles to all of its elements; the last one releases the block. Lookups
+// scan the arrays of one element.
 #include "xml/xml_node.h"
 
 #include "xml/base64.h"
@@ -44,7 +44,7 @@ constexpr char16_t foldAscii(char16_t c) {
 }
 
 // FNV-1a with a seed that differs from run to run, so that nobody can craft a document whose names
-// all collide. Qt's own hash uses wide vector registers, which slow down the code after it.
+// all collide. Qt's own hash uses wide vector registers, which slow down the code that follows.
 template <typename Fold>
 std::size_t hashUnits(QStringView text, Fold fold) {
     static const std::size_t seed = QHashSeed::globalSeed();
@@ -53,7 +53,7 @@ std::size_t hashUnits(QStringView text, Fold fold) {
     return hash;
 }
 
-// Where a resumable search begins; never negative.
+// Where a resumable search starts; never negative.
 int startAt(const int *index) {
     return index ? std::max(*index, 0) : 0;
 }
@@ -176,8 +176,8 @@ QStringView XmlNode::text(int i) const {
     return element->texts[i];
 }
 
-// Numbers take less than half of the memory of their text, which leaves room to align them. Every
-// text is part of the document's own block, so it may be overwritten.
+// Numbers need less than half the memory of their text, which leaves room to align them. Every text
+// is part of the document's own block, so overwriting it is safe.
 std::span<const double> XmlNode::decodeNumbers(Base64Decoder &decoder, std::size_t *whole) const {
     if (textCount() == 0) return {};
     QStringView &text = element->texts[0];

@@ -1,18 +1,18 @@
-// A small, tolerant XML reader: UTF-16 text becomes a tree of elements that is walked through
-// handles. Its interface and its error codes are fixed; the program does not use all of them.
+// A small, tolerant XML reader: parses UTF-16 text into a tree of elements, navigated by handles.
+// Its interface and its error codes are fixed; the program does not use all of them.
 //
 // The reader does not validate. It accepts unquoted attribute values, attributes without values and
-// documents that end early; most irregularities are warnings, and the tree is still returned. It
-// never prints and never ends the process: it reports errors through XmlParseResult, empty nodes
-// and null texts.
+// documents that end early; most irregularities are warnings that still return the tree. It never
+// prints and never ends the process: it reports errors through XmlParseResult, empty nodes and null
+// texts.
 //
-// One block of memory holds a document: its text, its tree and what is read from the tree. Handles
-// share the block, and the last of them releases it (ARCHITECTURE.md draws it). Neither parsing nor
-// releasing recurses, so nesting is bounded by memory only.
+// One block of memory holds a document: its text, its tree and data read from the tree. Handles
+// share the block, and the last one releases it (ARCHITECTURE.md draws it). Neither parsing nor
+// releasing recurses, so only memory limits nesting.
 //
 // Texts are QStringViews into the block. A null view means "absent", an empty one "present but
-// empty"; the two are never confused. A view is valid as long as somebody holds a handle to the
-// document. All comparisons of names fold the case of ASCII letters and of nothing else.
+// empty". A view is valid as long as any handle to the document exists. All comparisons of names
+// fold the case of ASCII letters only.
 #pragma once
 
 #include <QString>
@@ -22,8 +22,8 @@
 #include <memory>
 #include <span>
 
-// The outcome of a parse or of a Base64 decoding. UnmatchedEndTagWarning, NoXmlTagFound,
-// Base64LengthNotMultipleOf4 and Base64Truncated are warnings: there is a result all the same.
+// The outcome of parsing or of decoding Base64. UnmatchedEndTagWarning, NoXmlTagFound,
+// Base64LengthNotMultipleOf4 and Base64Truncated are warnings: there is still a result.
 enum class XmlError {
     NoError = 0,
     UnmatchedEndTagWarning = 1,
@@ -48,7 +48,7 @@ enum class XmlError {
     Base64OutputBufferTooSmall = 20,
 };
 
-// Line and column count from 1, in UTF-16 units; both are 0 if the error has no position.
+// Line and column (in UTF-16 units) start at 1; both are 0 if the error has no position.
 struct XmlParseResult {
     XmlError error = XmlError::NoError;
     int line = 0;
@@ -61,7 +61,7 @@ const char *xmlErrorMessage(XmlError error);
 // The version of the library: "v2.44".
 const char *xmlLibraryVersion();
 
-// A section that is kept verbatim: CDATA, DOCTYPE, a comment or PRE.
+// A section kept verbatim: CDATA, DOCTYPE, a comment or PRE.
 struct XmlClear {
     QStringView content; // null if the section is empty
     QStringView opening; // the marker before it
@@ -75,7 +75,7 @@ class XmlChildren;
 
 // A handle to one element of a document, or the empty node, which every failed lookup returns.
 // Every operation on the empty node returns the empty node, a null view, 0 or false. A handle keeps
-// the whole document; handles of one document must not be used by two threads at a time.
+// the whole document alive; two threads must not use handles of one document at the same time.
 class XmlNode {
 public:
     XmlNode() = default;
@@ -85,40 +85,41 @@ public:
     ~XmlNode();
 
     // Parses `text` up to its first zero unit. With a `tag`, returns the element of that name: the
-    // root or its first child of that name; FirstTagNotFound if there is neither. Without a tag,
-    // returns the only top-level element, or the unnamed element that holds everything at the top.
-    // A null text is NoElementsFound. Fatal errors return the empty node.
+    // root or its first child of that name, else FirstTagNotFound. Without a tag, returns the only
+    // top-level element, or an unnamed element that contains everything at the top. A null text is
+    // NoElementsFound. Fatal errors return the empty node.
     static XmlNode parseText(QStringView text, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
     // The same for a whole file: UTF-16LE with or without byte-order mark, UTF-8 with one, or the
-    // system's 8-bit code page. FileNotFound if the file cannot be opened (also a folder or a pipe)
-    // or if reading it fails, NoXmlData for 0 bytes and for devices, WideCharConversionError if the
-    // text does not fit in memory.
+    // system's 8-bit code page. FileNotFound if openFile fails (as for a folder) or the file cannot
+    // be read, NoXmlData for 0 bytes and for devices, WideCharConversionError if the text cannot be
+    // decoded or does not fit in memory.
     static XmlNode parseFile(const QString &fileName, QStringView tag = {},
                              XmlParseResult *results = nullptr);
 
     bool isEmpty() const { return element == nullptr; }
 
-    // The first child called `name` at or after position `*index` (0 if index is null); sets
-    // `*index` to the position after it. Without a match `*index` does not change.
+    // The first child called `name` at or after `*index` (0 if index is null); sets `*index` to the
+    // next index. Without a match, `*index` does not change.
     XmlNode childNode(QStringView name, int *index = nullptr) const;
 
     // All children called `name`, in order. Run time is linear in the number of children:
     //     for (const XmlNode &value : modalities.children(u"Mod"))
     XmlChildren children(QStringView name) const;
 
-    // The (i+1)-th child called `name`, the last one for i < 0. Scans the children: not for loops.
+    // The i-th child called `name` (from 0), the last one for i < 0. Scans the children: not for
+    // loops.
     XmlNode childNode(QStringView name, int i) const;
 
     // The first child called `name` at or after `*index` that has an attribute called
-    // `attributeName` whose value equals `attributeValue` without regard to ASCII case, or any
-    // attribute of that name if `attributeValue` is null. Scans the children: not for loops.
+    // `attributeName` whose value equals `attributeValue`, ignoring ASCII case, or any attribute of
+    // that name if `attributeValue` is null. Scans the children: not for loops.
     XmlNode childNodeWithAttribute(QStringView name, QStringView attributeName,
                                    QStringView attributeValue, int *index = nullptr) const;
 
     // The value of the first attribute called `name` at or after `*index`; sets `*index` to the
-    // position after it. Null if there is no such attribute or if it was written without a value.
+    // next index. Null if there is no such attribute or if it has no value.
     QStringView attribute(QStringView name, int *index = nullptr) const;
     bool isAttributeSet(QStringView name) const;
     // The name of the i-th attribute, or null.
@@ -127,13 +128,13 @@ public:
     // The i-th text piece (from 0) in document order, or null.
     QStringView text(int i = 0) const;
     // The 64-bit numbers in the first text piece, which is Base64. The first call decodes them over
-    // their own text: views of it become invalid, and text(0) is null from then on for every handle
-    // to this element. Further calls return the same numbers. A text without a whole number has
-    // none and stays. If the text ends early, at padding, further bytes are zero: the first call
-    // sets *whole to how many numbers the text really has.
+    // their own text: views of it become invalid, and text(0) is null afterwards, for every handle
+    // to this element. Later calls return the same numbers. A text too short for one number returns
+    // none and stays. If padding ends the text early, the remaining bytes are zero; the first call
+    // sets *whole to the count of numbers before the padding.
     std::span<const double> decodeNumbers(Base64Decoder &decoder,
                                           std::size_t *whole = nullptr) const;
-    // The i-th section that is kept verbatim; its views are null if there is none.
+    // The i-th section kept verbatim; its views are null if absent.
     XmlClear clear(int i) const;
 
     QStringView name() const;
@@ -147,10 +148,10 @@ public:
     int clearCount() const;
     int attributeCount() const;
 
-    // The length of the text that the whole tree was parsed from, in units.
+    // The length of the document's text, in units.
     qsizetype sourceLength() const;
-    // Room for `count` values in the document's block, uninitialised: valid as long as the
-    // document, never released alone, and no destructor is called. Not for the empty node.
+    // Uninitialised memory for `count` values in the document's block. It lives as long as the
+    // document, which calls no destructors. Not for the empty node.
     template <typename T>
     T *allocate(std::size_t count) const {
         return static_cast<T *>(allocateBytes(count * sizeof(T), alignof(T)));
@@ -166,7 +167,7 @@ private:
     XmlElement *element = nullptr;
 };
 
-// What XmlNode::children returns. It holds a handle to the parent.
+// The result of XmlNode::children, which keeps a handle to the parent.
 class XmlChildren {
 public:
     class Iterator {
@@ -201,29 +202,28 @@ inline XmlChildren XmlNode::children(QStringView name) const {
     return {*this, name};
 }
 
-// Equality of two texts without regard to the case of ASCII letters. A null text equals null only.
+// Compares two texts ignoring the case of ASCII letters. A null text equals null only.
 bool equalsIgnoringCase(QStringView a, QStringView b);
 
-// Hashes for tables of names, with and without regard to the case of ASCII letters. They differ
-// from one run of the program to the next.
+// Hashes for tables of names; the second ignores the case of ASCII letters. They differ from run to
+// run.
 std::size_t hashText(QStringView text);
 std::size_t hashIgnoringCase(QStringView text);
 
-// The number at the beginning of `value`: white space, a sign and ASCII digits, saturating at 32
-// bits; 0 without digits, `defaultValue` for a null or empty value.
+// The number at the start of `value`: white space, a sign and ASCII digits, clamped to 32 bits; 0
+// without digits, `defaultValue` for a null or empty value.
 int xmlToInt(QStringView value, int defaultValue);
-// The low 8 bits of the same number as a truth value, so that 256 is false.
+// Whether the low 8 bits of the same number are nonzero, so that 256 is false.
 bool xmlToBool(QStringView value, bool defaultValue);
-// `value` unless it is null.
+// `value`, or `defaultValue` if it is null.
 QStringView xmlToText(QStringView value, QStringView defaultValue);
-// Null if the first byte of the text is zero, which includes every first unit that is a multiple of
-// 256; else the text.
+// The text, or null if its first byte is zero, as in every unit that is a multiple of 256.
 QStringView xmlNonEmpty(QStringView text);
 
-// A reusable buffer for text with & < > " ' written as entities.
+// A reusable buffer for text with & < > " ' escaped as entities.
 class XmlEscapeBuffer {
 public:
-    // The returned text is empty for a null one, never null, and valid until the next call.
+    // The result is empty for a null text, never null, and valid until the next call.
     QStringView escape(QStringView text);
     void release();
 

@@ -1,11 +1,10 @@
-// readContent goes from one "<" to the next. Between two of them is text; what follows a "<" opens
-// an element (readElement), closes one (readEndTag) or opens a section that is kept verbatim
-// (readClear). Open elements are on a stack of the parser's own instead of the process's stack,
-// which a deeply nested document would exhaust.
+// readContent proceeds from one "<" to the next. Between them is text; each "<" opens an element
+// (readElement), closes one (readEndTag) or opens a section kept verbatim (readClear). The parser
+// has its own stack of open elements, because a deeply nested document would exhaust the process's.
 //
-// The open elements share one list of children, one of texts and one of verbatim sections. Each
-// element owns the last entries of each list, from a position of its own on. When it closes, its
-// entries move from the lists to arrays in the document's block.
+// The open elements share one list of children, one of texts and one of verbatim sections. The
+// innermost element owns the last entries of each list. When it closes, they move to arrays in the
+// document's block.
 #include "xml/xml_document.h"
 
 #include <algorithm>
@@ -49,8 +48,7 @@ struct Token {
 
 enum class PieceKind { None, Child, Text, Clear, Comment };
 
-// An open element. Its children, texts and verbatim sections are the last entries of the parser's
-// lists, from these positions on.
+// An open element, and where its entries in the parser's lists start.
 struct OpenElement {
     XmlElement *element;
     std::size_t firstChild;
@@ -65,7 +63,7 @@ struct Parser {
     const char16_t *source;
     qsizetype length;
     qsizetype at = 0;
-    qsizetype runStart = 0; // start of the text that ends at the next "<"
+    qsizetype runStart = 0; // of the text that ends at the next "<"
     XmlError error = XmlError::NoError;
     qsizetype warningAt = 0;
 
@@ -75,7 +73,7 @@ struct Parser {
     std::vector<XmlClear> clears{};
     std::vector<XmlAttribute> attributes{};
 
-    // The last text that was joined from several, and how many units it has room for.
+    // The last text that was joined from several, and its capacity in units.
     char16_t *joined = nullptr;
     qsizetype joinedCapacity = 0;
 };
@@ -84,8 +82,8 @@ bool isSpace(char16_t c) {
     return c <= u' ' && (c == u' ' || c == u'\n' || c == u'\t' || c == u'\r');
 }
 
-// The first unit `c`, an ASCII character, in [at, end); else `end`. The C library searches for its
-// byte with vector instructions (benchmarks/costs.md: "search in units").
+// The first unit `c`, an ASCII character, in [at, end); else `end`. memchr searches for its byte
+// with vector instructions (benchmarks/costs.md: "search in units").
 const char16_t *findUnit(const char16_t *at, const char16_t *end, char16_t c) {
     while (at < end) {
         const auto *const begin = reinterpret_cast<const char *>(at);
@@ -115,7 +113,7 @@ T *allocate(Parser &p, std::size_t count) {
     return static_cast<T *>(p.document.allocate(count * size, alignof(T)));
 }
 
-// Moves the entries from `first` on from a list of the parser to an array of the document.
+// Moves the entries from `first` on to an array of the document; returns their count.
 template <typename T>
 int store(Parser &p, std::vector<T> &list, std::size_t first, T *&stored) {
     const std::size_t count = list.size() - first;
@@ -129,10 +127,10 @@ int store(Parser &p, std::vector<T> &list, std::size_t first, T *&stored) {
 
 // --- Tokens
 
-// The text token that begins at `start`; its first unit is already read.
+// The text token that starts at `start`; its first unit is already read.
 Token textToken(Parser &p, qsizetype start) {
     while (true) {
-        while (p.source[p.at] > u'>') ++p.at; // nothing above it ends a text
+        while (p.source[p.at] > u'>') ++p.at; // no unit above it ends a text
         const char16_t c = p.source[p.at];
         if (isSpace(c)) {
             const Token token{TokenKind::Text, QStringView(p.source + start, p.at - start)};
@@ -208,7 +206,7 @@ Token nextToken(Parser &p) {
 
 // --- Texts
 
-// Replaces the entities of a text. Without entities the result is a view into the source.
+// Replaces the entities of a text. Without entities, the result is a view into the source.
 bool decodeEntities(Parser &p, QStringView raw, QStringView &decoded) {
     const auto findEntity = [&raw] {
         return findUnit(raw.utf16(), raw.utf16() + raw.size(), u'&') - raw.utf16();
@@ -237,7 +235,7 @@ void addPiece(Parser &p, PieceKind kind) {
     element.last = kind;
 }
 
-// Appends to the last text. Its capacity doubles, so that joining many pieces stays linear.
+// Appends to the last text. Doubling its capacity keeps joining many pieces linear.
 void joinText(Parser &p, QStringView more) {
     QStringView &text = p.texts.back();
     const qsizetype size = text.size() + more.size();
@@ -251,7 +249,7 @@ void joinText(Parser &p, QStringView more) {
 }
 
 // Adds the text before `end` to the innermost element. If only a comment separates it from the
-// previous text, the comment is dropped and the two texts become one.
+// previous text, drops the comment and joins the two texts.
 bool flushText(Parser &p, qsizetype end) {
     qsizetype start = p.runStart;
     while (start < end && isSpace(p.source[start])) ++start;
@@ -295,8 +293,8 @@ void closeElement(Parser &p) {
     p.open.pop_back();
 }
 
-// Reads an attribute of the usual form, name="value" with neither entities nor markup, in one pass;
-// reads nothing of any other form. Reading tokens gives the same result, more slowly
+// Reads an attribute of the usual form, name="value" without entities or markup, in one pass; reads
+// nothing if it has another form. Reading tokens gives the same result, but is slower
 // (benchmarks/costs.md: "attributes by tokens").
 bool readUsualAttribute(Parser &p) {
     const char16_t *at = p.source + p.at;
@@ -315,10 +313,10 @@ bool readUsualAttribute(Parser &p) {
 
 enum class StartTag { Open, Empty, Unfinished, Failed };
 
-// Reads the attributes of the innermost element, up to the end of its start tag.
+// Reads the attributes of the innermost element and the end of its start tag.
 StartTag readAttributes(Parser &p) {
     const XmlElement &element = *p.open.back().element;
-    // The attribute whose value is still to come; null if there is none, since no name is empty.
+    // The attribute that still lacks its value; null if none does.
     QStringView name;
     while (true) {
         while (name.isNull() && readUsualAttribute(p)) {
@@ -332,7 +330,7 @@ StartTag readAttributes(Parser &p) {
             bool isEmpty = token.kind == TokenKind::ShortEnd;
             if (element.isDeclaration && name.endsWith(u'?')) {
                 name.chop(1);
-                // At the top "?>" closes nothing: the declaration becomes the parent of the rest.
+                // At the top, "?>" closes nothing: the declaration becomes the parent of the rest.
                 if (element.parent->parent) isEmpty = true;
             }
             if (!name.isEmpty()) p.attributes.push_back({name, {}});
@@ -385,7 +383,7 @@ bool readClear(Parser &p, const ClearTag *tag) {
     return true;
 }
 
-// Whether the end tag whose name begins at `candidate` closes an element called `name`.
+// Whether the end tag whose name starts at `candidate` closes an element called `name`.
 bool matchesEndTag(QStringView name, const char16_t *candidate) {
     if (name.isNull()) return false;
     qsizetype size = 0;
@@ -395,8 +393,8 @@ bool matchesEndTag(QStringView name, const char16_t *candidate) {
     return isSpace(next) || next == u'/' || next == u'<' || next == u'>' || next == u'=';
 }
 
-// Reads an end tag, from behind its "</", and closes the innermost element. If the tag names
-// another element, closes the enclosing elements too, up to and including the named one.
+// Reads an end tag after its "</", and closes the innermost element. If the tag names another
+// element, closes the enclosing ones up to and including that element.
 bool readEndTag(Parser &p) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text || nextToken(p).kind != TokenKind::TagClose) {
@@ -421,7 +419,7 @@ void warnIfUnclosed(Parser &p) {
     if (!element.isDeclaration && element.parent) warnUnmatchedEndTag(p);
 }
 
-// Reads a start tag, from behind its "<" or "<?". False if the document ends in it.
+// Reads a start tag after its "<" or "<?". False on an error and if the document ends in it.
 bool readElement(Parser &p, bool isDeclaration) {
     const Token name = nextToken(p);
     if (name.kind != TokenKind::Text) return fail(p, XmlError::MissingStartTagName);
@@ -441,8 +439,8 @@ bool readElement(Parser &p, bool isDeclaration) {
     return false;
 }
 
-// Reads from one "<" to the next until the source ends, an error occurs or the top element closes.
-// Everything between is text: even a quotation does not run past a "<".
+// Reads until the source ends, an error occurs or the top element closes. Everything between two
+// "<" is text, even a quotation mark.
 void readContent(Parser &p) {
     bool goesOn = true;
     while (goesOn && !p.open.empty()) {
@@ -490,7 +488,7 @@ XmlNode parseXml(std::unique_ptr<XmlDocument> owned, QStringView tag, XmlParseRe
     readContent(p);
     while (!p.open.empty()) closeElement(p);
 
-    // A source without any element gets this warning, whatever else is wrong with it.
+    // Without any element, this warning replaces all other errors.
     if (top->childCount == 0) p.error = XmlError::NoXmlTagFound;
     XmlParseResult result{p.error};
     if (p.error != XmlError::NoError) {

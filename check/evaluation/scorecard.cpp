@@ -145,7 +145,7 @@ void readRecodingsOf(Scorecard &card) {
     TextTable<QStringView, std::size_t> columns;
     card.recodings.resize(card.variables.size());
     for (const Variable &variable : card.variables) {
-        Recoding &recoding = card.recodings[variable.position];
+        Recoding &recoding = card.recodings[variable.index];
         recoding.variable = &variable;
         const std::size_t next = card.columns.size();
         recoding.column = columns.try_emplace(variable.field, next).first->second;
@@ -154,7 +154,7 @@ void readRecodingsOf(Scorecard &card) {
             card.recodingsOf.emplace_back();
         }
         recoding.rank = card.recodingsOf[recoding.column].size();
-        card.recodingsOf[recoding.column].push_back(variable.position);
+        card.recodingsOf[recoding.column].push_back(variable.index);
         if (variable.isCategorical) {
             readCategorical(recoding);
         } else {
@@ -182,12 +182,12 @@ void readTerms(Scorecard &card) {
     NumberTable<double> first;
     NumberTable<double> last;
     double factor = 1;
-    for (const auto &[coefficient, number, position] : card.regression.terms) {
+    for (const auto &[coefficient, number, index] : card.regression.terms) {
         if (!first.contains(number)) first[number] = coefficient;
         last[number] = coefficient;
         factor *= coefficient;
-        if (position < 0) continue; // without a name in the code, it multiplies the next term
-        const auto recoding = static_cast<std::size_t>(position);
+        if (index < 0) continue; // without a name in the code, it multiplies the next term
+        const auto recoding = static_cast<std::size_t>(index);
         card.recodings[recoding].coefficient += coefficient;
         card.terms.push_back({coefficient, recoding});
         card.factorTerms.push_back({std::exchange(factor, 1), recoding});

@@ -41,7 +41,7 @@ bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
         return card.recodings[i].variable->isCategorical == recoding.variable->isCategorical;
     };
     return *std::ranges::find_if(card.recodingsOf[recoding.column], isAlike) ==
-           recoding.variable->position;
+           recoding.variable->index;
 }
 
 void inspectNumeric(Notes &notes, const FindingPlace &place, const Scorecard &card,
@@ -160,7 +160,7 @@ bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
 void inspectNames(Notes &notes, const FindingPlace &place, const Recoding &recoding) {
     const Variable &variable = *recoding.variable;
     const bool isFirst = recoding.rank == 0;
-    const QString prefix = u"R%1_"_s.arg(variable.position);
+    const QString prefix = u"R%1_"_s.arg(variable.index);
     Targets alike = 0;
     Targets broken = 0;
     for (const Target target : {Target::Sas, Target::Vba, Target::Python}) {
@@ -188,7 +188,7 @@ void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
     for (const Recoding &recoding : card.recodings) {
         const Variable &variable = *recoding.variable;
         const FindingPlace place = {u"recoding %1 (column %2)"_s.arg(variable.name, variable.field),
-                                    static_cast<int>(variable.position)};
+                                    static_cast<int>(variable.index)};
         if (variable.isCategorical) {
             inspectCategorical(notes, place, card, recoding, sql);
         } else {
@@ -213,7 +213,7 @@ void inspectRegression(Notes &notes, const Scorecard &card) {
     QSet<int> seen;
     for (const RegressionTerm &term : regression.terms) {
         const FindingPlace place = {u"coefficient of number %1"_s.arg(term.number)};
-        notes.add(place, CoefficientWithoutRecoding, term.position < 0);
+        notes.add(place, CoefficientWithoutRecoding, term.index < 0);
         notes.add(place, EqualCoefficients, seen.contains(term.number));
         notes.add(place, NotFinite, !std::isfinite(term.coefficient));
         seen.insert(term.number);

@@ -73,7 +73,7 @@ QString valuesAt(const Recoding &recoding, std::size_t position, QString &notati
     QStringList values;
     const CategoricalRecoding arrays = {recoding.listed, recoding.y, true};
     for (std::size_t i = 0; i < recoding.listed.size(); ++i) {
-        if (arrays.place(i) == position) values.append(quoted(i));
+        if (arrays.positionOf(i) == position) values.append(quoted(i));
     }
     values.removeDuplicates();
     return (position == 1 ? u"false: "_s : u"true: "_s) + values.join(u", "_s);

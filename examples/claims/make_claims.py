@@ -2,7 +2,7 @@
 """Writes claims.ModelXml and claims.csv, a made-up motor insurance tariff and made-up policies for it.
 
 The weights are invented, nothing is fitted. The policies are there to reach every corner of the model: codes that
-mean "unknown", empty cells, values on a cut point, categories the model has never seen."""
+mean "unknown", empty cells, values on a bound, categories the model has never seen."""
 
 import csv
 import sys

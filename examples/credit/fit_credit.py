@@ -10,14 +10,14 @@ from pathlib import Path
 import numpy as np
 
 HERE = Path(__file__).resolve().parent
-sys.path.append(str(HERE.parents[1] / "python"))  # in the source; what is installed is found without
+sys.path.append(str(HERE.parents[1] / "python"))  # in the source tree; an installed package needs no path
 from scorewright import Scorecard  # noqa: E402
 
-# The bad rate of a bin is drawn towards the overall one as if so many average applicants were in it.
+# As many average applicants are added to each bin, to draw its bad rate towards the overall one.
 PRIOR_APPLICANTS = 10
 DECIMALS = 6  # the last bits of the arithmetic differ between machines, the document must not
 
-# (column, label, kind, trend of the risk, cut points); where a trend is given, bins that break it share one score.
+# (column, label, kind, trend of the risk, bounds); if a trend is given, bins that break it share one score.
 NUMERIC = [
     ("Seniority", "Seniority in the job (years)", "NormContinuous", "falling", [1, 2, 3, 4, 6, 8, 10, 12, 15, 20]),
     ("Time", "Duration of the loan (months)", "Discretize", "rising", [18, 30, 42, 54]),
@@ -75,10 +75,10 @@ def rising(rates, weights):
     return np.concatenate([np.full(n, rate) for rate, _, n in pools])
 
 
-def numeric_bins(values, cuts):
-    """0 missing, 1 below the first cut; else up to and including a cut, the first one being in the second bin."""
-    bins = np.searchsorted(cuts, values, side="left") + 1
-    bins[values == cuts[0]] = 2
+def numeric_bins(values, bounds):
+    """0 is missing, 1 below the first bound; else up to and including a bound, the first of which is in bin 2."""
+    bins = np.searchsorted(bounds, values, side="left") + 1
+    bins[values == bounds[0]] = 2
     bins[np.isnan(values)] = 0
     return bins
 
@@ -127,17 +127,17 @@ def main():
     columns = list(applicants[0])
     bad = np.array([a["Status"] == "bad" for a in applicants], dtype=float)
 
-    # Recodings stand in the order of their columns; a second one of a column is numbered after all columns.
+    # Recodings are in the order of their columns; the second one of a column is numbered after all columns.
     card, recoded, extra = Scorecard("Status.bad"), [], len(columns)
     for field, label, kind, *rest in sorted(NUMERIC + CATEGORICAL, key=lambda recoding: columns.index(recoding[0])):
         number = columns.index(field)
         if number in card.coefficients:
             number, extra = extra, extra + 1
         if kind in ("NormContinuous", "Discretize"):
-            trend, cuts = rest
-            bins = numeric_bins(np.array([number_or_nan(a[field]) for a in applicants]), cuts)
-            missing, *scores = all_scores = weights_of_evidence(bins, len(cuts) + 2, bad, trend)
-            card.add_numeric(field, cuts, scores, missing=missing, closed="document", label=label, number=number,
+            trend, bounds = rest
+            bins = numeric_bins(np.array([number_or_nan(a[field]) for a in applicants]), bounds)
+            missing, *scores = all_scores = weights_of_evidence(bins, len(bounds) + 2, bad, trend)
+            card.add_numeric(field, bounds, scores, missing=missing, closed="document", label=label, number=number,
                              type=kind)
         else:
             positions = {value: i for i, value in enumerate(rest[0], start=1)}

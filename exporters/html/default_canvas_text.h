@@ -1,4 +1,4 @@
-// The canvas of a page for which no other was given.
+// The built-in canvas.
 #pragma once
 
 inline constexpr char16_t defaultCanvas[] = uR"html(<html>

@@ -1,6 +1,6 @@
-// The control of a question depends on the content of the column:
+// The control of a question depends on the column's kind:
 //
-// Age    a slider and a number field that follow each other   putNumericControl
+// Age    a slider and a number field, synchronised            putNumericControl
 // Paid   unknown, True and False as radio buttons             putYesNoControl
 // Job    a drop-down list of many categories                  putList
 // Home   radio buttons for few categories                     putRadioButtons
@@ -33,7 +33,7 @@ std::size_t mostFrequent(ModelDocument &document, const Variable &variable) {
     return static_cast<std::size_t>(largest - counts.begin());
 }
 
-// The label; if that is empty, the column; if that is empty too, the variable's name.
+// The label, or the column if that is empty, or the variable's name if both are.
 QStringView captionOf(const Variable &variable) {
     if (!variable.label.isEmpty()) return variable.label;
     return variable.field.isEmpty() ? variable.name : variable.field;
@@ -65,19 +65,19 @@ void putYesNoControl(TextBuffer &out, const Labels &labels, const QString &formN
           {u"false", labels.falseAnswer}});
 }
 
-// The categories in the order of their values, each with its position in the document. If several
-// have the same value, the last is offered.
+// The categories in the order of their values, each with its index in the document. Of several with
+// the same value, the last is offered.
 struct Category {
-    int position;
+    int index;
     QStringView caption;
 };
 std::map<QStringView, Category> sortCategories(const XmlNode &modalities) {
     std::map<QStringView, Category> categories;
-    int position = 0;
+    int index = 0;
     for (const XmlNode &mod : modalities.children(u"Mod")) {
         const QStringView value = mod.attribute(u"val");
         const QStringView label = mod.attribute(u"label");
-        categories[value] = {position++, label.isEmpty() ? value : label};
+        categories[value] = {index++, label.isEmpty() ? value : label};
     }
     return categories;
 }
@@ -90,7 +90,7 @@ void putList(TextBuffer &out, const std::map<QStringView, Category> &categories,
     put(out, u"\n<SELECT onChange=\"ComputeModel();\" name=\"", formName,
         u"\" >\n<OPTION VALUE=\"0\"", selectedIf(0), u">----- ", unknown, u" -----\n");
     for (const auto &[value, category] : categories) {
-        const int number = category.position + 1;
+        const int number = category.index + 1;
         put(out, u"<OPTION VALUE=\"", number, u"\"", selectedIf(number), u">", category.caption,
             u"\n");
     }
@@ -108,7 +108,7 @@ void putRadioButtons(TextBuffer &out, const std::map<QStringView, Category> &cat
     put(out, u"<br/>\n");
     putButton(0, unknown);
     for (const auto &[value, category] : categories) {
-        putButton(category.position + 1, category.caption);
+        putButton(category.index + 1, category.caption);
     }
 }
 
@@ -127,10 +127,10 @@ SliderRange computeSliderRange(ModelDocument &document, const Variable &variable
         range.defaultValue = toInt(rounded((double(range.min) + double(range.max)) * 0.5));
         return range;
     }
-    const std::size_t bucket = mostFrequent(document, variable);
+    const std::size_t index = mostFrequent(document, variable);
     range.defaultValue = bounds.empty()
-                             ? static_cast<int>(bucket)
-                             : toInt(rounded(bounds[std::min(bucket, bounds.size() - 1)]));
+                             ? static_cast<int>(index)
+                             : toInt(rounded(bounds[std::min(index, bounds.size() - 1)]));
     return range;
 }
 

@@ -1,11 +1,11 @@
-// A page is its canvas with each tag replaced. The replacements, and the functions that put them:
+// A page is its canvas with each tag replaced. The replacements, and the functions that write them:
 //
 // [QRV_SCRIPT/]           <script type="text/javascript">            writeHtmlScript
 // [QRV_ALL_QUESTIONS/]    Question 1) Age                            putAllQuestions
 // [QRV_QUESTION 1]        Age <div style="position:relative; …       putQuestion
 // [QRV_ANSWER 0 /]        <div id="m0_total_proba" …                 putAnswer
 // [QRV_DYN_SCALE/], [QRV_GRAPHICS/], [QRV_SUBMIT/]                   putReplacement
-// behind the last tag     computeIsReady=true;                       putPage
+// after the last tag      computeIsReady=true;                       putPage
 #include "exporters/html/html_exporter.h"
 
 #include "exporters/html/default_canvas_text.h"
@@ -26,9 +26,9 @@ namespace {
 constexpr int exitNothingToAsk = 2;
 constexpr int exitNotScorable = 3;
 
-// The questions that a canvas has placed one by one. A round starts with the first of them and ends
-// when as many were asked as there are variables: it never ends if variables share a column. The
-// next question after its end starts another round.
+// The questions that a canvas places one by one. A round starts with the first of them and ends
+// after as many questions as there are variables, so never if variables share a column. The next
+// question starts another round.
 struct QuestionRound {
     std::vector<bool> asked; // by question; as many as there are variables
     std::size_t count = 0;
@@ -41,7 +41,6 @@ QString canvasOf(const QString &canvasPath) {
     return canvas.size() < shortestCanvas ? QStringView(defaultCanvas).toString() : canvas;
 }
 
-// Prints a message if a required tag is missing.
 bool hasRequiredTags(const CanvasTags &tags) {
     const auto occurs = [&](TagKind kind) { return tags[kind].start >= 0; };
     for (const TagKind kind : {TagKind::Script, TagKind::Answer}) {
@@ -120,7 +119,7 @@ void putReplacement(TextBuffer &out, HtmlPage &page, TagKind kind,
             "onClick=\"finished=true; QRVform.submit();finished=false;\" value=\"",
             page.tags.labels.submit, u"\"/>\n");
         break;
-    case TagKind::UnknownLabel: // labels put nothing
+    case TagKind::UnknownLabel: // labels are replaced by nothing
     case TagKind::TrueLabel:
     case TagKind::FalseLabel:
     case TagKind::SubmitLabel:
@@ -135,7 +134,7 @@ qsizetype expectedSize(const HtmlPage &page) {
     return size;
 }
 
-// Puts the canvas with its tags replaced. Returns the round that is still open at the end.
+// Returns the round that is still open at the end.
 std::optional<QuestionRound> putPage(TextBuffer &out, HtmlPage &page) {
     const QStringView canvas = page.tags.canvas;
     std::optional<QuestionRound> round;

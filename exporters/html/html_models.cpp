@@ -1,6 +1,5 @@
-// A page may score several models. Their errors are found here, in the order in which messages are
-// to appear: first variables that a regression lacks; then arrays that are too short, which are
-// noted in each document.
+// Detects the errors of all models in the order of their messages: first variables that a
+// regression lacks, then arrays that are too short, which are recorded in each document.
 #include "exporters/html/html_models.h"
 
 #include "model/target_rules.h"
@@ -12,39 +11,38 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype position) {
+HtmlModel readModel(const XmlNode &parsed, const QString &fileName, qsizetype index) {
     HtmlModel model;
-    model.position = static_cast<int>(position);
+    model.index = static_cast<int>(index);
     model.document.fileName = fileName;
     model.document.root = rootElement(parsed, u"QRV_Model");
     model.variables = readVariables(model.document, replacedCharacters(Target::Html));
     return model;
 }
 
-// The position of each number among the coefficients; the first if the number is repeated.
-NumberTable<std::size_t> coefficientPositions(ModelDocument &document, const XmlNode &regression) {
+// The index of each number's coefficient; the first one if several share the number.
+NumberTable<std::size_t> coefficientIndexes(ModelDocument &document, const XmlNode &regression) {
     const std::vector<int> numbers = readIntegers(document, regression, u"indexes");
-    NumberTable<std::size_t> positions;
-    positions.reserve(numbers.size());
-    for (std::size_t k = 0; k < numbers.size(); ++k) positions.try_emplace(numbers[k], k);
-    return positions;
+    NumberTable<std::size_t> indexes;
+    indexes.reserve(numbers.size());
+    for (std::size_t k = 0; k < numbers.size(); ++k) indexes.try_emplace(numbers[k], k);
+    return indexes;
 }
 
 bool findCoefficients(HtmlModel &model) {
     const XmlNode regression = model.document.root.childNode(u"RegressionModel");
     if (regression.isEmpty() || model.variables.empty()) return true;
-    const auto positions = coefficientPositions(model.document, regression);
-    model.regIndex.reserve(model.variables.size());
+    const auto indexes = coefficientIndexes(model.document, regression);
+    model.betaIndexes.reserve(model.variables.size());
     for (const Variable &variable : model.variables) {
-        const auto found = positions.find(variable.number);
-        if (found == positions.end()) {
-            // The message says model, but the number is the variable's position: scripts that
-            // watch for this message expect it.
+        const auto found = indexes.find(variable.number);
+        if (found == indexes.end()) {
+            // The number after "model" is the variable's index, because users' scripts expect it.
             printText(u"Couldn't find regression index of var %1 in model %2!\n"_s.arg(
-                variable.name, QString::number(variable.position)));
+                variable.name, QString::number(variable.index)));
             return false;
         }
-        model.regIndex.push_back(found->second);
+        model.betaIndexes.push_back(found->second);
     }
     return true;
 }
@@ -56,20 +54,21 @@ TargetKind readTargetKind(const XmlNode &metaData) {
                                             : TargetKind::Other;
 }
 
-// The constant is read from behind one coefficient for each variable, even if variables share
-// coefficients. A model that is neither a probability nor a prediction needs none.
+// The constant is read after one coefficient per variable, even if variables share coefficients. A
+// model of neither a probability nor a prediction needs none.
 void readBetas(HtmlModel &model) {
     const XmlNode &root = model.document.root;
     const XmlNode metaData = root.childNode(u"MetaData");
     const XmlNode regression = root.childNode(u"RegressionModel");
-    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() || model.regIndex.empty()) {
+    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() ||
+        model.betaIndexes.empty()) {
         return;
     }
     model.targetKind = readTargetKind(metaData);
     const bool hasConstant = model.targetKind != TargetKind::Other;
     const std::size_t constant = hasConstant ? model.variables.size() : 0;
     model.betas = readNumbers(model.document, regression, u"betas",
-                              std::max(std::ranges::max(model.regIndex), constant) + 1);
+                              std::max(std::ranges::max(model.betaIndexes), constant) + 1);
 }
 
 void readTable(HtmlModel &model) {

@@ -1,4 +1,4 @@
-// The models that a page scores. They are read completely before anything is written.
+// The models that a page scores, read completely before anything is written.
 #pragma once
 
 #include "model/regression.h"
@@ -8,21 +8,21 @@ enum class TargetKind { Probability, Prediction, Other };
 
 // One of the models that the page scores. A document that cannot be read has no variables.
 struct HtmlModel {
-    int position; // in the list, from 0
+    int index; // in the list, from 0
     ModelDocument document;
     Variables variables;
-    std::vector<std::size_t> regIndex; // of each variable among betas; empty without a regression
+    std::vector<std::size_t> betaIndexes; // by variable; empty without a regression
     TargetKind targetKind = TargetKind::Other;
-    std::vector<double> betas; // coefficients and constant; empty for a model that gets no sum
-    ProbabilityTable table;    // y has at least as many values as x, which may have none
-    bool endsScript = false;   // where its table would stand
+    std::vector<double> betas; // coefficients and constant; empty for a model without a sum
+    ProbabilityTable table;    // may have no points
+    bool endsScript = false;   // at its table
 };
 
-// The model of that document, or those of a list. Prints a message and returns none if the file is
-// a list without entries. A document that cannot be read is not an error.
+// The model of that document, or those of a list. Prints a message and returns none for a list
+// without entries. A document that cannot be read is not an error.
 std::vector<HtmlModel> readModels(const QString &modelPath);
 
 // Reads the regression and the probability table of each model. Prints a message and returns false
-// if the regression of a model lacks one of its variables. Arrays that are too short are noted as
-// problems of their documents. Tables after the one that ends the script are not read.
+// if the regression of a model lacks one of its variables. Records arrays that are too short as
+// problems of their documents. Does not read tables after the one that ends the script.
 bool readRegressions(std::vector<HtmlModel> &models);

@@ -5,14 +5,14 @@
 #include "model/canvas_tags.h"
 #include "model/text_buffer.h"
 
-// One variable of one of the models. Records of one column are adjacent and share the form control
-// of the one that was created first.
+// One variable of one of the models. Records of the same column are adjacent and share the form
+// control of the record that was created first.
 struct VariableRecord {
     QStringView field; // the input column
     QString formName;  // of the column's form control
-    QString jsName;    // the name of the variable in the script
+    QString name;      // of the variable, in the script
     int modelIndex;
-    std::size_t univIndex; // the position of the variable in its model
+    std::size_t variableIndex; // within the model
 };
 
 struct HtmlPage {
@@ -26,6 +26,6 @@ struct HtmlPage {
         return models[static_cast<std::size_t>(record.modelIndex)];
     }
     const Variable &variable(const VariableRecord &record) {
-        return model(record).variables[record.univIndex];
+        return model(record).variables[record.variableIndex];
     }
 };

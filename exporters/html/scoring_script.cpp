@@ -1,4 +1,4 @@
-// The script, and the function that puts each part of it:
+// The script, and the function that writes each part:
 //
 // function enterDoubleField(formVal,formUnknown,scoreAr,boundAr)     writeHtmlScript
 //       m0_V1_score = enterDoubleField(document.QRVform.m0_V1, …     writeVariableScoreLines
@@ -22,8 +22,8 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The limits of the score lines: their number, and the characters of the names in them. Lists of
-// hundreds of models stay below; browsers do not load a page that is much longer.
+// Limits of the score lines. Lists of hundreds of models stay below them; browsers do not load much
+// longer pages.
 constexpr qsizetype mostScoreLines = qsizetype(1) << 23;
 constexpr double mostNameCharacters = 1 << 29;
 
@@ -43,34 +43,34 @@ void putScoreLines(TextBuffer &out, HtmlPage &page) {
     }
 }
 
-// A model whose kind is neither a probability nor a prediction gets terms without a sum, and the
-// page shows an error: existing pages are like this.
+// A model of neither a probability nor a prediction gets terms without a sum, and the page shows an
+// error. Frozen for compatibility.
 void putModelSum(TextBuffer &out, const HtmlModel &model) {
     if (model.betas.empty()) return;
     const bool isProbability = model.targetKind == TargetKind::Probability;
     const bool isPrediction = model.targetKind == TargetKind::Prediction;
-    const int position = model.position;
+    const int index = model.index;
     const std::size_t count = model.variables.size();
 
     if (isProbability) {
-        put(out, u"\n\tvar m", position, u"_probaTot = mapScoreToProba(", position, u",0");
+        put(out, u"\n\tvar m", index, u"_probaTot = mapScoreToProba(", index, u",0");
     } else if (isPrediction) {
-        put(out, u"\n\tvar m", position, u"_probaTot = 0");
+        put(out, u"\n\tvar m", index, u"_probaTot = 0");
     }
     for (std::size_t j = 0; j < count; ++j) {
-        put(out, u"\n\t\t+ m", position, u"_", model.variables[j].name, u"_score * ",
-            model.betas[model.regIndex[j]]);
+        put(out, u"\n\t\t+ m", index, u"_", model.variables[j].name, u"_score * ",
+            model.betas[model.betaIndexes[j]]);
     }
     if (isProbability || isPrediction) {
         put(out, u"\n\t\t+ ");
         fill(out, isProbability ? QStringView(probabilityEnd) : QStringView(predictionEnd),
-             {{u"constant", model.betas[count]}, {u"model", position}});
+             {{u"constant", model.betas[count]}, {u"model", index}});
     }
 }
 
 void putHistogram(TextBuffer &out, const std::vector<HtmlModel> &models) {
     fill(out, histogramHead, {{u"models", std::ssize(models)}});
-    for (const HtmlModel &model : models) fill(out, histogramBar, {{u"model", model.position}});
+    for (const HtmlModel &model : models) fill(out, histogramBar, {{u"model", model.index}});
     put(out, histogramEnd);
 }
 
@@ -92,10 +92,10 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
             if (!variable.label.isEmpty()) put(out, u"( ", variable.label, u" ) ");
             put(out, u"------------------\n");
         }
-        put(out, u"var ", record.jsName, u"_score = 0;\nvar ", record.jsName, u"_scoreAr = ");
+        put(out, u"var ", record.name, u"_score = 0;\nvar ", record.name, u"_scoreAr = ");
         writeNumberArray(out, variable.y);
         if (!variable.isCategorical) {
-            put(out, u"var ", record.jsName, u"_boundAr = ");
+            put(out, u"var ", record.name, u"_boundAr = ");
             writeNumberArray(out, variable.x);
         }
     }
@@ -104,9 +104,9 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
 void putProbabilityTable(TextBuffer &out, const HtmlModel &model) {
     if (!model.table.exists) return;
     const std::vector<double> &scores = model.table.x;
-    put(out, u"mapScore[", model.position, u"]  = [");
+    put(out, u"mapScore[", model.index, u"]  = [");
     putNumbers(out, scores);
-    put(out, u"];\nmapProba[", model.position, u"]  = [");
+    put(out, u"];\nmapProba[", model.index, u"]  = [");
     putNumbers(out, std::span(model.table.y).first(scores.size()));
     put(out, u"];\n\n");
 }
@@ -119,11 +119,10 @@ QString scoreLinesProblem(const std::vector<VariableRecord> &records) {
     qsizetype repeats = 0;
     for (std::size_t i = 0; i < records.size(); ++i) {
         const VariableRecord &record = records[i];
-        // The first record of a column has one line, the second one line more, and so on.
+        // The k-th record of a column has k lines.
         repeats = i > 0 && record.field == records[i - 1].field ? repeats + 1 : 1;
         lines += repeats;
-        characters +=
-            double(repeats) * double(3 * record.jsName.size() + 2 * record.formName.size());
+        characters += double(repeats) * double(3 * record.name.size() + 2 * record.formName.size());
     }
     if (lines <= mostScoreLines && characters <= mostNameCharacters) return {};
     return u"the models share columns so often that the script would have %1 score lines"_s.arg(
@@ -154,7 +153,7 @@ void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t 
     const std::vector<VariableRecord> &records = page.records;
     const QStringView field = records[index].field;
     for (std::size_t i = index; i < records.size() && records[i].field == field; ++i) {
-        const QString &name = records[i].jsName;
+        const QString &name = records[i].name;
         const QString &formName = records[i].formName;
         put(out, u"      ", name, u"_score = ");
         switch (kind) {

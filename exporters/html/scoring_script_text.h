@@ -1,4 +1,4 @@
-// The fixed texts of the scoring script, in the order of the page; $name$ is a place for fill().
+// The fixed texts of the scoring script, in the order of the page; $name$ is a placeholder for fill().
 #pragma once
 
 inline constexpr char16_t scriptHead[] = uR"js(<script type="text/javascript">
@@ -85,7 +85,7 @@ inline constexpr char16_t probabilityEnd[] = uR"js($constant$); // constant term
 
 )js";
 
-// Shows a prediction as it is.
+// Shows a prediction unchanged.
 inline constexpr char16_t predictionEnd[] = uR"js($constant$; // constant term
 
 	try{

@@ -1,6 +1,5 @@
-// Models are visited in rounds, one variable of each model per round. A record is appended to the
-// list of its column, and the lists are read backwards at the end: this puts newer records before
-// older ones without moving them.
+// Records are appended to the list of their column, and the lists are read backwards at the end:
+// this puts newer records before older ones without moving them.
 #include "exporters/html/variable_list.h"
 
 #include <algorithm>
@@ -10,22 +9,22 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The records of one column, in the order in which they were created.
+// The records of one column, in order of creation.
 using Column = std::vector<VariableRecord>;
 
 struct Columns {
     std::vector<Column> columns;
-    TextTable<QStringView, std::size_t> positions; // by field
+    TextTable<QStringView, std::size_t> indexes; // by field
 };
 
-void addRecord(Columns &list, const HtmlModel &model, std::size_t univIndex) {
-    const Variable &variable = model.variables[univIndex];
-    const auto [found, isNew] = list.positions.try_emplace(variable.field, list.columns.size());
+void addRecord(Columns &list, const HtmlModel &model, std::size_t variableIndex) {
+    const Variable &variable = model.variables[variableIndex];
+    const auto [found, isNew] = list.indexes.try_emplace(variable.field, list.columns.size());
     if (isNew) list.columns.emplace_back();
     Column &column = list.columns[found->second];
-    const QString name = u"m%1_%2"_s.arg(QString::number(model.position), variable.name);
+    const QString name = u"m%1_%2"_s.arg(QString::number(model.index), variable.name);
     const QString formName = isNew ? name : column.front().formName;
-    column.push_back({variable.field, formName, name, model.position, univIndex});
+    column.push_back({variable.field, formName, name, model.index, variableIndex});
 }
 
 } // namespace
@@ -35,11 +34,11 @@ std::vector<VariableRecord> listRecords(const std::vector<HtmlModel> &models) {
     std::vector<const HtmlModel *> unfinished;
     unfinished.reserve(models.size());
     for (const HtmlModel &model : models) unfinished.push_back(&model);
-    for (std::size_t univIndex = 0; !unfinished.empty(); ++univIndex) {
-        std::erase_if(unfinished, [univIndex](const HtmlModel *model) {
-            return model->variables.size() <= univIndex;
+    for (std::size_t variableIndex = 0; !unfinished.empty(); ++variableIndex) {
+        std::erase_if(unfinished, [variableIndex](const HtmlModel *model) {
+            return model->variables.size() <= variableIndex;
         });
-        for (const HtmlModel *model : unfinished) addRecord(list, *model, univIndex);
+        for (const HtmlModel *model : unfinished) addRecord(list, *model, variableIndex);
     }
     std::vector<VariableRecord> records;
     for (Column &column : list.columns) {

@@ -1,4 +1,4 @@
-// A module, and the function that puts each part of it:
+// A module, and the function that writes each part:
 //
 //    QORVALIS v4.2.1 auto-generated model                            putBanner
 //         self.dict_R1_job = {"":0.25,"clerk":2}                     putDictionaries
@@ -26,8 +26,7 @@ namespace {
 
 const BannerText banner = {pythonBanner, u"  ", u"\n", u"'''\n"};
 
-// The last component of the path, with the slash before it, up to the last full stop; the whole
-// component if it has no full stop.
+// The last component of the path up to its last full stop, if any, with the slash before it.
 QString classNameOf(const QString &modelFile) {
     QString path = modelFile;
     path.replace(u'\\', u'/');
@@ -40,7 +39,7 @@ void putDictionaries(TextBuffer &out, std::span<const Variable> variables) {
     for (const Variable &variable : variables) {
         if (!variable.isCategorical) continue;
         const CategoricalRecoding recoding = categorical(variable);
-        // Each entry of a boolean column ends with a comma; others have commas between them.
+        // Entries of a boolean column end with a comma; others are separated by commas.
         const QStringView separator = recoding.isBoolean ? u"" : u",";
         const QStringView end = recoding.isBoolean ? u"," : u"";
         put(out, u"        self.dict_", variable.recodingName, u" = {\"\":", recoding.y[0], end);
@@ -68,7 +67,7 @@ void putCategorical(TextBuffer &out, const Variable &variable,
         u"\n\n");
 }
 
-// If there are codes, the parenthesis after "if" is never closed: existing modules are like this.
+// With codes, the parenthesis after "if" is never closed. Frozen for compatibility.
 void putMissingTest(TextBuffer &out, std::span<const double> codes) {
     if (codes.empty()) {
         put(out, u"            if isnan(data):\n");
@@ -91,7 +90,7 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
         recoding.scoreBelow(), u"\n");
     put(out, u"            elif data > ", recoding.x.back(), u":\n                ", name, u" = ",
         recoding.scoreAbove(), u"\n");
-    forEachInnerInterval(recoding, [&](double bound, double score) {
+    forEachInnerBin(recoding, [&](double bound, double score) {
         put(out, u"            elif data <= ", bound, u":\n                ", name, u" = ", score,
             u"\n");
     });

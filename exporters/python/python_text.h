@@ -1,4 +1,4 @@
-// The fixed texts of the Python module; $name$ is a place for fill().
+// The fixed texts of the Python module; $name$ is a placeholder for fill().
 #pragma once
 
 inline constexpr char16_t pythonBanner[] = uR"('''

@@ -1,4 +1,4 @@
-// A script, and the function that puts each part of it:
+// A script, and the function that writes each part:
 //
 //  *  QORVALIS v4.2.1 auto-generated model        *    putBanner
 //    /* computing recoding 'R0_Age'                     putHeading
@@ -45,8 +45,8 @@ void putCategorical(TextBuffer &out, const Variable &variable,
     put(out, u"   else ", name, u"=", recoding.y[0], u";\n");
 }
 
-// Begins the test for a missing value. If there is a list of codes, the test lacks its opening "if"
-// and the document's last code, which is the first here: existing scripts are like this.
+// Starts the test for a missing value. With a list of codes, the test lacks its opening "if" and
+// the document's last code, which is the first one here. Frozen for compatibility.
 void putMissingTest(TextBuffer &out, QStringView field, const MissingCodes &missing) {
     if (!missing.isListed) {
         put(out, u"   if (", field, u"=.");
@@ -67,7 +67,7 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
         recoding.scoreBelow(), u";\n");
     put(out, u"   else if (", field, u">", recoding.x.back(), u") then ", name, u"=",
         recoding.scoreAbove(), u";\n");
-    forEachInnerInterval(recoding, [&](double bound, double score) {
+    forEachInnerBin(recoding, [&](double bound, double score) {
         put(out, u"   else if (", field, u"<=", bound, u") then ", name, u"=", score, u";\n");
     });
     put(out, u"   else ", name, u"=", recoding.scoreMissing(), u"; /* default */\n\n");

@@ -1,4 +1,4 @@
-// The fixed texts of the SAS script; $name$ is a place for fill().
+// The fixed texts of the SAS script; $name$ is a placeholder for fill().
 #pragma once
 
 inline constexpr char16_t sasBanner[] =

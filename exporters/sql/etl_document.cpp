@@ -1,4 +1,3 @@
-// The script is the text of one element between a fixed head and a fixed end.
 #include "exporters/sql/etl_document.h"
 
 #include "xml/xml_node.h"
@@ -23,7 +22,7 @@ constexpr char16_t etlEnd[] = uR"(
 <CONNECTORS><Connection idxSrc='0' idxDest='1'/></CONNECTORS>
 </KESTRUNE>)";
 
-// Only what would be read as markup is escaped, so that the script stays readable.
+// Escapes only what would be read as markup, so that the script stays readable.
 void putContent(TextBuffer &out, QStringView text) {
     const auto isMarkup = [](QChar c) { return c == u'&' || c == u'<'; };
     const QChar *from = text.begin();

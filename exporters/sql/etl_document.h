@@ -1,4 +1,4 @@
-// The document from which an ETL engine takes a script and the connection to run it on.
+// The document for an ETL engine: a script, and the connection to run it on.
 #pragma once
 
 #include "model/text_buffer.h"

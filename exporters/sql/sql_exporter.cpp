@@ -1,5 +1,5 @@
-// The configuration names the model and the output. A script is written straight into its file. An
-// ETL document contains the script as escaped text, so it is made in memory first.
+// The configuration names the model and the output. A script goes straight to its file; for an ETL
+// document, which contains it as escaped text, it is written in memory first.
 #include "exporters/sql/sql_exporter.h"
 
 #include "exporters/sql/etl_document.h"

@@ -1,4 +1,4 @@
-// A script with a temporary table, and the function that puts each part of it:
+// A script with a temporary table, and the function that writes each part:
 //
 // -- drop table predictions;                                  putPredictionTable
 // create table Qorv_TMP_predictions(id VARCHAR(20), …         putTemporaryTable
@@ -21,7 +21,6 @@ namespace {
 
 // --- Names and plan
 
-// The text before the name of each table.
 QString schemaPrefix(const SqlConfiguration &configuration, const SqlDialect &dialect) {
     const QString &schema = configuration.schemaName;
     return schema.isEmpty() ? QString() : sqlIdentifier(dialect, schema) + u'.';
@@ -75,8 +74,7 @@ void putPredictionTable(TextBuffer &out, const SqlScript &script) {
     }
 }
 
-// If the script does not create the temporary table, the first line of the statement becomes a
-// comment, which shows how the table was made.
+// If the script does not create the temporary table, a comment shows the statement that does.
 void putTemporaryTable(TextBuffer &out, const SqlScript &script) {
     const QString &table = script.temporaryTable;
     const bool creates = script.configuration.createTmpTable;
@@ -119,13 +117,13 @@ void putNumericCase(TextBuffer &out, const SqlDialect &dialect, const QString &f
         points(recoding.scoreBelow()), u"\n");
     put(out, u"   WHEN ", column, u">", number(recoding.x.back()), u" THEN ",
         points(recoding.scoreAbove()), u"\n");
-    forEachInnerInterval(recoding, [&](double bound, double score) {
+    forEachInnerBin(recoding, [&](double bound, double score) {
         put(out, u"   WHEN ", column, u"<=", number(bound), u" THEN ", points(score), u"\n");
     });
     put(out, u"   ELSE ", points(recoding.scoreMissing()), u"\n   END ");
 }
 
-// A boolean column may be stored as 0 and 1 (isNumber), and is then not compared with texts.
+// isNumber: a boolean column stored as 0 and 1, which must not be compared with texts.
 void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QString &field,
                         const CategoricalRecoding &recoding, bool isNumber, double coefficient) {
     const WrappedName text = {dialect.textTrim, field};
@@ -149,15 +147,15 @@ void putCategoricalCase(TextBuffer &out, const SqlDialect &dialect, const QStrin
     put(out, u"   ELSE ", points(recoding.y[0]), u"\n   END");
 }
 
-// Each variable's CASE, whose scores are multiplied by its coefficient. It is a term of the sum or,
-// for debugging, a separate column.
-void putContributions(TextBuffer &out, const SqlScript &script) {
+// Each variable's CASE yields its points. It is a term of the sum or, for debugging, a separate
+// column.
+void putPoints(TextBuffer &out, const SqlScript &script) {
     const SqlDialect &dialect = script.dialect;
     const Recodings &recodings = script.recodings;
     const bool isDebug = script.configuration.debugRecoding;
     for (const Variable &variable : script.variables) {
-        const QString &field = script.fields[variable.position];
-        const double coefficient = script.coefficients[variable.position];
+        const QString &field = script.fields[variable.index];
+        const double coefficient = script.coefficients[variable.index];
         put(out, isDebug ? QStringView(u",(") : QStringView(u" +("), dialect.scoreCast.opening);
         if (variable.isCategorical) {
             const CategoricalRecoding recoding = categorical(variable);
@@ -167,7 +165,7 @@ void putContributions(TextBuffer &out, const SqlScript &script) {
             putNumericCase(out, dialect, field, recodings.numeric(variable), coefficient);
         }
         put(out, dialect.scoreCast.closing, u")");
-        if (isDebug) put(out, u" AS ", script.debugColumns[variable.position]);
+        if (isDebug) put(out, u" AS ", script.debugColumns[variable.index]);
         put(out, u"\n");
     }
 }
@@ -176,7 +174,7 @@ void putScoreSelect(TextBuffer &out, const SqlScript &script) {
     const bool isDebug = script.configuration.debugRecoding;
     put(out, u" SELECT ", script.key);
     if (!isDebug) put(out, u",(", sqlNumber(script.dialect, script.constant), u"\n");
-    putContributions(out, script);
+    putPoints(out, script);
     if (isDebug) {
         put(out, u", 0 as score");
     } else {
@@ -188,9 +186,9 @@ void putScoreSelect(TextBuffer &out, const SqlScript &script) {
 
 // --- Probability
 
-// Ends with "from"; the caller puts the table or the query. `prefix` is put before each "score".
-// Scores between the last two points of the table get the probability 0: existing scripts are like
-// this.
+// Ends with "from"; the caller appends the table or the query. `prefix` precedes each "score".
+// Scores between the last two points of the probability table get probability 0, which is frozen
+// for compatibility.
 void putProbabilitySelect(TextBuffer &out, const SqlScript &script, const QString &prefix) {
     const SqlDialect &dialect = script.dialect;
     const ProbabilityTable &table = script.probabilities;
@@ -272,7 +270,7 @@ void putSqlScript(TextBuffer &out, const SqlScript &script) {
         break;
     case SqlPlan::Nested:
         putPredictionInsert(out, script);
-        // The alias is defined in another case, below: existing scripts are like this.
+        // Below, the alias is defined in another case. Frozen for compatibility.
         putProbabilitySelect(out, script, u"qorv_tmp."_s);
         put(out, u"\n(");
         putScoreSelect(out, script);

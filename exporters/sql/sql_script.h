@@ -8,12 +8,12 @@
 
 enum class SqlPlan {
     ScoreOnly,      // the score is the prediction
-    Nested,         // the probability is selected from the score select
-    TemporaryTable, // the scores go into another table first
+    Nested,         // the select of the probability contains that of the score
+    TemporaryTable, // a temporary table stores the scores
 };
 
-// Everything that a script is written from. Names are quoted, and tables have their schema. Valid
-// as long as the configuration and the document.
+// The contents of a script. Names are quoted, and tables have their schema. The configuration and
+// the document must outlive it.
 struct SqlScript {
     const SqlConfiguration &configuration;
     const SqlDialect &dialect;
@@ -24,15 +24,15 @@ struct SqlScript {
     QString inputTable;
     QString temporaryTable;
     Variables variables;
-    std::vector<QString> fields;       // of each variable
-    std::vector<QString> debugColumns; // of each variable, or none
-    ProbabilityTable probabilities;    // unless the plan is ScoreOnly
-    double constant;                   // 0 if it is not written
-    std::vector<double> coefficients;  // of each variable
+    std::vector<QString> fields;       // by variable
+    std::vector<QString> debugColumns; // by variable; empty unless for debugging
+    ProbabilityTable probabilities;    // not for ScoreOnly
+    double constant;                   // 0 for debugging
+    std::vector<double> coefficients;  // by variable
     Recodings recodings;
 };
 
-// Problems of the model are noted in the document; the script must not be written then.
+// Records problems of the model in the document; the script must not be written then.
 SqlScript readSqlScript(ModelDocument &document, const SqlConfiguration &configuration,
                         const SqlDialect &dialect);
 

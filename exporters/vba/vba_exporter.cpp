@@ -1,4 +1,4 @@
-// A module, and the function that puts each part of it. Long fixed texts are in vba_text.h.
+// A module, and the function that writes each part. Long fixed texts are in vba_text.h.
 //
 // ' *  QORVALIS v4.2.1 auto-generated model         *        putBanner
 //      variableNames(1)="Age"                                 putInitialisation
@@ -24,12 +24,12 @@ namespace {
 const BannerText banner = {vbaBanner, u"' *  ", u"            *\n", vbaBannerEnd};
 constexpr int mostLinesOfStatement = 24;
 
-// The variable's index in the arrays of the module, which start at 1.
+// The variable's index in the module's arrays, which start at 1.
 std::ptrdiff_t slotOf(const Variable &variable) {
-    return static_cast<std::ptrdiff_t>(variable.position) + 1;
+    return static_cast<std::ptrdiff_t>(variable.index) + 1;
 }
 
-// `routine` is what the code exits if it does not find a sheet or a title: "Function" or "Sub".
+// `routine`, "Function" or "Sub", is what the code exits if it does not find a sheet or a title.
 void putInitialisation(TextBuffer &out, std::span<const Variable> variables, QStringView routine) {
     fill(out, vbaInitialisation, {{u"exit", routine}, {u"count", std::ssize(variables)}});
     for (const Variable &variable : variables) {
@@ -39,7 +39,7 @@ void putInitialisation(TextBuffer &out, std::span<const Variable> variables, QSt
     fill(out, vbaTitleSearch, {{u"exit", routine}});
 }
 
-// The module sees the text that a cell shows, and a truth value shows as True or False.
+// The module reads the text that a cell shows, and a truth value shows as True or False.
 QStringView shownInCell(QStringView value) {
     if (value == u"TRUE") return u"True";
     if (value == u"FALSE") return u"False";
@@ -63,8 +63,8 @@ void putCategorical(TextBuffer &out, const Variable &variable,
     put(out, u"   End Select\n");
 }
 
-// The recoding starts with the score of a missing value, and keeps it if the cell is empty, is not
-// a number or equals the only bound.
+// The recoding starts as the score of a missing value and keeps it if the cell is empty, is not a
+// number or equals the only bound.
 void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding &recoding) {
     const QStringView name = variable.recodingName;
 
@@ -78,7 +78,7 @@ void putNumeric(TextBuffer &out, const Variable &variable, const NumericRecoding
         u"\n");
     put(out, u"    Case Is >", recoding.x.back(), u"\n      ", name, u"=", recoding.scoreAbove(),
         u"\n");
-    forEachInnerInterval(recoding, [&](double bound, double score) {
+    forEachInnerBin(recoding, [&](double bound, double score) {
         put(out, u"    Case Is <=", bound, u"\n      ", name, u"=", score, u"\n");
     });
     put(out, u"   End Select\n  End If\n");
@@ -103,8 +103,7 @@ void putRecodings(TextBuffer &out, std::span<const Variable> variables,
     }
 }
 
-// Puts every term on a separate line. The language limits the lines of a statement, so a long sum
-// takes several statements.
+// VBA limits the lines of a statement, so a long sum needs several statements.
 void putTerms(TextBuffer &out, std::span<const Variable> variables, const Regression &regression) {
     put(out, u"\n\n'   computing the regression Model\n  score = ", regression.constant);
     int lines = 2;

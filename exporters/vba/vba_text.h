@@ -1,4 +1,4 @@
-// The fixed texts of the VBA module; $name$ is a place for fill().
+// The fixed texts of the VBA module; $name$ is a placeholder for fill().
 #pragma once
 
 inline constexpr char16_t vbaDeclarations[] =
@@ -41,7 +41,7 @@ inline constexpr char16_t vbaFunctionHead[] = uR"(
 Function QorvPrediction_1(sourceWorksheet as String, titleRow As Range, dataRow As Range)
 )";
 
-// In both routines; the titles of the columns follow.
+// For both routines; the titles of the columns follow.
 inline constexpr char16_t vbaInitialisation[] = uR"(  Dim td As QorvDataType
   td = tdAllModels(1)
 
@@ -125,7 +125,7 @@ inline constexpr char16_t vbaRangeRows[] = uR"(   Application.EnableEvents = Fal
    For idxRow = dataTable.row to idxRowEnd
 )";
 
-// The green of an empty cell is above 255; a worksheet treats it as 255.
+// The green of an empty cell exceeds 255; a worksheet treats it as 255.
 inline constexpr char16_t vbaRangeCheck[] = uR"('    $recoding$
      Set c=ActiveWorkbook.Worksheets(td.workSheetIdx).Cells(idxRow, idxStartData + td.indexes($slot$))
      If (Trim(c.Value) = "") Then

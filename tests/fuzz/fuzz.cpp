@@ -1,4 +1,4 @@
-// All fuzz targets. A program of them runs one, whose name it is compiled with as FUZZ_TARGET.
+// All fuzz targets. Each program runs the one that FUZZ_TARGET names.
 #include "check/inspection/inspection.h"
 #include "check/reports/report.h"
 #include "check/rows/probe.h"
@@ -34,7 +34,7 @@ using Input = std::span<const uint8_t>;
 const QString nowhere = u"/dev/null"_s;
 const QString corpus = QStringLiteral(FUZZ_CORPUS "/model/");
 
-// The path of a file in memory that holds the input; the next call of that number replaces it.
+// The path of a file in memory with the input; the next call with the same number overwrites it.
 QString fileOf(Input input, std::size_t number = 0) {
     static std::array<int, 3> files = {-1, -1, -1};
     int &file = files[number];
@@ -52,7 +52,7 @@ void decodeBase64(Input input) {
     if (bytes && std::count(bytes, bytes + size, 0) < 0) std::abort();
 }
 
-// Each eight bytes are a number, which is held against the standard library's text of it.
+// Each eight bytes are a number, whose text must match the standard library's.
 void writeNumbers(Input input) {
     for (; input.size() >= sizeof(double); input = input.subspan(sizeof(double))) {
         double value = 0;
@@ -67,7 +67,7 @@ void writeNumbers(Input input) {
     }
 }
 
-// Looks at all of a tree; the sum keeps the reads from being left out.
+// Reads a whole tree; the sum prevents the compiler from removing the reads.
 void walk(const XmlNode &top) {
     qsizetype sum = 0;
     std::vector<XmlNode> pending = {top};
@@ -84,7 +84,7 @@ void walk(const XmlNode &top) {
     if (sum < 0) std::abort();
 }
 
-// The files that a configuration names are not affected.
+// Does not access the files that a configuration names.
 void putSql(const SqlConfiguration &configuration, const QString &model) {
     ModelDocument document = loadModel(model);
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
@@ -103,7 +103,7 @@ void readConfiguration(Input input) {
     if (file.message.isEmpty()) putSql(file.configuration, corpus + u"kinds"_s);
 }
 
-// The first two bytes choose dialect and plan.
+// The first two bytes select dialect and plan.
 void writeSql(Input input) {
     static constexpr std::array<QStringView, 7> dialects = {
         u"default", u"sqlserver", u"oracle", u"mysql", u"teradata", u"teradata_aster", u"other"};
@@ -127,7 +127,7 @@ uint8_t takeByte(Input &input) {
     return byte;
 }
 
-// The bytes up to the next record separator of ASCII.
+// The bytes up to the next ASCII record separator.
 std::string_view takeSection(Input &input) {
     constexpr uint8_t separator = 0x1E;
     const auto end = std::ranges::find(input, separator);
@@ -141,7 +141,7 @@ Input bytesOf(std::string_view text) {
     return {reinterpret_cast<const uint8_t *>(text.data()), text.size()};
 }
 
-// Models of the corpus, which are read once.
+// Models of the corpus, read once.
 const Scorecard &knownModel(std::size_t number) {
     static const std::array<Scorecard, 4> known = {
         readScorecard(corpus + u"logistic"_s), readScorecard(corpus + u"kinds"_s),
@@ -149,18 +149,18 @@ const Scorecard &knownModel(std::size_t number) {
     return known[number % known.size()];
 }
 
-// The first bytes of the input, each of which chooses.
+// The first bytes of the input, each a choice.
 struct Choices {
-    uint8_t model = 0; // a known one, or one that the input holds
+    uint8_t model = 0; // a known one, or one in the input
     uint8_t target = 0;
     uint8_t dialect = 0; // of SQL, or none
-    uint8_t columns = 0; // which there are
+    uint8_t columns = 0; // which of them exist
     uint8_t form = 0;    // of the report, or none
 
     bool hasKey() const { return (columns & 1) != 0; }
     bool hasScore() const { return (columns & 2) != 0; }
     bool hasProbability() const { return (columns & 4) != 0; }
-    bool hasTitles() const { return (columns & 8) != 0; } // the input, else they are put before it
+    bool hasTitles() const { return (columns & 8) != 0; } // in the input, else they are added
     bool comparesItself() const { return (columns & 16) != 0; }
     bool triesEverything() const { return (columns & 32) != 0; }
 };
@@ -207,7 +207,7 @@ void checkCounts(std::span<const Finding> findings, const RowCounts &counts,
     require(compared.rows + compared.missing.rows <= counts.rows);
 }
 
-// A model is as it says itself.
+// A model's own scores match the model.
 void compareItself(const Scorecard &card, RowOptions options) {
     options.key.clear();
     options.scores = options.results;
@@ -223,8 +223,7 @@ void compareItself(const Scorecard &card, RowOptions options) {
     require(compared.equal == counts.rows);
 }
 
-// The rows that try everything reach all that can be reached. Titles that are no Unicode are not
-// found again.
+// Probe rows reach every reachable position. Titles that are not Unicode are not found again.
 void tryEverything(const Scorecard &card, RowOptions options) {
     options.file = fileOf({}, 1);
     require(writeProbe(card, options.file).isEmpty());
@@ -236,7 +235,7 @@ void tryEverything(const Scorecard &card, RowOptions options) {
     require(buildReport(card, found, false).unreached.places.isEmpty());
 }
 
-// The input holds choices, a model where it is chosen, rows and results.
+// The input consists of choices, possibly a model, rows and results.
 void check(Input input) {
     Choices choices;
     for (uint8_t *choice :
