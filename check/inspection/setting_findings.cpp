@@ -28,7 +28,7 @@ constexpr QStringView sqlWords[] = {
 // --- Settings and dialects
 
 QString withMeant(const QString &place, QStringView meant) {
-    return meant.isEmpty() ? place : u"%1; %2 is meant?"_s.arg(place, meant);
+    return meant.isEmpty() ? place : u"%1; did you mean %2?"_s.arg(place, meant);
 }
 
 void inspectSettings(Notes &notes, const XmlNode &root) {

@@ -57,7 +57,7 @@ QJsonObject jsonOf(const ComparedRow &row, std::span<const Contribution> contrib
             {u"contributions"_s, parts}};
 }
 
-// By what is said of them, and then by the column.
+// By statistic, then by column.
 QJsonObject jsonOfDifferences(const ComparisonResult &result) {
     QJsonObject largest;
     QJsonObject median;
