@@ -101,15 +101,9 @@ ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
 Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
                       std::span<const std::string> missing, QString &notation) {
     Unreached unreached;
-    const auto hasGap = [&](std::size_t i) {
-        return std::ranges::count(counts.positions[i], 0) > 0;
-    };
     for (std::size_t column = 0; column < card.columns.size(); ++column) {
         const std::vector<std::size_t> &recodings = card.recodingsOf[column];
-        std::vector<std::vector<bool>> reachable; // not needed if rows reach all
-        if (std::ranges::any_of(recodings, hasGap)) {
-            reachable = reachablePositions(card, column, missing);
-        }
+        const auto reachable = reachablePositions(card, column, missing);
         for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
             const Recoding &recoding = card.recodings[recodings[rank]];
             const std::vector<std::int64_t> &rows = counts.positions[recodings[rank]];
@@ -131,7 +125,7 @@ bool affectsRows(const Finding &finding) {
     return finding.rows > 0 || finding.togetherRows > 0;
 }
 
-// The findings that are open although none of their places affects a row alone: they explain rows.
+// The findings that explain rows although none of their places affects one.
 FindingSet explaining(const Found &found) {
     FindingSet findings;
     if (!found.comparison) return findings;
@@ -187,9 +181,9 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
 }
 
 // Of all recodings that have a coefficient, the largest first.
-std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row,
-                                          QString &notation) {
-    std::vector<Contribution> parts;
+std::vector<PointsLine> pointsOfRow(const Scorecard &card, const ComparedRow &row,
+                                    QString &notation) {
+    std::vector<PointsLine> parts;
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const Recoding &recoding = card.recodings[i];
         if (recoding.coefficient == 0) continue;
@@ -200,7 +194,7 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
                          recoding.coefficient * recoded.score});
     }
     std::ranges::stable_sort(parts, std::greater(),
-                             [](const Contribution &part) { return std::abs(part.points); });
+                             [](const PointsLine &part) { return std::abs(part.points); });
     return parts;
 }
 
@@ -271,7 +265,7 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
         }
         report.counts = countsOf(*found.comparison);
         for (const ComparedRow &row : found.comparison->worst) {
-            report.contributions.push_back(contributionsOf(card, row, report.notation));
+            report.worstPoints.push_back(pointsOfRow(card, row, report.notation));
         }
     }
     if (!report.notation.isEmpty() && isWhole) report.notation = report.model.notation;

@@ -14,7 +14,6 @@ QString signedNumber(double number) {
 
 // A number of the results in words, without its rounding; `own` and `other` are the model's.
 QString formText(const NumberMap &map, const QString &own, const QString &other) {
-    const QString times = shortNumber(map.times);
     switch (map.form) {
     case Form::Other:
         return u"the %1 in place of the %2"_s.arg(other, own);
@@ -26,13 +25,12 @@ QString formText(const NumberMap &map, const QString &own, const QString &other)
     case Form::Linear:
         break;
     }
-    const auto plus = [](double number) { return number < 0 ? u"minus"_s : u"plus"_s; };
-    const QString amount = shortNumber(std::abs(map.add));
     if (map.times == 0) return u"%1 in place of the %2"_s.arg(shortNumber(map.add), own);
     if (map.add == 1 && map.times == -1) return u"1 minus the %1"_s.arg(own);
-    const QString multiple =
-        map.times == 1 ? u"the "_s + own : u"the %1 times %2"_s.arg(own, times);
-    return map.add == 0 ? multiple : multiple + u" %1 %2"_s.arg(plus(map.add), amount);
+    QString text = u"the "_s + own;
+    if (map.times != 1) text += u" times "_s + shortNumber(map.times);
+    if (map.add == 0) return text;
+    return text + (map.add < 0 ? u" minus "_s : u" plus "_s) + shortNumber(std::abs(map.add));
 }
 
 QString roundingText(const NumberMap &map) {
@@ -61,6 +59,7 @@ QString mapsText(const Cause &cause, const RowOptions &options) {
             texts.append(formText(map, own, other) + roundingText(map));
     };
     if (isExchange(cause)) return u"score and probability exchanged"_s;
+    // Without scores among the results, their probabilities show which score they are of.
     const bool isBehind = !options.hasScore() && cause.probability.form == Form::Through;
     NumberMap score = cause.score;
     if (isBehind) {

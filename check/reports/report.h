@@ -74,7 +74,7 @@ struct CauseLine {
 };
 
 // The points of one recoding in the score of a row.
-struct Contribution {
+struct PointsLine {
     QString recoding; // its title
     QString column;
     QString cell;
@@ -119,9 +119,9 @@ struct Report {
     std::vector<FindingGroup> open = {}, accepted = {}, unaffecting = {};
     Unreached unreached = {}; // if rows were scored
     std::vector<CauseLine> causes = {};
-    std::vector<CountLine> counts = {};                        // of compared rows, above 0
-    std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
-    QString notation = {}; // the same sentence as the model's, for rows and contributions
+    std::vector<CountLine> counts = {};                    // of compared rows, above 0
+    std::vector<std::vector<PointsLine>> worstPoints = {}; // of each worst row, by size
+    QString notation = {};                                 // as the model's, for rows and points
 };
 
 // Only putModel() and putPage() require a whole report, which takes memory for each position. Other

@@ -125,12 +125,12 @@ void putFindings(TextBuffer &out, const Report &report) {
 
 // --- Comparison
 
-void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribution> parts) {
+void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const PointsLine> parts) {
     put(out, u"<article><h3>Row ", row.row);
     if (!row.key.empty()) put(out, u", ", escaped(QString::fromStdString(row.key)));
     put(out, u"</h3>\n<p>Model: ", numbersText(row.expected, row.found), u". Result: ",
         numbersText(row.found, row.expected), u".</p>\n<table>\n");
-    for (const Contribution &part : parts) {
+    for (const PointsLine &part : parts) {
         putRow(out, {part.recoding, part.cell, part.values, shortNumber(part.points)});
     }
     put(out, u"</table></article>\n");
@@ -182,7 +182,7 @@ void putComparison(TextBuffer &out, const Report &report) {
     putHistogram(out, u"probability", result.probabilities);
     put(out, u"</div>\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        putWorst(out, result.worst[i], report.contributions[i]);
+        putWorst(out, result.worst[i], report.worstPoints[i]);
     }
     put(out, u"</section>\n");
 }
@@ -199,8 +199,6 @@ QString across(const Scale &scale, double value) {
 QString above(double share) {
     return place(height * (1 - share));
 }
-
-enum class Side { Left, Right, Below };
 
 // A labelled place on an axis.
 struct Tick {
@@ -235,14 +233,12 @@ std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount = false) {
     }
 }
 
-// `most` is the number of labels that fit.
-void putAxis(TextBuffer &out, Side side, const Scale &scale, int most, bool isCount = false) {
-    const QStringView name = side == Side::Below  ? u"below"
-                             : side == Side::Left ? u"left"
-                                                  : u"right";
+// An axis on the side of the drawing, "left", "right" or "below", with up to `most` labels.
+void putAxis(TextBuffer &out, QStringView side, const Scale &scale, int most,
+             bool isCount = false) {
     for (const Tick &tick : ticksOf(scale, most, isCount)) {
-        put(out, u"<i class=\"", name, tick.isMinor ? u" minor"_s : QString(), u"\" style=\"",
-            side == Side::Below ? u"left:"_s : u"bottom:"_s, place(100 * scale.shareOf(tick.value)),
+        put(out, u"<i class=\"", side, tick.isMinor ? u" minor"_s : QString(), u"\" style=\"",
+            side == u"below" ? u"left:"_s : u"bottom:"_s, place(100 * scale.shareOf(tick.value)),
             u"%\"><b>", numberText(tick.value), u"</b></i>\n");
     }
 }
@@ -256,7 +252,7 @@ void putScores(TextBuffer &out, const Scale &scale) {
         return units;
     };
     while (most > 2 && length() > 44) --most;
-    putAxis(out, Side::Below, scale, most);
+    putAxis(out, u"below", scale, most);
     put(out, u"<span class=\"under\">score</span>\n");
 }
 
@@ -287,12 +283,12 @@ void putCurve(TextBuffer &out, const Report &report) {
     put(out, u"<section><h2>", title, u"</h2>\n<figure><div class=\"plot\">\n");
     putScores(out, model.scores);
     if (model.hasProbability) {
-        putAxis(out, Side::Left, {0, 1}, 5);
+        putAxis(out, u"left", {0, 1}, 5);
         put(out, u"<span class=\"over\">probability</span>\n");
     }
     if (counts) {
         const auto most = static_cast<double>(std::ranges::max(counts->scores));
-        putAxis(out, model.hasProbability ? Side::Right : Side::Left, {0, most}, 5, true);
+        putAxis(out, model.hasProbability ? u"right" : u"left", {0, most}, 5, true);
         put(out, u"<span class=\"over",
             model.hasProbability ? u" right\">rows</span>\n"_s : u"\">rows</span>\n"_s);
     }

@@ -68,13 +68,13 @@ void putRows(TextBuffer &out, const Report &report) {
     if (!out.text().contains(report.notation)) put(out, u"\n", report.notation, u"\n");
 }
 
-void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribution> parts) {
+void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const PointsLine> parts) {
     put(out, u"\n  row ", row.row);
     if (!row.key.empty()) put(out, u", key ", shownText(row.key));
     put(out, u"\n    model:  ", numbersText(row.expected, row.found), u"\n    result: ",
         numbersText(row.found, row.expected), u"\n");
     Table table;
-    for (const Contribution &part : parts) {
+    for (const PointsLine &part : parts) {
         table.push_back({u"  "_s + part.recoding, u'\'' + part.cell + u'\'', part.values,
                          shortNumber(part.points)});
     }
@@ -91,7 +91,7 @@ void putComparison(TextBuffer &out, const Report &report) {
     }
     for (const QString &line : summaryOf(report)) put(out, u"  ", line, u"\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        putWorst(out, result.worst[i], report.contributions[i]);
+        putWorst(out, result.worst[i], report.worstPoints[i]);
     }
 }
 
