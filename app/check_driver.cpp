@@ -60,7 +60,7 @@ int statusOf(Verdict verdict) {
     return verdict == Verdict::Findings ? exitFound : exitNothingFound;
 }
 
-// Scores the rows if there are any, and reports everything.
+// Scores the rows, if given, and prints the report.
 int reportOn(const Request &request, const Scorecard &card, std::vector<Finding> findings) {
     Evidence evidence = evidenceOf(request);
     RowCounts counts;
@@ -130,8 +130,8 @@ int runCheck(const std::function<QStringList()> &readArguments) {
     try {
         return run(readArguments());
     } catch (const std::bad_alloc &) {
-        return fail(u"There is not enough memory."_s, exitUnusableModel);
+        return fail(u"Out of memory."_s, exitUnusableModel);
     } catch (const std::length_error &) {
-        return fail(u"There is not enough memory."_s, exitUnusableModel);
+        return fail(u"Out of memory."_s, exitUnusableModel);
     }
 }

@@ -12,7 +12,7 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// A device has no size, and nothing is read of it.
+// Reads nothing from a device, which has no size.
 FileRead readFile(const QString &fileName) {
     OutputFile file;
     file.stream.reset(openFile(fileName, FileUse::Read));
@@ -31,13 +31,17 @@ FileRead readFile(const QString &fileName) {
     return {.bytes = static_cast<std::int64_t>(read), .sha256 = hash.result()};
 }
 
-// The time now, or the one that builds set to repeat an output.
+// The present, or the time that SOURCE_DATE_EPOCH sets for reproducible outputs.
 QString timeText() {
     bool isSet = false;
     const qint64 seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSet);
     const QDateTime time =
         isSet ? QDateTime::fromSecsSinceEpoch(seconds) : QDateTime::currentDateTime();
     return time.toUTC().toString(Qt::ISODate);
+}
+
+void addFile(Evidence &evidence, const QString &role, const QString &path, const FileRead &read) {
+    if (!path.isEmpty()) evidence.files.push_back({role, path, read});
 }
 
 } // namespace
@@ -48,19 +52,13 @@ Evidence evidenceOf(const Request &request) {
                          .arguments = request.arguments,
                          .time = timeText(),
                          .files = {}};
-    const auto add = [&](const QString &role, const QString &path) {
-        if (!path.isEmpty()) evidence.files.push_back({role, path, readFile(path)});
-    };
-    add(u"document"_s, request.model);
-    add(u"SQL configuration"_s, request.sql);
-    add(u"canvas"_s, request.canvas);
+    addFile(evidence, u"document"_s, request.model, readFile(request.model));
+    addFile(evidence, u"SQL configuration"_s, request.sql, readFile(request.sql));
+    addFile(evidence, u"canvas"_s, request.canvas, readFile(request.canvas));
     return evidence;
 }
 
 void addRows(Evidence &evidence, const RowOptions &options, const RowCounts &counts) {
-    const auto add = [&](const QString &role, const QString &path, const FileRead &read) {
-        if (!path.isEmpty()) evidence.files.push_back({role, path, read});
-    };
-    add(u"rows"_s, options.file, counts.rowsRead);
-    add(u"results"_s, options.results, counts.resultsRead);
+    addFile(evidence, u"rows"_s, options.file, counts.rowsRead);
+    addFile(evidence, u"results"_s, options.results, counts.resultsRead);
 }

@@ -3,7 +3,7 @@
 
 #include "check/rows/comparison.h"
 
-// What the arguments ask for. The names of files that were not given are empty.
+// The options of a call. Names of files that were not given are empty.
 struct Request {
     QStringList arguments; // as they were given
     QString model;
@@ -18,7 +18,7 @@ struct Request {
     QString report;
     QString probe;
     RowOptions rows;
-    QString answer; // help or version: to be printed, and nothing else to be done
+    QString answer; // help or version; if set, printing it is all there is to do
 };
 
 // Reads the arguments, the first of which is the program's path. Returns an error message; empty on

@@ -55,11 +55,11 @@ class CausesTest(CheckedTest):
         moved = [(score - 0.18 * (row[1] == "b"), p) for (score, p), row in zip(meant, ROWS)]
         both = ("score", "probability")
         for name, results, columns, expected in [
-            ("a constant", self.through(lambda s, *_: s + 0.5), both, ("amount", 72, "the score plus 0.5; the probability of such a score")),
+            ("a constant", self.through(lambda s, *_: s + 0.5), both, ("amount", 72, "the score plus 0.5; the probability of that score")),
             ("a constant, seen in probabilities", self.through(lambda s, *_: s - 0.25), ["probability"], ("amount", None, "the score minus 0.25; the prob")),
             ("amounts of which no two are the same", [(s + i / 7, p) for i, (s, p) in enumerate(meant)], both, None),
             ("two rows of one amount", [(s + 0.5 * (i in (7, 9)), p) for i, (s, p) in enumerate(meant)], both, None),
-            ("a turned sign", self.through(lambda s, *_: -s), both, ("factor", 72, "the score times -1; the probability of such a score")),
+            ("a turned sign", self.through(lambda s, *_: -s), both, ("factor", 72, "the score times -1; the probability of that score")),
             ("points", [(600 - 28.85 * s, p) for s, p in meant], both, ("linear", 72, "the score times -28.85 plus 600")),
             ("per cent", [(s, 100 * p) for s, p in meant], both, ("factor", 72, "the probability times 100")),
             ("per cent, rounded", [(s, round(100 * p, 1)) for s, p in meant], both, ("factor", 72, "the probability times 100, rounded to 1 decimal")),
@@ -75,7 +75,7 @@ class CausesTest(CheckedTest):
             ("32 bits", [(single(s), single(p)) for s, p in meant], both, ("single-precision", None, "the score, rounded to 32 bits; ")),
             ("one value", moved, ["score"], ("points", 24, "other points of V2 c, 'b' by -0.18")),
             ("two values by one amount", [(s + 0.18 * (row[1] != "a"), p) for (s, p), row in zip(meant, ROWS)], ["score"],
-             ("points", 48, "other points of V2 c, missing or not listed by +0.18, 'b' by +0.18")),
+             ("points", 48, "other points of V2 c, missing or unlisted by +0.18, 'b' by +0.18")),
             ("one value, and two rows of something else", [(s + (i < 2) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
              ("points", 24, "other points of V2 c, 'b' by -0.18")),
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
@@ -93,7 +93,7 @@ class CausesTest(CheckedTest):
             ("a row less", meant[:20] + meant[21:], both, ("next-row", None, "those of the next row, from row 21 on")),
             ("a row more", [*meant[:20], (9, 0.5), *meant[20:]], both, ("row-before", None, "those of the row before, from row 21 on")),
             ("the last digit of a bound", [(s + 1.1 * (-1.37 - 0.51) * (row[0] == f"{1 / 3}"), p) for (s, p), row in zip(meant, ROWS)],
-             ["score"], ("last-digit", 12, "cells at a bound counted on its other side (another last digit, or < for <=)")),
+             ["score"], ("last-digit", 12, "cells at a bound read on its other side (last digit misread, or < for <=)")),
         ]:
             with self.subTest(name):
                 found = self.compare(results, columns=columns)
@@ -117,7 +117,7 @@ class CausesTest(CheckedTest):
         found = self.compare(self.meant, "--key", "id")
         self.assertEqual((found["missing"], found["extra"]), (72, 72))
         self.assertEqual([(cause["cause"], cause["rows"]) for cause in found["causes"]], [("key-text", 72)])
-        self.assertEqual(found["causes"][0]["detail"], "the key '000' of the rows is written '0' in the results; write both in one format")
+        self.assertEqual(found["causes"][0]["detail"], "key '000' of the rows is '0' in the results; write both in one format")
         printed = self.check("m.ModelXml", "--rows", "rows.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
         self.assertIn("in the results only: 72 rows: 0, 1, 2, 3, 4, …\n", printed)
         long = [f"{2 ** 53 + i}" for i in range(0, 144, 2)]
@@ -127,7 +127,7 @@ class CausesTest(CheckedTest):
         self.assertEqual((found["missing"], found["causes"]), (72, []))
         for results in [self.meant[:10] + self.meant[11:], [(s + i * i, p) for i, (s, p) in enumerate(self.meant)]]:
             found = self.compare(results)
-            self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id', which --key may join by"}, found["causes"])
+            self.assertIn({"cause": "key-column", "rows": 0, "detail": "both files have a column 'id'; to join by it, use --key"}, found["causes"])
         self.write("keyless.csv", "id,n,c,m\n7,,,\n,,,\n")
         printed = self.check("m.ModelXml", "--rows", "keyless.csv", "--compare", "results.csv", "--target", "sas", "--score", "score", "--key", "id")[1]
         self.assertIn("without a result: 1 row: row 2, which has no key\n", printed)
@@ -160,7 +160,7 @@ class CausesTest(CheckedTest):
         status, printed, message = self.check("m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas",
                                               "--score", "score", "--probability", "probability", "--differences", "d.csv", "--quiet")
         self.assertEqual((status, message), (3, ""))
-        self.assertEqual(printed, "69 of 71 rows as the model says, 2 without explanation, 1 without a result, 1 in the results only\n")
+        self.assertEqual(printed, "69 of 71 rows match the model, 2 unexplained, 1 without a result, 1 in the results only\n")
         meant = ["{},{}".format(*self.meant[row]) for row in (7, 30, 50)]
         self.assertEqual((self.folder / "d.csv").read_text("ascii").splitlines(), [
             "id,score,probability,result_score,result_probability,reason", f"007,{meant[0]},{results[7][0]},{results[7][1]},",
@@ -168,7 +168,7 @@ class CausesTest(CheckedTest):
 
         self.write("keyed.csv", "id,score\n" + "".join(f"{key:03},{s}\n" for key, (s, _) in enumerate(self.meant)) + "007,1\n")
         call = ["m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas", "--score", "score", "--quiet"]
-        self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows as the model says, 1 repeated\n"))
+        self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows match the model, 1 with a duplicate key\n"))
 
     def test_acceptance(self):
         """Accepted findings and the rows that they explain do not affect the status; others set it to 1."""
@@ -178,14 +178,14 @@ class CausesTest(CheckedTest):
         status, printed, _ = self.check(*call, "--quiet")
         explained = sum(-5 < score <= -1 for score, _ in self.meant)
         self.assertGreater(explained, 5)
-        self.assertEqual((status, printed), (1, f"{72 - explained} of 72 rows as the model says, {explained} explained; 1 finding open\n"))
+        self.assertEqual((status, printed), (1, f"{72 - explained} of 72 rows match the model, {explained} explained; 1 finding open\n"))
         status, printed, _ = self.check(*call, "--accept", "capitals,lowest-segment", "--json")
         found = json.loads(printed)
         self.assertEqual((status, found["verdict"]), (0, "clean"))
         self.assertEqual({finding["name"] for finding in found["findings"] if finding.get("accepted")}, {"lowest-segment"})
         status, printed, _ = self.check(*call, "--accept", "lowest-segment")
         self.assertIn("\naccepted: lowest-segment\n", printed)
-        for names, message in [("lowest-segmnt", "There is no finding 'lowest-segmnt'. 'lowest-segment' is meant?"), ("x", "There is no finding 'x'.")]:
+        for names, message in [("lowest-segmnt", "Unknown finding 'lowest-segmnt'. Did you mean 'lowest-segment'?"), ("x", "Unknown finding 'x'. Use a name that the report prints.")]:
             self.assertEqual(self.check(*call, "--accept", names)[::2], (2, message + "\nscorewright-check --help lists the options.\n"))
 
 

@@ -93,8 +93,8 @@ class ScoresAndFindingsTest(CheckedTest):
                           "empty-field": (1, 6006), "not-a-number": (6001, 4)})
         names = ["unknown-setting", "unknown-dialect", "single-bound"]
         self.assertEqual([f["place"] for f in report["findings"] if f["name"] in names],
-                         ["recoding V1 (column n)", "setting dbTpye; dbType is meant?", "setting OUTPTFILE; outputFile is meant?",
-                          "setting colour", "setting dbType, 'sqlservr'; sqlserver is meant?"])
+                         ["recoding V1 (column n)", "setting dbTpye; did you mean dbType?", "setting OUTPTFILE; did you mean outputFile?",
+                          "setting colour", "setting dbType, 'sqlservr'; did you mean sqlserver?"])
         self.assertEqual(found["five-categories"]["targets"], ["html"])
         only = self.report("m.ModelXml", "--target", "html")["findings"]
         self.assertEqual([f["name"] for f in only], ["single-bound", "five-categories", "percent-sign"])
@@ -180,7 +180,7 @@ class ScoresAndFindingsTest(CheckedTest):
             self.assertEqual(self.check("m.ModelXml", "--target", "vba", "--rows", "rows.csv")[0], status)
         for written, meant in [("sqlservr", "sqlserver"), ("MSSQL", "sqlserver")]:
             self.write("s.xml", configuration(dbType=written))
-            self.assertIn(f"'{written}'; {meant} is meant?\n", self.check("good.ModelXml", "--sql", "s.xml")[1])
+            self.assertIn(f"'{written}'; did you mean {meant}?\n", self.check("good.ModelXml", "--sql", "s.xml")[1])
 
     def test_rejected_calls(self):
         self.write("m.ModelXml", model())
@@ -198,26 +198,26 @@ class ScoresAndFindingsTest(CheckedTest):
         good = ["m.ModelXml", "--rows", "good.csv"]
         scored = [*good, "--compare", "good.csv", "--target", "sql", "--score", "n"]
         for status, message, arguments in [
-            (2, "One model document is needed.\nscorewright-check --help lists the options.\n", []),
+            (2, "Give exactly one model document.\nscorewright-check --help lists the options.\n", []),
             (2, "Unknown option 'colour'.", ["m.ModelXml", "--colour"]),
-            (2, "There is no target 'r'. The targets are sas, sql, vba, python, html.", ["m.ModelXml", "--target", "sql,r", "--json"]),
+            (2, "Unknown target 'r'. The targets are sas, sql, vba, python, html.", ["m.ModelXml", "--target", "sql,r", "--json"]),
             (2, "--key requires --rows.", ["m.ModelXml", "--key", "n", "--score", "s"]),
             (2, "File 'rows.csv' lacks the column 'c'. Its titles are 'n', 'x', 'x'.\n", ["m.ModelXml", "--rows", "rows.csv"]),
             (2, "File 'odd.csv' lacks the columns 'n', 'c'. 'n' is there as 'N '. Its titles are "
              + ", ".join(["'N '", "'x y'", *(f"'{60 * str(i % 10)}…'" for i in range(18))]) + " and 3 more.\n", ["m.ModelXml", "--rows", "odd.csv"]),
-            (2, "The decimal mark must be a comma or a full stop.", [*good, "--decimal", ";"]),
+            (2, "--decimal requires a comma or a full stop.", [*good, "--decimal", ";"]),
             (2, "File 'kept.html' lacks the columns 'n', 'c'.", ["m.ModelXml", "--rows", "kept.html"]),
             (2, "Cannot open file 'none.csv'.", ["m.ModelXml", "--rows", "none.csv"]),
-            (2, "--compare requires one --target", ["m.ModelXml", *compare]),
-            (2, "--show prints text", ["m.ModelXml", "--show", "--json"]),
-            (2, "File './rows.csv' would be written over.", ["m.ModelXml", "--rows", "rows.csv", "--scores", "./rows.csv"]),
-            (2, "File 'link.csv' would be written over.", [*good, "--scores", "link.csv"]),
-            (2, "File 'rows.csv' would be written over.", [*good, *compare[2:], "--target", "sql", "--score", "n", "--report", "rows.csv"]),
-            (2, "File 'new' would be written over.", [*good, "--scores", "new", "--report", "new"]),
+            (2, "--compare requires exactly one --target.", ["m.ModelXml", *compare]),
+            (2, "Give only one of --show, --json and --quiet.", ["m.ModelXml", "--show", "--json"]),
+            (2, "Output './rows.csv' would overwrite an input or another output.", ["m.ModelXml", "--rows", "rows.csv", "--scores", "./rows.csv"]),
+            (2, "Output 'link.csv' would overwrite an input or another output.", [*good, "--scores", "link.csv"]),
+            (2, "Output 'rows.csv' would overwrite an input or another output.", [*good, *compare[2:], "--target", "sql", "--score", "n", "--report", "rows.csv"]),
+            (2, "Output 'new' would overwrite an input or another output.", [*good, "--scores", "new", "--report", "new"]),
             (2, "Cannot write to file '/dev/full'.", [*good, "--scores", "/dev/full", "--report", "/dev/full"]),
-            *((2, "The tolerance must be a number that is not below 0.", [*scored, "--tolerance", text])
+            *((2, "--tolerance requires a finite number of at least 0.", [*scored, "--tolerance", text])
               for text in ["inf", "nan", "-1", "x"]),
-            *((2, "The delimiter must be one character of ASCII", [*good, "--delimiter", text])
+            *((2, "--delimiter requires one ASCII character", [*good, "--delimiter", text])
               for text in ["", ";;", "é", '"', "\n", "\r"]),
             (2, "File 'wide.csv' is UTF-16; save it as UTF-8.", ["m.ModelXml", "--rows", "wide.csv"]),
             (2, "latin.csv, row 2: not valid UTF-8. Convert the file, for example with iconv.", ["m.ModelXml", "--rows", "latin.csv"]),
@@ -226,9 +226,9 @@ class ScoresAndFindingsTest(CheckedTest):
               for _ in range(b"__asan_init" not in Path(engines.CHECK).read_bytes())],
             (2, "File 'open.csv' ends within quotation marks.", ["m.ModelXml", "--rows", "open.csv", "--report", "kept.html"]),
             (2, "--rows requires a file.", ["m.ModelXml", "--rows", ""]),
-            (2, "The column 'x' is named twice.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
-            (2, "The column 'x' is named twice.", [*compare, "m.ModelXml", "--target", "sql", "--key", "x", "--probability", "x"]),
-            (2, "The column 'n' is named twice.", [*scored, "--key", "n", "--probability", "c"]),
+            (2, "Column 'x' is given twice. --key, --score and --probability require different columns.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x", "--probability", "x"]),
+            (2, "Column 'x' is given twice. --key, --score and --probability require different columns.", [*compare, "m.ModelXml", "--target", "sql", "--key", "x", "--probability", "x"]),
+            (2, "Column 'n' is given twice. --key, --score and --probability require different columns.", [*scored, "--key", "n", "--probability", "c"]),
             (2, "File 'rows.csv' has two columns 'x'.", ["m.ModelXml", *compare, "--target", "sql", "--score", "x"]),
             (2, "File 'twin.csv' has one column for 'n' and ' n'.", ["twins.ModelXml", "--rows", "twin.csv"]),
             (2, "The model has no probability; use --score.", ["m.ModelXml", *compare, "--target", "sql", "--probability", "n"]),
@@ -256,7 +256,7 @@ class ScoresAndFindingsTest(CheckedTest):
         os.link(self.folder / "m.ModelXml", self.folder / "link.ModelXml")
         for output in [["--scores", "link.csv"], ["--report", "link.ModelXml"], ["--scores", "new", "--report", "./new"]]:
             status, printed, message = self.check("m.ModelXml", "--rows", "rows.csv", *output)
-            self.assertEqual((status, printed, message.splitlines()[0]), (2, "", f"File '{output[-1]}' would be written over."))
+            self.assertEqual((status, printed, message.splitlines()[0]), (2, "", f"Output '{output[-1]}' would overwrite an input or another output."))
         self.assertEqual((self.folder / "rows.csv").read_text(), "n,c\n1,a\n")
         with open("/dev/full", "w") as full:
             for option in ["--show", "--json", "--target=sql", "--help", "--version"]:

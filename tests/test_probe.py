@@ -97,16 +97,16 @@ class ProbeTest(CheckedTest):
         found = self.report(*call, "--missing", "NA", "--report", "page.html")["unreached"]
         self.assertEqual((found["positions"], found["of"], found["places"][:2], found["places"][-1]),
                          (21, 28 - 1, ["V1 n: missing", "V1 n: [0, 1]"], "V3 yn: true: 'yes'"))
-        self.assertIn("No row reaches 21 of 27 positions<br>", (self.folder / "page.html").read_text())
+        self.assertIn("Positions that no row reaches: 21 of 27<br>", (self.folder / "page.html").read_text())
         self.assertIn("V2 c: 'NA'", self.report(*call)["unreached"]["places"])
         printed = self.check(*call)[1]
-        self.assertIn("\nNo row reaches 22 of 28 positions\n  - V1 n: missing\n", printed)
+        self.assertIn("\nPositions that no row reaches: 22 of 28\n  - V1 n: missing\n", printed)
         self.assertIn("\n  - and 12 more\n", printed)
 
     def test_calls(self):
         self.write("m.ModelXml", model(table=TABLE))
         self.assertEqual(self.check("m.ModelXml", "--probe", "new", "--target", "vba")[0::2], (1, ""))
-        for name, message in [("m.ModelXml", "File 'm.ModelXml' would be written over.\n"), ("none/new", "Cannot open file 'none/new' for writing.\n"),
+        for name, message in [("m.ModelXml", "Output 'm.ModelXml' would overwrite an input or another output.\n"), ("none/new", "Cannot open file 'none/new' for writing.\n"),
                               ("/dev/full", "Cannot write to file '/dev/full'.\n")]:
             status, printed, told = self.check("m.ModelXml", "--probe", name)
             self.assertEqual((status, printed, told[:len(message)]), (2, "", message))

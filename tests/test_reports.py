@@ -84,14 +84,14 @@ class ReportsTest(CheckedTest):
         self.write("rows.csv", "1x,é\n1\n", "utf-8")
         printed = self.check("m.ModelXml", "--rows", "rows.csv", "--report", "report.html")[1]
         self.assertIn("name-characters [sas, python] docs/manual.md\n", printed)
-        self.assertIn("\n1 row with fewer or more cells than titles, first row 1\n", printed)
+        self.assertIn("\n1 row with fewer or more cells than the header line, first row 1\n", printed)
         self.assertNotIn(" 0.00,", (self.folder / "report.html").read_text("utf-8").split("<polyline")[1])
 
     def bins(self, bounds):
         """The bins between these bounds as --show prints them, and the line that explains them."""
         self.write("m.ModelXml", document([numeric(1, "n", bounds, range(len(bounds) + 2))], [(1, 1)], 0))
         printed = self.check("m.ModelXml", "--show")[1]
-        return re.findall(r"^  ([(\[].*[)\]])  ", printed, re.M), re.findall(r"^The bound that is shown as (.*?) in the document:", printed, re.M)
+        return re.findall(r"^  ([(\[].*[)\]])  ", printed, re.M), re.findall(r"^The bound shown as (.*?) in the document:", printed, re.M)
 
     def test_bins(self):
         """A bound that was closed on the left, and its near misses: the first, a digit further, digits too many."""

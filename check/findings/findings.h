@@ -1,5 +1,5 @@
-// Findings: what in a model, a configuration or a canvas makes generated code depart from the
-// model, or makes the model itself doubtful.
+// Findings: places where generated code departs from the model, and faults of a model, a
+// configuration or a canvas.
 #pragma once
 
 #include "model/target_rules.h"
@@ -20,7 +20,7 @@ inline constexpr Targets allTargets = (1U << targetCount) - 1;
 std::vector<Target> listTargets(Targets targets);
 QStringList targetNames(Targets targets); // as on the command line
 
-// In the order of the manual, as are the rows of the table in findings.cpp.
+// In the order of the report and of the table in findings.cpp.
 // clang-format off
 enum class FindingId : std::uint8_t {
     LowestSegment, LowestPoint, RecodingWithoutCoefficient, CoefficientWithoutRecoding,
@@ -44,7 +44,7 @@ enum class FindingId : std::uint8_t {
 // clang-format on
 inline constexpr std::size_t findingCount = static_cast<std::size_t>(FindingId::ValueBlanks) + 1;
 
-// A set of findings. As a set of deviations: where a target departs from the model.
+// A set of findings. As a set of deviations: those that hold for a target.
 class FindingSet {
 public:
     FindingSet() = default;
@@ -61,9 +61,10 @@ private:
     std::bitset<findingCount> bits;
 };
 
-QStringList namesOf(const FindingSet &findings); // in the order of the manual
+QStringList namesOf(const FindingSet &findings);
 
-// Whether a finding counts the rows that it affects; Required: reported only if a row is affected.
+// Whether a finding counts the rows that it affects; Required: it is reported only if it affects
+// one.
 enum class RowScope : std::uint8_t { None, Counted, Required };
 
 struct FindingKind {
@@ -77,17 +78,17 @@ struct FindingKind {
     QStringView page; // of the manual
 };
 const FindingKind &kindOf(FindingId id);
-std::span<const FindingKind> findingKinds(); // in the order of their identifiers
+std::span<const FindingKind> findingKinds(); // in the order of FindingId
 
 // A finding at one place.
 struct Finding {
     FindingId id;
-    Targets targets; // of its kind, as far as they were asked for
+    Targets targets; // of its kind, if requested
     QString place;
-    int recoding = -1;             // its position if the place is a recoding, else -1
+    int recoding = -1;             // its index if the place is a recoding, else -1
     std::int64_t rows = 0;         // that it affects alone
     std::int64_t firstRow = 0;     // from 1; 0 without rows
-    std::int64_t togetherRows = 0; // more of them, that it affects only together with others
+    std::int64_t togetherRows = 0; // further rows, affected only together with other findings
 
     bool countsRows() const { return kindOf(id).scope != RowScope::None; }
 };
@@ -98,18 +99,17 @@ QString grouped(std::int64_t number);
 // "1 row" or "4,454 rows".
 QString rowsText(std::int64_t rows);
 
-// Where a finding is made.
 struct FindingPlace {
     QString text;
-    int recoding = -1; // its position if the place is a recoding, else -1
+    int recoding = -1; // its index if the place is a recoding, else -1
 };
 
-// Collects findings, except those that concern none of the targets that were asked for.
+// Collects findings for the requested targets.
 struct Notes {
     Targets asked = allTargets;
     std::vector<Finding> findings = {};
 
-    // Adds a finding if it applies, for the targets of its kind that are within `limit`.
+    // Adds a finding for those requested targets of its kind that are within `limit`, if any.
     void add(const FindingPlace &place, FindingId id, bool isFound = true,
              Targets limit = allTargets);
 };

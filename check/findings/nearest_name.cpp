@@ -6,7 +6,7 @@
 
 namespace {
 
-// The number of characters to add, leave out or change to make one text of the other.
+// The edit distance: characters to insert, delete or replace, ignoring case.
 std::size_t distance(QStringView a, QStringView b) {
     std::vector<std::size_t> row(static_cast<std::size_t>(b.size()) + 1);
     std::iota(row.begin(), row.end(), std::size_t(0));

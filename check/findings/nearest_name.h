@@ -1,9 +1,9 @@
-// Finds the name that a misspelled one is meant for.
+// Suggests a name for a misspelt one.
 #pragma once
 
 #include <QStringView>
 
 #include <span>
 
-// The most similar name, whatever the case; empty if none is similar.
+// The most similar name, ignoring case; empty if none is similar.
 QStringView nearestName(QStringView written, std::span<const QStringView> names);

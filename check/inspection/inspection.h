@@ -1,24 +1,24 @@
-// Inspects a model, a configuration and a canvas for findings.
+// Finds departures and faults in a model, an SQL configuration and a canvas.
 #pragma once
 
 #include "check/evaluation/evaluation.h"
 #include "model/sql_configuration.h"
 
-// What to inspect. Without a configuration, SQL is assumed to have default settings and a dialect
-// with a probability.
+// Without a configuration, SQL has the default settings and a dialect with a probability.
 struct Inspection {
     Targets targets = allTargets;
     const SqlConfigurationFile *sql = nullptr;
     QString canvasName = {}; // empty: no canvas
-    QString canvas = {};     // the canvas's text
+    QString canvas = {};     // its content
 };
 
-// The findings in the order of the manual, including those that are reported only for rows.
+// All findings in the order of FindingId, including those to be reported only if they affect rows.
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection);
 
-// --- Findings in a configuration of SQL and a canvas of HTML
+// --- SQL configuration and canvas
 
-// What findings depend on in the script. The defaults are those without a configuration.
+// The properties of the SQL script that decide findings; by default, those without a
+// configuration.
 struct SqlUse {
     bool hasProbability = true;
     bool trimsTexts = true;

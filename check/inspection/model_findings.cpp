@@ -27,7 +27,7 @@ bool isRounded(double number) {
     return withDigits(number, 6) != number;
 }
 
-// Whether rounding to `digits` changes one of the numbers.
+// Whether rounding to `digits` significant digits changes one of the numbers.
 bool isInexact(std::span<const double> numbers, int digits) {
     return std::ranges::any_of(numbers,
                                [&](double number) { return withDigits(number, digits) != number; });
@@ -35,7 +35,7 @@ bool isInexact(std::span<const double> numbers, int digits) {
 
 // --- Recodings
 
-// Whether the recoding is the first of its column among those of numbers, or of lists.
+// Whether the recoding is the first numeric, or the first categorical, one of its column.
 bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
     const auto isAlike = [&](std::size_t i) {
         return card.recodings[i].variable->isCategorical == recoding.variable->isCategorical;
@@ -81,8 +81,7 @@ void inspectNumeric(Notes &notes, const FindingPlace &place, const Scorecard &ca
     notes.add(place, NotFinite, !isFinite(recoding.x) || !isFinite(recoding.y) || !isFinite(codes));
 }
 
-// Whether SAS takes the value as a number where it stands without quotation marks. A full stop is a
-// missing value.
+// Whether SAS reads the value without quotation marks as a number; a full stop is a missing value.
 bool isNumberOfSas(QStringView value) {
     const auto stops = std::ranges::count(value, u'.');
     return value == u"." || (stops <= 1 && value.size() > stops);
@@ -103,7 +102,7 @@ void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard
         return recoding.positionAt(entry.second.first) != recoding.positionAt(entry.second.last);
     };
     const bool hasEmpty = any([](QStringView value) { return value.isEmpty(); });
-    // What is compared as 0 and 1 has no texts in the script.
+    // A column compared with 0 and 1 has no texts in the script.
     const bool hasTexts = !isBoolean || !sql.boolsAreNumbers;
     const Targets texts = hasTexts ? allTargets : ~only(Target::Sql);
     const bool isTrimmed = !isBoolean && sql.trimsTexts;
@@ -132,7 +131,7 @@ void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard
     notes.add(place, NotFinite, !isFinite(recoding.y));
 }
 
-// Whether the target takes the name; in Excel VBA it has a beginning of its own.
+// Whether the target accepts the name; in Excel VBA a prefix precedes it.
 bool isName(QStringView name, Target target) {
     constexpr qsizetype longestOfSas = 32;
     const auto isAllowed = [target](QChar c) {
@@ -151,7 +150,7 @@ bool isInWindows1252(QStringView text) {
     });
 }
 
-// HTML asks for a column once.
+// The page has one question for each column.
 bool sharesItsAnswers(const Recoding &a, const Recoding &b) {
     return a.variable->isCategorical == b.variable->isCategorical && a.isBoolean == b.isBoolean &&
            std::ranges::equal(a.listed, b.listed);
@@ -239,8 +238,8 @@ bool hasOtherSums(const Notes &notes) {
     });
 }
 
-// Whether a point of the table where the probability jumps is shown as another number; where the
-// table ends, targets make jumps of their own.
+// Whether a point of the table where the probability jumps is rounded. Targets make jumps of their
+// own at the end of the table.
 bool hasInexactJump(const Scorecard &card, int digits) {
     const std::span<const double> x = card.table.x;
     for (std::size_t i = 0; i < x.size(); ++i) {
@@ -270,9 +269,9 @@ void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
         rises = rises && y[i] >= y[i - 1];
         falls = falls && y[i] <= y[i - 1];
         notes.add(place, ProbabilityOrder, !rises && !falls);
-        if (!rises && !falls) rises = falls = true; // reports one place, and goes on from there
+        if (!rises && !falls) rises = falls = true; // reports each turn once
     }
-    // The least score of the model; a target with another sum may go below it.
+    // The least score of the model. A target that departs from its sum may go below it.
     const double least = hasOtherSums(notes) ? -HUGE_VAL : scoreRange(card).least;
     const FindingPlace lowest = pointAt(x.size() - 1);
     const bool hasSegment = x.size() > 1 && x.back() != x[x.size() - 2];

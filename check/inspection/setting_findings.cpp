@@ -28,7 +28,7 @@ constexpr QStringView sqlWords[] = {
 // --- Settings and dialects
 
 QString withMeant(const QString &place, QStringView meant) {
-    return meant.isEmpty() ? place : u"%1; %2 is meant?"_s.arg(place, meant);
+    return meant.isEmpty() ? place : u"%1; did you mean %2?"_s.arg(place, meant);
 }
 
 void inspectSettings(Notes &notes, const XmlNode &root) {
@@ -56,7 +56,7 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
     }
 }
 
-// Names of servers for which general SQL is meant.
+// Names of servers that general SQL is right for.
 bool isGeneral(QStringView dbType) {
     constexpr QStringView servers[] = {u"",       u"postgresql", u"postgres",
                                        u"sqlite", u"sqlite3",    u"duckdb"};
@@ -64,7 +64,7 @@ bool isGeneral(QStringView dbType) {
         servers, [&](QStringView name) { return name.compare(dbType, Qt::CaseInsensitive) == 0; });
 }
 
-// The dialect that is meant by another name of a server, or by a similar one; empty if none is.
+// The dialect of another name of a server, or of a similar one; empty if there is none.
 QStringView dialectOf(QStringView dbType, std::span<const QStringView> names) {
     constexpr std::pair<QStringView, QStringView> others[] = {
         {u"mssql", u"sqlserver"}, {u"tsql", u"sqlserver"}, {u"mariadb", u"mysql"}};
@@ -120,7 +120,7 @@ void inspectDebugging(Notes &notes, const Scorecard &card) {
     }
 }
 
-// Whether databases need quotes around the name. With a schema, a full stop separates two names.
+// Whether databases require quotes around the name. With a schema, a full stop separates two names.
 bool needsQuotes(QStringView name, bool hasSchema) {
     const auto isWord = [&](QStringView word) {
         return word.compare(name, Qt::CaseInsensitive) == 0;

@@ -32,7 +32,7 @@ RecodingSection recodingOf(const Recoding &recoding, const std::vector<std::int6
     return section;
 }
 
-// One scale for all recodings, so that their bars can be compared.
+// One scale for all recodings makes their bars comparable.
 Scale pointsOf(std::span<const RecodingSection> recodings) {
     Scale scale;
     for (const RecodingSection &recoding : recodings) {
@@ -58,7 +58,7 @@ Scale scoresOf(std::span<const double> table, const RowCounts *counts) {
 }
 
 std::vector<Prediction> curveOf(const Scorecard &card, const Scale &scale) {
-    // Samples of the whole scale, and the table's points, so that its corners show.
+    // Samples of the whole scale, and the points of the table, so that the corners show.
     std::vector<double> scores(card.table.x.begin(), card.table.x.end());
     for (int i = 0; i <= 200; ++i) scores.push_back(scale.at(i / 200.0));
     std::erase_if(scores, [](double score) { return std::isnan(score); });
@@ -101,15 +101,9 @@ ModelSection modelOf(const Scorecard &card, const RowCounts *counts) {
 Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
                       std::span<const std::string> missing, QString &notation) {
     Unreached unreached;
-    const auto hasGap = [&](std::size_t i) {
-        return std::ranges::count(counts.positions[i], 0) > 0;
-    };
     for (std::size_t column = 0; column < card.columns.size(); ++column) {
         const std::vector<std::size_t> &recodings = card.recodingsOf[column];
-        std::vector<std::vector<bool>> reachable; // which is not needed where rows reach all
-        if (std::ranges::any_of(recodings, hasGap)) {
-            reachable = reachablePositions(card, column, missing);
-        }
+        const auto reachable = reachablePositions(card, column, missing);
         for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
             const Recoding &recoding = card.recodings[recodings[rank]];
             const std::vector<std::int64_t> &rows = counts.positions[recodings[rank]];
@@ -127,43 +121,36 @@ Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
 
 // --- Findings and comparison
 
-// What a finding counts for. One that is accepted, or that depends on values and touches none of
-// the rows, needs nobody's attention.
-enum class Standing : std::uint8_t { Open, Accepted, Untouched };
-
-bool touchesRows(const Finding &finding) {
+bool affectsRows(const Finding &finding) {
     return finding.rows > 0 || finding.togetherRows > 0;
 }
 
-// The findings that count although no place of theirs touches a row: they explain rows.
+// The findings that explain rows although none of their places affects one.
 FindingSet explaining(const Found &found) {
     FindingSet findings;
     if (!found.comparison) return findings;
     for (const auto &[id, rows] : found.comparison->explained) findings.add(id);
     for (const Finding &finding : found.findings) {
-        if (touchesRows(finding)) findings.remove(finding.id);
+        if (affectsRows(finding)) findings.remove(finding.id);
     }
     return findings;
 }
 
-Standing standingOf(const Found &found, const FindingSet &explaining, const Finding &finding) {
-    if (found.accepted.has(finding.id)) return Standing::Accepted;
-    const bool hasRows = found.counts && found.counts->rows > 0;
-    const bool isUntouched = hasRows && finding.countsRows() && !touchesRows(finding);
-    return isUntouched && !explaining.has(finding.id) ? Standing::Untouched : Standing::Open;
-}
-
-std::vector<FindingGroup> groupsOf(const Found &found, Standing standing) {
+void groupFindings(Report &report) {
+    const Found &found = report.found;
     const FindingSet explains = explaining(found);
-    std::vector<FindingGroup> groups;
+    const bool hasRows = found.counts && found.counts->rows > 0;
     for (const Finding &finding : found.findings) {
-        if (standingOf(found, explains, finding) != standing) continue;
+        const bool isUnaffecting = hasRows && finding.countsRows() && !affectsRows(finding);
+        const bool isOpen = !isUnaffecting || explains.has(finding.id);
+        std::vector<FindingGroup> &groups = found.accepted.has(finding.id) ? report.accepted
+                                            : isOpen                       ? report.open
+                                                                           : report.unaffecting;
         const FindingKind &kind = kindOf(finding.id);
         if (groups.empty() || groups.back().kind != &kind) groups.push_back({&kind});
         groups.back().targets |= finding.targets;
         groups.back().findings.push_back(&finding);
     }
-    return groups;
 }
 
 std::vector<CountLine> countsOf(const ComparisonResult &result) {
@@ -175,27 +162,28 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
         const QString more = sample.first.size() < sample.rows ? u", …"_s : QString();
         add(label, sample.rows, u": "_s + sample.first.join(u", "_s) + more);
     };
+    add(u"matching the model"_s, result.equal);
     for (const auto &[reason, sample] : result.reasons) {
         add(u"explained by "_s + reason, sample.rows,
             u", first row "_s + sample.first.constFirst());
     }
-    add(u"without explanation"_s, result.unexplained);
+    add(u"unexplained"_s, result.unexplained);
     addSample(u"without a result"_s, result.missing);
     addSample(u"in the results only"_s, result.extra);
-    addSample(u"key occurs again"_s, result.repeated);
-    // What makes fewer than a tenth of the rows right may do so by chance. JSON has all.
+    addSample(u"with a duplicate key"_s, result.repeated);
+    // Below a tenth of the rows, a suspicion may match by chance. JSON has all.
     for (const auto &[text, rows, of] : result.suspected) {
         const bool isPart = rows < of || of < result.unexplained;
-        add(u"would be right with "_s + text, 10 * rows < of ? 0 : rows,
-            isPart ? u", of %1 looked into"_s.arg(grouped(of)) : QString());
+        add(u"would match with "_s + text, 10 * rows < of ? 0 : rows,
+            isPart ? u" (of %1 tested)"_s.arg(grouped(of)) : QString());
     }
     return counts;
 }
 
 // Of all recodings that have a coefficient, the largest first.
-std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedRow &row,
-                                          QString &notation) {
-    std::vector<Contribution> parts;
+std::vector<PointsLine> pointsOfRow(const Scorecard &card, const ComparedRow &row,
+                                    QString &notation) {
+    std::vector<PointsLine> parts;
     for (std::size_t i = 0; i < card.recodings.size(); ++i) {
         const Recoding &recoding = card.recodings[i];
         if (recoding.coefficient == 0) continue;
@@ -206,17 +194,11 @@ std::vector<Contribution> contributionsOf(const Scorecard &card, const ComparedR
                          recoding.coefficient * recoded.score});
     }
     std::ranges::stable_sort(parts, std::greater(),
-                             [](const Contribution &part) { return std::abs(part.points); });
+                             [](const PointsLine &part) { return std::abs(part.points); });
     return parts;
 }
 
 // --- Verdict
-
-std::size_t countPlaces(std::span<const FindingGroup> groups) {
-    std::size_t places = 0;
-    for (const FindingGroup &group : groups) places += group.findings.size();
-    return places;
-}
 
 Verdict verdictOf(const Report &report) {
     const ComparisonResult *const result = report.found.comparison;
@@ -230,9 +212,9 @@ Verdict verdictOf(const Report &report) {
 // "3 findings open", "2 findings accepted, none open", "1 finding open, 2 accepted" or "no
 // findings".
 QString findingsText(const Report &report) {
-    const std::size_t open = countPlaces(report.open);
-    const std::size_t accepted = countPlaces(report.accepted);
-    const auto text = [](std::size_t count) {
+    const std::int64_t open = countPlaces(report.open);
+    const std::int64_t accepted = countPlaces(report.accepted);
+    const auto text = [](std::int64_t count) {
         return count == 1 ? u"1 finding"_s : u"%1 findings"_s.arg(count);
     };
     if (open == 0 && accepted == 0) return u"no findings"_s;
@@ -247,18 +229,18 @@ QString sentenceOf(const Report &report) {
     if (!result) {
         return rowsText(report.found.counts->rows) + u" scored; "_s + findings;
     }
-    QString rows =
-        grouped(result->equal) + u" of "_s + rowsText(result->rows) + u" as the model says"_s;
+    QString rows = u"%1 of %2 %3 the model"_s.arg(grouped(result->equal), rowsText(result->rows),
+                                                  result->equal == 1 ? u"matches"_s : u"match"_s);
     const std::pair<std::int64_t, QStringView> others[] = {
         {result->explainedRows, u"explained"},
-        {result->unexplained, u"without explanation"},
+        {result->unexplained, u"unexplained"},
         {result->missing.rows, u"without a result"},
         {result->extra.rows, u"in the results only"},
-        {result->repeated.rows, u"repeated"}};
+        {result->repeated.rows, u"with a duplicate key"}};
     for (const auto &[count, label] : others) {
         if (count > 0) rows += u", %1 %2"_s.arg(grouped(count), label);
     }
-    // Where rows differ without explanation, the absence of findings is no all-clear.
+    // "No findings" after unexplained rows would sound like an all-clear.
     const bool isSilent =
         report.verdict == Verdict::Unexplained && report.open.empty() && report.accepted.empty();
     return isSilent ? rows : rows + u"; "_s + findings;
@@ -266,38 +248,11 @@ QString sentenceOf(const Report &report) {
 
 } // namespace
 
-std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount) {
-    const double step = (scale.to - scale.from) / most;
-    if (!std::isnormal(step)) return {};
-    // Texts, so that each number is the nearest to a decimal one.
-    const auto numberOf = [](std::int64_t digits, int exponent) {
-        double number = noNumber;
-        readNumber(std::to_string(digits) + 'e' + std::to_string(exponent), number);
-        return number;
-    };
-    const int least = static_cast<int>(std::floor(std::log10(step)));
-    for (int exponent = isCount ? std::max(least, 0) : least;; ++exponent) {
-        for (const int factor : {1, 2, 5}) {
-            const double width = numberOf(factor, exponent);
-            const auto first = static_cast<std::int64_t>(std::ceil(scale.from / width));
-            const auto last = static_cast<std::int64_t>(std::floor(scale.to / width));
-            if (last - first > most) continue;
-            std::vector<Tick> ticks;
-            for (std::int64_t i = first; i <= last; ++i) {
-                ticks.push_back({numberOf(i * factor, exponent), i % 2 != 0});
-            }
-            return ticks;
-        }
-    }
-}
-
 Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
     Report report = {.found = found,
                      .model = isWhole ? modelOf(card, found.counts)
-                                      : ModelSection{.file = card.document.fileName},
-                     .open = groupsOf(found, Standing::Open),
-                     .accepted = groupsOf(found, Standing::Accepted),
-                     .untouched = groupsOf(found, Standing::Untouched)};
+                                      : ModelSection{.file = card.document.fileName}};
+    groupFindings(report);
     report.verdict = verdictOf(report);
     report.sentence = sentenceOf(report);
     if (found.counts) {
@@ -310,11 +265,17 @@ Report buildReport(const Scorecard &card, const Found &found, bool isWhole) {
         }
         report.counts = countsOf(*found.comparison);
         for (const ComparedRow &row : found.comparison->worst) {
-            report.contributions.push_back(contributionsOf(card, row, report.notation));
+            report.worstPoints.push_back(pointsOfRow(card, row, report.notation));
         }
     }
     if (!report.notation.isEmpty() && isWhole) report.notation = report.model.notation;
     return report;
+}
+
+std::int64_t countPlaces(std::span<const FindingGroup> groups) {
+    std::int64_t places = 0;
+    for (const FindingGroup &group : groups) places += std::ssize(group.findings);
+    return places;
 }
 
 QString namesOf(std::span<const FindingGroup> groups) {

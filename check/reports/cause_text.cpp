@@ -12,27 +12,25 @@ QString signedNumber(double number) {
     return number < 0 ? shortNumber(number) : u'+' + shortNumber(number);
 }
 
-// The words for a number of the results, without its rounding; `own` is the model's.
+// A number of the results in words, without its rounding; `own` and `other` are the model's.
 QString formText(const NumberMap &map, const QString &own, const QString &other) {
-    const QString times = shortNumber(map.times);
     switch (map.form) {
     case Form::Other:
         return u"the %1 in place of the %2"_s.arg(other, own);
     case Form::Logistic:
-        return u"the logistic function of the score%1 in place of the table"_s.arg(
-            map.times < 0 ? u" with its sign turned"_s : QString());
+        return u"the logistic function of the %1score in place of the table"_s.arg(
+            map.times < 0 ? u"negated "_s : QString());
     case Form::Through:
-        return u"the probability of such a score"_s;
+        return u"the probability of that score"_s;
     case Form::Linear:
         break;
     }
-    const auto plus = [](double number) { return number < 0 ? u"minus"_s : u"plus"_s; };
-    const QString amount = shortNumber(std::abs(map.add));
     if (map.times == 0) return u"%1 in place of the %2"_s.arg(shortNumber(map.add), own);
     if (map.add == 1 && map.times == -1) return u"1 minus the %1"_s.arg(own);
-    const QString multiple =
-        map.times == 1 ? u"the "_s + own : u"the %1 times %2"_s.arg(own, times);
-    return map.add == 0 ? multiple : multiple + u" %1 %2"_s.arg(plus(map.add), amount);
+    QString text = u"the "_s + own;
+    if (map.times != 1) text += u" times "_s + shortNumber(map.times);
+    if (map.add == 0) return text;
+    return text + (map.add < 0 ? u" minus "_s : u" plus "_s) + shortNumber(std::abs(map.add));
 }
 
 QString roundingText(const NumberMap &map) {
@@ -61,6 +59,7 @@ QString mapsText(const Cause &cause, const RowOptions &options) {
             texts.append(formText(map, own, other) + roundingText(map));
     };
     if (isExchange(cause)) return u"score and probability exchanged"_s;
+    // Without scores among the results, their probabilities show which score they are of.
     const bool isBehind = !options.hasScore() && cause.probability.form == Form::Through;
     NumberMap score = cause.score;
     if (isBehind) {
@@ -117,7 +116,7 @@ QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &opti
         return u"a coefficient of %1 for %2"_s.arg(shortNumber(cause.coefficient),
                                                    titleOf(recoding()));
     case Kind::LastDigit:
-        return u"cells at a bound counted on its other side (another last digit, or < for <=)"_s;
+        return u"cells at a bound read on its other side (last digit misread, or < for <=)"_s;
     case Kind::NextRow:
         return u"those of the next row, from row %1 on"_s.arg(cause.row);
     case Kind::RowBefore:
@@ -125,11 +124,11 @@ QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &opti
     case Kind::Order:
         return u"those of the rows in another order"_s;
     case Kind::KeyColumn:
-        return u"both files have a column '%1', which --key may join by"_s.arg(
+        return u"both files have a column '%1'; to join by it, use --key"_s.arg(
             cause.texts.join(u"' and '"_s));
     case Kind::KeyText:
-        return u"the key '%1' of the rows is written '%2' in the results; write both in one "
-               "format"_s.arg(cause.texts[0], cause.texts[1]);
+        return u"key '%1' of the rows is '%2' in the results; write both in one format"_s.arg(
+            cause.texts[0], cause.texts[1]);
     }
     return {};
 }

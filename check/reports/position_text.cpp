@@ -6,10 +6,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The number that the bound at `place` is shown as: of up to 12 digits, if no number of up to 16
-// lies between the two, so that an interval up to the bound is one below this number. Else the
-// bound itself; so is the first, which belongs to the interval above it, and one that the next
-// bound follows too closely.
+// The number of up to 12 digits that the bound at `place` is shown as: if no number of up to 16
+// digits lies between the two, a bin up to the bound is one below this number. Otherwise the bound
+// itself; also for the first bound, which belongs to the bin above it, and if the next bound is not
+// above that number.
 double shownBound(std::span<const double> bounds, std::size_t place) {
     const auto withDigits = [](double number, int digits) {
         double rounded = noNumber;
@@ -28,22 +28,21 @@ double shownBound(std::span<const double> bounds, std::size_t place) {
     return between > bound ? bound : shorter;
 }
 
-// Sets the notation, where a bound is not shown as the document has it, unless it is set.
-QString intervalAt(std::span<const double> bounds, std::size_t position, QString &notation) {
+QString binAt(std::span<const double> bounds, std::size_t position, QString &notation) {
     if (position == 0) return u"missing"_s;
     if (position == 1) return u"(-∞, %1)"_s.arg(numberText(bounds[0]));
-    if (position > bounds.size() + 1) return u"never"_s;
+    if (position > bounds.size() + 1) return u"unused"_s;
     struct End {
         QString text;
-        bool isBelow = false; // the interval below does not have it
+        bool isBelow = false; // the bin below does not contain it
     };
     const auto endAt = [&](std::size_t place) {
         const double shown = shownBound(bounds, place);
         End end = {numberText(shown), shown > bounds[place]};
         if (end.isBelow && notation.isEmpty()) {
             notation =
-                u"The bound that is shown as %2) is %1] in the document: no number of up to "
-                "16 digits lies between the two. The same holds for every bound before ), "
+                u"The bound shown as %2) is %1] in the document: no number of up to "
+                "16 digits lies between the two. The same applies to every bound before ), "
                 "except the lowest of a recoding."_s.arg(numberText(bounds[place]), end.text);
         }
         return end;
@@ -63,9 +62,9 @@ QString titleOf(const Recoding &recoding) {
 }
 
 QString valuesAt(const Recoding &recoding, std::size_t position, QString &notation) {
-    if (!recoding.variable->isCategorical) return intervalAt(recoding.x, position, notation);
-    if (position == 0) return u"missing or not listed"_s;
-    if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"never"_s;
+    if (!recoding.variable->isCategorical) return binAt(recoding.x, position, notation);
+    if (position == 0) return u"missing or unlisted"_s;
+    if (position > (recoding.isBoolean ? 2 : recoding.listed.size())) return u"unused"_s;
     const auto quoted = [&](std::size_t i) {
         return u'\'' + recoding.listed[i].toString() + u'\'';
     };

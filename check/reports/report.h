@@ -1,6 +1,6 @@
-// What the program found, as texts and numbers. buildReport() fills the report once, and the
-// printers walk it; none of them knows the model. A new section is a member here, a function in
-// build_report.cpp, and a few lines in each printer.
+// The report as strings and numbers. buildReport() fills it, and the printers, which do not know
+// the model, print it. A new section is a member here, a function in build_report.cpp, and a few
+// lines in each printer.
 #pragma once
 
 #include "check/rows/rows.h"
@@ -8,11 +8,10 @@
 
 #include <algorithm>
 
-// The values with one score.
 struct PositionLine {
-    QString values; // an interval in the notation of brackets, or values of a list
+    QString values; // a bin in the notation of brackets, or values of a list
     double score = 0;
-    double points = 0;     // what the position adds to the score of a row
+    double points = 0;
     std::int64_t rows = 0; // that reached it
 };
 
@@ -36,22 +35,13 @@ struct Scale {
     }
 };
 
-// A labelled place on an axis.
-struct Tick {
-    double value = 0;
-    bool isMinor = false; // the axis is also complete without it
-};
-// Up to `most` steps of 1, 2 or 5 times a power of ten, of at least 1 on an axis of counts. Empty
-// for a scale without extent or of infinite extent.
-std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount = false);
-
 struct ModelSection {
     QString file = {}, version = {}, target = {}, kind = {};
     std::int64_t columns = 0;
     double constant = 0;
     bool isLogistic = false, hasTable = false, hasProbability = false;
     std::vector<RecodingSection> recodings = {};
-    QString notation = {};              // of intervals whose bounds are shown shorter; else empty
+    QString notation = {};              // explains bounds shown with fewer digits; else empty
     Scale points = {};                  // of all positions, and 0
     std::vector<Prediction> table = {}; // its points
     Scale scores = {};                  // of the table and the rows
@@ -65,26 +55,26 @@ struct FindingGroup {
     std::vector<const Finding *> findings = {};
 };
 
-// What a job acts on. Unexplained: rows of the comparison are without explanation, missing, extra
-// or repeated. Findings: some are open.
+// Unexplained: rows of the comparison are unexplained, missing, extra or repeated. Findings: some
+// are open.
 enum class Verdict : std::uint8_t { Clean, Findings, Unexplained };
 
-// How many rows of a comparison are of one sort; `more` names some of them.
+// A number of rows of a comparison; `more` names some of them.
 struct CountLine {
     QString label;
     std::int64_t rows = 0;
     QString more;
 };
 
-// What rows without explanation look like as a whole.
+// What the unexplained rows have in common.
 struct CauseLine {
     QString name; // in JSON
     QString text;
     std::int64_t rows = 0; // that it makes right; 0 of a hint
 };
 
-// One recoding's part in the score of a row.
-struct Contribution {
+// The points of one recoding in the score of a row.
+struct PointsLine {
     QString recoding; // its title
     QString column;
     QString cell;
@@ -92,13 +82,13 @@ struct Contribution {
     double points = 0;
 };
 
-// Positions that no row reaches although a cell can. The others are proven by the rows.
+// Positions that no row reaches although a cell can: the rows do not test them.
 struct Unreached {
     std::int64_t of = 0; // how many a cell can reach
     QStringList places = {};
 };
 
-// What was checked, with what and when.
+// What was checked, how and when.
 struct Evidence {
     struct File {
         QString role;
@@ -111,11 +101,11 @@ struct Evidence {
     std::vector<File> files;
 };
 
-// What there is to report; it must outlive the report. Null: not asked for.
+// The contents of a report, which they must outlive. Null: not requested.
 struct Found {
     std::span<const Finding> findings = {}; // in the order of their kinds
     const RowCounts *counts = nullptr;
-    const RowOptions *options = nullptr; // given with the rows
+    const RowOptions *options = nullptr;
     const ComparisonResult *comparison = nullptr;
     FindingSet accepted = {};
     const Evidence *evidence = nullptr;
@@ -126,23 +116,22 @@ struct Report {
     ModelSection model = {};
     Verdict verdict = Verdict::Clean;
     QString sentence = {}; // of the verdict
-    std::vector<FindingGroup> open = {}, accepted = {}, untouched = {};
+    std::vector<FindingGroup> open = {}, accepted = {}, unaffecting = {};
     Unreached unreached = {}; // if rows were scored
     std::vector<CauseLine> causes = {};
-    std::vector<CountLine> counts = {}; // of rows that are not as the model says; none is 0
-    std::vector<std::vector<Contribution>> contributions = {}; // of each worst row, by size
-    QString notation = {}; // the same sentence as the model's, for rows and contributions
+    std::vector<CountLine> counts = {};                    // of compared rows, above 0
+    std::vector<std::vector<PointsLine>> worstPoints = {}; // of each worst row, by size
+    QString notation = {};                                 // as the model's, for rows and points
 };
 
-// A report that is not whole has of the model its file alone: putModel() and putPage() need the
-// rest, which takes memory for each position.
+// Only putModel() and putPage() require a whole report, which takes memory for each position. Other
+// reports hold only the name of the model's file.
 Report buildReport(const Scorecard &card, const Found &found, bool isWhole);
 
 // --- Printers
 
-// The model as a person reads a scorecard.
 void putModel(TextBuffer &out, const ModelSection &model);
-// The sentence of the verdict, in a line.
+// The sentence of the verdict as a line.
 void putVerdict(TextBuffer &out, const Report &report);
 // The verdict, findings, rows and comparison.
 void putText(TextBuffer &out, const Report &report);
@@ -150,37 +139,41 @@ void putJson(TextBuffer &out, const Report &report);
 // A page that needs no other file.
 void putPage(TextBuffer &out, const Report &report);
 
-// --- What the report is built with
+// --- Pieces of buildReport()
 
 QString titleOf(const Recoding &recoding); // name and column
-// The values that reach a position. Sets the notation, where a bound is not shown as the document
-// has it, unless it is set.
+// The values that reach a position. Sets an empty notation if it shows a bound with fewer digits
+// than the document.
 QString valuesAt(const Recoding &recoding, std::size_t position, QString &notation);
 CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options,
                     QString &notation);
 
-// --- What printers share
+// --- Shared by printers
 
 QString nameOf(Verdict verdict); // "clean", "findings" or "unexplained"
-// The names of the findings, each once, with the number of their places where it is above 1.
+std::int64_t countPlaces(std::span<const FindingGroup> groups);
+// The names of the findings, each with the number of its places if that is above 1.
 QString namesOf(std::span<const FindingGroup> groups);
 
 // 6 significant digits; "none" for NaN.
 QString shortNumber(double number);
-// The same, but with as many digits as distinguish it from `other`.
+// The same, with as many more digits as distinguish it from `other`.
 QString numberBeside(double number, double other);
-// How many positions no row reaches, and the first of them, one in each line.
+// "score 1.5, probability 0.25"; numberBeside() shows each number.
+QString numbersText(const Prediction &numbers, const Prediction &other);
+// The number of positions that no row reaches, and the first of them, one per line.
 QString unreachedTitle(const Unreached &unreached);
 QStringList unreachedLines(const Unreached &unreached);
-// "results look like ...: 7 rows of 9 without explanation"
+// "results look like ...: 7 of 9 unexplained rows"
 QString causeText(const Report &report, const CauseLine &cause);
-// How the steps of Differences are written.
+// Labels of the steps of Differences.
 inline constexpr QStringView differenceSteps[] = {u"1e-9", u"1e-6", u"1e-4", u"1e-2"};
-// Of each column that is compared: its differences as a line, and its cells that are no numbers.
+// One line for the differences of each compared column and for each kind of cell that is not a
+// number.
 QStringList summaryOf(const Report &report);
 // The tool that wrote the document, by its version.
 QString writerText(const ModelSection &model);
-// The target that the results are of.
+// The target of the results.
 QString comparedTarget(const Report &report);
-// The place of a finding, with its rows if rows were scored.
+// The place of a finding, with its number of rows if rows were scored.
 QString placeText(const Report &report, const Finding &finding);

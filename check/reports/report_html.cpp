@@ -30,24 +30,22 @@ void putRow(TextBuffer &out, const QStringList &cells) {
 void putHead(TextBuffer &out, const Report &report) {
     const ModelSection &model = report.model;
     put(out, pageHead, escaped(model.file), u"</title>\n", reportStyle,
-        u"</head><body><main>\n<h1>", escaped(model.file), u"</h1>\n<p class=\"soft\">Target ",
-        escaped(model.target), u", kind ", escaped(model.kind), u", ", escaped(writerText(model)),
-        u"</p>\n<div class=\"tiles\">\n");
+        u"</head><body><main>\n<h1>", escaped(model.file),
+        u"</h1>\n<p class=\"soft\">Target column ", escaped(model.target), u", kind ",
+        escaped(model.kind), u", ", escaped(writerText(model)), u"</p>\n<div class=\"tiles\">\n");
     const auto putTile = [&](std::int64_t number, QStringView label) {
         put(out, u"<div><b>", number, u"</b>", label, u"</div>\n");
     };
     putTile(std::ssize(model.recodings), u"recodings");
-    std::int64_t open = 0;
-    for (const FindingGroup &group : report.open) open += std::ssize(group.findings);
-    putTile(open, u"findings open");
+    putTile(countPlaces(report.open), u"open findings");
     if (report.found.counts) putTile(report.found.counts->rows, u"rows scored");
     if (report.found.comparison) {
         const ComparisonResult &result = *report.found.comparison;
-        putTile(result.equal, u"as the model says");
+        putTile(result.equal, u"matching the model");
         putTile(result.explainedRows, u"explained");
-        putTile(result.unexplained, u"without explanation");
+        putTile(result.unexplained, u"unexplained");
         const std::int64_t apart = result.missing.rows + result.extra.rows + result.repeated.rows;
-        if (apart > 0) putTile(apart, u"missing, extra or repeated");
+        if (apart > 0) putTile(apart, u"missing, extra or duplicate");
     }
     put(out, u"</div>\n<p class=\"verdict\"><b>Verdict: ", nameOf(report.verdict), u".</b> ");
     putVerdict(out, report);
@@ -75,7 +73,7 @@ void putEvidence(TextBuffer &out, const Report &report) {
     const Found &found = report.found;
     const Evidence &evidence = *found.evidence;
     put(out,
-        u"<section><h2>What was checked</h2>\n<article><table>\n<tr><th>file</th><th></th>"
+        u"<section><h2>Checked files</h2>\n<article><table>\n<tr><th>file</th><th></th>"
         "<th>SHA-256</th><th class=\"number\">bytes</th><th class=\"number\">rows</th></tr>\n");
     for (const Evidence::File &file : evidence.files) {
         const FileRead &read = file.read;
@@ -95,8 +93,7 @@ void putEvidence(TextBuffer &out, const Report &report) {
         missing.append(u'\'' + QString::fromStdString(text) + u'\'');
     }
     if (!missing.isEmpty()) {
-        put(out, u"<p>Cells that count as missing: empty, ", escaped(missing.join(u", "_s)),
-            u"</p>\n");
+        put(out, u"<p>Cells read as missing: empty, ", escaped(missing.join(u", "_s)), u"</p>\n");
     }
     if (found.comparison) {
         put(out, u"<p>Results of ", comparedTarget(report), u", tolerance ",
@@ -109,7 +106,7 @@ void putEvidence(TextBuffer &out, const Report &report) {
 
 void putFindings(TextBuffer &out, const Report &report) {
     put(out, u"<section><h2>Findings</h2>\n");
-    if (report.open.empty()) put(out, u"<article>None is open.</article>\n");
+    if (report.open.empty()) put(out, u"<article>No open findings.</article>\n");
     for (const FindingGroup &group : report.open) {
         const FindingKind &kind = *group.kind;
         put(out, u"<article><h3>", kind.name, u" <span class=\"tag\">",
@@ -122,28 +119,24 @@ void putFindings(TextBuffer &out, const Report &report) {
         put(out, u"</ul></article>\n");
     }
     putNames(out, u"Accepted", report.accepted);
-    putNames(out, u"Touching no row", report.untouched);
+    putNames(out, u"Affecting no row", report.unaffecting);
     put(out, u"</section>\n");
 }
 
 // --- Comparison
 
-void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribution> parts) {
+void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const PointsLine> parts) {
     put(out, u"<article><h3>Row ", row.row);
     if (!row.key.empty()) put(out, u", ", escaped(QString::fromStdString(row.key)));
-    const auto numbers = [](const Prediction &p, const Prediction &other) {
-        return u"score %1, probability %2."_s.arg(numberBeside(p.score, other.score),
-                                                  numberBeside(p.probability, other.probability));
-    };
-    put(out, u"</h3>\n<p>Model: ", numbers(row.expected, row.found), u" Result: ",
-        numbers(row.found, row.expected), u"</p>\n<table>\n");
-    for (const Contribution &part : parts) {
+    put(out, u"</h3>\n<p>Model: ", numbersText(row.expected, row.found), u". Result: ",
+        numbersText(row.found, row.expected), u".</p>\n<table>\n");
+    for (const PointsLine &part : parts) {
         putRow(out, {part.recoding, part.cell, part.values, shortNumber(part.points)});
     }
     put(out, u"</table></article>\n");
 }
 
-// Rows by the power of ten of their difference.
+// The number of rows by the power of ten of their difference.
 void putHistogram(TextBuffer &out, QStringView title, const Differences &differences) {
     if (differences.rows == 0) return;
     const auto counts = differences.histogram();
@@ -179,7 +172,6 @@ void putComparison(TextBuffer &out, const Report &report) {
     for (const CauseLine &cause : report.causes) causes.append(causeText(report, cause));
     putParagraphs(out, causes);
     put(out, u"<article><table>\n");
-    if (result.equal > 0) putRow(out, {u"as the model says"_s, QString::number(result.equal)});
     for (const CountLine &line : report.counts) {
         putRow(out, {line.label + line.more, QString::number(line.rows)});
     }
@@ -190,13 +182,13 @@ void putComparison(TextBuffer &out, const Report &report) {
     putHistogram(out, u"probability", result.probabilities);
     put(out, u"</div>\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        putWorst(out, result.worst[i], report.contributions[i]);
+        putWorst(out, result.worst[i], report.worstPoints[i]);
     }
     put(out, u"</section>\n");
 }
 
-// --- Pictures: a drawing of `width` by `height` that fills its frame, whatever size that has, and
-// axes around it whose texts keep theirs.
+// --- Pictures: a drawing of `width` by `height`, scaled to its frame, and axes with labels of a
+// fixed size around it.
 
 constexpr double width = 1000;
 constexpr double height = 220;
@@ -208,21 +200,50 @@ QString above(double share) {
     return place(height * (1 - share));
 }
 
-enum class Side { Left, Right, Below };
+// A labelled place on an axis.
+struct Tick {
+    double value = 0;
+    bool isMinor = false; // hidden in a narrow window
+};
 
-// `most` is the number of labels that fit. In a narrow window every second one is hidden.
-void putAxis(TextBuffer &out, Side side, const Scale &scale, int most, bool isCount = false) {
-    const QStringView name = side == Side::Below  ? u"below"
-                             : side == Side::Left ? u"left"
-                                                  : u"right";
+// Up to `most` steps of 1, 2 or 5 times a power of ten, of at least 1 on an axis of counts. Empty
+// for a scale without extent or of infinite extent.
+std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount = false) {
+    const double step = (scale.to - scale.from) / most;
+    if (!std::isnormal(step)) return {};
+    // Texts, so that each number is the nearest to a decimal one.
+    const auto numberOf = [](std::int64_t digits, int exponent) {
+        double number = noNumber;
+        readNumber(std::to_string(digits) + 'e' + std::to_string(exponent), number);
+        return number;
+    };
+    const int least = static_cast<int>(std::floor(std::log10(step)));
+    for (int exponent = isCount ? std::max(least, 0) : least;; ++exponent) {
+        for (const int factor : {1, 2, 5}) {
+            const double spacing = numberOf(factor, exponent);
+            const auto first = static_cast<std::int64_t>(std::ceil(scale.from / spacing));
+            const auto last = static_cast<std::int64_t>(std::floor(scale.to / spacing));
+            if (last - first > most) continue;
+            std::vector<Tick> ticks;
+            for (std::int64_t i = first; i <= last; ++i) {
+                ticks.push_back({numberOf(i * factor, exponent), i % 2 != 0});
+            }
+            return ticks;
+        }
+    }
+}
+
+// An axis on the side of the drawing, "left", "right" or "below", with up to `most` labels.
+void putAxis(TextBuffer &out, QStringView side, const Scale &scale, int most,
+             bool isCount = false) {
     for (const Tick &tick : ticksOf(scale, most, isCount)) {
-        put(out, u"<i class=\"", name, tick.isMinor ? u" minor"_s : QString(), u"\" style=\"",
-            side == Side::Below ? u"left:"_s : u"bottom:"_s, place(100 * scale.shareOf(tick.value)),
+        put(out, u"<i class=\"", side, tick.isMinor ? u" minor"_s : QString(), u"\" style=\"",
+            side == u"below" ? u"left:"_s : u"bottom:"_s, place(100 * scale.shareOf(tick.value)),
             u"%\"><b>", numberText(tick.value), u"</b></i>\n");
     }
 }
 
-// The axis of scores, with fewer labels where they are long.
+// The axis of scores; long labels are fewer.
 void putScores(TextBuffer &out, const Scale &scale) {
     int most = 10;
     const auto length = [&] {
@@ -231,7 +252,7 @@ void putScores(TextBuffer &out, const Scale &scale) {
         return units;
     };
     while (most > 2 && length() > 44) --most;
-    putAxis(out, Side::Below, scale, most);
+    putAxis(out, u"below", scale, most);
     put(out, u"<span class=\"under\">score</span>\n");
 }
 
@@ -262,12 +283,12 @@ void putCurve(TextBuffer &out, const Report &report) {
     put(out, u"<section><h2>", title, u"</h2>\n<figure><div class=\"plot\">\n");
     putScores(out, model.scores);
     if (model.hasProbability) {
-        putAxis(out, Side::Left, {0, 1}, 5);
+        putAxis(out, u"left", {0, 1}, 5);
         put(out, u"<span class=\"over\">probability</span>\n");
     }
     if (counts) {
         const auto most = static_cast<double>(std::ranges::max(counts->scores));
-        putAxis(out, model.hasProbability ? Side::Right : Side::Left, {0, most}, 5, true);
+        putAxis(out, model.hasProbability ? u"right" : u"left", {0, most}, 5, true);
         put(out, u"<span class=\"over",
             model.hasProbability ? u" right\">rows</span>\n"_s : u"\">rows</span>\n"_s);
     }
@@ -278,8 +299,8 @@ void putCurve(TextBuffer &out, const Report &report) {
     if (model.hasProbability) putLine(out, model.curve, model.scores);
     put(out, u"</svg></div>");
     if (counts) {
-        put(out, u"<figcaption class=\"soft\">The bars are the rows by score; the highest has ",
-            std::ranges::max(counts->scores), u".</figcaption>");
+        put(out, u"<figcaption class=\"soft\">Bars: rows by score, at most ",
+            std::ranges::max(counts->scores), u" in a bar.</figcaption>");
     }
     put(out, u"</figure></section>\n");
 }
@@ -294,11 +315,12 @@ void putUnreached(TextBuffer &out, const Unreached &unreached) {
 
 void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &scale,
                  bool hasRows) {
-    constexpr std::size_t longest = 50; // that is sure to fit on a printed page
+    constexpr std::size_t longest = 50; // fits on a printed page
     put(out, recoding.positions.size() > longest ? u"<article class=\"long\">"_s : u"<article>"_s,
         u"<h3>", escaped(recoding.title), u"</h3>\n<p class=\"soft\">", escaped(recoding.label),
-        u"; ", escaped(recoding.type), u", coefficient ", recoding.coefficient,
-        u"</p>\n<table><thead><tr><th>values</th><th></th><th class=\"number\">points</th>",
+        recoding.label.isEmpty() ? QString() : u"; "_s, escaped(recoding.type), u", coefficient ",
+        recoding.coefficient,
+        u"</p>\n<table><thead><tr><th>position</th><th></th><th class=\"number\">points</th>",
         hasRows ? u"<th class=\"number\">rows</th>"_s : QString(), u"</tr></thead>\n");
     const double zero = 100 * scale.shareOf(0);
     for (const PositionLine &line : recoding.positions) {
@@ -325,7 +347,7 @@ void putPage(TextBuffer &out, const Report &report) {
     if (report.found.comparison) putComparison(out, report);
     putCurve(out, report);
     put(out, u"<section><h2>Recodings</h2>\n<p>Constant ", model.constant,
-        u"; all bars have one scale.",
+        u"; all bars share one scale.",
         model.notation.isEmpty() ? u""_s : u" "_s + escaped(model.notation), u"</p>\n");
     if (report.found.counts) putUnreached(out, report.unreached);
     put(out, u"<div class=\"recodings\">\n");

@@ -41,9 +41,9 @@ QJsonObject jsonOf(const Prediction &prediction) {
             {u"probability"_s, number(prediction.probability)}};
 }
 
-QJsonObject jsonOf(const ComparedRow &row, std::span<const Contribution> contributions) {
+QJsonObject jsonOf(const ComparedRow &row, std::span<const PointsLine> lines) {
     QJsonArray parts;
-    for (const Contribution &part : contributions) {
+    for (const PointsLine &part : lines) {
         parts.append(QJsonObject{{u"recoding"_s, part.recoding},
                                  {u"column"_s, part.column},
                                  {u"cell"_s, part.cell},
@@ -57,7 +57,7 @@ QJsonObject jsonOf(const ComparedRow &row, std::span<const Contribution> contrib
             {u"contributions"_s, parts}};
 }
 
-// By what is said of them, and then by the column.
+// By statistic, then by column.
 QJsonObject jsonOfDifferences(const ComparisonResult &result) {
     QJsonObject largest;
     QJsonObject median;
@@ -105,7 +105,7 @@ QJsonObject jsonOf(const Report &report) {
     for (const Suspected &fault : result.suspected) blamed[fault.text] = count(fault.rows);
     QJsonArray worst;
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        worst.append(jsonOf(result.worst[i], report.contributions[i]));
+        worst.append(jsonOf(result.worst[i], report.worstPoints[i]));
     }
     QJsonArray causes;
     for (const auto &[name, text, rows] : report.causes) {

@@ -7,11 +7,10 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The standard library's lists, for the reason that model/hash_tables.h gives.
+// std::vector, for the reason in model/hash_tables.h.
 using Row = std::vector<QString>;
 using Table = std::vector<Row>;
 
-// Columns as wide as they need to be.
 void putTable(TextBuffer &out, const Table &table) {
     std::vector<qsizetype> widths;
     for (const Row &row : table) {
@@ -35,7 +34,7 @@ void putRecoding(TextBuffer &out, const RecodingSection &recoding) {
     if (recoding.isBoolean) put(out, u", boolean");
     put(out, u", coefficient ", recoding.coefficient, u"\n");
     if (!recoding.codes.isEmpty()) put(out, u"  missing codes: ", recoding.codes, u"\n");
-    Table table = {{recoding.isCategorical ? u"values"_s : u"interval"_s, u"score"_s, u"points"_s}};
+    Table table = {{recoding.isCategorical ? u"value"_s : u"bin"_s, u"score"_s, u"points"_s}};
     for (const PositionLine &line : recoding.positions) {
         table.push_back({line.values, numberText(line.score), shortNumber(line.points)});
     }
@@ -61,31 +60,21 @@ void putRows(TextBuffer &out, const Report &report) {
     put(out, unreachedTitle(report.unreached), u"\n");
     for (const QString &line : unreachedLines(report.unreached)) put(out, u"  - ", line, u"\n");
     if (counts.uneven > 0) {
-        put(out, rowsText(counts.uneven), u" with fewer or more cells than titles, first row ",
-            counts.firstUneven, u"\n");
+        put(out, rowsText(counts.uneven),
+            u" with fewer or more cells than the header line, first row ", counts.firstUneven,
+            u"\n");
     }
-    // Once is enough, also below the model.
+    // Not a second time below the model.
     if (!out.text().contains(report.notation)) put(out, u"\n", report.notation, u"\n");
 }
 
-// `other` is what the numbers are compared with.
-void putNumbers(TextBuffer &out, QStringView title, const Prediction &numbers,
-                const Prediction &other) {
-    put(out, u"    ", title, u" score ", numberBeside(numbers.score, other.score));
-    if (!std::isnan(numbers.probability)) {
-        put(out, u", probability ", numberBeside(numbers.probability, other.probability));
-    }
-    put(out, u"\n");
-}
-
-void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribution> parts) {
+void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const PointsLine> parts) {
     put(out, u"\n  row ", row.row);
     if (!row.key.empty()) put(out, u", key ", shownText(row.key));
-    put(out, u"\n");
-    putNumbers(out, u"model: ", row.expected, row.found);
-    putNumbers(out, u"result:", row.found, row.expected);
+    put(out, u"\n    model:  ", numbersText(row.expected, row.found), u"\n    result: ",
+        numbersText(row.found, row.expected), u"\n");
     Table table;
-    for (const Contribution &part : parts) {
+    for (const PointsLine &part : parts) {
         table.push_back({u"  "_s + part.recoding, u'\'' + part.cell + u'\'', part.values,
                          shortNumber(part.points)});
     }
@@ -95,19 +84,18 @@ void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const Contribut
 void putComparison(TextBuffer &out, const Report &report) {
     const ComparisonResult &result = *report.found.comparison;
     put(out, u"\nComparison with ", report.found.options->results, u" (", comparedTarget(report),
-        u")\n  ", rowsText(result.rows), u" in both files, ", grouped(result.equal),
-        u" as the model says\n");
+        u")\n  ", rowsText(result.rows), u" in both files\n");
     for (const CauseLine &cause : report.causes) put(out, u"  ", causeText(report, cause), u"\n");
     for (const CountLine &line : report.counts) {
         put(out, u"  ", line.label, u": ", rowsText(line.rows), line.more, u"\n");
     }
     for (const QString &line : summaryOf(report)) put(out, u"  ", line, u"\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        putWorst(out, result.worst[i], report.contributions[i]);
+        putWorst(out, result.worst[i], report.worstPoints[i]);
     }
 }
 
-// Never more than it is: 99.99 % are not all rows.
+// Rounded down: 99.999 % is not shown as 100 %.
 QString perCent(std::int64_t rows, std::int64_t of) {
     const double share = 100 * static_cast<double>(rows) / static_cast<double>(of);
     return shortNumber(std::floor(share * 100) / 100);
@@ -115,15 +103,15 @@ QString perCent(std::int64_t rows, std::int64_t of) {
 
 QStringView unreadableText(Unreadable kind) {
     constexpr QStringView texts[] = {
-        u"empty",     u"NULL or the like", u"NaN",       u"a decimal comma; see --decimal",
-        u"thousands", u"per cent",         u"other text"};
+        u"empty",     u"NULL or similar", u"NaN",       u"decimal comma; see --decimal",
+        u"thousands", u"per cent",        u"other text"};
     return texts[static_cast<std::size_t>(kind)];
 }
 
 } // namespace
 
 void putModel(TextBuffer &out, const ModelSection &model) {
-    put(out, u"Model ", model.file, u", ", writerText(model), u"\nTarget ", model.target,
+    put(out, u"Model ", model.file, u", ", writerText(model), u"\nTarget column ", model.target,
         u", kind ", model.kind, u"\n", std::ssize(model.recodings), u" recodings of ",
         model.columns, u" columns\n");
     if (!model.notation.isEmpty()) put(out, u"\n", model.notation, u"\n");
@@ -132,7 +120,7 @@ void putModel(TextBuffer &out, const ModelSection &model) {
     if (model.isLogistic) put(out, u"\nProbability 1/(1+exp(-score))\n");
     if (!model.hasProbability) put(out, u"\nNo probability: the result is the score.\n");
     if (!model.hasTable) return;
-    put(out, u"\nProbability, by straight lines between these points\n");
+    put(out, u"\nProbability table, with straight lines between its points\n");
     Table table = {{u"score"_s, u"probability"_s}};
     for (const auto &[score, probability] : model.table) {
         table.push_back({numberText(score), numberText(probability)});
@@ -149,8 +137,8 @@ void putText(TextBuffer &out, const Report &report) {
     putFindings(out, report);
     if (report.found.counts) putRows(out, report);
     if (report.found.comparison) putComparison(out, report);
-    if (!report.untouched.empty())
-        put(out, u"\ntouching no row: ", namesOf(report.untouched), u"\n");
+    if (!report.unaffecting.empty())
+        put(out, u"\naffecting no row: ", namesOf(report.unaffecting), u"\n");
 }
 
 QString shortNumber(double number) {
@@ -167,11 +155,15 @@ QString numberBeside(double number, double other) {
     return QString::fromLatin1(shown.characters, shown.size);
 }
 
+QString numbersText(const Prediction &numbers, const Prediction &other) {
+    const QString score = u"score "_s + numberBeside(numbers.score, other.score);
+    if (std::isnan(numbers.probability)) return score;
+    return score + u", probability "_s + numberBeside(numbers.probability, other.probability);
+}
+
 QString unreachedTitle(const Unreached &unreached) {
-    const auto positions = std::ssize(unreached.places);
-    const QString of = unreached.of == 1 ? u"1 position"_s : u"%1 positions"_s.arg(unreached.of);
-    return positions == 0 ? u"Rows reach all of %1"_s.arg(of)
-                          : u"No row reaches %1 of %2"_s.arg(positions).arg(of);
+    return u"Positions that no row reaches: %1 of %2"_s.arg(std::ssize(unreached.places))
+        .arg(unreached.of);
 }
 
 QStringList unreachedLines(const Unreached &unreached) {
@@ -204,12 +196,12 @@ QString placeText(const Report &report, const Finding &finding) {
 QString causeText(const Report &report, const CauseLine &cause) {
     const std::int64_t unexplained = report.found.comparison->unexplained;
     const std::int64_t all = std::min(unexplained, mostLookedAt);
-    const QString first = all < unexplained ? u"the first "_s : QString();
-    const QString rows = cause.rows == 0 ? QString() : u": "_s + rowsText(cause.rows);
-    const bool isPart = cause.rows > 0 && cause.rows < unexplained;
     const bool isHint = cause.name.startsWith(u"key-");
-    return (isHint ? QString() : u"results look like "_s) + cause.text + rows +
-           (isPart ? u" of %1%2 without explanation"_s.arg(first).arg(grouped(all)) : QString());
+    const QString text = (isHint ? QString() : u"results look like "_s) + cause.text;
+    if (cause.rows == 0) return text;
+    if (cause.rows >= unexplained) return text + u": "_s + rowsText(cause.rows);
+    return u"%1: %2 of %3%4 unexplained rows"_s.arg(
+        text, grouped(cause.rows), all < unexplained ? u"the first "_s : QString(), grouped(all));
 }
 
 QStringList summaryOf(const Report &report) {
@@ -223,7 +215,7 @@ QStringList summaryOf(const Report &report) {
                                                   differenceSteps[i]));
         }
         const QString of = differences.rows < result.rows
-                               ? u" of %1, where both are numbers"_s.arg(rowsText(differences.rows))
+                               ? u" (%1 with both numbers)"_s.arg(rowsText(differences.rows))
                                : QString();
         lines.append(column.toString() + of +
                      u": largest difference %1, median %2; %3"_s.arg(
@@ -235,7 +227,7 @@ QStringList summaryOf(const Report &report) {
     for (std::size_t i = 0; i < unreadableKinds; ++i) {
         const auto &[cells, first, row] = result.unreadable[i];
         if (cells == 0) continue;
-        lines.append(u"no number in %1 cell%2 of the results: %3, first '%4' in row %5"_s.arg(
+        lines.append(u"not a number in the results: %1 cell%2 (%3), first '%4' in row %5"_s.arg(
             grouped(cells), cells == 1 ? u""_s : u"s"_s, unreadableText(static_cast<Unreadable>(i)),
             shownText(first), QString::number(row)));
     }
@@ -243,13 +235,6 @@ QStringList summaryOf(const Report &report) {
 }
 
 QString nameOf(Verdict verdict) {
-    switch (verdict) {
-    case Verdict::Unexplained:
-        return u"unexplained"_s;
-    case Verdict::Findings:
-        return u"findings"_s;
-    case Verdict::Clean:
-        break;
-    }
-    return u"clean"_s;
+    constexpr QStringView names[] = {u"clean", u"findings", u"unexplained"};
+    return names[static_cast<std::size_t>(verdict)].toString();
 }
