@@ -160,7 +160,7 @@ class CausesTest(CheckedTest):
         status, printed, message = self.check("m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas",
                                               "--score", "score", "--probability", "probability", "--differences", "d.csv", "--quiet")
         self.assertEqual((status, message), (3, ""))
-        self.assertEqual(printed, "69 of 71 rows match the model, 2 unexplained, 1 without a result, 1 in the results only\n")
+        self.assertEqual(printed, "69 of 71 rows as the model says, 2 unexplained, 1 without a result, 1 in the results only\n")
         meant = ["{},{}".format(*self.meant[row]) for row in (7, 30, 50)]
         self.assertEqual((self.folder / "d.csv").read_text("ascii").splitlines(), [
             "id,score,probability,result_score,result_probability,reason", f"007,{meant[0]},{results[7][0]},{results[7][1]},",
@@ -168,7 +168,7 @@ class CausesTest(CheckedTest):
 
         self.write("keyed.csv", "id,score\n" + "".join(f"{key:03},{s}\n" for key, (s, _) in enumerate(self.meant)) + "007,1\n")
         call = ["m.ModelXml", "--rows", "rows.csv", "--key", "id", "--compare", "keyed.csv", "--target", "sas", "--score", "score", "--quiet"]
-        self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows match the model, 1 with a duplicate key\n"))
+        self.assertEqual(self.check(*call)[:2], (3, "72 of 72 rows as the model says, 1 with a duplicate key\n"))
 
     def test_acceptance(self):
         """Accepted findings and the rows that they explain do not affect the status; others set it to 1."""
@@ -178,7 +178,7 @@ class CausesTest(CheckedTest):
         status, printed, _ = self.check(*call, "--quiet")
         explained = sum(-5 < score <= -1 for score, _ in self.meant)
         self.assertGreater(explained, 5)
-        self.assertEqual((status, printed), (1, f"{72 - explained} of 72 rows match the model, {explained} explained; 1 finding open\n"))
+        self.assertEqual((status, printed), (1, f"{72 - explained} of 72 rows as the model says, {explained} explained; 1 finding open\n"))
         status, printed, _ = self.check(*call, "--accept", "capitals,lowest-segment", "--json")
         found = json.loads(printed)
         self.assertEqual((status, found["verdict"]), (0, "clean"))

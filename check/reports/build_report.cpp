@@ -162,7 +162,7 @@ std::vector<CountLine> countsOf(const ComparisonResult &result) {
         const QString more = sample.first.size() < sample.rows ? u", …"_s : QString();
         add(label, sample.rows, u": "_s + sample.first.join(u", "_s) + more);
     };
-    add(u"matching the model"_s, result.equal);
+    add(u"as the model says"_s, result.equal);
     for (const auto &[reason, sample] : result.reasons) {
         add(u"explained by "_s + reason, sample.rows,
             u", first row "_s + sample.first.constFirst());
@@ -229,8 +229,8 @@ QString sentenceOf(const Report &report) {
     if (!result) {
         return rowsText(report.found.counts->rows) + u" scored; "_s + findings;
     }
-    QString rows = u"%1 of %2 %3 the model"_s.arg(grouped(result->equal), rowsText(result->rows),
-                                                  result->equal == 1 ? u"matches"_s : u"match"_s);
+    QString rows =
+        grouped(result->equal) + u" of "_s + rowsText(result->rows) + u" as the model says"_s;
     const std::pair<std::int64_t, QStringView> others[] = {
         {result->explainedRows, u"explained"},
         {result->unexplained, u"unexplained"},

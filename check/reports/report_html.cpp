@@ -41,7 +41,7 @@ void putHead(TextBuffer &out, const Report &report) {
     if (report.found.counts) putTile(report.found.counts->rows, u"rows scored");
     if (report.found.comparison) {
         const ComparisonResult &result = *report.found.comparison;
-        putTile(result.equal, u"matching the model");
+        putTile(result.equal, u"as the model says");
         putTile(result.explainedRows, u"explained");
         putTile(result.unexplained, u"unexplained");
         const std::int64_t apart = result.missing.rows + result.extra.rows + result.repeated.rows;
