@@ -15,7 +15,7 @@ enum class FileUse { Read, Write };
 // read to its end immediately. Bytes, line ends included, are not translated.
 std::FILE *openFile(const QString &fileName, FileUse use);
 
-// Whether both names, or links, refer to the same regular file.
+// Whether both names refer to the same regular file, directly or through links.
 bool isSameFile(const QString &a, const QString &b);
 
 // The size in bytes of a file that was opened for reading; 0 for a device.
@@ -35,7 +35,7 @@ struct ReleaseMemory {
 // A block of memory, aligned for every type. Large blocks use large pages if available, because the
 // first access to a page costs more than filling it. Untouched pages use no memory.
 using MemoryBlock = std::unique_ptr<std::byte[], ReleaseMemory>;
-// A block of at least one byte. Null when out of memory.
+// `bytes` is at least 1. Null when out of memory.
 MemoryBlock allocateBlock(std::size_t bytes);
 
 // Writes to standard output: UTF-8 with plain line feeds to a file or pipe on every system; a

@@ -46,7 +46,7 @@ int readPipe(int pipe) {
 
 } // namespace
 
-// Never blocks: a pipe without a process at its other end cannot be opened.
+// Does not wait for a process to open a pipe's other end; fails instead.
 std::FILE *openFile(const QString &fileName, FileUse use) {
     const QByteArray path = fileName.toUtf8();
     if (QString::fromUtf8(path) != fileName)

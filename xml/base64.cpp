@@ -1,6 +1,5 @@
-// Most texts are plain groups of four digits, which one pass decodes. From the first irregularity
-// on, the rest is measured before it is decoded, so that a text with an illegal character has no
-// result.
+// Most texts are plain groups of four digits, which one pass decodes. The rest after the first
+// irregularity is scanned first, since a text with an illegal character has no result.
 #include "xml/base64.h"
 
 #include <algorithm>
@@ -40,8 +39,8 @@ unsigned char classOf(char16_t c) {
     return c > 0xFF ? illegal : classes[c];
 }
 
-// The number of bytes according to the length of the text. Padding before trailing white space
-// counts as data, and decoding reports a truncation.
+// The size in bytes that the text's length implies. Padding before trailing white space counts as
+// data; decode() then reports a truncation.
 qsizetype decodedSize(QStringView text, XmlError &error) {
     qsizetype count = 0;
     for (const QChar c : text) {
@@ -70,8 +69,8 @@ unsigned char byte(int value) {
     return static_cast<unsigned char>(value);
 }
 
-// Four digits encode three bytes. For each place in such a group, a table shifts a digit's bits to
-// their place in the three bytes; any other character sets a bit above them.
+// Four digits encode three bytes. places[n] maps the n-th digit to its bits within the three bytes,
+// and any other character to a bit above them.
 constexpr std::uint32_t noDigit = 1U << 24;
 constexpr std::array<std::array<std::uint32_t, 256>, 4> makePlaces() {
     std::array<std::array<std::uint32_t, 256>, 4> places{};

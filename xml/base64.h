@@ -6,7 +6,7 @@
 
 #include <memory>
 
-// The caller's buffer for decoded bytes, reused by each call; it never shrinks.
+// The caller's buffer for decoded bytes, reused by each call.
 struct Base64Decoder {
     std::unique_ptr<unsigned char[]> buffer;
     qsizetype capacity = 0; // in bytes

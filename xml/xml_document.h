@@ -32,7 +32,7 @@ struct XmlElement {
     int clearCount = 0;
     int attributeCount = 0;
     bool isDeclaration = false;
-    bool isDecoded = false; // texts[0] is then the memory of its decoded numbers
+    bool isDecoded = false; // texts[0] then holds its decoded numbers
 };
 
 // One block of memory holds a document: its text, and an arena for the pieces of its tree and those

@@ -217,7 +217,7 @@ int xmlToInt(QStringView value, int defaultValue);
 bool xmlToBool(QStringView value, bool defaultValue);
 // `value`, or `defaultValue` if it is null.
 QStringView xmlToText(QStringView value, QStringView defaultValue);
-// The text, or null if its first byte is zero, as in every unit that is a multiple of 256.
+// The text; null if it is empty or the low byte of its first unit is zero.
 QStringView xmlNonEmpty(QStringView text);
 
 // A reusable buffer for text with & < > " ' escaped as entities.

@@ -130,7 +130,7 @@ int store(Parser &p, std::vector<T> &list, std::size_t first, T *&stored) {
 // The text token that starts at `start`; its first unit is already read.
 Token textToken(Parser &p, qsizetype start) {
     while (true) {
-        while (p.source[p.at] > u'>') ++p.at; // no unit above it ends a text
+        while (p.source[p.at] > u'>') ++p.at; // no unit above '>' ends a text
         const char16_t c = p.source[p.at];
         if (isSpace(c)) {
             const Token token{TokenKind::Text, QStringView(p.source + start, p.at - start)};
@@ -439,8 +439,8 @@ bool readElement(Parser &p, bool isDeclaration) {
     return false;
 }
 
-// Reads until the source ends, an error occurs or the top element closes. Everything between two
-// "<" is text, even a quotation mark.
+// Reads until the source ends, an error occurs or the top element closes. Up to the next "<",
+// everything is text, even a quotation mark.
 void readContent(Parser &p) {
     bool goesOn = true;
     while (goesOn && !p.open.empty()) {
