@@ -13,7 +13,7 @@ struct BannerText {
     QStringView end;
 };
 
-// Shows the workbench's version, the file, the number of variables, and each column with the name
+// Writes the workbench's version, the file, the number of variables, and each column with the name
 // of its recoding.
 void putBanner(TextBuffer &out, const ModelDocument &document, std::span<const Variable> variables,
                const BannerText &banner);

@@ -1,6 +1,4 @@
-// Keeps the next occurrence of each kind of tag; the first of these is the next tag of the canvas.
-// Moving on searches for the kind of the current tag only, so that the canvas is read once per kind
-// in total.
+// After a tag, only its own kind is searched for again: in total, the canvas is read once per kind.
 #include "model/canvas_tags.h"
 
 #include "platform/platform.h"
@@ -52,7 +50,7 @@ std::optional<int> wholeNumber(QStringView text) {
 // The end of the value found last. Values that start before it end there too.
 struct ValueEnd {
     qsizetype position = -1; // of its "/" or "]"
-    qsizetype trimmed = -1;  // of the first blank before that
+    qsizetype trimmed = -1;  // without the blanks before that
 };
 
 // The value at `at`, without the blanks around it. Reuses the end found for an earlier value:

@@ -1,5 +1,5 @@
-// The tree is the model: readers return views into it and decoded arrays. All arrays are decoded in
-// one buffer, then copied to aligned memory.
+// Readers return views into the tree, and arrays. All arrays are decoded in one buffer, then copied
+// to aligned memory.
 #include "model/model_document.h"
 
 #include "model/exit_status.h"
@@ -18,11 +18,11 @@ namespace {
 
 // Padding inside an array leaves zeros, which would silently change the model.
 void requireWhole(ModelDocument &document, const XmlNode &owner, QStringView array,
-                  std::size_t whole, std::size_t promised) {
-    if (whole >= promised) return;
+                  std::size_t whole, std::size_t total) {
+    if (whole >= total) return;
     const QString problem = u"%1: array '%2' ends early: %3 of %4 numbers"_s;
     noteProblem(document, problem.arg(describe(owner), array, QString::number(whole),
-                                      QString::number(promised)));
+                                      QString::number(total)));
 }
 
 // Ignores the bytes after the last complete number.
@@ -56,7 +56,7 @@ ModelDocument loadModel(const QString &fileName, const QString &outputFile) {
         document.problem = u"the output would overwrite it"_s;
         return document;
     }
-    XmlParseResult &result = document.reading;
+    XmlParseResult &result = document.parseResult;
     const XmlNode top = XmlNode::parseFile(fileName, {}, &result);
     if (top.isEmpty()) {
         document.problem = QString::fromLatin1(xmlErrorMessage(result.error));

@@ -15,10 +15,10 @@
 
 struct ModelDocument {
     QString fileName;
-    XmlNode root;           // the element "QRV_Model"
-    XmlParseResult reading; // a warning if the document is truncated or lacks end tags
-    QString problem;        // why the document cannot be converted; empty if it can
-    Base64Decoder decoder;  // reused for all arrays
+    XmlNode root;               // the element "QRV_Model"
+    XmlParseResult parseResult; // a warning if the document is truncated or lacks end tags
+    QString problem;            // why the document cannot be converted; empty if it can
+    Base64Decoder decoder;      // reused for all arrays
 };
 
 // The element of that name at the top of a parsed file. Without an XML declaration, `parsed` is

@@ -84,7 +84,7 @@ struct MissingDictionary {
 MissingDictionary readMissingDictionary(ModelDocument &document);
 
 // The recoding of a numeric column: y[0] for a missing value, y[1] below x[0], y[i + 1] up to x[i],
-// y[x.size() + 1] above x.back(). There is at least one bound; further scores are not used. The
+// y[x.size() + 1] above x.back(). There is at least one bound; surplus scores are unused. The
 // Variables and the Recodings must outlive it.
 struct NumericRecoding {
     std::span<const double> x;

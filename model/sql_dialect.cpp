@@ -22,7 +22,6 @@ constexpr SqlQuoting brackets = SqlQuoting::Brackets;
 constexpr bool yes = true;
 constexpr bool no = false;
 
-// The last one is for all other names.
 // clang-format off
 constexpr SqlDialect dialects[] = {
     // name              score  column  text   quoting  name    digits  proba-  distri-  makes  collects    reader  reads    ANSI    comment  may   pads

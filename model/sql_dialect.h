@@ -1,5 +1,4 @@
-// How the dialects of SQL differ. Code asks for a difference by a member of SqlDialect, never by
-// the name of a dialect.
+// How the dialects of SQL differ. Code tests a member of SqlDialect, never a dialect's name.
 #pragma once
 
 #include "model/text_buffer.h"
@@ -31,7 +30,7 @@ struct SqlDialect {
     bool collectsStatistics; // on the temporary table
     bool hasReaderMode;      // an attribute of the ETL reader
     // How its databases read scripts.
-    bool readsBackslashes;   // as escapes in a literal; other databases end it at \'
+    bool readsBackslashes;   // as escapes; elsewhere, the ' of \' ends the literal
     bool needsAnsiQuotes;    // the mode in which quotation marks enclose names, not literals
     bool needsCommentBlank;  // after the dashes of a comment
     bool mayReadBackslashes; // at least one of its databases does

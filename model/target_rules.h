@@ -41,7 +41,7 @@ constexpr bool htmlShowsList(std::size_t categories) {
 constexpr bool htmlReadsList(std::size_t categories) {
     return categories >= 6;
 }
-// A drop-down list that is read as radio buttons scores as missing. Existing pages do so.
+// A drop-down list that is read as radio buttons scores as missing. Frozen for compatibility.
 constexpr bool htmlMisreadsList(std::size_t categories) {
     return htmlShowsList(categories) && !htmlReadsList(categories);
 }

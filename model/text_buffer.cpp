@@ -61,7 +61,7 @@ void TextBuffer::close() {
 }
 
 void put(TextBuffer &out, const NumberText &number) {
-    // A fixed size needs no loop (benchmarks/costs.md: "numbers by a loop").
+    // A loop of fixed length is vectorised (benchmarks/costs.md: "numbers by a loop").
     constexpr qsizetype block = 32;
     static_assert(block <= std::size(NumberText().characters));
     char16_t *const room = out.extend(block);

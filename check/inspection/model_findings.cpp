@@ -304,9 +304,9 @@ void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection) {
     Notes notes{inspection.targets};
     const SqlUse sql = inspection.sql ? useOf(inspection.sql->configuration) : SqlUse();
-    const XmlParseResult &reading = card.document.reading;
-    notes.add({u"line %1, column %2"_s.arg(reading.line).arg(reading.column)}, DocumentCut,
-              reading.error == XmlError::UnmatchedEndTagWarning);
+    const XmlParseResult &parsed = card.document.parseResult;
+    notes.add({u"line %1, column %2"_s.arg(parsed.line).arg(parsed.column)}, DocumentCut,
+              parsed.error == XmlError::UnmatchedEndTagWarning);
     inspectRecodings(notes, card, sql);
     inspectRegression(notes, card);
     const bool hasCanvas = !inspection.canvasName.isEmpty();

@@ -7,8 +7,8 @@
 // entered, as UTF-8 without byte-order mark. The model path names a model document or a list of
 // them (root "Models", with the file names in its "Model" elements); a document that cannot be read
 // adds nothing to the page. The canvas file is the layout; a built-in canvas replaces it if it does
-// not exist or is nearly empty. If the output path is empty, the page goes beside the model, under
-// the same name.
+// not exist or is nearly empty. An empty output path stands for the model path with ".html" in
+// place of ".ModelXml".
 //
 // A column that k variables share needs k (k + 1) / 2 score lines in the page's script, so a few
 // hundred models may need millions. A script has at most 1 << 23 of them, with at most 1 << 29

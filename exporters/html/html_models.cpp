@@ -73,9 +73,9 @@ void readBetas(HtmlModel &model) {
 
 void readTable(HtmlModel &model) {
     const XmlNode mapping = model.document.root.childNode(u"ProbabilityMapping");
-    const bool isCut = mapping.childNode(u"x").isEmpty() || mapping.childNode(u"y").isEmpty();
-    model.table.exists = !mapping.isEmpty() && !isCut;
-    model.endsScript = model.document.root.isEmpty() || (!mapping.isEmpty() && isCut);
+    const bool lacksArray = mapping.childNode(u"x").isEmpty() || mapping.childNode(u"y").isEmpty();
+    model.table.exists = !mapping.isEmpty() && !lacksArray;
+    model.endsScript = model.document.root.isEmpty() || (!mapping.isEmpty() && lacksArray);
     if (!model.table.exists) return;
     model.table.x = readNumbers(model.document, mapping, u"x", 0);
     model.table.y = readNumbers(model.document, mapping, u"y", model.table.x.size());

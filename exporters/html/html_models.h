@@ -15,7 +15,7 @@ struct HtmlModel {
     TargetKind targetKind = TargetKind::Other;
     std::vector<double> betas; // coefficients and constant; empty for a model without a sum
     ProbabilityTable table;    // may have no points
-    bool endsScript = false;   // at its table
+    bool endsScript = false;   // the script ends at its table
 };
 
 // The model of that document, or those of a list. Prints a message and returns none for a list
