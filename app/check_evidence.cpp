@@ -31,7 +31,7 @@ FileRead readFile(const QString &fileName) {
     return {.bytes = static_cast<std::int64_t>(read), .sha256 = hash.result()};
 }
 
-// The present, or the time that SOURCE_DATE_EPOCH sets for reproducible outputs.
+// The current time, or that of SOURCE_DATE_EPOCH for reproducible outputs.
 QString timeText() {
     bool isSet = false;
     const qint64 seconds = qEnvironmentVariable("SOURCE_DATE_EPOCH").toLongLong(&isSet);

@@ -148,9 +148,9 @@ QString checkComparison(Request &request) {
     if (rows.score.isEmpty() && rows.probability.isEmpty()) {
         return u"--compare requires --score, --probability or both."_s;
     }
-    const auto isAgain = [](const QString &a, const QString &b) { return !a.isEmpty() && a == b; };
-    const bool isKey = isAgain(rows.score, rows.key);
-    if (isKey || isAgain(rows.probability, rows.key) || isAgain(rows.probability, rows.score)) {
+    const auto isSame = [](const QString &a, const QString &b) { return !a.isEmpty() && a == b; };
+    const bool isKey = isSame(rows.score, rows.key);
+    if (isKey || isSame(rows.probability, rows.key) || isSame(rows.probability, rows.score)) {
         return u"Column '%1' is given twice. --key, --score and --probability require different columns."_s
             .arg(isKey ? rows.score : rows.probability);
     }

@@ -18,7 +18,7 @@ struct Request {
     QString report;
     QString probe;
     RowOptions rows;
-    QString answer; // help or version; if set, printing it is all there is to do
+    QString answer; // help or version, to be printed instead of a report
 };
 
 // Reads the arguments, the first of which is the program's path. Returns an error message; empty on

@@ -353,7 +353,7 @@ QString rowsText(std::int64_t rows) {
 }
 
 void Notes::add(const FindingPlace &place, FindingId id, bool isFound, Targets limit) {
-    const Targets concerned = kindOf(id).targets & asked & limit;
+    const Targets concerned = kindOf(id).targets & requested & limit;
     if (!isFound || concerned == 0) return;
     findings.push_back({id, concerned, place.text, place.recoding});
 }

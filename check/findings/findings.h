@@ -44,7 +44,6 @@ enum class FindingId : std::uint8_t {
 // clang-format on
 inline constexpr std::size_t findingCount = static_cast<std::size_t>(FindingId::ValueBlanks) + 1;
 
-// A set of findings. As a set of deviations: those that hold for a target.
 class FindingSet {
 public:
     FindingSet() = default;
@@ -71,7 +70,7 @@ struct FindingKind {
     FindingId id;
     QStringView name;
     Targets targets;
-    Targets simulated; // those whose behaviour evaluate() reproduces
+    Targets simulated; // those whose behaviour check/evaluation reproduces
     RowScope scope;
     QStringView text;
     QStringView remedy;
@@ -85,7 +84,7 @@ struct Finding {
     FindingId id;
     Targets targets; // of its kind, if requested
     QString place;
-    int recoding = -1;             // its index if the place is a recoding, else -1
+    int recoding = -1;             // its index; -1 if the place is not a recoding
     std::int64_t rows = 0;         // that it affects alone
     std::int64_t firstRow = 0;     // from 1; 0 without rows
     std::int64_t togetherRows = 0; // further rows, affected only together with other findings
@@ -101,12 +100,12 @@ QString rowsText(std::int64_t rows);
 
 struct FindingPlace {
     QString text;
-    int recoding = -1; // its index if the place is a recoding, else -1
+    int recoding = -1; // its index; -1 if the place is not a recoding
 };
 
 // Collects findings for the requested targets.
 struct Notes {
-    Targets asked = allTargets;
+    Targets requested = allTargets;
     std::vector<Finding> findings = {};
 
     // Adds a finding for those requested targets of its kind that are within `limit`, if any.

@@ -23,8 +23,8 @@ struct SqlUse {
     bool hasProbability = true;
     bool trimsTexts = true;
     bool boolsAreNumbers = true;
-    bool readsBackslashes = false; // as escapes in texts
-    bool mayEscape = true;         // the server may read a backslash in a text as an escape
+    bool readsBackslashes = false;  // as escapes in texts
+    bool mayReadBackslashes = true; // at least one server does
     SqlReading reading = {};
 };
 SqlUse useOf(const SqlConfiguration &configuration);

@@ -35,7 +35,7 @@ bool isInexact(std::span<const double> numbers, int digits) {
 
 // --- Recodings
 
-// Whether the recoding is the first numeric, or the first categorical, one of its column.
+// Whether the recoding is the first of its kind, numeric or categorical, in its column.
 bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
     const auto isAlike = [&](std::size_t i) {
         return card.recodings[i].variable->isCategorical == recoding.variable->isCategorical;
@@ -123,7 +123,8 @@ void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard
     notes.add(place, QuoteInValue, holds(u'"'));
     notes.add(place, ApostropheInValue, holds(u'\'') && !sql.readsBackslashes);
     notes.add(place, Backslash, recoding.holdsBackslash);
-    notes.add(place, BackslashEscape, recoding.holdsBackslash && hasTexts && sql.mayEscape);
+    notes.add(place, BackslashEscape,
+              recoding.holdsBackslash && hasTexts && sql.mayReadBackslashes);
     notes.add(place, TrueFalse, any(isTruth));
     notes.add(place, ValueBlanks, any(hasBlanks), texts);
     notes.add(place, EmptyValue, hasEmpty);
@@ -238,8 +239,8 @@ bool hasOtherSums(const Notes &notes) {
     });
 }
 
-// Whether a point of the table where the probability jumps is rounded. Targets make jumps of their
-// own at the end of the table.
+// Whether a table point at a jump of the probability is rounded. At the end of the table, targets
+// have jumps of their own.
 bool hasInexactJump(const Scorecard &card, int digits) {
     const std::span<const double> x = card.table.x;
     for (std::size_t i = 0; i < x.size(); ++i) {

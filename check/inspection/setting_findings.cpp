@@ -27,7 +27,7 @@ constexpr QStringView sqlWords[] = {
 
 // --- Settings and dialects
 
-QString withMeant(const QString &place, QStringView meant) {
+QString withSuggestion(const QString &place, QStringView meant) {
     return meant.isEmpty() ? place : u"%1; did you mean %2?"_s.arg(place, meant);
 }
 
@@ -45,7 +45,7 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
         const bool isKnown = setting != settings.end();
         const bool isOdd =
             isKnown && setting->flag && !value.isEmpty() && value != u"0" && value != u"1";
-        if (!isKnown) notes.add({withMeant(place, nearestName(name, names))}, UnknownSetting);
+        if (!isKnown) notes.add({withSuggestion(place, nearestName(name, names))}, UnknownSetting);
         if (isOdd) notes.add({u"%1, '%2'"_s.arg(place, value)}, FlagText);
     }
     const SqlConfiguration defaults;
@@ -56,7 +56,7 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
     }
 }
 
-// Names of servers that general SQL is right for.
+// Whether general SQL suits the server of this name.
 bool isGeneral(QStringView dbType) {
     constexpr QStringView servers[] = {u"",       u"postgresql", u"postgres",
                                        u"sqlite", u"sqlite3",    u"duckdb"};
@@ -64,7 +64,7 @@ bool isGeneral(QStringView dbType) {
         servers, [&](QStringView name) { return name.compare(dbType, Qt::CaseInsensitive) == 0; });
 }
 
-// The dialect of another name of a server, or of a similar one; empty if there is none.
+// The dialect that another name of a server, or a misspelt dialect, stands for; empty if none.
 QStringView dialectOf(QStringView dbType, std::span<const QStringView> names) {
     constexpr std::pair<QStringView, QStringView> others[] = {
         {u"mssql", u"sqlserver"}, {u"tsql", u"sqlserver"}, {u"mariadb", u"mysql"}};
@@ -85,7 +85,7 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     notes.add({place}, SinglePrecision, !dialect.scoreCast.opening.isEmpty());
     const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
     const QStringView meant = dialectOf(dbType, names);
-    notes.add({withMeant(place, meant)}, UnknownDialect, !isKnown && !meant.isEmpty());
+    notes.add({withSuggestion(place, meant)}, UnknownDialect, !isKnown && !meant.isEmpty());
 }
 
 void inspectTables(Notes &notes, const Scorecard &card, const SqlConfiguration &configuration) {
@@ -190,7 +190,7 @@ SqlUse useOf(const SqlConfiguration &configuration) {
             .trimsTexts = !dialect.textTrim.opening.isEmpty(),
             .boolsAreNumbers = configuration.boolsAreNumbers,
             .readsBackslashes = dialect.readsBackslashes,
-            .mayEscape = dialect.mayReadBackslashes,
+            .mayReadBackslashes = dialect.mayReadBackslashes,
             .reading = {.digits = dialect.digits, .padsTexts = dialect.padsTexts}};
 }
 
@@ -218,17 +218,17 @@ void inspectCanvas(Notes &notes, const Scorecard &card, const QString &name,
     CanvasTags tags = scanCanvas(
         canvas, [&](QStringView warning) { notes.add({warning.toString()}, CanvasNumber); });
     const CanvasUse use = walkCanvas(tags, std::ssize(card.columns));
-    const auto want = [&](FindingId id, TagKind kind, bool isNeeded = true) {
+    const auto require = [&](FindingId id, TagKind kind, bool isNeeded = true) {
         notes.add({u"tag %1/]"_s.arg(tagOpening(kind))}, id, isNeeded && use.count(kind) == 0);
     };
     const int questions = use.count(TagKind::Question);
     const bool isComplete = std::ssize(card.recodings) == use.questions.size();
     const bool hasBars = isOfKind(card, u"T") && card.table.exists;
-    want(CanvasTagMissing, TagKind::Script);
-    want(CanvasTagMissing, TagKind::Answer);
-    want(CanvasTagMissing, TagKind::AllQuestions, questions == 0);
-    want(CanvasScale, TagKind::Graphics);
-    want(CanvasScale, TagKind::DynScale, hasBars);
+    require(CanvasTagMissing, TagKind::Script);
+    require(CanvasTagMissing, TagKind::Answer);
+    require(CanvasTagMissing, TagKind::AllQuestions, questions == 0);
+    require(CanvasScale, TagKind::Graphics);
+    require(CanvasScale, TagKind::DynScale, hasBars);
     notes.add({u"tag [QRV_QUESTION"_s}, CanvasQuestion,
               use.hasOddQuestion || (questions > 0 && !isComplete));
     notes.add({u"tag [QRV_ANSWER"_s}, CanvasAnswer, use.hasOddAnswer);

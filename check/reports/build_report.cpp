@@ -109,7 +109,7 @@ Unreached unreachedOf(const Scorecard &card, const RowCounts &counts,
             const std::vector<std::int64_t> &rows = counts.positions[recodings[rank]];
             for (std::size_t i = 0; i < rows.size(); ++i) {
                 if (rows[i] == 0 && !reachable[rank][i]) continue;
-                ++unreached.of;
+                ++unreached.reachable;
                 if (rows[i] > 0) continue;
                 unreached.places.append(titleOf(recoding) + u": "_s +
                                         valuesAt(recoding, i, notation));

@@ -12,7 +12,7 @@ QString signedNumber(double number) {
     return number < 0 ? shortNumber(number) : u'+' + shortNumber(number);
 }
 
-// A number of the results in words, without its rounding; `own` and `other` are the model's.
+// Describes a map, except for its rounding. `own` and `other` name the model's numbers.
 QString formText(const NumberMap &map, const QString &own, const QString &other) {
     switch (map.form) {
     case Form::Other:
@@ -59,14 +59,14 @@ QString mapsText(const Cause &cause, const RowOptions &options) {
             texts.append(formText(map, own, other) + roundingText(map));
     };
     if (isExchange(cause)) return u"score and probability exchanged"_s;
-    // Without scores among the results, their probabilities show which score they are of.
-    const bool isBehind = !options.hasScore() && cause.probability.form == Form::Through;
+    // Without scores in the results, describes the score that their probabilities belong to.
+    const bool isImplied = !options.hasScore() && cause.probability.form == Form::Through;
     NumberMap score = cause.score;
-    if (isBehind) {
+    if (isImplied) {
         score = cause.probability;
         score.form = Form::Linear;
     }
-    add(score, options.hasScore() || isBehind, u"score"_s, u"probability"_s);
+    add(score, options.hasScore() || isImplied, u"score"_s, u"probability"_s);
     add(cause.probability, options.hasProbability(), u"probability"_s, u"score"_s);
     return texts.join(u"; "_s);
 }

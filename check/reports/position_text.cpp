@@ -6,10 +6,9 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
-// The number of up to 12 digits that the bound at `place` is shown as: if no number of up to 16
-// digits lies between the two, a bin up to the bound is one below this number. Otherwise the bound
-// itself; also for the first bound, which belongs to the bin above it, and if the next bound is not
-// above that number.
+// The bound at `place`, rounded to 12 digits if that is greater and no number of up to 16 digits
+// lies between: "up to the bound" then means "below the rounded number". Does not round the first
+// bound, which belongs to the bin above it, nor any bound beyond the next.
 double shownBound(std::span<const double> bounds, std::size_t place) {
     const auto withDigits = [](double number, int digits) {
         double rounded = noNumber;

@@ -9,7 +9,7 @@
 #include <algorithm>
 
 struct PositionLine {
-    QString values; // a bin in the notation of brackets, or values of a list
+    QString values; // a bin in interval notation, or values of a list
     double score = 0;
     double points = 0;
     std::int64_t rows = 0; // that reached it
@@ -70,7 +70,7 @@ struct CountLine {
 struct CauseLine {
     QString name; // in JSON
     QString text;
-    std::int64_t rows = 0; // that it makes right; 0 of a hint
+    std::int64_t rows = 0; // that it makes right; 0 for a hint
 };
 
 // The points of one recoding in the score of a row.
@@ -84,7 +84,7 @@ struct PointsLine {
 
 // Positions that no row reaches although a cell can: the rows do not test them.
 struct Unreached {
-    std::int64_t of = 0; // how many a cell can reach
+    std::int64_t reachable = 0; // positions that a cell can reach
     QStringList places = {};
 };
 
@@ -97,7 +97,7 @@ struct Evidence {
     };
     QString version; // of this program
     QStringList arguments;
-    QString time; // UTC, as ISO 8601 writes it
+    QString time; // UTC, ISO 8601
     std::vector<File> files;
 };
 
@@ -120,7 +120,7 @@ struct Report {
     Unreached unreached = {}; // if rows were scored
     std::vector<CauseLine> causes = {};
     std::vector<CountLine> counts = {};                    // of compared rows, above 0
-    std::vector<std::vector<PointsLine>> worstPoints = {}; // of each worst row, by size
+    std::vector<std::vector<PointsLine>> worstPoints = {}; // of each worst row, largest first
     QString notation = {};                                 // as the model's, for rows and points
 };
 
@@ -142,8 +142,8 @@ void putPage(TextBuffer &out, const Report &report);
 // --- Pieces of buildReport()
 
 QString titleOf(const Recoding &recoding); // name and column
-// The values that reach a position. Sets an empty notation if it shows a bound with fewer digits
-// than the document.
+// The values that reach a position. If it shows a bound with fewer digits than the document, sets
+// `notation`, unless an earlier call did.
 QString valuesAt(const Recoding &recoding, std::size_t position, QString &notation);
 CauseLine causeLine(const Cause &cause, const Scorecard &card, const RowOptions &options,
                     QString &notation);

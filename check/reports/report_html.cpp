@@ -57,7 +57,7 @@ void putNames(TextBuffer &out, QStringView title, std::span<const FindingGroup> 
     put(out, u"<article>", title, u": ", escaped(namesOf(groups)), u"</article>\n");
 }
 
-// The arguments as a shell reads them.
+// The arguments, quoted for a shell.
 QString callText(QStringList arguments) {
     for (QString &argument : arguments) {
         const auto isPlain = [](QChar c) {
@@ -211,7 +211,7 @@ struct Tick {
 std::vector<Tick> ticksOf(const Scale &scale, int most, bool isCount = false) {
     const double step = (scale.to - scale.from) / most;
     if (!std::isnormal(step)) return {};
-    // Texts, so that each number is the nearest to a decimal one.
+    // Parsed from text, to be the double nearest to a decimal number.
     const auto numberOf = [](std::int64_t digits, int exponent) {
         double number = noNumber;
         readNumber(std::to_string(digits) + 'e' + std::to_string(exponent), number);
@@ -243,7 +243,7 @@ void putAxis(TextBuffer &out, QStringView side, const Scale &scale, int most,
     }
 }
 
-// The axis of scores; long labels are fewer.
+// The axis of scores, with fewer labels if they are long.
 void putScores(TextBuffer &out, const Scale &scale) {
     int most = 10;
     const auto length = [&] {

@@ -176,7 +176,7 @@ void putJson(TextBuffer &out, const Report &report) {
         const Unreached &unreached = report.unreached;
         object[u"unreached"_s] =
             QJsonObject{{u"positions"_s, count(std::ssize(unreached.places))},
-                        {u"of"_s, count(unreached.of)},
+                        {u"of"_s, count(unreached.reachable)},
                         {u"places"_s, QJsonArray::fromStringList(unreached.places)}};
     }
     if (report.found.comparison) object[u"comparison"_s] = jsonOf(report);

@@ -163,7 +163,7 @@ QString numbersText(const Prediction &numbers, const Prediction &other) {
 
 QString unreachedTitle(const Unreached &unreached) {
     return u"Positions that no row reaches: %1 of %2"_s.arg(std::ssize(unreached.places))
-        .arg(unreached.of);
+        .arg(unreached.reachable);
 }
 
 QStringList unreachedLines(const Unreached &unreached) {
