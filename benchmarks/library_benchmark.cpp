@@ -1,4 +1,4 @@
-// Where a conversion spends its time: each part beside other libraries for the same task.
+// Compares the parts that take most of a conversion's time with other libraries.
 #include "model/number_text.h"
 #include "xml/base64.h"
 #include "xml/xml_node.h"

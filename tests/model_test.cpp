@@ -45,7 +45,7 @@ TEST(NumberText, MatchesTheStandardLibrary) {
     }
 }
 
-TEST(NumberText, OfStreamsHasSixDigitsAndALongExponent) {
+TEST(StreamNumber, HasSixDigitsAndALongExponent) {
     const std::pair<double, const char *> cases[] = {
         {-999.5, "-999.5"},  {1e6, "1e+006"}, {1.5e-07, "1.5e-007"}, {1234567, "1.23457e+006"},
         {-1e100, "-1e+100"}, {0, "0"},        {1e-05, "1e-005"},     {999999.4, "999999"}};

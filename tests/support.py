@@ -12,7 +12,7 @@ from xml.sax.saxutils import quoteattr
 TESTS = Path(__file__).resolve().parent
 EXAMPLES = TESTS.parent / "examples"
 PROGRAM = os.environ.get("SCOREWRIGHT", str(TESTS.parent / "build-release" / "scorewright"))
-# Beside a program for Windows, a script without the suffix runs it here.
+# scripts/windows puts a wrapper script of this name beside the program for Windows.
 FOR_WINDOWS = Path(PROGRAM + ".exe").exists()
 BANNER = "Qorv Model Exportation v1.07\n=============================\n"
 

@@ -57,9 +57,9 @@ class CausesTest(CheckedTest):
         for name, results, columns, expected in [
             ("a constant", self.through(lambda s, *_: s + 0.5), both, ("amount", 72, "the score plus 0.5; the probability of that score")),
             ("a constant, seen in probabilities", self.through(lambda s, *_: s - 0.25), ["probability"], ("amount", None, "the score minus 0.25; the prob")),
-            ("amounts of which no two are the same", [(s + i / 7, p) for i, (s, p) in enumerate(meant)], both, None),
+            ("different amounts everywhere", [(s + i / 7, p) for i, (s, p) in enumerate(meant)], both, None),
             ("two rows of one amount", [(s + 0.5 * (i in (7, 9)), p) for i, (s, p) in enumerate(meant)], both, None),
-            ("a turned sign", self.through(lambda s, *_: -s), both, ("factor", 72, "the score times -1; the probability of that score")),
+            ("a reversed sign", self.through(lambda s, *_: -s), both, ("factor", 72, "the score times -1; the probability of that score")),
             ("points", [(600 - 28.85 * s, p) for s, p in meant], both, ("linear", 72, "the score times -28.85 plus 600")),
             ("per cent", [(s, 100 * p) for s, p in meant], both, ("factor", 72, "the probability times 100")),
             ("per cent, rounded", [(s, round(100 * p, 1)) for s, p in meant], both, ("factor", 72, "the probability times 100, rounded to 1 decimal")),
@@ -70,7 +70,7 @@ class CausesTest(CheckedTest):
             ("no table", [(s, 1 / (1 + math.exp(-s))) for s, _ in meant], both, ("logistic", 72, "the logistic function of the score in place of the table")),
             ("decimals", [(round(s, 3), round(p, 2)) for s, p in meant], both, ("decimals", None, "the score, rounded to 3 decimals; the probability, rounded to 2")),
             ("digits", [(float(f"{s:.3g}"), p) for s, p in meant], ["score"], ("digits", None, "the score, rounded to 3 digits")),
-            ("decimals that are cut off, some as if they were rounded", [(math.floor(s * 100) / 100, p) for s, p in meant], ["score"],
+            ("truncated decimals, some as if rounded", [(math.floor(s * 100) / 100, p) for s, p in meant], ["score"],
              ("decimals", sum(1e-8 < s - math.floor(s * 100) / 100 < 0.00500001 for s, _ in meant), "the score, rounded to 2 decimals")),
             ("32 bits", [(single(s), single(p)) for s, p in meant], both, ("single-precision", None, "the score, rounded to 32 bits; ")),
             ("one value", moved, ["score"], ("points", 24, "other points of V2 c, 'b' by -0.18")),
@@ -81,7 +81,7 @@ class CausesTest(CheckedTest):
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
             ("one bin, seen in probabilities", self.through(lambda s, n, c, m: s + 0.21 * (m == "20")), ["probability"],
              ("points", None, "other points of V3 m, [10, 20] by +0.21")),
-            ("one value, with probabilities of no score", [(s, i * 37 % 101 / 101 if row[1] == "b" else p) for i, ((s, p), row) in enumerate(zip(moved, ROWS))], both, None),
+            ("one value, with unrelated probabilities", [(s, i * 37 % 101 / 101 if row[1] == "b" else p) for i, ((s, p), row) in enumerate(zip(moved, ROWS))], both, None),
             ("one number everywhere", [(0.5, p) for _, p in meant], ["score"], ("constant", None, "0.5 in place of the score")),
             ("two numbers, which lie on a line", [(2.5 * s + 1 if row[0] in NUMBERS["n"][2:4] and row[1:] in [("a", "5"), ("a", "20")] else s, p)
                                                   for (s, p), row in zip(meant, ROWS)], ["score"], None),
@@ -90,18 +90,18 @@ class CausesTest(CheckedTest):
             ("a coefficient", [(s + 0.2 * {"": 0.0625, "0.25": -1.37, "1.5": 0.51, "3": 1.93, "7": 2.71}.get(row[0], 0.51), p)
                                for (s, p), row in zip(meant, ROWS)], ["score"], ("coefficient", 72, "a coefficient of 1.3 for V1 n")),
             ("another order", meant[::-1], both, ("other-order", None, "those of the rows in another order")),
-            ("a row less", meant[:20] + meant[21:], both, ("next-row", None, "those of the next row, from row 21 on")),
-            ("a row more", [*meant[:20], (9, 0.5), *meant[20:]], both, ("row-before", None, "those of the row before, from row 21 on")),
+            ("one row fewer", meant[:20] + meant[21:], both, ("next-row", None, "those of the next row, from row 21 on")),
+            ("one row more", [*meant[:20], (9, 0.5), *meant[20:]], both, ("row-before", None, "those of the row before, from row 21 on")),
             ("the last digit of a bound", [(s + 1.1 * (-1.37 - 0.51) * (row[0] == f"{1 / 3}"), p) for (s, p), row in zip(meant, ROWS)],
              ["score"], ("last-digit", 12, "cells at a bound read on its other side (last digit misread, or < for <=)")),
         ]:
             with self.subTest(name):
                 found = self.compare(results, columns=columns)
-                told = next((cause for cause in found["causes"] if not cause["cause"].startswith("key-")), None)
-                self.assertEqual(told and told["cause"], expected and expected[0], found["causes"])
+                reported = next((cause for cause in found["causes"] if not cause["cause"].startswith("key-")), None)
+                self.assertEqual(reported and reported["cause"], expected and expected[0], found["causes"])
                 if expected:
-                    self.assertTrue(told["detail"].startswith(expected[2]), told)
-                    self.assertIn(told["rows"], [expected[1], *[found["unexplained"], found["unexplained"] - 1, found["unexplained"] - 2] * (expected[1] is None)])
+                    self.assertTrue(reported["detail"].startswith(expected[2]), reported)
+                    self.assertIn(reported["rows"], [expected[1], *[found["unexplained"], found["unexplained"] - 1, found["unexplained"] - 2] * (expected[1] is None)])
 
     def test_tolerance(self):
         """Within a large tolerance, some numbers match with any amount, and nearly all in another order."""

@@ -40,7 +40,7 @@ class ScoresAndFindingsTest(CheckedTest):
         different = [pair for pair in zip(found, wanted) if pair[0] != pair[1]]
         self.assertEqual((len(found), different[:1]), (len(wanted), []))  # a difference of whole lists takes minutes
 
-    def test_scores_are_those_of_the_scorer(self):
+    def test_scores_match_the_scorer(self):
         self.assert_scores(CREDIT, APPLICANTS, "--missing", "NA")
         self.assert_scores(EXAMPLES / "claims" / "claims.ModelXml", EXAMPLES / "claims" / "claims.csv")
         for name in ["credit", "claims"]:
@@ -238,8 +238,8 @@ class ScoresAndFindingsTest(CheckedTest):
             (8, "XML Parsing error inside file 'm.ModelXml'.", ["m.ModelXml", "--sql", "m.ModelXml"]),
         ]:
             with self.subTest(arguments):
-                *found, told = self.check(*arguments)
-                self.assertEqual((found, told[:len(message)]), ([status, ""], message))
+                *found, reported = self.check(*arguments)
+                self.assertEqual((found, reported[:len(message)]), ([status, ""], message))
         self.assertEqual((self.folder / "kept.html").read_text(), "x")
         for text in ["\xc0\x80", "\xf5\x80\x80\x80", "\xe0\x80\x80", "\xf0\x80\x80\x80", "\xed\xa0\x80", "\xf4\x90\x80\x80", "\xc3",
                      "abcde\xff"]:
@@ -362,7 +362,7 @@ class DeploymentTest(CheckedTest):
             ("a text TRUE", "vba", listed["TRUE x"], ",TRUE", "s\n0", ["true-false"]),
             ("a truth value shown as True", "vba", listed["True x"], ",TRUE", "s\n1", ["true-false"]),
             ("a truth value of a boolean", "vba", model(None, boolean(["FALSE"] * 5 + ["TRUE"])), ",TRUE", "s\n0", ["true-false"]),
-            ("numbers in two writings", "sas", listed["1 2.5"], ",1.0", "s\n1", ["values-as-numbers"]),
+            ("a number in another format", "sas", listed["1 2.5"], ",1.0", "s\n1", ["values-as-numbers"]),
             ("a backslash", "python", listed["a\\n x"], ",a\\n", "s\n0", ["backslash-in-value"]),
             ("a boolean's number", "sql", model(None, boolean(["1"] * 5 + ["yes"])), ",1", "s\n2", ["boolean-numbers"]),
             ("a boolean's text", "sql", model(None, boolean(NO_YES)), ",yes", "s\n1", ["boolean-numbers"]),
@@ -381,7 +381,7 @@ class DeploymentTest(CheckedTest):
             ("a tolerance relative to a large score", "sas", above, "1,a", "s\n1000900", None, "--tolerance", "1e-3"),
             ("beyond the tolerance", "sas", above, "1,a", "s\n1002000", [], "--tolerance", "1e-3"),
             ("a tolerance of 0", "sas", model(), "1,a", "s\n3.0000000000000004", [], "--tolerance", "0"),
-            ("a value that means nothing", "sas", model(None, categorical(2, "c", ["none"], [0, 5])), "1, none ", "s\n2", None,
+            ("a text given as missing", "sas", model(None, categorical(2, "c", ["none"], [0, 5])), "1, none ", "s\n2", None,
              "--missing", "none"),
             ("above the last bound", "sas", model(None, twice), "1", "s\n14", "n read as another value"),
             ("below the first bound", "sas", model(None, twice), "1", "s\n6", "last-digit"),
@@ -395,7 +395,7 @@ class DeploymentTest(CheckedTest):
             ("an empty field where 0 is a code", "html", model(missing={"n": [0]}), ",a", "s\n2", ["empty-field", "missing-codes-unread"]),
             ("a code of another name, rounded", "python", model(numeric(1, "O'B", [1, 2], [0, 1, 2, 3]), missing={"O_B": [1234567]}),
              "1234570,a", "s\n1", ["missing-codes-digits", "missing-codes-name"]),
-            ("one column of two that was mended", "sql", model(None, categorical(2, "c", "x", [0, 1]), categorical(3, "d", "x", [0, 10]),
+            ("one of two columns corrected", "sql", model(None, categorical(2, "c", "x", [0, 1]), categorical(3, "d", "x", [0, 10]),
                                                                terms=three), ",X,X", "s\n10", ["capitals"]),
             ("either of two findings", "sql", model(None, categorical(2, "c", "xyx", [0, 1, 2, 3]), boolean(NO_YES, number=3, name="d"),
                                                     terms=[*three[:2], (3, 2)]), ",x,yes", "s\n5", ["boolean-numbers", "value-twice"]),
@@ -404,12 +404,12 @@ class DeploymentTest(CheckedTest):
             ("NaN above all bounds", "sql", model(), "nan,a", "s\n4", ["nan-cell"]),
             ("an empty text that is false", "sql", model(None, boolean(NO_YES)), "1,", "s\n3", ["boolean-numbers"]),
             ("a text that is neither", "sql", model(None, boolean(NO_YES, (4, 1, 2))), "1,yes", "s\n6", ["boolean-numbers"]),
-            ("a text that Excel takes for 15", "vba", model(), '"1,5",a', "s\n4", ["not-a-number"]),
+            ("a text that Excel reads as 15", "vba", model(), '"1,5",a', "s\n4", ["not-a-number"]),
             ("per cent in Excel", "vba", model(), "50%,a", "s\n2", ["not-a-number"]),
             ("a hexadecimal number", "html", model(), "0x1,a", "s\n3", ["not-a-number"]),
             ("a blank that Python removes", "python", model(), "1,a\u00a0", "s\n3", ["other-blanks"]),
             ("a value with a blank at its end", "sas", model(None, categorical(2, "c", ["a "], [0, 1])), "1,a", "s\n3", ["value-blanks"]),
-            ("a full stop that SAS takes for missing", "sas", model(None, categorical(2, "c", ["1", "."], [0, 1, 5])), "1,x", "s\n7",
+            ("a full stop that SAS reads as missing", "sas", model(None, categorical(2, "c", ["1", "."], [0, 1, 5])), "1,x", "s\n7",
              ["values-as-numbers"]),
             ("a list of texts beside numbers", "sas", model(categorical(1, "n", ["1"], [0, 4]), categorical(2, "c", ["1", "z"], [0, 1, 2])),
              "1.0,1.0", "s\n4", ["values-as-numbers"]),
@@ -417,9 +417,9 @@ class DeploymentTest(CheckedTest):
             ("32 bits", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.33333337", ["single-precision"], "--sql", "c.xml"),
             ("32 bits of a term that a bound makes larger", "sql", model(numeric(1, "n", [4.05], [0, -0.5, -45.04])), "4.05,a", "s\n-44.0400009",
              ["single-precision"], "--sql", "c.xml"),
-            ("more than 32 bits lose", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.333335", [], "--sql", "c.xml"),
+            ("more than rounding to 32 bits", "sql", model(numeric(1, "n", [1, 2], [0, 1 / 3, 2, 3])), "0,a", "s\n1.333335", [], "--sql", "c.xml"),
             ("blanks at the end in MySQL", "sql", model(None, boolean(NO_YES)), "1, yes ", "s\n2", ["boolean-blanks"], "--sql", "m.xml"),
-            *((f"{text} in {target}", target, scale, f'"{text}",a', f"s\n{score}", told) for target, text, score, told in [
+            *((f"{text} in {target}", target, scale, f'"{text}",a', f"s\n{score}", cause) for target, text, score, cause in [
                 *(("vba", text, score, ["not-a-number"]) for text, score in [
                     ("&HF", 6), ("&O10", 5), ("(1,5)", 2), ("1-", 3), ("(1-)", 4), ("5%", 4), ("5%", 5), ("1,5", 5), ("1,5", 6)]),
                 ("vba", "&O8", 5, "n read as another value"), ("vba", "5%%", 5, "n read as another value"),
@@ -448,13 +448,13 @@ class DeploymentTest(CheckedTest):
             ("an empty cell is not NaN", "html", model(None, five, table=TABLE, kind="T"), ",a", 'p\n""', []),
             ("a cause that holds for all columns", "sql", model(*y[1:3], boolean(NO_YES, (0, 3, 2), number=3, name="d"), terms=three),
              "x,x,yes", "s\n5", ["boolean-numbers"]),
-            ("a cause that is not up to the server", "sql", model(categorical(1, "c1", "x", [0, 3]), y[2], terms=three[:2]), "X,x", "s\n4", ["value-twice"]),
+            ("a cause that does not depend on the server", "sql", model(categorical(1, "c1", "x", [0, 3]), y[2], terms=three[:2]), "X,x", "s\n4", ["value-twice"]),
             ("some of many columns", "sql", model(*x, terms=[(i, 1) for i in range(1, 15)]), ",".join(14 * "X"), "s\n18", ["capitals"]),
             ("another blank, and not another name", "python", model(categorical(1, "a b", "xy", [0, 1, 3]), categorical(2, "a.b", "x", [0, 10])),
              "\u00a0x,y", "s\n1", ["other-blanks"]),
             ("either of two findings of a cell", "python", model(numeric(1, "O'B", [1, 2], [0, 1, 2, 3]), missing={"O'B": [1234567]}),
              "1234567,a", "s\n4", ["missing-codes-digits", "missing-codes-name"]),
-            ("a column as missing, or one of four otherwise", "sas", model(*same, numeric(5, "v", [1, 2], [3, 1, 2, 3]),
+            ("one column read as missing, or one of four as another value", "sas", model(*same, numeric(5, "v", [1, 2], [3, 1, 2, 3]),
              terms=[(i, 1) for i in range(1, 6)]), "1,1,1,1,1", "s\n11", "v read as missing"),
             ("any of four columns", "sas", model(*same, terms=[*three, (4, 1)]), "1,1,1,1", "s\n9", []),
         ]:
@@ -463,9 +463,9 @@ class DeploymentTest(CheckedTest):
                 self.write("rows.csv", ",".join(dict.fromkeys(re.findall(r'field="([^"]*)"', text))) + f"\n{cells}\n", "utf-8")
                 found = self.compare("m.ModelXml", "rows.csv", self.write("results.csv", result), target,
                                      "--probability" if result[0] == "p" else "--score", result[0], *more)
-                told = None if found["equal"] else next(iter(found["blamed"]), None) or next((
+                reported = None if found["equal"] else next(iter(found["blamed"]), None) or next((
                     cause["cause"] for cause in found["causes"]), None) or sorted(found["explained"])
-                self.assertEqual(told, expected)
+                self.assertEqual(reported, expected)
 
     def test_sql_in_sqlite(self):
         """Codes that are not found, untrimmed booleans, texts and capitals, and the table's lower end in one model."""

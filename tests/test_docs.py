@@ -127,9 +127,9 @@ class PagesTest(ProgramTest):
                       f"f=$(complete -p {program}); f=${{f#*-F }}; ${{f% *}} {program} {word} {before}; echo ${{COMPREPLY[*]}}")
             run = subprocess.run(["bash", "-c", script], cwd=self.folder, capture_output=True, encoding="utf-8")
             self.assertEqual((run.stdout, run.stderr), (offered + "\n", ""), call)
-        told = subprocess.run([CHECK, "--help"], capture_output=True, encoding="utf-8").stdout
+        listed = subprocess.run([CHECK, "--help"], capture_output=True, encoding="utf-8").stdout
         completed = (self.folder / "share/bash-completion/completions/scorewright-check").read_text()
-        self.assertLessEqual({*re.findall(r"^ .*?(--[a-z]+)", told, re.M)}, {*re.findall("--[a-z]+", completed)})
+        self.assertLessEqual({*re.findall(r"^ .*?(--[a-z]+)", listed, re.M)}, {*re.findall("--[a-z]+", completed)})
 
     def test_links_and_names(self):
         files = re.search(r"install\(FILES ([^$]*)", (ROOT / "cmake" / "Packaging.cmake").read_text())[1].split()

@@ -1,4 +1,4 @@
-"""The Python package: compares the program's Python class for what it writes with what it was made from."""
+"""The Python package: compares the Python classes generated from its documents with their sources."""
 
 import re
 import shutil
@@ -50,11 +50,11 @@ class PackageTest(SqlProgramTest):
                 (card := Scorecard()).add_categorical("c", {"x": 1})
                 card.add_numeric("v", bounds, np.arange(len(bounds) + 1), closed=closed, missing=-1)
                 right = self.scored(card, frame).score == np.searchsorted(bounds, values, side)
-                told = np.array([float(f"{v:.16g}") == v and not 0 < abs(v) < 1e-12 for v in values])
+                exact = np.array([float(f"{v:.16g}") == v and not 0 < abs(v) < 1e-12 for v in values])
                 with self.subTest(bounds=bounds, closed=closed, wrong=values[~right]):
                     self.assertTrue(right[np.isin(values, bounds)].all())
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
-                    self.assertTrue((right | (~told if closed == "left" else bounds not in short)).all())
+                    self.assertTrue((right | (~exact if closed == "left" else bounds not in short)).all())
 
     def test_encodings(self):
         """A document is read in the encodings that the program reads, and its missing codes under any target's name."""
@@ -118,7 +118,7 @@ class PackageTest(SqlProgramTest):
             return make_pipeline(bins_of, base.clone(last)).fit(rows, classes)
 
         search = GridSearchCV(make_pipeline(regression), {})
-        for refused, message in [
+        for rejected, message in [
                 (fitted("passthrough"), "'Age'.*raw numbers"),
                 (fitted(preprocessing.StandardScaler()), "'Age'.*StandardScaler"),
                 (regression, "two steps"), (search, "best_estimator_"),
@@ -128,7 +128,7 @@ class PackageTest(SqlProgramTest):
                 (fitted(bins, [0], rows=rows[["Age"]].to_numpy()), "without names"),
                 (fitted(bins, classes=classes[::-1] == "gut"), "True.*not of 'False'")]:
             with self.subTest(message), self.assertRaisesRegex(ValueError, message):
-                Scorecard.from_sklearn(refused, target="False")
+                Scorecard.from_sklearn(rejected, target="False")
 
     def test_bounds_between_values(self):
         """Values of 17 digits score as in the pipeline, even after pandas has misread their last digits."""

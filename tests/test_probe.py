@@ -108,8 +108,8 @@ class ProbeTest(CheckedTest):
         self.assertEqual(self.check("m.ModelXml", "--probe", "new", "--target", "vba")[0::2], (1, ""))
         for name, message in [("m.ModelXml", "Output 'm.ModelXml' would overwrite an input or another output.\n"), ("none/new", "Cannot open file 'none/new' for writing.\n"),
                               ("/dev/full", "Cannot write to file '/dev/full'.\n")]:
-            status, printed, told = self.check("m.ModelXml", "--probe", name)
-            self.assertEqual((status, printed, told[:len(message)]), (2, "", message))
+            status, printed, reported = self.check("m.ModelXml", "--probe", name)
+            self.assertEqual((status, printed, reported[:len(message)]), (2, "", message))
 
 
 if __name__ == "__main__":

@@ -132,7 +132,7 @@ class ProgramLineTest(ProgramTest):
         settings = '<Model2SQL inputFile="m" outputFile="out" inputTable="i" predictionTable="p"/>'
         self.assertEqual(self.run_program("-s", "/dev/stdin", stdin=settings.encode()), (0, "Conversion successful!\n"))
 
-    def test_only_what_is_used_must_exist(self):
+    def test_unused_parts_may_be_absent(self):
         boolean = document([categorical(1, "b", ["no"] * 5, [0, 1], tname="bb64"),
                             categorical(2, "c", [], [0], tname="bb64")], [], 0)
         for text in [boolean.replace("QRV_Model", "qrv_MODEL").replace('<?xml version="1.0"?>', ""),
@@ -165,7 +165,7 @@ class ProgramLineTest(ProgramTest):
         self.assertIn("+ 1* R6_f6\n        + 2* R3_f3\n        + 3* R5_f5;\n", script)
 
     def test_characters(self):
-        model = document([categorical(1, "x" * 27 + "𝄞", ["a"], [1, 2])], [], 0)  # of 31 units, "R0_" and these leave one
+        model = document([categorical(1, "x" * 27 + "𝄞", ["a"], [1, 2])], [], 0)  # "R0_" and 27 of 31 units leave one
         self.assertIn("R0_" + "x" * 27 + "\ud834=1;\n", self.convert("-a", model))
         self.assertIn("R0_" + "x" * 27 + "? = 1\n", self.convert("-p", model))
 

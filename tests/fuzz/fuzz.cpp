@@ -31,7 +31,7 @@ namespace {
 
 using Input = std::span<const uint8_t>;
 
-const QString nowhere = u"/dev/null"_s;
+const QString nullDevice = u"/dev/null"_s;
 const QString corpus = QStringLiteral(FUZZ_CORPUS "/model/");
 
 // The path of a file in memory with the input; the next call with the same number overwrites it.
@@ -286,12 +286,13 @@ constexpr FuzzTarget targets[] = {
     {"file", [](Input input) { walk(XmlNode::parseFile(fileOf(input))); }},
     {"base64", decodeBase64},
     {"number", writeNumbers},
-    {"sas", [](Input input) { exportToSas(fileOf(input), nowhere); }},
-    {"python", [](Input input) { exportToPython(fileOf(input), nowhere, {}); }},
-    {"vba", [](Input input) { exportToVba(fileOf(input), nowhere); }},
+    {"sas", [](Input input) { exportToSas(fileOf(input), nullDevice); }},
+    {"python", [](Input input) { exportToPython(fileOf(input), nullDevice, {}); }},
+    {"vba", [](Input input) { exportToVba(fileOf(input), nullDevice); }},
     {"sql", writeSql},
-    {"html", [](Input input) { exportToHtml(fileOf(input), {}, nowhere); }},
-    {"canvas", [](Input input) { exportToHtml(corpus + u"logistic"_s, fileOf(input), nowhere); }},
+    {"html", [](Input input) { exportToHtml(fileOf(input), {}, nullDevice); }},
+    {"canvas",
+     [](Input input) { exportToHtml(corpus + u"logistic"_s, fileOf(input), nullDevice); }},
     {"configuration", readConfiguration},
     {"check", check},
 };
