@@ -107,7 +107,7 @@ int check(Request &request) {
         sql = readSqlConfiguration(request.sql);
         if (!sql.message.isEmpty()) return fail(sql.message.trimmed(), exitUnusableModel);
         inspection.sql = &sql;
-        request.rows.sql = useOf(sql.configuration).reading;
+        request.rows.sql = propertiesOf(sql.configuration).reading;
     }
     if (!request.canvas.isEmpty()) inspection.canvas = readCanvas(request.canvas);
     return reportOn(request, card, inspect(card, inspection));

@@ -19,7 +19,7 @@ std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection
 
 // The properties of the SQL script that decide findings; by default, those without a
 // configuration.
-struct SqlUse {
+struct SqlProperties {
     bool hasProbability = true;
     bool trimsTexts = true;
     bool boolsAreNumbers = true;
@@ -27,7 +27,7 @@ struct SqlUse {
     bool mayReadBackslashes = true; // at least one server does
     SqlReading reading = {};
 };
-SqlUse useOf(const SqlConfiguration &configuration);
+SqlProperties propertiesOf(const SqlConfiguration &configuration);
 
 // `file` may be null.
 void inspectSql(Notes &notes, const Scorecard &card, const SqlConfigurationFile *file);

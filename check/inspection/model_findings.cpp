@@ -45,7 +45,7 @@ bool isFirstOfKind(const Scorecard &card, const Recoding &recoding) {
 }
 
 void inspectNumeric(Notes &notes, const FindingPlace &place, const Scorecard &card,
-                    const Recoding &recoding, const SqlUse &sql) {
+                    const Recoding &recoding, const SqlProperties &sql) {
     const QStringView field = recoding.variable->field;
     const MissingDictionary &dictionary = card.dictionary;
     const std::size_t listOfSas = dictionary.find(cleanedFor(Target::Sas, field));
@@ -88,7 +88,7 @@ bool isNumberOfSas(QStringView value) {
 }
 
 void inspectCategorical(Notes &notes, const FindingPlace &place, const Scorecard &card,
-                        const Recoding &recoding, const SqlUse &sql) {
+                        const Recoding &recoding, const SqlProperties &sql) {
     const bool isBoolean = recoding.isBoolean;
     const auto any = [&](auto test) { return std::ranges::any_of(recoding.listed, test); };
     const auto holds = [&](QChar c) {
@@ -181,7 +181,7 @@ void inspectNames(Notes &notes, const FindingPlace &place, const Recoding &recod
     notes.add(place, LabelEndsComment, variable.label.contains(u"*/"_s));
 }
 
-void inspectRecodings(Notes &notes, const Scorecard &card, const SqlUse &sql) {
+void inspectRecodings(Notes &notes, const Scorecard &card, const SqlProperties &sql) {
     QSet<int> numbers;
     for (const RegressionTerm &term : card.regression.terms) numbers.insert(term.number);
     QSet<int> ofRecodings;
@@ -250,7 +250,7 @@ bool hasInexactJump(const Scorecard &card, int digits) {
     return false;
 }
 
-void inspectTable(Notes &notes, const Scorecard &card, const SqlUse &sql) {
+void inspectTable(Notes &notes, const Scorecard &card, const SqlProperties &sql) {
     if (!card.table.exists) return;
     const auto &x = card.table.x;
     const auto &y = card.table.y;
@@ -304,7 +304,8 @@ void inspectResult(Notes &notes, const Scorecard &card, bool hasCanvas) {
 
 std::vector<Finding> inspect(const Scorecard &card, const Inspection &inspection) {
     Notes notes{inspection.targets};
-    const SqlUse sql = inspection.sql ? useOf(inspection.sql->configuration) : SqlUse();
+    const SqlProperties sql =
+        inspection.sql ? propertiesOf(inspection.sql->configuration) : SqlProperties();
     const XmlParseResult &parsed = card.document.parseResult;
     notes.add({u"line %1, column %2"_s.arg(parsed.line).arg(parsed.column)}, DocumentCut,
               parsed.error == XmlError::UnmatchedEndTagWarning);

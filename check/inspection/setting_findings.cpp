@@ -43,10 +43,10 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
             return candidate.name.compare(name, Qt::CaseInsensitive) == 0;
         });
         const bool isKnown = setting != settings.end();
-        const bool isOdd =
+        const bool isBadFlag =
             isKnown && setting->flag && !value.isEmpty() && value != u"0" && value != u"1";
         if (!isKnown) notes.add({withSuggestion(place, nearestName(name, names))}, UnknownSetting);
-        if (isOdd) notes.add({u"%1, '%2'"_s.arg(place, value)}, FlagText);
+        if (isBadFlag) notes.add({u"%1, '%2'"_s.arg(place, value)}, FlagText);
     }
     const SqlConfiguration defaults;
     for (const auto &[name, text, flag] : settings) {
@@ -172,8 +172,8 @@ CanvasUse walkCanvas(CanvasTags &tags, qsizetype questions) {
         ++use.tags[static_cast<std::size_t>(kind)];
         if (kind == TagKind::Question) {
             const int number = tags.questionNumber;
-            const bool isAgain = use.questions.contains(number);
-            if (number < 1 || number > questions || isAgain) use.hasOddQuestion = true;
+            const bool isRepeated = use.questions.contains(number);
+            if (number < 1 || number > questions || isRepeated) use.hasOddQuestion = true;
             use.questions.insert(number);
         } else if (kind == TagKind::Answer && (tags.answerModel != 0 || use.count(kind) > 1)) {
             use.hasOddAnswer = true;
@@ -184,7 +184,7 @@ CanvasUse walkCanvas(CanvasTags &tags, qsizetype questions) {
 
 } // namespace
 
-SqlUse useOf(const SqlConfiguration &configuration) {
+SqlProperties propertiesOf(const SqlConfiguration &configuration) {
     const SqlDialect &dialect = findSqlDialect(configuration.dbType);
     return {.hasProbability = dialect.hasProbability,
             .trimsTexts = !dialect.textTrim.opening.isEmpty(),

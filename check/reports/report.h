@@ -101,7 +101,7 @@ struct Evidence {
     std::vector<File> files;
 };
 
-// The contents of a report, which they must outlive. Null: not requested.
+// What a report shows; must outlive it. Null: not requested.
 struct Found {
     std::span<const Finding> findings = {}; // in the order of their kinds
     const RowCounts *counts = nullptr;
