@@ -96,9 +96,9 @@ def main():
                 print(f"{exporter:8} {count:7} {size / 1e6:7.2f} {written / 1e6:7.2f} {time * 1e3:8.1f} "
                       f"{time * 1e9 / written:8.2f} {memory / 1e6:8.1f} {memory / size:9.2f} {growth} {own:9.2f}", flush=True)
                 if size > LARGE and memory > STATED[exporter] * size:
-                    excess.append(f"{exporter} takes {memory / size:.2f} times {count} variables, {STATED[exporter]} stated")
+                    excess.append(f"{exporter}, {count} variables: peak/doc {memory / size:.2f}, {STATED[exporter]} stated")
                 if size > LARGE and own > MOST_OWN_TIME:
-                    excess.append(f"{exporter} takes {own:.2f} times reading {count} variables, {MOST_OWN_TIME} allowed")
+                    excess.append(f"{exporter}, {count} variables: own/read {own:.2f}, {MOST_OWN_TIME} allowed")
     if excess:
         sys.exit("\n".join(excess))
 

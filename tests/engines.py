@@ -6,7 +6,7 @@ import re
 import subprocess
 from pathlib import Path
 
-from support import EXAMPLES, PROGRAM, ProgramTest, mapping  # puts the next one on Python's path
+from support import EXAMPLES, PROGRAM, ProgramTest, mapping  # also sets the path to score.py
 import score
 
 CHECK = str(Path(PROGRAM).with_name("scorewright-check"))

@@ -29,9 +29,9 @@ LOGISTIC = model(method="softmax")
 class ScoresAndFindingsTest(CheckedTest):
     def assert_scores(self, path, rows, *more):
         """Equal to the last bit."""
-        meant = scorer.load(path)
+        reference = scorer.load(path)
         with open(rows, newline="", encoding="utf-8") as file:
-            expected = [(score := meant.score(row), meant.probability(score)) for row in csv.DictReader(file)]
+            expected = [(score := reference.score(row), reference.probability(score)) for row in csv.DictReader(file)]
         self.report(path, "--rows", rows, "--scores", "scores.csv", *more)
         with open(self.folder / "scores.csv", newline="", encoding="utf-8") as file:
             lines = list(csv.reader(file))[1:]
@@ -45,11 +45,11 @@ class ScoresAndFindingsTest(CheckedTest):
         self.assert_scores(EXAMPLES / "claims" / "claims.ModelXml", EXAMPLES / "claims" / "claims.csv")
         for name in ["credit", "claims"]:
             path = EXAMPLES / name / f"{name}.ModelXml"
-            meant = scorer.load(path)
+            reference = scorer.load(path)
             with open(next(path.parent.glob("*.csv")), newline="") as file:
                 first = next(csv.DictReader(file))
             rows = []
-            for variable in meant.variables:
+            for variable in reference.variables:
                 if variable.categorical:
                     cells = [*variable.positions, "unseen", "", " "] + [f"\t\v{v} \f" for v in variable.positions]
                 else:
@@ -484,8 +484,8 @@ class DeploymentTest(CheckedTest):
         self.write("results.csv", "id,p\n" + "".join(f"{i},{p!r}\n" for i, p in results))
         found = self.compare("model.ModelXml", "rows.csv", "results.csv", "sql", "--key", "id", "--probability", "p",
                              "--sql", "c.xml")
-        meant = scorer.load(self.folder / "model.ModelXml")
-        expected = {i: meant.prediction({"a b": a, "c": c, "d": d}) for i, (a, c, d) in enumerate(rows)}
+        reference = scorer.load(self.folder / "model.ModelXml")
+        expected = {i: reference.prediction({"a b": a, "c": c, "d": d}) for i, (a, c, d) in enumerate(rows)}
         different = sum(abs(p - expected[int(i)]) > 1e-9 for i, p in results)
         self.assertEqual((found["equal"], found["explainedRows"], found["unexplained"]), (75 - different, different, 0))
         self.assertEqual(set(found["explained"]), {"missing-codes-name", "boolean-blanks", "lowest-segment", "lowest-point"})

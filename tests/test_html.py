@@ -67,7 +67,7 @@ class HtmlTest(ProgramTest):
             ("[QRV_ANSWER -1/[QRV_ANSWER -2]", "[QRV_ANSWER -1/" + answer(-2), ""),
             ("[QRV_QUESTION a/b]", "[QRV_QUESTION a/b]", warning(0, "question", "QUESTION")),
             ("[QRV_STRING_SUBMIT]x[QRV_SUBMIT\r\n/]", "x" + submit(""), ""),
-            # The next label of a kind applies once its predecessor has been passed. Other white space is not a blank.
+            # A label applies from the previous one of its kind on. Other white space is not a blank.
             ("[QRV_SUBMIT][QRV_STRING_SUBMIT \va\xa0][QRV_SUBMIT][QRV_STRING_SUBMIT b]",
              submit("\va\xa0") + submit("b"), ""),
             ("[QRV_STRING_SUBMIT [QRV_STRING_SUBMIT /x[QRV_SUBMIT]",

@@ -16,7 +16,7 @@ from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
 from support import BANNER, EXAMPLES, TESTS, categorical, document, model, numeric
-import score  # support puts it and the next on Python's path
+import score  # support sets the path to it and to scorewright
 from scorewright import Scorecard, doubles, logistic_table
 from scorewright.document import names
 

@@ -42,13 +42,13 @@ class ProbeTest(CheckedTest):
             with self.subTest(example.path.name):
                 rows, positions = self.probe(example.path.read_bytes().decode("utf-16"))
                 self.assertEqual((len(rows), positions), rows_and_positions)
-                meant = scorer.load(example.path)
-                self.assert_all_tried(meant.variables, rows)
-                scores = [meant.score(row) for row in rows]
-                points = [x for x, _ in meant.table if min(scores) < x < max(scores)]
+                reference = scorer.load(example.path)
+                self.assert_all_tried(reference.variables, rows)
+                scores = [reference.score(row) for row in rows]
+                points = [x for x, _ in reference.table if min(scores) < x < max(scores)]
                 self.assertEqual({sum(x < score for x in points) for score in scores}, set(range(len(points) + 1)))
                 module = re.sub(r"( if \(isnan\(data\)or .*):", r"\1):", self.convert("-p", example.text, "out", "M"))
-                texts = [v.field for v in meant.variables if v.categorical]
+                texts = [v.field for v in reference.variables if v.categorical]
                 frame = pandas.read_csv(self.folder / "probe.csv", float_precision="round_trip", dtype=dict.fromkeys(texts, str))
                 results = load(module, "M").apply(frame.fillna(dict.fromkeys(texts, "")))
                 results.set_index(frame["probe"]).to_csv(self.folder / "results.csv")
