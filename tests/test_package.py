@@ -1,4 +1,4 @@
-"""The Python package: what it writes is run as the program's Python class, and held against what it was made from."""
+"""The Python package: the generated Python class of each document must score as the source of the document does."""
 
 import re
 import shutil
@@ -16,7 +16,7 @@ from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
 from support import BANNER, EXAMPLES, TESTS, categorical, document, model, numeric
-import score  # support has told where it is, and the next
+import score  # support has set the path of this and of the next
 from scorewright import Scorecard, doubles, logistic_table
 from scorewright.document import names
 
@@ -25,14 +25,14 @@ APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=Fal
 
 
 def neighbours(bound):
-    """A bound, the doubles beside it, and numbers of 16 digits beside it."""
+    """A bound, the doubles next to it, and the numbers of 16 digits next to it."""
     step = 10.0 ** (np.floor(np.log10(abs(bound) or 1)) - 15)
     return {bound, *np.nextafter(bound, [-np.inf, np.inf]), *(float(f"{bound + k * step:.16g}") for k in (-1, 1))}
 
 
 class PackageTest(SqlProgramTest):
     def scored(self, card, frame):
-        """A frame's scores by the card, with which the program's class for it must agree."""
+        """The card's scores of a frame, which the generated class must return too."""
         card.write(self.folder / "card.ModelXml")
         self.assertEqual(self.run_program("-p", "card.ModelXml", "card.py", "Card"), (0, ""))
         exec(self.read("card.py"), names := {})
@@ -50,14 +50,14 @@ class PackageTest(SqlProgramTest):
                 (card := Scorecard()).add_categorical("c", {"x": 1})
                 card.add_numeric("v", bounds, np.arange(len(bounds) + 1), closed=closed, missing=-1)
                 right = self.scored(card, frame).score == np.searchsorted(bounds, values, side)
-                told = np.array([float(f"{v:.16g}") == v and not 0 < abs(v) < 1e-12 for v in values])
+                is_exact = np.array([float(f"{v:.16g}") == v and not 0 < abs(v) < 1e-12 for v in values])
                 with self.subTest(bounds=bounds, closed=closed, wrong=values[~right]):
                     self.assertTrue(right[np.isin(values, bounds)].all())
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
-                    self.assertTrue((right | (~told if closed == "left" else bounds not in short)).all())
+                    self.assertTrue((right | (~is_exact if closed == "left" else bounds not in short)).all())
 
     def test_encodings(self):
-        """A document is read in the encodings that the program reads, and its missing codes under any target's name."""
+        """Scorecard.read accepts the program's encodings, and finds missing codes under each target's name."""
         text = document([numeric(1, "a b-c", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["é"], [0, 1])], [(1, 1), (2, 1)], 0)
         for name in ["a b-c", "a_b-c", "a_b_c", "A_B_C"]:
             named = text.replace("</DataDictionary>", f'<DataField name="{name}"><Missing>{doubles([9])}</Missing></DataField>'
@@ -118,7 +118,7 @@ class PackageTest(SqlProgramTest):
             return make_pipeline(bins_of, base.clone(last)).fit(rows, classes)
 
         search = GridSearchCV(make_pipeline(regression), {})
-        for refused, message in [
+        for rejected, message in [
                 (fitted("passthrough"), "'Age'.*raw numbers"),
                 (fitted(preprocessing.StandardScaler()), "'Age'.*StandardScaler"),
                 (regression, "two steps"), (search, "best_estimator_"),
@@ -128,10 +128,10 @@ class PackageTest(SqlProgramTest):
                 (fitted(bins, [0], rows=rows[["Age"]].to_numpy()), "without names"),
                 (fitted(bins, classes=classes[::-1] == "gut"), "True.*not of 'False'")]:
             with self.subTest(message), self.assertRaisesRegex(ValueError, message):
-                Scorecard.from_sklearn(refused, target="False")
+                Scorecard.from_sklearn(rejected, target="False")
 
     def test_bounds_between_values(self):
-        """Values of 17 digits score as in the pipeline, also after pandas has read their last digits wrongly."""
+        """Values of 17 digits score as in the pipeline, even if pandas misreads their last digit."""
         rows, y = datasets.load_diabetes(return_X_y=True, as_frame=True)
         bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy="quantile")
         columns = compose.make_column_transformer((bins, [*rows.drop(columns="sex")]))
@@ -147,11 +147,11 @@ class PackageTest(SqlProgramTest):
         for closed, bounds, expected in [("left", [18, 40], [18, 30]), ("right", [17, 18.2], [17.1, 18])]:
             (card := Scorecard()).add_numeric("age", bounds, [1, 2, 3], closed=closed, data=ages)
             self.assertEqual(card.recodings[0].bounds, expected)
-        with self.assertRaisesRegex(ValueError, "'age'.* parts 0.1 and 0.10000000000000002"):
+        with self.assertRaisesRegex(ValueError, "'age'.* separates 0.1 and 0.10000000000000002"):
             card.add_numeric("age", [0.1], [1, 2], closed="right", data=[0.1, np.nextafter(0.1, 1)])
 
     def test_tables(self):
-        """The same card, as libraries print it. Arrays lose their commas in a CSV file."""
+        """One card, as each library prints it. Arrays lose their commas in a CSV file."""
         bins = ["(-inf, 25.50)", "[25.50, 40.00)", "[40.00, inf)", "Special", "Missing",
                 np.array(["owner", "it's"], object), np.array(["rent"], object), "Special", "Missing"]
         points = [4, 1, -3, 0, 0, -5, 4, 0, 0]
@@ -190,7 +190,7 @@ class PackageTest(SqlProgramTest):
                 Scorecard.from_table(table, target="bad")
 
     def test_documents(self):
-        """Documents that are read score as the independent scorer does, also when they have been written again."""
+        """Cards that are read, and read again after being written, score as the independent scorer does."""
         for path in EXAMPLES.glob("*/*.ModelXml"):
             text = pd.read_csv(next(path.parent.glob("*.csv")), dtype=str).fillna("")[:400]
             (card := Scorecard.read(path)).write(self.folder / "again.ModelXml")
@@ -199,7 +199,7 @@ class PackageTest(SqlProgramTest):
                 self.assertEqual([*one.score(text).score], expected)
 
     def test_names(self):
-        """The package knows what each target makes of a name, and each finds the missing codes under its own."""
+        """The package knows each target's form of a name, and each target finds the missing codes under it."""
         column = "a 1" + string.punctuation
         card = Scorecard(missing={column: [77, 88]})
         card.add_numeric(column, [1, 2], [0, 1, 2], closed="left")
@@ -215,8 +215,8 @@ class PackageTest(SqlProgramTest):
                 self.assertIn("=77", code.replace(" ", ""))
 
     def test_faulty_documents(self):
-        """A document that lacks an attribute or the end of an array is reported by name, unless no score needs what is
-        missing; other errors are not blamed on it."""
+        """An error names a document that lacks an attribute or the end of an array which a score needs; other errors do
+        not."""
         text = (EXAMPLES / "claims/claims.ModelXml").read_bytes().decode("utf-16")
         path, reported = self.folder / "model.ModelXml", set()
         for place in re.finditer(r' (\w+)="[^"]*"|(?<=[\w=]{8})</(\w+)>', text):
@@ -232,8 +232,8 @@ class PackageTest(SqlProgramTest):
         with mock.patch.object(Scorecard, "add", side_effect=TypeError), self.assertRaises(TypeError):
             Scorecard.read(EXAMPLES / "claims/claims.ModelXml")
 
-    def test_mends(self):
-        """Lists of five become lists of six, and no row has the lowest segment's 0."""
+    def test_additions(self):
+        """Lists of five become lists of six, and no row gets the lowest segment's 0."""
         card = Scorecard("y", table=([43, -1], [0.9, 0.2]))
         card.add_categorical("city", dict(zip("abcde", range(5))), other=-2)
         card.add_categorical("code", dict(zip([1.0, 2.0, 3.0, 4.0, 5.0], range(5))), other=-2)
@@ -245,7 +245,7 @@ class PackageTest(SqlProgramTest):
         self.assertEqual((city.values[5][0], city.scores[6], code.values[5][0], code.scores[6]), ("(other)", -2, "99", -2))
 
     def test_texts(self):
-        """Of cells and labels, as they stand in a document."""
+        """Cells and labels as a document holds them."""
         (card := Scorecard("y")).add_categorical("c", {True: 1, 2.0: 2, " 2.5 ": 3}, label=" a\n\tb ")
         card.write(self.folder / "card.ModelXml")
         c, = Scorecard.read(self.folder / "card.ModelXml").recodings
@@ -255,7 +255,7 @@ class PackageTest(SqlProgramTest):
             self.assertEqual([*result], scores)
 
     def repaired(self, *options):
-        """The code of model.ModelXml in SAS, Python and SQL, repaired, which it also is when it is repaired again."""
+        """The repaired SAS, Python and SQL code of model.ModelXml, which a second repair must not change."""
         self.assertEqual(self.run_program("-a", "model.ModelXml", "m.sas")[0], 0)
         self.assertEqual(self.run_program("-p", "model.ModelXml", "m.py")[0], 0)
         settings = {"dbType": "mysql", "useTmpTable": "0", "createPredictionTable": "1", "boolsAreNumbers": "0"}
@@ -281,7 +281,7 @@ class PackageTest(SqlProgramTest):
         np.testing.assert_allclose(found.claim_cost_prediction, card.score(policies).score, atol=1e-9)
 
     def test_repaired_oddities(self):
-        """A logistic form, an array that is too long, equal numbers, and values that each language escapes."""
+        """A logistic form, an array that is too long, equal numbers, and values that a language escapes."""
         card = Scorecard("y", constant=0.5, missing={"n": [-1, 99.25]})
         values = ["it's", "tail\\", "a\\'b", "\\\\", "c\\n", 'say "no"', "\\\""]
         card.add_categorical("c", {value: i + 1 for i, value in enumerate(values)})
@@ -316,7 +316,7 @@ class PackageTest(SqlProgramTest):
         run = subprocess.run(repair, cwd=self.folder, capture_output=True, encoding="utf-8")
         self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here\n"))
 
-    def test_refusals(self):
+    def test_errors(self):
         def numeric(card, bounds=(1, 2), scores=(1, 2, 3), column="x y", number=None):
             card.add_numeric(column, bounds, scores, closed="left", number=number)
 
@@ -327,7 +327,7 @@ class PackageTest(SqlProgramTest):
                 ("'x y'.*finite", lambda card: numeric(card, scores=(1, 2, np.nan))),
                 ("'x y'.*number 1 is given twice", lambda card: numeric(card, number=1)),
                 ("'x y' and 'X.Y'", lambda card: numeric(card, column="X.Y")),
-                ("'c'.*NaN is no value", lambda card: card.add_categorical("c", {np.nan: 1})),
+                ("'c'.*NaN cannot be a value", lambda card: card.add_categorical("c", {np.nan: 1})),
                 ("'c'.*no values", lambda card: card.add_categorical("c", {})),
                 ("no name", lambda card: numeric(card, column="")),
                 ("no recodings", {"recodings": []}),
@@ -335,11 +335,11 @@ class PackageTest(SqlProgramTest):
                 ("'b'.*spellings", lambda card: card.add_boolean("b", 0, 1, spellings=(["n"], ["n"]))),
                 ("'c'.*blanks", lambda card: card.add("c", "MapValues", [0, 1], values=[(" a", "A")])),
                 ("'x y' is missing", lambda card: card.score(pd.DataFrame({"x_y": [1]}))),
-                ("largest_error is", lambda card: logistic_table(0.201)),
-                ("largest_error is", lambda card: logistic_table(9e-8)),
+                ("largest_error must", lambda card: logistic_table(0.201)),
+                ("largest_error must", lambda card: logistic_table(9e-8)),
                 ("logistic form", lambda card: Scorecard.read(self.folder / self.write("m.ModelXml", model(method="softmax")))),
-                ("'x y'.*no number.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
-                ("table.*falling", {"table": ([1, 2], [0.5, 0.4])}),
+                ("'x y'.*not numbers.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
+                ("table.*decreasing", {"table": ([1, 2], [0.5, 0.4])}),
                 ("table.*as many", {"table": ([2, 1], [0.5])}),
                 ("not finite", {"constant": np.inf}),
                 ("'x y'.*6 digits", {"missing": {"x y": [1234567]}})]:
@@ -350,8 +350,8 @@ class PackageTest(SqlProgramTest):
         self.assertFalse((self.folder / "never").exists())
 
     def test_build(self):
-        """The package builds without a network, in the program's version, of which Python drops leading zeros, and
-        leaves nothing in its source."""
+        """The package builds offline, with the program's version (Python drops leading zeros), and leaves no file in its
+        source."""
         shutil.copytree(TESTS.parent / "python", self.folder / "python", ignore=shutil.ignore_patterns("__pycache__"))
         files = set(self.folder.rglob("*"))
         subprocess.run([*"/usr/bin/python3 -m pip install --no-index --no-deps --no-build-isolation --target".split(),
