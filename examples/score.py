@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""score.py MODEL ROWS.csv: prints the number, score and probability of each row, as the model document says they are;
-an empty cell and NA are missing. A model that only gives a score has no probability.
+"""score.py MODEL ROWS.csv: prints the number, score and probability of each row as the model document defines them.
+Empty cells and NA are missing. Some models have no probability.
 
-The generated programs are held against this, so it shares nothing with the code that generates them."""
+The generated code is compared with this, so it shares nothing with the code that generates it."""
 
 import base64
 import csv
@@ -17,7 +17,7 @@ def load(path):
 
 
 def read_rows(path):
-    """The rows of a file as texts, '' where a cell is missing."""
+    """The rows of a file as texts; missing cells are ''."""
     with open(path, newline="") as file:
         return [{field: "" if cell == "NA" else cell for field, cell in row.items()} for row in csv.DictReader(file)]
 
@@ -46,30 +46,30 @@ class Variable:
             boolean = node.get("tname") == "bb64"  # five spellings of false, then those of true
             self.positions = {v: (1 if i <= 5 else 2) if boolean else i for i, v in enumerate(values, start=1)}
         else:
-            self.cuts = array(node, "x")
+            self.bounds = array(node, "x")
             listed = self.field.replace(" ", "_").replace(".", "_").lower()
             self.missing = array(next((e for e in dictionary if e.get("name").lower() == listed), None), "Missing")
 
     def recode(self, cell):
-        return self.scores[self.category(cell) if self.categorical else self.interval(cell)]
+        return self.scores[self.category(cell) if self.categorical else self.bin(cell)]
 
     def category(self, cell):
         text = (cell or "").strip()
         return self.positions.get(text, 0) if text else 0
 
-    def interval(self, cell):
+    def bin(self, cell):
         try:
             value = float(cell or "nan")
         except ValueError:
             return 0
         if math.isnan(value) or value in self.missing:
             return 0
-        if value < self.cuts[0]:
+        if value < self.bounds[0]:
             return 1
-        if value > self.cuts[-1]:
-            return len(self.cuts) + 1
-        # The first cut belongs to the interval above it; a lone cut has none, so its own value counts as missing.
-        return next((i + 1 for i in range(1, len(self.cuts)) if value <= self.cuts[i]), 0)
+        if value > self.bounds[-1]:
+            return len(self.bounds) + 1
+        # The first bound belongs to the bin above it; a lone bound has none, so its own value counts as missing.
+        return next((i + 1 for i in range(1, len(self.bounds)) if value <= self.bounds[i]), 0)
 
 
 class Model:
@@ -79,7 +79,7 @@ class Model:
         self.fields = list(dict.fromkeys(v.field for v in self.variables))
 
         regression = child(root, "RegressionModel")
-        by_number = {v.number: v for v in self.variables}  # of equal numbers the last counts
+        by_number = {v.number: v for v in self.variables}  # of equal numbers, the last counts
         *betas, self.constant = array(regression, "betas")
         self.terms = [(b, by_number[n]) for b, n in zip(betas, array(regression, "indexes", "i"))]
         self.logistic = regression.get("normalizationMethod", "").startswith("so")
@@ -88,14 +88,14 @@ class Model:
         self.table = list(zip(array(mapping, "x"), array(mapping, "y")))
 
     def score(self, row):
-        """row: the text of each field's cell, '' or None where it is empty."""
+        """row: the text of each field's cell, '' or None if it is empty."""
         total = self.constant
-        for beta, variable in self.terms:  # in this order, so that the last bit agrees too
+        for beta, variable in self.terms:  # in this order, so that even the last bit agrees
             total += beta * variable.recode(row[variable.field])
         return total
 
     def probability(self, score):
-        """None where the model only gives a score."""
+        """None if the model has no probability."""
         if self.table:
             segment = self.segment(score)
             if segment == "above":
@@ -111,7 +111,7 @@ class Model:
         return self.probability(score) if self.table or self.logistic else score
 
     def segment(self, score):
-        """Where the score lies in the table; 'last' is between its two lowest points, both included."""
+        """The place of the score in the table; 'last' is between its two lowest points, both included."""
         points = [x for x, _ in self.table]
         if score > points[0]:
             return "above"

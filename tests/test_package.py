@@ -1,4 +1,4 @@
-"""The Python package: the generated Python class of each document must score as the source of the document does."""
+"""The Python package: compares the program's Python class for what it writes with what it was made from."""
 
 import re
 import shutil
@@ -16,7 +16,7 @@ from sklearn.pipeline import make_pipeline
 
 from sql_program import SqlProgramTest, configuration
 from support import BANNER, EXAMPLES, TESTS, categorical, document, model, numeric
-import score  # support has set the path of this and of the next
+import score  # support puts it and the next on Python's path
 from scorewright import Scorecard, doubles, logistic_table
 from scorewright.document import names
 
@@ -25,14 +25,14 @@ APPLICANTS = pd.read_csv(EXAMPLES / "credit/applicants.csv", keep_default_na=Fal
 
 
 def neighbours(bound):
-    """A bound, the doubles next to it, and the numbers of 16 digits next to it."""
+    """A bound, and the nearest doubles and numbers of 16 digits on both sides."""
     step = 10.0 ** (np.floor(np.log10(abs(bound) or 1)) - 15)
     return {bound, *np.nextafter(bound, [-np.inf, np.inf]), *(float(f"{bound + k * step:.16g}") for k in (-1, 1))}
 
 
 class PackageTest(SqlProgramTest):
     def scored(self, card, frame):
-        """The card's scores of a frame, which the generated class must return too."""
+        """The card's scores of a frame, which the generated Python class must match."""
         card.write(self.folder / "card.ModelXml")
         self.assertEqual(self.run_program("-p", "card.ModelXml", "card.py", "Card"), (0, ""))
         exec(self.read("card.py"), names := {})
@@ -131,7 +131,7 @@ class PackageTest(SqlProgramTest):
                 Scorecard.from_sklearn(rejected, target="False")
 
     def test_bounds_between_values(self):
-        """Values of 17 digits score as in the pipeline, even if pandas misreads their last digit."""
+        """Values of 17 digits score as in the pipeline, even after pandas has misread their last digits."""
         rows, y = datasets.load_diabetes(return_X_y=True, as_frame=True)
         bins = preprocessing.KBinsDiscretizer(6, encode="onehot", strategy="quantile")
         columns = compose.make_column_transformer((bins, [*rows.drop(columns="sex")]))
@@ -190,7 +190,7 @@ class PackageTest(SqlProgramTest):
                 Scorecard.from_table(table, target="bad")
 
     def test_documents(self):
-        """Cards that are read, and read again after being written, score as the independent scorer does."""
+        """Documents score as by the independent scorer, even after the package has rewritten them."""
         for path in EXAMPLES.glob("*/*.ModelXml"):
             text = pd.read_csv(next(path.parent.glob("*.csv")), dtype=str).fillna("")[:400]
             (card := Scorecard.read(path)).write(self.folder / "again.ModelXml")
@@ -199,7 +199,7 @@ class PackageTest(SqlProgramTest):
                 self.assertEqual([*one.score(text).score], expected)
 
     def test_names(self):
-        """The package knows each target's form of a name, and each target finds the missing codes under it."""
+        """The package knows each target's form of a name, under which that target finds the missing codes."""
         column = "a 1" + string.punctuation
         card = Scorecard(missing={column: [77, 88]})
         card.add_numeric(column, [1, 2], [0, 1, 2], closed="left")
@@ -215,8 +215,8 @@ class PackageTest(SqlProgramTest):
                 self.assertIn("=77", code.replace(" ", ""))
 
     def test_faulty_documents(self):
-        """An error names a document that lacks an attribute or the end of an array which a score needs; other errors do
-        not."""
+        """A document that lacks an attribute or the end of an array is reported by name, unless no score needs what is
+        missing; other errors are not attributed to it."""
         text = (EXAMPLES / "claims/claims.ModelXml").read_bytes().decode("utf-16")
         path, reported = self.folder / "model.ModelXml", set()
         for place in re.finditer(r' (\w+)="[^"]*"|(?<=[\w=]{8})</(\w+)>', text):
@@ -232,7 +232,7 @@ class PackageTest(SqlProgramTest):
         with mock.patch.object(Scorecard, "add", side_effect=TypeError), self.assertRaises(TypeError):
             Scorecard.read(EXAMPLES / "claims/claims.ModelXml")
 
-    def test_additions(self):
+    def test_avoided_departures(self):
         """Lists of five become lists of six, and no row gets the lowest segment's 0."""
         card = Scorecard("y", table=([43, -1], [0.9, 0.2]))
         card.add_categorical("city", dict(zip("abcde", range(5))), other=-2)
@@ -245,7 +245,7 @@ class PackageTest(SqlProgramTest):
         self.assertEqual((city.values[5][0], city.scores[6], code.values[5][0], code.scores[6]), ("(other)", -2, "99", -2))
 
     def test_texts(self):
-        """Cells and labels as a document holds them."""
+        """Cells and labels are converted to the texts of a document."""
         (card := Scorecard("y")).add_categorical("c", {True: 1, 2.0: 2, " 2.5 ": 3}, label=" a\n\tb ")
         card.write(self.folder / "card.ModelXml")
         c, = Scorecard.read(self.folder / "card.ModelXml").recodings
@@ -316,7 +316,7 @@ class PackageTest(SqlProgramTest):
         run = subprocess.run(repair, cwd=self.folder, capture_output=True, encoding="utf-8")
         self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here\n"))
 
-    def test_errors(self):
+    def test_rejected_input(self):
         def numeric(card, bounds=(1, 2), scores=(1, 2, 3), column="x y", number=None):
             card.add_numeric(column, bounds, scores, closed="left", number=number)
 
@@ -350,8 +350,8 @@ class PackageTest(SqlProgramTest):
         self.assertFalse((self.folder / "never").exists())
 
     def test_build(self):
-        """The package builds offline, with the program's version (Python drops leading zeros), and leaves no file in its
-        source."""
+        """The package builds without a network, in the program's version without leading zeros, and leaves
+        nothing in its source."""
         shutil.copytree(TESTS.parent / "python", self.folder / "python", ignore=shutil.ignore_patterns("__pycache__"))
         files = set(self.folder.rglob("*"))
         subprocess.run([*"/usr/bin/python3 -m pip install --no-index --no-deps --no-build-isolation --target".split(),

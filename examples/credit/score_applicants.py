@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""score_applicants.py MODULE [RESULTS]: scores all applicants with the class QORVModel_Credit of a generated module. Prints some
-of them, or writes all to the CSV file RESULTS."""
+"""score_applicants.py MODULE [RESULTS]: scores all applicants with the class QORVModel_Credit of a generated module.
+Prints some of the scores, or writes all to the CSV file RESULTS."""
 
 import importlib.util
 import sys
@@ -29,7 +29,7 @@ def main():
     print(pd.concat([applicants[columns], result.round(3)], axis=1).head(8).to_string(index=False))
     risk = pd.qcut(result.Status_bad_proba, 5, labels=["lowest fifth", "2nd", "3rd", "4th", "highest fifth"])
     bad = applicants.Status.eq("bad").groupby(risk).mean().mul(100).round(1)
-    print(f"\n{len(result)} applicants; bad payers among them, in per cent, by fifths of the risk that the class tells:")
+    print(f"\n{len(result)} applicants; share of bad payers in per cent, by fifths of the predicted probability:")
     print(bad.to_frame("bad payers").T.to_string())
 
 

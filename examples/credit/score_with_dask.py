@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""score_with_dask.py MODULE [PARTITIONS]: scores all applicants as score_applicants.py does, but in partitions (4 of
-them) that are shared out to as many processes as there are processors."""
+"""score_with_dask.py MODULE [PARTITIONS]: scores all applicants as score_applicants.py does, in partitions (default 4)
+that run in one process per processor."""
 
 import sys
 
@@ -10,7 +10,7 @@ import pandas as pd
 from score_applicants import HERE, load
 
 
-# The class numbers its rows from 0, in each partition anew.
+# The class numbers the rows of each partition from 0.
 def score_partition(part, model):
     return model.apply(part).set_axis(part.index)
 
