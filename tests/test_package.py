@@ -314,7 +314,7 @@ class PackageTest(SqlProgramTest):
         self.assertEqual([*names["QORVModel_model"]().apply(pd.DataFrame({"n": [0, 3]})).y_prediction], [10, 30])
         repair = ["/usr/bin/python3", "-B", EXAMPLES / "repair.py", EXAMPLES / "claims/claims.ModelXml", "m.sql"]
         run = subprocess.run(repair, cwd=self.folder, capture_output=True, encoding="utf-8")
-        self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here\n"))
+        self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here. Pass the file's own model\n"))
 
     def test_rejected_input(self):
         def numeric(card, bounds=(1, 2), scores=(1, 2, 3), column="x y", number=None):
@@ -325,10 +325,10 @@ class PackageTest(SqlProgramTest):
                 ("'x y'.*increase", lambda card: numeric(card, close, range(4))),
                 ("'x y'.*n finite bounds and n . 1 scores", lambda card: numeric(card, scores=(1, 2))),
                 ("'x y'.*finite", lambda card: numeric(card, scores=(1, 2, np.nan))),
-                ("'x y'.*number 1 is given twice", lambda card: numeric(card, number=1)),
+                ("'x y'.*number 1 is used twice", lambda card: numeric(card, number=1)),
                 ("'x y' and 'X.Y'", lambda card: numeric(card, column="X.Y")),
                 ("'c'.*NaN cannot be a value", lambda card: card.add_categorical("c", {np.nan: 1})),
-                ("'c'.*no values", lambda card: card.add_categorical("c", {})),
+                ("'c' has no .*values", lambda card: card.add_categorical("c", {})),
                 ("no name", lambda card: numeric(card, column="")),
                 ("no recodings", {"recodings": []}),
                 ("'c'.*twice", lambda card: card.add_categorical("c", {"1": 0, 1: 2})),

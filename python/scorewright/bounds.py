@@ -1,7 +1,5 @@
 """Bounds that separate cells in generated code as they do in the library that fitted them."""
 
-from typing import Any
-
 import numpy as np
 
 from .document import require
@@ -30,8 +28,8 @@ def separators(bounds, closed, values, digits, column):
         high = min(values[place] if place < len(values) else bound + margin, following)
         room = min((high - low) / 4, 1e-14 * max(abs(low), abs(high)))
         tried = (float(f"{number:.{k}g}") for k in range(1, digits + 1) for number in (bound, low + (high - low) / 2))
-        found: Any = next((n for n in tried if low + room < n < high - room and not 0 < abs(n) < SMALLEST), None)
-        require(found is not None, f"column {column!r}: no number of {digits} digits separates {low!r} and {high!r}")
+        found = next((n for n in tried if low + room < n < high - room and not 0 < abs(n) < SMALLEST), np.nan)
+        require(not np.isnan(found), f"column {column!r}: no number of {digits} digits separates {low!r} and {high!r}")
         moved.append(found)
     return moved[1:]
 

@@ -22,12 +22,12 @@ def require(condition, message):
 
 
 def doubles(values: Iterable[float]) -> str:
-    """Returns the text of an array of floats in a document."""
+    """Returns floats as the text of an array in a document."""
     return base64.b64encode(np.array([*values], "<f8").tobytes()).decode()
 
 
 def integers(values: Iterable[int]) -> str:
-    """Returns the text of an array of integers (-2**31 to 2**31 - 1) in a document."""
+    """Returns integers (-2**31 to 2**31 - 1) as the text of an array in a document."""
     return base64.b64encode(np.array([*values], "<i4").tobytes()).decode()
 
 

@@ -36,13 +36,13 @@ def add_numbers(card, column, edges, dtype, coefficients, filled, data):
     return len(scores)
 
 
-def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_missing):
-    """Adds the column at a position of an encoder. Returns the number of its coefficients, which come first."""
-    values, rare = encoder.categories_[position], getattr(encoder, "infrequent_categories_", None)
-    rare = [] if rare is None or rare[position] is None else rare[position]
-    used = len(values) - len(rare[1:]) - (encoder.drop_idx_ is not None and encoder.drop_idx_[position] is not None)
+def add_list(card, column, encoder, index, coefficients, filled, unlisted_as_missing):
+    """Adds the column at an index of an encoder. Returns the number of its coefficients, which come first."""
+    values, rare = encoder.categories_[index], getattr(encoder, "infrequent_categories_", None)
+    rare = [] if rare is None or rare[index] is None else rare[index]
+    used = len(values) - len(rare[1:]) - (encoder.drop_idx_ is not None and encoder.drop_idx_[index] is not None)
     # Releases of scikit-learn disagree on what drop_idx_ counts, so the encoder encodes each value.
-    rows = pd.DataFrame({i: values if i == position else [others[0]] * len(values)
+    rows = pd.DataFrame({i: values if i == index else [others[0]] * len(values)
                          for i, others in enumerate(encoder.categories_)})
     ones = encoder.transform(rows.set_axis(getattr(encoder, "feature_names_in_", rows.columns), axis=1))
     ones = np.asarray(ones.toarray() if hasattr(ones, "toarray") else ones)
@@ -74,7 +74,7 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
     require(hasattr(model, "classes_"), "the pipeline is not fitted")
     require(hasattr(first, "feature_names_in_"), "the pipeline was fitted on columns without names")
     require(len(model.classes_) == 2, f"the model must have two classes, not several: {model.classes_}")
-    require(getattr(model, "multi_class", None) != "multinomial", "multi_class='multinomial' is another probability")
+    require(getattr(model, "multi_class", None) != "multinomial", "multi_class='multinomial' gives another probability")
     unlikely, target = model.classes_
     require(card.target != str(unlikely), f"the probability is that of {target!r}, not of {card.target!r}")
     card.constant, empty = float(model.intercept_[0]), pd.DataFrame(columns=first.feature_names_in_)
@@ -98,10 +98,10 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
             pd.isna(before[0].missing_values) and not pd.isna(before[0].statistics_).any()
         require((is_binning or name(last) == "OneHotEncoder") and (is_filled or not before),
                 f"columns {columns}: a scorecard cannot express {transformer}")
-        for position, column in enumerate(columns):
-            filled = before[0].statistics_[position] if before else None
-            used = add_numbers(card, column, last.bin_edges_[position], last.dtype, betas, filled, data) if is_binning \
-                else add_list(card, column, last, position, betas, filled, unlisted_as_missing)
+        for index, column in enumerate(columns):
+            filled = before[0].statistics_[index] if before else None
+            used = add_numbers(card, column, last.bin_edges_[index], last.dtype, betas, filled, data) if is_binning \
+                else add_list(card, column, last, index, betas, filled, unlisted_as_missing)
             betas = betas[used:]
     card.table = logistic_table(largest_error, *card.range())
     return card

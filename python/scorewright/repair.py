@@ -5,7 +5,6 @@
 .sql .xml  apostrophes and backslashes in values, an alias in two spellings"""
 
 import argparse
-import codecs
 import json
 import math
 import re
@@ -23,10 +22,10 @@ class Model(NamedTuple):
     recodings: list[Element]
     codes: dict[bytes, list[float]]
 
-    def missing(self, position, target):
+    def missing(self, index, target):
         """The name of a recoding's column in a target's code, and its missing codes there."""
-        require(int(position) < len(self.recodings), f"R{position} is not a recoding of the model")
-        name = document.names(self.recodings[int(position)].get("field", ""))[target]
+        require(int(index) < len(self.recodings), f"R{index} is not in the model. Pass the file's own")
+        name = document.names(self.recodings[int(index)].get("field", ""))[target]
         return name, [f"{code:.16g}" for code in self.codes.get(document.folded(name), []) if math.isfinite(code)]
 
 
@@ -40,14 +39,14 @@ def repair_lists(text, model, head, opening, end, forms):
         if recoding.get("type") != "MapValues":
             continue
         column = f"column {recoding.get('field')!r}"
-        start = require(re.compile(head).search(text, at), f"{column} has no list here")
+        start = require(re.compile(head).search(text, at), f"{column} has no list here. Pass the file's own model")
         before = opening(start, recoding.get("tname") == "bb64")
         parts.append(text[at:start.end()])
         at = start.end()
         for value in document.child(recoding, "modalities") if before is not None else []:
             known = [before + form for form in forms(value.get("val", ""))]
             line = re.compile(f"(?:{'|'.join(map(re.escape, known))})({end})")
-            found = require(line.match(text, at), f"{column} has other values than in the model")
+            found = require(line.match(text, at), f"{column} has other values here. Pass the file's own model")
             parts += known[-1], found[1]
             at = found.end()
     return "".join([*parts, text[at:]])
@@ -105,7 +104,7 @@ def main() -> None:
         for file in options.files:
             require(file.suffix.lower() in repairs, "unknown extension: generated code ends in .sas, .py, .sql or .xml")
             data = file.read_bytes()
-            encoding = "utf-16-le" if data.startswith(codecs.BOM_UTF16_LE) else "utf-8"
+            encoding = "utf-16-le" if data[:2] == b"\xff\xfe" else "utf-8"
             text = repairs[file.suffix.lower()](data.decode(encoding, "surrogatepass"), model)
             file.write_bytes(text.encode(encoding, "surrogatepass"))
     except (OSError, ParseError, ValueError) as error:

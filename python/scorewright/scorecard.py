@@ -40,10 +40,10 @@ def check(recoding):
     column, values = f"column {recoding.column!r}", [value for value, _ in recoding.values]
     is_list, scores, bounds = recoding.type == "MapValues", recoding.scores, recoding.bounds
     count = 3 if recoding.boolean else len(values) + 1 if is_list else len(bounds) + 2
-    require(len(scores) == count, f"{column} has {len(scores)} scores, and must have {count}")
-    require(recoding.column and (not is_list or values), f"{column} has no name or no values")
+    require(len(scores) == count, f"{column} has {len(scores)} scores instead of {count}")
+    require(recoding.column, "a column has no name")
+    require(values if is_list else bounds, f"{column} has no bounds or values")
     require(np.isfinite([*scores, *bounds]).all(), f"{column}: a score or bound is not finite")
-    require(is_list or bounds, f"{column} has no bounds")
     require(np.all(np.diff(bounds) > 0), f"{column}: bounds must increase as generated code shows them: {bounds}")
     require(all(v and v == v.strip() for v in values), f"{column}: a value is empty or has blanks around it: {values}")
     require(recoding.boolean or len(set(values)) == len(values), f"{column}: a value is listed twice: {values}")
@@ -76,7 +76,7 @@ class Scorecard:
 
     def __init__(self, target: str = "", kind: str = "T", *, constant: float = 0.0, table: Table | None = None,
                  missing: Mapping[str, Numbers] | None = None, digits: int = 16) -> None:
-        require(isinstance(target, str), f"target is the name of the target column, not {target!r}")
+        require(isinstance(target, str), f"target must be the name of the target column, not {target!r}")
         self.target, self.kind, self.constant, self.table = target, kind, constant, table
         self.missing, self.digits = dict(missing or {}), digits
         self.recodings: list[Recoding] = []
@@ -88,11 +88,11 @@ class Scorecard:
             label: str | None = None, number: int | None = None) -> int:
         """Adds a Recoding. Returns its number, by default the last one's plus 1."""
         number = number if number is not None else self.recodings[-1].number + 1 if self.recodings else 1
-        require(number not in self.coefficients, f"column {column!r}: the number {number} is given twice")
+        require(number not in self.coefficients, f"column {column!r}: the number {number} is used twice")
         recoding = Recoding(number, column, type, [*map(float, scores)], [*bounds], [*values], boolean, label or column)
         check(recoding)
         owner = self._names.setdefault(document.names(column)[document.VBA].casefold(), column)
-        require(owner == column, f"columns {owner!r} and {column!r} have the same name in generated code")
+        require(owner == column, f"columns {owner!r} and {column!r} have the same name in generated code. Rename one")
         self.recodings.append(recoding)
         self.coefficients[number] = float(coefficient)
         return number
@@ -105,7 +105,8 @@ class Scorecard:
         side on which a bin includes its bound, "left" or "right", for which bounds are moved, or "document", which
         keeps them. missing: score of missing cells. data: values that the bounds were fitted on; each bound becomes a
         short number between two of them. options, here and below: coefficient (1), label (the column), number."""
-        require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
+        require(closed in ("left", "right", "document"),
+                f"column {column!r}: closed must be 'left', 'right' or 'document', not {closed!r}")
         require(len(scores) == len(bounds) + 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
         if not len(bounds):
@@ -157,7 +158,7 @@ class Scorecard:
         scores, probabilities = ([float(value) for value in values] for values in self.table)
         require(0 < len(scores) == len(probabilities) and np.isfinite(scores).all() and np.all(np.diff(scores) < 0) and
                 all(0 <= p <= 1 for p in probabilities),
-                f"a table must have decreasing scores and as many probabilities from 0 to 1: {self.table}")
+                f"the table must have decreasing scores and as many probabilities from 0 to 1: {self.table}")
         return ended(scores, probabilities, self.range()[0])
 
     def score(self, frame: pd.DataFrame) -> pd.DataFrame:
@@ -172,8 +173,8 @@ class Scorecard:
         return pd.DataFrame({"score": score, "probability": probability}, index=frame.index)
 
     def write(self, path: str | os.PathLike[str]) -> None:
-        """Writes the document, with additions that change no score: points that end the table below all scores, each
-        name under which a target looks for missing codes, a sixth value in a list of five."""
+        """Writes the document, with additions that change no score: table points below all scores, each name under
+        which a target looks for missing codes, a sixth value in a list of five."""
         document.write(path, self, self.checked_table())
 
     @classmethod

@@ -18,8 +18,8 @@ def logistic(score):
 
 
 def ended(scores, probabilities, lowest):
-    """The table, continued with its last probability until its two last points, between which some targets write the
-    probability 0, are below the lowest score."""
+    """The table, continued with its last probability until its two last table points are below the lowest score: some
+    targets give the probability 0 between them."""
     while len(scores) < 2 or not lowest > scores[-2]:
         scores.append(float(np.floor(min(lowest, scores[-1])) - 1))
         probabilities.append(probabilities[-1])
@@ -31,11 +31,10 @@ def logistic_table(largest_error: float | None = None, lowest: float = -1e6, hig
                    factor: float = -1.0) -> tuple[list[float], list[float]]:
     """Returns the table of the probability p of a score, which is offset + factor * log((1 - p) / p).
 
-    largest_error: tolerance for p (1e-7 to 0.2); by default, relative_error (1e-6 to 0.2) is the tolerance relative to
-    the smaller of p and 1 - p, or 1e-12 if that is more. The table has as few points as possible, and one or two that
-    end it below the lowest score. lowest, highest: its finite scores. offset, factor: by default, scores are the
-    log-odds of p; a positive factor means that a higher score is a lower risk. If d points double the odds, the factor
-    is d / log(2)."""
+    largest_error: tolerance for p (1e-7 to 0.2). By default, relative_error (1e-6 to 0.2) is the tolerance relative to
+    the smaller of p and 1 - p, or 1e-12 if that is more. The table has as few table points as possible, and one or two
+    more below the lowest score. lowest, highest: its finite scores. offset, factor: by default, scores are the log-odds
+    of p. A positive factor means that a higher score is a lower risk; if d points double the odds, it is d / log(2)."""
     error, relative = (1e-12, relative_error) if largest_error is None else (largest_error, 0.0)
     require(1e-6 <= relative <= 0.2 or relative == 0 and 1e-7 <= error <= 0.2,
             f"largest_error must be 1e-7 to 0.2, relative_error 1e-6 to 0.2: {largest_error}, {relative_error}")
