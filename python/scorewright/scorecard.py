@@ -44,7 +44,7 @@ def check(recoding):
     require(recoding.column, "a column has no name")
     require(values if is_list else bounds, f"{column} has no bounds or values")
     require(np.isfinite([*scores, *bounds]).all(), f"{column}: a score or bound is not finite")
-    require(np.all(np.diff(bounds) > 0), f"{column}: bounds must increase as generated code shows them: {bounds}")
+    require(is_list or np.all(np.diff(bounds) > 0), f"{column}: bounds must increase in generated code: {bounds}")
     require(all(v and v == v.strip() for v in values), f"{column}: a value is empty or has blanks around it: {values}")
     require(recoding.boolean or len(set(values)) == len(values), f"{column}: a value is listed twice: {values}")
 
