@@ -72,7 +72,8 @@ void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row,
               std::span<const PointsLine> parts) {
     put(out, u"\n  row ", row.row);
     if (!row.key.empty()) put(out, u", key ", shownText(row.key));
-    put(out, u"\n    model:  ", expectedText(row), u"\n    result: ", foundText(report, row), u"\n");
+    put(out, u"\n    model:  ", expectedText(row), u"\n    result: ", foundText(report, row),
+        u"\n");
     Table table;
     for (const PointsLine &part : parts) {
         table.push_back({u"  "_s + part.recoding, u'\'' + part.cell + u'\'', part.values,

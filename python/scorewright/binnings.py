@@ -72,8 +72,9 @@ def add(card, variable, rows, bounds, special, separator):
     intervals, values, words = found.values()
     missing, coefficient = words.get("missing", 0.0), rows.coefficient.iloc[0]
     require((rows.coefficient == coefficient).all(), f"{column} has several coefficients")
+    advice = "Give each a bin of its own; if there are none, pass" if intervals else "List them, or none:"
     require(words.get("special", missing) == missing or special is not None and not (intervals and len(special)),
-            f"{column}: special codes do not score as missing. If there are none, pass special={{{variable!r}: []}}")
+            f"{column}: special codes do not score as missing. {advice} special={{{variable!r}: []}}")
     if not intervals:
         values.update(dict.fromkeys(special or [], words.get("special", missing)))
         other = words.get("else", missing)
