@@ -50,14 +50,14 @@ class PackageTest(SqlProgramTest):
                 (card := Scorecard()).add_categorical("c", {"x": 1})
                 card.add_numeric("v", bounds, np.arange(len(bounds) + 1), closed=closed, missing=-1)
                 right = self.scored(card, frame).score == np.searchsorted(bounds, values, side)
-                exact = np.array([float(f"{v:.16g}") == v and not 0 < abs(v) < 1e-12 for v in values])
+                is_exact = np.array([float(f"{v:.16g}") == v and not 0 < abs(v) < 1e-12 for v in values])
                 with self.subTest(bounds=bounds, closed=closed, wrong=values[~right]):
                     self.assertTrue(right[np.isin(values, bounds)].all())
                     self.assertFalse([b for b in card.recodings[1].bounds if 0 < abs(b) < 1e-12])  # SQL writes 0
-                    self.assertTrue((right | (~exact if closed == "left" else bounds not in short)).all())
+                    self.assertTrue((right | (~is_exact if closed == "left" else bounds not in short)).all())
 
     def test_encodings(self):
-        """A document is read in the encodings that the program reads, and its missing codes under any target's name."""
+        """Scorecard.read accepts the program's encodings, and finds missing codes under each target's name."""
         text = document([numeric(1, "a b-c", [1, 2], [0, 1, 2, 3]), categorical(2, "c", ["é"], [0, 1])], [(1, 1), (2, 1)], 0)
         for name in ["a b-c", "a_b-c", "a_b_c", "A_B_C"]:
             named = text.replace("</DataDictionary>", f'<DataField name="{name}"><Missing>{doubles([9])}</Missing></DataField>'
@@ -147,11 +147,11 @@ class PackageTest(SqlProgramTest):
         for closed, bounds, expected in [("left", [18, 40], [18, 30]), ("right", [17, 18.2], [17.1, 18])]:
             (card := Scorecard()).add_numeric("age", bounds, [1, 2, 3], closed=closed, data=ages)
             self.assertEqual(card.recodings[0].bounds, expected)
-        with self.assertRaisesRegex(ValueError, "'age'.* parts 0.1 and 0.10000000000000002"):
+        with self.assertRaisesRegex(ValueError, "'age'.* separates 0.1 and 0.10000000000000002"):
             card.add_numeric("age", [0.1], [1, 2], closed="right", data=[0.1, np.nextafter(0.1, 1)])
 
     def test_tables(self):
-        """The same card, as libraries print it. Arrays lose their commas in a CSV file."""
+        """One card, as each library prints it. Arrays lose their commas in a CSV file."""
         bins = ["(-inf, 25.50)", "[25.50, 40.00)", "[40.00, inf)", "Special", "Missing",
                 np.array(["owner", "it's"], object), np.array(["rent"], object), "Special", "Missing"]
         points = [4, 1, -3, 0, 0, -5, 4, 0, 0]
@@ -281,7 +281,7 @@ class PackageTest(SqlProgramTest):
         np.testing.assert_allclose(found.claim_cost_prediction, card.score(policies).score, atol=1e-9)
 
     def test_repaired_oddities(self):
-        """A logistic form, an array that is too long, equal numbers, and values that each language escapes."""
+        """A logistic form, an array that is too long, equal numbers, and values that a language escapes."""
         card = Scorecard("y", constant=0.5, missing={"n": [-1, 99.25]})
         values = ["it's", "tail\\", "a\\'b", "\\\\", "c\\n", 'say "no"', "\\\""]
         card.add_categorical("c", {value: i + 1 for i, value in enumerate(values)})
@@ -314,7 +314,7 @@ class PackageTest(SqlProgramTest):
         self.assertEqual([*names["QORVModel_model"]().apply(pd.DataFrame({"n": [0, 3]})).y_prediction], [10, 30])
         repair = ["/usr/bin/python3", "-B", EXAMPLES / "repair.py", EXAMPLES / "claims/claims.ModelXml", "m.sql"]
         run = subprocess.run(repair, cwd=self.folder, capture_output=True, encoding="utf-8")
-        self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here\n"))
+        self.assertEqual((run.returncode, run.stderr), (1, "m.sql: column 'region' has no list here. Pass the file's own model\n"))
 
     def test_rejected_input(self):
         def numeric(card, bounds=(1, 2), scores=(1, 2, 3), column="x y", number=None):
@@ -325,21 +325,21 @@ class PackageTest(SqlProgramTest):
                 ("'x y'.*increase", lambda card: numeric(card, close, range(4))),
                 ("'x y'.*n finite bounds and n . 1 scores", lambda card: numeric(card, scores=(1, 2))),
                 ("'x y'.*finite", lambda card: numeric(card, scores=(1, 2, np.nan))),
-                ("'x y'.*number 1 is given twice", lambda card: numeric(card, number=1)),
+                ("'x y'.*number 1 is used twice", lambda card: numeric(card, number=1)),
                 ("'x y' and 'X.Y'", lambda card: numeric(card, column="X.Y")),
-                ("'c'.*NaN is no value", lambda card: card.add_categorical("c", {np.nan: 1})),
-                ("'c'.*no values", lambda card: card.add_categorical("c", {})),
+                ("'c'.*NaN cannot be a value", lambda card: card.add_categorical("c", {np.nan: 1})),
+                ("'c' has no .*values", lambda card: card.add_categorical("c", {})),
                 ("no name", lambda card: numeric(card, column="")),
                 ("no recodings", {"recodings": []}),
                 ("'c'.*twice", lambda card: card.add_categorical("c", {"1": 0, 1: 2})),
                 ("'b'.*spellings", lambda card: card.add_boolean("b", 0, 1, spellings=(["n"], ["n"]))),
                 ("'c'.*blanks", lambda card: card.add("c", "MapValues", [0, 1], values=[(" a", "A")])),
                 ("'x y' is missing", lambda card: card.score(pd.DataFrame({"x_y": [1]}))),
-                ("largest_error is", lambda card: logistic_table(0.201)),
-                ("largest_error is", lambda card: logistic_table(9e-8)),
+                ("largest_error must", lambda card: logistic_table(0.201)),
+                ("largest_error must", lambda card: logistic_table(9e-8)),
                 ("logistic form", lambda card: Scorecard.read(self.folder / self.write("m.ModelXml", model(method="softmax")))),
-                ("'x y'.*no number.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
-                ("table.*falling", {"table": ([1, 2], [0.5, 0.4])}),
+                ("'x y'.*not numbers.*many", lambda card: card.score(pd.DataFrame({"x y": ["1", "many"]}))),
+                ("table.*decreasing", {"table": ([1, 2], [0.5, 0.4])}),
                 ("table.*as many", {"table": ([2, 1], [0.5])}),
                 ("not finite", {"constant": np.inf}),
                 ("'x y'.*6 digits", {"missing": {"x y": [1234567]}})]:

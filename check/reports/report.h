@@ -159,8 +159,10 @@ QString namesOf(std::span<const FindingGroup> groups);
 QString shortNumber(double number);
 // The same, with as many more digits as distinguish it from `other`.
 QString numberBeside(double number, double other);
-// "score 1.5, probability 0.25"; numberBeside() shows each number.
-QString numbersText(const Prediction &numbers, const Prediction &other);
+// "score 1.5, probability 0.25" of the model, and of the result as far as it was compared;
+// numberBeside() shows each number.
+QString expectedText(const ComparedRow &row);
+QString foundText(const Report &report, const ComparedRow &row);
 // The number of positions that no row reaches, and the first of them, one per line.
 QString unreachedTitle(const Unreached &unreached);
 QStringList unreachedLines(const Unreached &unreached);
@@ -171,7 +173,7 @@ inline constexpr QStringView differenceSteps[] = {u"1e-9", u"1e-6", u"1e-4", u"1
 // One line for the differences of each compared column and for each kind of cell that is not a
 // number.
 QStringList summaryOf(const Report &report);
-// The tool that wrote the document, by its version.
+// The version of the tool that wrote the document, as the header claims it.
 QString writerText(const ModelSection &model);
 // The target of the results.
 QString comparedTarget(const Report &report);

@@ -34,7 +34,7 @@ void putHead(TextBuffer &out, const Report &report) {
         u"</h1>\n<p class=\"soft\">Target column ", escaped(model.target), u", kind ",
         escaped(model.kind), u", ", escaped(writerText(model)), u"</p>\n<div class=\"tiles\">\n");
     const auto putTile = [&](std::int64_t number, QStringView label) {
-        put(out, u"<div><b>", number, u"</b>", label, u"</div>\n");
+        put(out, u"<div><b>", grouped(number), u"</b>", label, u"</div>\n");
     };
     putTile(std::ssize(model.recodings), u"recodings");
     putTile(countPlaces(report.open), u"open findings");
@@ -81,8 +81,8 @@ void putEvidence(TextBuffer &out, const Report &report) {
         put(out, u"<tr><td>", escaped(file.role), u"</td><td>", escaped(file.path),
             u"</td><td class=\"hash\">",
             isRead ? QString::fromLatin1(read.sha256.toHex()) : u"not read"_s,
-            u"</td><td class=\"number\">", isRead ? QString::number(read.bytes) : QString(),
-            u"</td><td class=\"number\">", read.rows < 0 ? QString() : QString::number(read.rows),
+            u"</td><td class=\"number\">", isRead ? grouped(read.bytes) : QString(),
+            u"</td><td class=\"number\">", read.rows < 0 ? QString() : grouped(read.rows),
             u"</td></tr>\n");
     }
     put(out, u"</table>\n<p>Checked on ", evidence.time, u" with scorewright-check ",
@@ -125,11 +125,13 @@ void putFindings(TextBuffer &out, const Report &report) {
 
 // --- Comparison
 
-void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const PointsLine> parts) {
+void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row,
+              std::span<const PointsLine> parts) {
     put(out, u"<article><h3>Row ", row.row);
-    if (!row.key.empty()) put(out, u", ", escaped(QString::fromStdString(row.key)));
-    put(out, u"</h3>\n<p>Model: ", numbersText(row.expected, row.found), u". Result: ",
-        numbersText(row.found, row.expected), u".</p>\n<table>\n");
+    if (!row.key.empty()) put(out, u", key ", escaped(QString::fromStdString(row.key)));
+    put(out, u"</h3>\n<p>Model: ", expectedText(row), u". Result: ", foundText(report, row),
+        u".</p>\n<table><thead><tr><th>recoding</th><th>cell</th><th>position</th>"
+        "<th class=\"number\">points</th></tr></thead>\n");
     for (const PointsLine &part : parts) {
         putRow(out, {part.recoding, part.cell, part.values, shortNumber(part.points)});
     }
@@ -152,7 +154,7 @@ void putHistogram(TextBuffer &out, QStringView title, const Differences &differe
                    : u"<tr><td>1e%1 to 1e%2"_s.arg(power).arg(power + 1),
             u"</td><td class=\"bar\"><i style=\"left:0;width:%1%\"></i></td>"_s.arg(
                 place(100 * static_cast<double>(counts[i]) / most)),
-            u"<td class=\"number\">", counts[i], u"</td></tr>\n");
+            u"<td class=\"number\">", grouped(counts[i]), u"</td></tr>\n");
     }
     put(out, u"</table></article>\n");
 }
@@ -173,7 +175,7 @@ void putComparison(TextBuffer &out, const Report &report) {
     putParagraphs(out, causes);
     put(out, u"<article><table>\n");
     for (const CountLine &line : report.counts) {
-        putRow(out, {line.label + line.more, QString::number(line.rows)});
+        putRow(out, {line.label + line.more, grouped(line.rows)});
     }
     put(out, u"</table></article>\n");
     putParagraphs(out, summaryOf(report));
@@ -182,7 +184,7 @@ void putComparison(TextBuffer &out, const Report &report) {
     putHistogram(out, u"probability", result.probabilities);
     put(out, u"</div>\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        putWorst(out, result.worst[i], report.worstPoints[i]);
+        putWorst(out, report, result.worst[i], report.worstPoints[i]);
     }
     put(out, u"</section>\n");
 }
@@ -330,7 +332,7 @@ void putRecoding(TextBuffer &out, const RecodingSection &recoding, const Scale &
             u" style=\"left:%1%;width:%2%\"></i><u style=\"left:%3%\"></u></td>"_s.arg(
                 place(std::min(zero, end)), place(std::abs(end - zero)), place(zero)),
             u"<td class=\"number\">", shortNumber(line.points), u"</td>");
-        if (hasRows) put(out, u"<td class=\"number\">", line.rows, u"</td>");
+        if (hasRows) put(out, u"<td class=\"number\">", grouped(line.rows), u"</td>");
         put(out, u"</tr>\n");
     }
     put(out, u"</table></article>\n");

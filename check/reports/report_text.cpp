@@ -68,11 +68,12 @@ void putRows(TextBuffer &out, const Report &report) {
     if (!out.text().contains(report.notation)) put(out, u"\n", report.notation, u"\n");
 }
 
-void putWorst(TextBuffer &out, const ComparedRow &row, std::span<const PointsLine> parts) {
+void putWorst(TextBuffer &out, const Report &report, const ComparedRow &row,
+              std::span<const PointsLine> parts) {
     put(out, u"\n  row ", row.row);
     if (!row.key.empty()) put(out, u", key ", shownText(row.key));
-    put(out, u"\n    model:  ", numbersText(row.expected, row.found), u"\n    result: ",
-        numbersText(row.found, row.expected), u"\n");
+    put(out, u"\n    model:  ", expectedText(row), u"\n    result: ", foundText(report, row),
+        u"\n");
     Table table;
     for (const PointsLine &part : parts) {
         table.push_back({u"  "_s + part.recoding, u'\'' + part.cell + u'\'', part.values,
@@ -91,7 +92,7 @@ void putComparison(TextBuffer &out, const Report &report) {
     }
     for (const QString &line : summaryOf(report)) put(out, u"  ", line, u"\n");
     for (std::size_t i = 0; i < result.worst.size(); ++i) {
-        putWorst(out, result.worst[i], report.worstPoints[i]);
+        putWorst(out, report, result.worst[i], report.worstPoints[i]);
     }
 }
 
@@ -99,6 +100,16 @@ void putComparison(TextBuffer &out, const Report &report) {
 QString perCent(std::int64_t rows, std::int64_t of) {
     const double share = 100 * static_cast<double>(rows) / static_cast<double>(of);
     return shortNumber(std::floor(share * 100) / 100);
+}
+
+QString numbersText(const Prediction &numbers, const Prediction &other, bool hasScore,
+                    bool hasProbability) {
+    QStringList texts;
+    if (hasScore) texts.append(u"score "_s + numberBeside(numbers.score, other.score));
+    if (hasProbability) {
+        texts.append(u"probability "_s + numberBeside(numbers.probability, other.probability));
+    }
+    return texts.join(u", "_s);
 }
 
 QStringView unreadableText(Unreadable kind) {
@@ -155,10 +166,14 @@ QString numberBeside(double number, double other) {
     return QString::fromLatin1(shown.characters, shown.size);
 }
 
-QString numbersText(const Prediction &numbers, const Prediction &other) {
-    const QString score = u"score "_s + numberBeside(numbers.score, other.score);
-    if (std::isnan(numbers.probability)) return score;
-    return score + u", probability "_s + numberBeside(numbers.probability, other.probability);
+QString expectedText(const ComparedRow &row) {
+    return numbersText(row.expected, row.found, true, !std::isnan(row.expected.probability));
+}
+
+QString foundText(const Report &report, const ComparedRow &row) {
+    const RowOptions &options = *report.found.options;
+    return numbersText(row.found, row.expected, !options.score.isEmpty(),
+                       !options.probability.isEmpty());
 }
 
 QString unreachedTitle(const Unreached &unreached) {
@@ -175,8 +190,8 @@ QStringList unreachedLines(const Unreached &unreached) {
 }
 
 QString writerText(const ModelSection &model) {
-    if (model.version.isEmpty()) return u"written by an unknown version of the modelling tool"_s;
-    return u"written by version %1 of the modelling tool"_s.arg(model.version);
+    return model.version.isEmpty() ? u"no tool version in its header"_s
+                                   : u"tool version %1 in its header"_s.arg(model.version);
 }
 
 QString comparedTarget(const Report &report) {

@@ -1,8 +1,7 @@
 #!/usr/bin/python3
-"""Writes claims.ModelXml and claims.csv, a made-up motor insurance tariff and made-up policies for it.
+"""Writes claims.ModelXml and claims.csv, an invented motor insurance tariff and policies for it.
 
-The weights are invented, nothing is fitted. The policies are there to reach every corner of the model: codes that
-mean "unknown", empty cells, values on a bound, categories the model has never seen."""
+The policies contain missing codes, empty cells, values on a bound and unlisted values."""
 
 import csv
 import sys
@@ -10,13 +9,13 @@ from functools import partial
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-sys.path.append(str(HERE.parents[1] / "python"))  # in the source; what is installed is found without
+sys.path.append(str(HERE.parents[1] / "python"))  # in the source tree; an installed package needs no path
 from scorewright import Scorecard  # noqa: E402
 
 POLICIES = 200
 
-# Numbers that say "not known" in the columns they come from.
-MISSING = {"vehicle age": [-1, 99], "annual.km": [-999.5, 1e10, 1.5e-07]}
+MISSING = {"vehicle age": [-1, 99], "annual.km": [-999.5, 1e10, 1.5e-07]}  # missing codes
+
 
 def tariff():
     card = Scorecard("claim cost", "C", constant=742.5, missing=MISSING)
@@ -24,7 +23,7 @@ def tariff():
     numeric("driver age", [21, 25, 35, 50, 68], [410.25, 262.5, 118.75, 118.75, 60, 145.125], missing=35.5,
             label="Age of the driver (years)", type="NormContinuous")
     numeric("vehicle age", [2, 6, 12], [95.5, 41.25, 0, -38.75], missing=20, label="Age of the vehicle (years)")
-    # Of two recodings of a column, a page shows the range and the label of the second.
+    # Of two recodings of a column, the HTML page shows the range and label of the second.
     numeric("annual.km", [30000, 60000], [0, 1, 1.5], number=7, label="Drives for a living")
     card.add_categorical("region", {"11": 180, "24": 95.25, "53": -20.5, "75": -66}, other=12.5, number=4,
                          label="Region", labels={"11": "Capital", "24": "Coast", "53": "Hills", "75": "Plains"})
@@ -39,7 +38,7 @@ def tariff():
     return card
 
 
-# The lengths share no factor, so that the columns meet in ever new combinations.
+# The lengths share no factor, so that no combination of cells occurs twice.
 CELLS = {
     "driver age": ["18", "21", "23", "25", "31", "", "35", "42.5", "50", "61", "68", "74", "20.999"],
     "vehicle age": ["0", "2", "-1", "4", "6", "99", "9", "12", "15", "", "1"],

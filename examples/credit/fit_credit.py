@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Fits the example scorecard on applicants.csv and writes credit.ModelXml.
 
-The score is the log-odds of a bad payer: the higher, the worse the risk."""
+The score is the log-odds of a bad payer, so a higher score is a higher risk."""
 
 import csv
 import sys
@@ -15,7 +15,7 @@ from scorewright import Scorecard  # noqa: E402
 
 # As many average applicants are added to each bin, to draw its bad rate towards the overall one.
 PRIOR_APPLICANTS = 10
-DECIMALS = 6  # the last bits of the arithmetic differ between machines, the document must not
+DECIMALS = 6  # the last bits of results differ between machines; the document must not
 
 # (column, label, kind, trend of the risk, bounds); if a trend is given, bins that break it share one score.
 NUMERIC = [
@@ -23,7 +23,7 @@ NUMERIC = [
     ("Time", "Duration of the loan (months)", "Discretize", "rising", [18, 30, 42, 54]),
     ("Age", "Age (years)", "NormContinuous", None, [22, 25, 28, 32, 36, 40, 45, 50, 56]),
     ("Expenses", "Expenses (housing & living costs)", "NormContinuous", None, [40, 50, 65, 80, 100]),
-    # Of two recodings of a column, a page shows the range and the label of the second.
+    # Of two recodings of a column, the HTML page shows the range and label of the second.
     ("Income", "Income, three classes", "Discretize", None, [100, 200]),
     ("Income", "Income", "NormContinuous", "falling", [60, 80, 95, 110, 125, 140, 160, 185, 215, 280]),
     ("Assets", "Assets", "NormContinuous", "falling", [1, 2000, 3000, 4000, 5000, 6500, 10000, 18000]),
@@ -65,7 +65,7 @@ def rounded(values):
 
 
 def rising(rates, weights):
-    """The closest rising sequence: neighbours that break the order are pooled."""
+    """The closest increasing sequence: pools neighbours that break the order."""
     pools = []
     for rate, weight in zip(rates, weights):
         pools.append((rate, weight, 1))
@@ -106,7 +106,7 @@ def logistic_regression(recodings, bad):
 
 
 def probability_table(score, bad):
-    """Observed bad rates around score points, made monotone; a few applicants lie beyond either end."""
+    """The bad rates around 33 scores, made monotone. A few applicants score beyond either end."""
     points = np.linspace(-4.75, 3.25, 33)
     around = np.searchsorted((points[1:] + points[:-1]) / 2, score)
     weights = np.bincount(around, minlength=len(points)) + PRIOR_APPLICANTS
@@ -158,7 +158,7 @@ def main():
     beta = logistic_regression(recodings, bad)
     score = recodings @ beta[:-1] + beta[-1]
 
-    # The most telling variables come first in the sum.
+    # The variables with the largest effect come first in the sum.
     order = np.argsort(-np.abs(beta[:-1]) * recodings.std(axis=0), kind="stable")
     card.coefficients = {card.recodings[i].number: beta[i] for i in order}
     card.constant = beta[-1]

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""score_with_dask.py MODULE [PARTITIONS]: scores all applicants as score_applicants.py does, but in partitions (4 of
-them) that are shared out to as many processes as there are processors."""
+"""score_with_dask.py MODULE [PARTITIONS]: scores all applicants as score_applicants.py does, in partitions (default 4)
+that run in one process per processor."""
 
 import sys
 

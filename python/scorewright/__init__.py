@@ -1,8 +1,8 @@
-"""From a fitted scorecard to the model document that the program scorewright turns into code.
+"""Scorecards as model documents, which the program scorewright converts to code.
 
-A Scorecard holds the recodings of columns, the regression over them and the table from score to probability. It is
-filled by hand, from a document (Scorecard.read), a table of bins (Scorecard.from_table) or a pipeline of scikit-learn
-(Scorecard.from_sklearn); it scores data frames as generated code does and writes the document. What is wrong raises
+A Scorecard holds recodings of columns, the regression over them and the probability table. Fill it yourself, or create
+it from a document (Scorecard.read), a table of bins (Scorecard.from_table) or a scikit-learn pipeline
+(Scorecard.from_sklearn). It scores data frames as generated code does and writes the document. Invalid input raises
 ValueError, which names the column."""
 
 from .document import doubles, integers

@@ -1,4 +1,4 @@
-"""Tables of bins, as scorecard libraries hand them out."""
+"""Tables of bins, as scorecard libraries return them."""
 
 import ast
 import re
@@ -17,8 +17,8 @@ WORDS = {"missing": "missing", "nan": "missing", "special": "special", "else": "
 
 
 def frame_of(table, titles):
-    """The columns of titles by their keys, with rows numbered from 1. A dictionary's keys are variables; a frame's
-    titles may be in any case."""
+    """The columns of titles by their keys, with rows numbered from 1. Keys of a dictionary are variables; titles of a
+    frame match in any case."""
     if isinstance(table, Mapping):
         parts = [pd.DataFrame({titles["bin"]: [*part], titles["score"]: [*part.values()]}) if isinstance(part, Mapping)
                  else part for part in table.values()]
@@ -30,12 +30,12 @@ def frame_of(table, titles):
     for title in titles.values():
         require(not title or title.casefold() in found, f"the table has no column {title!r}, only {[*table]}")
     columns = {key: found[title.casefold()] if title else 1.0 for key, title in titles.items()}
-    numbers = {key: pd.to_numeric(columns[key], errors="coerce") for key in ("score", "coefficient")}
-    return pd.DataFrame({**columns, **numbers}, range(1, len(table) + 1))
+    frame = pd.DataFrame(columns, range(1, len(table) + 1))
+    return frame.assign(**frame[["score", "coefficient"]].apply(pd.to_numeric, errors="coerce"))
 
 
 def pieces(text, separator):
-    """The kind and content of each piece of a bin: a value, a word, or an interval, its ends and its closed sides."""
+    """The kind and content of each piece of a bin: a value, a word, or an interval with its ends and closed sides."""
     if not isinstance(text, str):
         is_missing = np.ndim(text) == 0 and pd.isna(text)
         return [("word", "missing")] if is_missing else [("value", value) for value in np.atleast_1d(text)]
@@ -55,36 +55,38 @@ def pieces(text, separator):
 
 
 def add(card, variable, rows, bounds, special, separator):
-    """Adds the bins of a variable: columns bin, score and coefficient, indexed by the rows' numbers."""
-    found: dict[str, dict[Any, float]] = {"interval": {}, "value": {}, "word": {}}
-    column = f"column {variable!r}"
+    """Adds the bins of a variable: columns bin, score and coefficient, indexed by row number."""
     if str(variable).casefold() == "basepoints":
         card.constant += rows.score.sum()
         return
-    for place, text, score in zip(rows.index, rows.bin, rows.score):
+    found: dict[str, dict[Any, float]] = {"interval": {}, "value": {}, "word": {}}
+    column = f"column {variable!r}"
+    for row, text, score in zip(rows.index, rows.bin, rows.score):
         try:
             for kind, content in pieces(text, separator):
                 known = found[kind]
                 require(content not in known or kind == "word" and known[content] == score, text)
                 known[content] = score
         except (SyntaxError, TypeError, ValueError):
-            raise ValueError(f"row {place}, {column}: the bin {text!r} cannot be read") from None
+            raise ValueError(f"row {row}, {column}: cannot read the bin {text!r}") from None
     intervals, values, words = found.values()
-    missing, options = words.get("missing", 0.0), {"coefficient": rows.coefficient.iloc[0]}
-    require((rows.coefficient == options["coefficient"]).all(), f"{column} has several coefficients")
+    missing, coefficient = words.get("missing", 0.0), rows.coefficient.iloc[0]
+    require((rows.coefficient == coefficient).all(), f"{column} has several coefficients")
+    advice = "Give each a bin of its own; if there are none, pass" if intervals else "List them, or none:"
     require(words.get("special", missing) == missing or special is not None and not (intervals and len(special)),
-            f"{column}: special codes score other than missing cells; if there are none: special={{{variable!r}: []}}")
+            f"{column}: special codes do not score as missing. {advice} special={{{variable!r}: []}}")
     if not intervals:
         values.update(dict.fromkeys(special or [], words.get("special", missing)))
-        require("missing" not in words or words.get("else", missing) == missing,
-                f"{column}: missing and unlisted cells score differently, which a document cannot hold")
-        card.add_categorical(variable, values, other=words.get("else", missing), **options)
+        other = words.get("else", missing)
+        require("missing" not in words or other == missing, f"{column}: missing and unlisted cells must score alike")
+        card.add_categorical(variable, values, other=other, coefficient=coefficient)
         return
     card.missing.update({variable: [*special]} if special else {})
     (lowers, uppers, sides), scores = zip(*sorted(intervals)), [intervals[key] for key in sorted(intervals)]
     closed = frozenset().union(*sides)
     require(not values and (lowers[0], *uppers) == (-np.inf, *lowers[1:], np.inf) and len(closed) < 2,
-            f"{column}: its bins are not intervals from -inf to inf without a gap, closed on one side: {[*rows.bin]}")
+            f"{column}: bins must run from -inf to inf without a gap, all closed on one side: {[*rows.bin]}")
     inner = lowers[1:] if bounds is None else bounds
     require(len(inner) == len(lowers) - 1, f"{column} has {len(lowers) - 1} bounds in the table, not {len(inner)}")
-    card.add_numeric(variable, inner, scores, missing=missing, closed="".join(closed) or "left", **options)
+    side = "".join(closed) or "left"
+    card.add_numeric(variable, inner, scores, missing=missing, closed=side, coefficient=coefficient)

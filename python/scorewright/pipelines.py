@@ -1,4 +1,4 @@
-"""Pipelines of scikit-learn, which is known here by the names of its classes alone."""
+"""Pipelines of scikit-learn. They are recognised by class names, so that the package does not need scikit-learn."""
 
 import numpy as np
 import pandas as pd
@@ -8,7 +8,7 @@ from .tables import logistic_table
 
 
 def name(estimator):
-    """The name of an estimator's class, empty for a step that passes columns through."""
+    """The name of an estimator's class; empty for a step that passes columns through."""
     kind = type(estimator).__name__
     return "" if kind in ("NoneType", "str") or kind == "FunctionTransformer" and estimator.func is None else kind
 
@@ -18,17 +18,15 @@ def steps(pipeline):
 
 
 def double_bound(edge):
-    """The least double that as a float of 32 bits is not below an edge."""
+    """The least double that, rounded to 32 bits, is not below an edge."""
     above = np.float32(edge) if np.float32(edge) >= edge else np.nextafter(np.float32(edge), np.float32(np.inf))
     middle = (float(above) + float(np.nextafter(above, np.float32(-np.inf)))) / 2
     return middle if np.float32(middle) == above else np.nextafter(middle, np.inf)
 
 
-def add_numbers(card, column, binning, position, coefficients, filled, data):
-    """Adds the bins of a column, whose coefficients come first, and returns their number. filled: what takes the place
-    of a missing cell."""
-    edges = binning.bin_edges_[position]
-    bounds = [double_bound(edge) if binning.dtype == np.float32 else edge for edge in edges[1:-1]]
+def add_numbers(card, column, edges, dtype, coefficients, filled, data):
+    """Adds a column's bins between edges. filled: replaces missing cells. Returns the number of bins."""
+    bounds = [double_bound(edge) if dtype == np.float32 else edge for edge in edges[1:-1]]
     scores = coefficients[:len(edges) - 1]
     values = None if data is None else pd.to_numeric(data[column])
     if filled is not None and values is not None and values.dtype == np.float32:
@@ -38,25 +36,25 @@ def add_numbers(card, column, binning, position, coefficients, filled, data):
     return len(scores)
 
 
-def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_missing):
-    """Does the same for the values of a column."""
-    values, rare = encoder.categories_[position], getattr(encoder, "infrequent_categories_", None)
-    rare = [] if rare is None or rare[position] is None else rare[position]
-    used = len(values) - len(rare[1:]) - (encoder.drop_idx_ is not None and encoder.drop_idx_[position] is not None)
-    # Releases disagree on what drop_idx_ counts; the encoder itself shows where it puts each value.
-    rows = pd.DataFrame({i: values if i == position else [others[0]] * len(values)
+def add_list(card, column, encoder, index, coefficients, filled, unlisted_as_missing):
+    """Adds the column at an index of an encoder. Returns the number of its coefficients, which come first."""
+    values, rare = encoder.categories_[index], getattr(encoder, "infrequent_categories_", None)
+    rare = [] if rare is None or rare[index] is None else rare[index]
+    used = len(values) - len(rare[1:]) - (encoder.drop_idx_ is not None and encoder.drop_idx_[index] is not None)
+    # Releases of scikit-learn disagree on what drop_idx_ counts, so the encoder encodes each value.
+    rows = pd.DataFrame({i: values if i == index else [others[0]] * len(values)
                          for i, others in enumerate(encoder.categories_)})
     ones = encoder.transform(rows.set_axis(getattr(encoder, "feature_names_in_", rows.columns), axis=1))
     ones = np.asarray(ones.toarray() if hasattr(ones, "toarray") else ones)
     ones = ones[:, ones.shape[1] - len(coefficients):][:, :used]
     scored = dict(zip(map(cell_text, values), ones @ coefficients[:used]))
-    require(len(scored) == len(values), f"column {column!r}: two of its values are one text: {values}")
+    require(len(scored) == len(values), f"column {column!r}: two of its values have the same text: {values}")
     empty = {scored[value] for value in {"", cell_text(filled)} & set(scored)}
     unlisted = {scored[cell_text(rare[0])] if len(rare) and encoder.handle_unknown == "infrequent_if_exist" else 0.0}
     if encoder.handle_unknown == "error" or empty and unlisted_as_missing:
         unlisted = set()
-    require(len(empty | unlisted) < 2, f"column {column!r}: empty cells and unlisted values score differently in the "
-            "pipeline; unlisted_as_missing=True lets both score like empty cells")
+    require(len(empty | unlisted) < 2, f"column {column!r}: empty cells and unlisted values have different scores in "
+            "the pipeline. Pass unlisted_as_missing=True to score both as empty cells")
     scored.pop("", None)
     other = max(empty | unlisted, default=0.0)
     if scored and all(isinstance(value, (bool, np.bool_)) or pd.isna(value) for value in values):
@@ -66,31 +64,24 @@ def add_list(card, column, encoder, position, coefficients, filled, unlisted_as_
     return used
 
 
-def parts(pipeline, target):
-    """The ColumnTransformer and the model of a pipeline that can be expressed."""
-    require(not name(pipeline).endswith("SearchCV"), "this is a search: give its best_estimator_")
-    kinds = [*map(name, steps(pipeline))]
-    require(kinds[:1] == ["ColumnTransformer"] and len(kinds) == 2,
-            f"the pipeline must have two steps, a ColumnTransformer and a LogisticRegression, and has {kinds}")
-    first, model = steps(pipeline)
-    require(kinds[1] in ("LogisticRegression", "LogisticRegressionCV"), f"{kinds[1]} is no LogisticRegression")
-    require(hasattr(model, "classes_"), "the pipeline is not fitted")
-    require(len(model.classes_) == 2, f"the model tells several classes apart: {model.classes_}")
-    require(getattr(model, "multi_class", None) != "multinomial", "multi_class='multinomial' has another probability")
-    require(target != str(model.classes_[0]), f"the probability is that of {model.classes_[1]!r}, not of {target!r}")
-    return first, model
-
-
 def fill(card, pipeline, largest_error, unlisted_as_missing, data):
     """Fills an empty scorecard."""
-    first, model = parts(pipeline, card.target)
-    card.constant = float(model.intercept_[0])
+    require(not name(pipeline).endswith("SearchCV"), "this is a search: pass its best_estimator_")
+    kinds = [*map(name, steps(pipeline))]
+    require(kinds[:1] == ["ColumnTransformer"] and kinds[1:] in (["LogisticRegression"], ["LogisticRegressionCV"]),
+            f"the pipeline must have two steps, a ColumnTransformer and a LogisticRegression, not {kinds}")
+    first, model = steps(pipeline)
+    require(hasattr(model, "classes_"), "the pipeline is not fitted")
+    require(hasattr(first, "feature_names_in_"), "the pipeline was fitted on columns without names")
+    require(len(model.classes_) == 2, f"the model must have two classes, not several: {model.classes_}")
+    require(getattr(model, "multi_class", None) != "multinomial", "multi_class='multinomial' gives another probability")
+    unlikely, target = model.classes_
+    require(card.target != str(unlikely), f"the probability is that of {target!r}, not of {card.target!r}")
+    card.constant, empty = float(model.intercept_[0]), pd.DataFrame(columns=first.feature_names_in_)
     for key, transformer, columns in first.transformers_:
         betas = model.coef_[0][first.output_indices_[key]] * (first.transformer_weights or {}).get(key, 1)
         if not len(betas):
             continue
-        require(hasattr(first, "feature_names_in_"), "the pipeline was fitted on columns without names")
-        empty = pd.DataFrame(columns=first.feature_names_in_)
         try:
             columns = [*empty.loc[:, columns]]
         except (KeyError, TypeError):
@@ -98,7 +89,7 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
         *before, last = steps(transformer) or [None]
         if not last:
             require(data is not None and all(data[column].dtype == bool for column in columns),
-                    f"columns {columns} are raw numbers: put them into bins (columns of bool may stay, with data=)")
+                    f"columns {columns} are raw numbers: put them into bins (columns of bool: pass data=)")
             for column, beta in zip(columns, betas):
                 card.add_boolean(column, 0.0, beta)
             continue
@@ -106,11 +97,11 @@ def fill(card, pipeline, largest_error, unlisted_as_missing, data):
         is_filled = [*map(name, before)] == ["SimpleImputer"] and not before[0].add_indicator and \
             pd.isna(before[0].missing_values) and not pd.isna(before[0].statistics_).any()
         require((is_binning or name(last) == "OneHotEncoder") and (is_filled or not before),
-                f"columns {columns}: {transformer} cannot be expressed as recodings of columns")
-        for position, column in enumerate(columns):
-            filled = before[0].statistics_[position] if before else None
-            used = add_numbers(card, column, last, position, betas, filled, data) if is_binning else \
-                add_list(card, column, last, position, betas, filled, unlisted_as_missing)
+                f"columns {columns}: a scorecard cannot express {transformer}")
+        for index, column in enumerate(columns):
+            filled = before[0].statistics_[index] if before else None
+            used = add_numbers(card, column, last.bin_edges_[index], last.dtype, betas, filled, data) if is_binning \
+                else add_list(card, column, last, index, betas, filled, unlisted_as_missing)
             betas = betas[used:]
     card.table = logistic_table(largest_error, *card.range())
     return card

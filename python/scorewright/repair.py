@@ -1,11 +1,10 @@
-"""Repairs each FILE of generated code in place, by its ending. A file may be repaired again.
+"""Repairs each FILE of generated code in place, by its extension. A second repair changes nothing.
 
 .sas       the test of missing codes, the logistic form's open parenthesis, a model without terms
-.py        the test of missing codes, an empty __init__, the logistic form, backslashes in values, the class's name
-.sql .xml  apostrophes and backslashes in values, an alias that is written in two ways"""
+.py        the test of missing codes, an empty __init__, the logistic form, backslashes in values, the class name
+.sql .xml  apostrophes and backslashes in values, an alias in two spellings"""
 
 import argparse
-import codecs
 import json
 import math
 import re
@@ -19,35 +18,35 @@ from .document import require
 
 
 class Model(NamedTuple):
-    """The recodings of a document, in its order, and the missing codes of its data fields."""
+    """The recodings of a document, in its order, and the missing codes by folded name."""
     recodings: list[Element]
     codes: dict[bytes, list[float]]
 
-    def missing(self, position, target):
-        """The target's name for the column of the recoding at a position, and its codes."""
-        require(int(position) < len(self.recodings), f"R{position} is no recoding of the model")
-        name = document.names(self.recodings[int(position)].get("field", ""))[target]
+    def missing(self, index, target):
+        """The name of a recoding's column in a target's code, and its missing codes there."""
+        require(int(index) < len(self.recodings), f"R{index} is not in the model. Pass the file's own")
+        name = document.names(self.recodings[int(index)].get("field", ""))[target]
         return name, [f"{code:.16g}" for code in self.codes.get(document.folded(name), []) if math.isfinite(code)]
 
 
 def repair_lists(text, model, head, opening, end, forms):
-    """The text with each value of each list in the last of its forms.
+    """Writes each value of each list in the last of its forms.
 
-    head: the pattern of a list's beginning. opening: gets its match and whether the list is a boolean, and returns what
-    precedes each value, or None where no values are written. end: the pattern of what follows a value."""
+    head, end: patterns of the beginning of a list, and of what follows a value. opening: returns what precedes each
+    value, or None if no values are written, for the match of head and whether the list is a boolean."""
     parts, at = [], 0
     for recoding in model.recodings:
         if recoding.get("type") != "MapValues":
             continue
         column = f"column {recoding.get('field')!r}"
-        start = require(re.compile(head).search(text, at), f"{column} has no list here")
+        start = require(re.compile(head).search(text, at), f"{column} has no list here. Pass the file's own model")
         before = opening(start, recoding.get("tname") == "bb64")
         parts.append(text[at:start.end()])
         at = start.end()
         for value in document.child(recoding, "modalities") if before is not None else []:
             known = [before + form for form in forms(value.get("val", ""))]
             line = re.compile(f"(?:{'|'.join(map(re.escape, known))})({end})")
-            found = require(line.match(text, at), f"{column} has other values than in the model")
+            found = require(line.match(text, at), f"{column} has other values here. Pass the file's own model")
             parts += known[-1], found[1]
             at = found.end()
     return "".join([*parts, text[at:]])
@@ -77,7 +76,7 @@ def repair_python(text, model):
 
 
 def repair_sql(text, model, is_escaped, is_xml=False):
-    """is_escaped: a backslash escapes in the database's texts. is_xml: the script stands in an ETL document."""
+    """is_escaped: the database treats a backslash in a text as an escape. is_xml: an ETL document holds the script."""
     def forms(value):
         value = value.replace("&", "&amp;").replace("<", "&lt;") if is_xml else value
         known = [value.replace("'", "\\'"), value.replace("'", "''"), value.replace("\\", "\\\\").replace("'", "\\'")]
@@ -91,9 +90,9 @@ def repair_sql(text, model, is_escaped, is_xml=False):
 def main() -> None:
     layout = argparse.RawDescriptionHelpFormatter
     parser = argparse.ArgumentParser("scorewright.repair", description=__doc__, formatter_class=layout)
-    parser.add_argument("--backslash-escapes", action="store_true", help="write SQL for databases in whose texts "
-                        "a backslash escapes, such as MySQL and MariaDB; by default, for all others")
-    parser.add_argument("model", metavar="MODEL", help="the document that the files were made of")
+    parser.add_argument("--backslash-escapes", action="store_true",
+                        help="repair SQL for databases where a backslash escapes, such as MySQL and MariaDB")
+    parser.add_argument("model", metavar="MODEL", help="the document that the files were generated from")
     parser.add_argument("files", metavar="FILE", nargs="+", type=Path)
     options, file = parser.parse_args(), None
     sql = partial(repair_sql, is_escaped=options.backslash_escapes)
@@ -103,9 +102,9 @@ def main() -> None:
         recodings = [node for node in document.child(root, "univmodels") if node.tag.lower() == "model"]
         model = Model(recodings, document.missing_codes(root, is_cut=True))
         for file in options.files:
-            require(file.suffix.lower() in repairs, "the name of generated code ends in .sas, .py, .sql or .xml")
+            require(file.suffix.lower() in repairs, "unknown extension: generated code ends in .sas, .py, .sql or .xml")
             data = file.read_bytes()
-            encoding = "utf-16-le" if data.startswith(codecs.BOM_UTF16_LE) else "utf-8"
+            encoding = "utf-16-le" if data[:2] == b"\xff\xfe" else "utf-8"
             text = repairs[file.suffix.lower()](data.decode(encoding, "surrogatepass"), model)
             file.write_bytes(text.encode(encoding, "surrogatepass"))
     except (OSError, ParseError, ValueError) as error:

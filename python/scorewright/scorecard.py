@@ -1,4 +1,4 @@
-"""The scorecard: recodings of columns, a regression over them, a table from score to probability."""
+"""The scorecard: recodings of columns, the regression over them and the probability table."""
 
 from __future__ import annotations
 
@@ -19,10 +19,12 @@ SPELLINGS = ("false", "False", "FALSE", "0", "no"), ("true", "True", "TRUE", "1"
 
 
 class Recoding(NamedTuple):
-    """A column's recoding as a document holds it. Of numbers ("NormContinuous" or "Discretize", both treated alike) n
-    bounds and n + 2 scores: missing, below the first bound, from there up to and including the second, and so on, above
-    the last. Of a list ("MapValues") n values, in pairs with labels, and n + 1 scores, the first of empty and unlisted
-    cells. Of a boolean three scores: unknown, false, true; its first five values spell false."""
+    """A column's recoding as a document holds it, by type.
+
+    Of numbers ("NormContinuous" or "Discretize", treated alike): n bounds and n + 2 scores, of missing cells, below the
+    first bound, from there up to and including the second, and so on, and above the last. Of a list ("MapValues"): n
+    pairs of value and label, and n + 1 scores, the first of empty and unlisted cells. Of a boolean (a list whose first
+    five values spell false): three scores, of unknown, false and true."""
 
     number: int
     column: str
@@ -37,27 +39,27 @@ class Recoding(NamedTuple):
 def check(recoding):
     column, values = f"column {recoding.column!r}", [value for value, _ in recoding.values]
     is_list, scores, bounds = recoding.type == "MapValues", recoding.scores, recoding.bounds
-    wanted = 3 if recoding.boolean else len(values) + 1 if is_list else len(bounds) + 2
-    require(len(scores) == wanted, f"{column} has {len(scores)} scores, and should have {wanted}")
-    require(column != "column ''" and (not is_list or values), f"{column} has no name or no values")
+    count = 3 if recoding.boolean else len(values) + 1 if is_list else len(bounds) + 2
+    require(len(scores) == count, f"{column} has {len(scores)} scores instead of {count}")
+    require(recoding.column, "a column has no name")
+    require(values if is_list else bounds, f"{column} has no bounds or values")
     require(np.isfinite([*scores, *bounds]).all(), f"{column}: a score or bound is not finite")
-    require(is_list or bounds and np.all(np.diff(bounds) > 0),
-            f"{column}: there must be bounds, and they must increase as generated code shows them: {bounds}")
+    require(is_list or np.all(np.diff(bounds) > 0), f"{column}: bounds must increase in generated code: {bounds}")
     require(all(v and v == v.strip() for v in values), f"{column}: a value is empty or has blanks around it: {values}")
     require(recoding.boolean or len(set(values)) == len(values), f"{column}: a value is listed twice: {values}")
 
 
 def recode(recoding, cells, missing):
-    """The scores of a series' cells; missing: the codes that count as missing in a column of numbers."""
+    """The scores of a series' cells. missing: the missing codes of a column of numbers."""
     if recoding.type == "MapValues":
         require(recoding.boolean or cells.dtype != "boolean", f"column {recoding.column!r} has pandas' type boolean, "
-                "of which scikit-learn made the values 1 and 0: make the column bool, and fit again")
+                "which scikit-learn encodes as 1 and 0. Convert it to bool, and fit again")
         listed = {v: 1 + (i >= 5 if recoding.boolean else i) for i, (v, _) in enumerate(recoding.values)}
         codes, cells = pd.factorize(cells)
         return np.take(recoding.scores, np.array([listed.get(cell_text(cell), 0) for cell in cells] + [0])[codes])
     values = pd.to_numeric(cells, errors="coerce").astype("Float64").to_numpy(float, na_value=np.nan)
-    strange = cells[np.isnan(values) & cells.notna() & cells.ne("")]
-    require(strange.empty, f"column {recoding.column!r} holds what is no number: {strange.unique()[:3]}")
+    others = cells[np.isnan(values) & cells.notna() & cells.ne("")]
+    require(others.empty, f"column {recoding.column!r}: cells are not numbers: {others.unique()[:3]}")
     positions = np.searchsorted(recoding.bounds, values) + 1
     positions[values == recoding.bounds[0]] = 2 if len(recoding.bounds) > 1 else 0
     positions[np.isnan(values) | np.isin(values, missing)] = 0
@@ -65,17 +67,16 @@ def recode(recoding, cells, missing):
 
 
 class Scorecard:
-    """A scoring model; its score is the constant plus the sum of each recoding times its coefficient.
+    """A scoring model. Its score is the constant plus each recoding's score times its coefficient.
 
-    target: the name of the target column. kind: "T" for a probability, "C" for a continuous target. table: falling
-    scores and their probabilities (0 to 1), two sequences of one length. missing: a dictionary from columns of numbers
-    to the codes that count as missing there. digits: those in which bounds must be told apart, 16, or 15 for Teradata.
-    These, the list recodings and the dictionary coefficients (recodings' numbers and floats, in the order of the sum)
-    may be changed until the card is used. All methods raise ValueError for what is wrong."""
+    target: name of the target column. kind: "T" for a probability, "C" for a continuous target. table: decreasing
+    scores and their probabilities, two sequences of one length. missing: missing codes by column. digits: significant
+    digits of bounds, 16, or 15 for Teradata. You may change these, the list recodings and the dictionary coefficients
+    (by recoding number, in the order of the sum) until you use the card."""
 
     def __init__(self, target: str = "", kind: str = "T", *, constant: float = 0.0, table: Table | None = None,
                  missing: Mapping[str, Numbers] | None = None, digits: int = 16) -> None:
-        require(isinstance(target, str), f"target is the name of the target column, not {target!r}")
+        require(isinstance(target, str), f"target must be the name of the target column, not {target!r}")
         self.target, self.kind, self.constant, self.table = target, kind, constant, table
         self.missing, self.digits = dict(missing or {}), digits
         self.recodings: list[Recoding] = []
@@ -85,76 +86,83 @@ class Scorecard:
     def add(self, column: str, type: str, scores: Numbers, bounds: Numbers = (),
             values: Sequence[tuple[str, str]] = (), boolean: bool = False, *, coefficient: float = 1,
             label: str | None = None, number: int | None = None) -> int:
-        """Adds a recoding as a document holds it, by default with the last one's number plus 1; returns its number."""
+        """Adds a Recoding. Returns its number, by default the last one's plus 1."""
         number = number if number is not None else self.recodings[-1].number + 1 if self.recodings else 1
-        require(number not in self.coefficients, f"column {column!r}: the number {number} is given twice")
+        require(number not in self.coefficients, f"column {column!r}: the number {number} is used twice")
         recoding = Recoding(number, column, type, [*map(float, scores)], [*bounds], [*values], boolean, label or column)
         check(recoding)
         owner = self._names.setdefault(document.names(column)[document.VBA].casefold(), column)
-        require(owner == column, f"columns {owner!r} and {column!r} have one name in generated code")
+        require(owner == column, f"columns {owner!r} and {column!r} have the same name in generated code. Rename one")
         self.recodings.append(recoding)
         self.coefficients[number] = float(coefficient)
         return number
 
     def add_numeric(self, column: str, bounds: Numbers, scores: Numbers, *, closed: str, missing: float = 0.0,
                     data: Numbers | None = None, type: str = "Discretize", **options: Any) -> int:
-        """Adds a recoding of numbers and returns its number. bounds: n rising floats. scores: n + 1 floats, of the
-        intervals from below the first bound to above the last. missing: the score of missing cells. closed: the side on
-        which an interval holds its bound, "left" or "right"; document_bounds moves the bounds accordingly. With
-        "document" they stay as they are. data: values that the bounds were fitted on; each bound then becomes a short
-        number between two of them. options, here and below: coefficient (1), label (the column), number (the next)."""
-        require(closed in ("left", "right", "document"), f"column {column!r}: closed is 'left', 'right' or 'document'")
+        """Adds bins of numbers. Returns the recoding's number.
+
+        bounds: n increasing floats. scores: n + 1 floats, from below the first bound to above the last. closed: the
+        side on which a bin includes its bound, "left" or "right", for which bounds are moved, or "document", which
+        keeps them. missing: score of missing cells. data: values that the bounds were fitted on; each bound becomes a
+        short number between two of them. options, here and below: coefficient (1), label (the column), number."""
+        require(closed in ("left", "right", "document"),
+                f"column {column!r}: closed must be 'left', 'right' or 'document', not {closed!r}")
         require(len(scores) == len(bounds) + 1 and np.isfinite(bounds).all(),
                 f"column {column!r} must have n finite bounds and n + 1 scores: {bounds}, {scores}")
         if not len(bounds):
-            bounds, scores, closed = [0.0], [*scores, *scores], "left"  # any bound will do between equal scores
+            bounds, scores, closed = [0.0], [*scores, *scores], "left"  # between equal scores, any bound is right
         bounds, scores = document_bounds([*map(float, bounds)], [*scores], closed, self.digits, data, column)
         return self.add(column, type, [missing, *scores], bounds, **options)
 
     def add_categorical(self, column: str, scores: Mapping[Any, float], *, other: float = 0.0,
                         labels: Mapping[Any, str] | None = None, **options: Any) -> int:
-        """Adds a recoding of a list and returns its number. scores: a dictionary from each value to its score; a whole
-        number is taken as its digits. other: the score of empty and unlisted cells. labels: captions of values."""
-        require(not pd.isna([*scores]).any(), f"column {column!r}: NaN is no value; other is the score of empty cells")
+        """Adds a list. Returns the recoding's number.
+
+        scores: the score of each value; whole numbers are listed without decimals. other: score of empty and unlisted
+        cells. labels: labels of values, by default the values."""
+        require(not pd.isna([*scores]).any(), f"column {column!r}: NaN cannot be a value. Pass its score as other")
         values = [(cell_text(value), (labels or {}).get(value, cell_text(value))) for value in scores]
         return self.add(column, "MapValues", [other, *scores.values()], (), values, **options)
 
     def add_boolean(self, column: str, false: float, true: float, *, missing: float = 0.0,
                     spellings: tuple[Sequence[str], Sequence[str]] = SPELLINGS, labels: Mapping[str, str] | None = None,
                     **options: Any) -> int:
-        """Adds a recoding of a boolean and returns its number. false, true, missing: the scores. spellings: one to five
-        texts that mean false, and one to nine that mean true. labels: captions of spellings."""
+        """Adds a boolean. Returns the recoding's number.
+
+        false, true, missing: the scores. spellings: 1 to 5 values that mean false, and 1 to 9 that mean true. labels:
+        labels of these values, by default the values."""
         no, yes = [*spellings[0]], [*spellings[1]]
-        require(0 < len(no) < 6 and 0 < len(yes) < 10 and not {*no} & {*yes}, f"column {column!r}: {spellings=}")
+        require(0 < len(no) < 6 and 0 < len(yes) < 10 and not {*no} & {*yes},
+                f"column {column!r}: spellings must be 1 to 5 for false and 1 to 9 others for true, not {spellings}")
         values = [(value, (labels or {}).get(value, value)) for value in no + no[-1:] * (5 - len(no)) + yes]
         return self.add(column, "MapValues", [missing, false, true], (), values, True, **options)
 
     def range(self) -> tuple[float, float]:
-        """The lowest and the highest score that a row can have."""
+        """Returns the lowest and the highest score that a row can have."""
         ends = [np.multiply(self.coefficients[r.number], r.scores) for r in self.recodings]
         return self.constant + sum(map(min, ends)), self.constant + sum(map(max, ends))
 
     def checked_table(self) -> tuple[list[float], list[float]] | None:
-        """The table as it is written, with an end below the lowest score; raises what write does."""
+        """Checks the card. Returns the table as write ends it, below the lowest score."""
         require(self.recodings, "the card has no recodings")
-        require(sorted(self.coefficients) == sorted(r.number for r in self.recodings),
-                f"recodings and coefficients do not go together: {self.coefficients}")
+        numbers = sorted(r.number for r in self.recodings)
+        require(sorted(self.coefficients) == numbers, f"recodings {numbers} have coefficients {self.coefficients}")
         require(np.isfinite([*self.coefficients.values(), *self.range()]).all(), "a coefficient or score is not finite")
         columns = {r.column for r in self.recodings if r.type != "MapValues"}
         for column, codes in self.missing.items():
             require(column in columns, f"column {column!r} has missing codes, but no recoding of numbers")
             require(all(float(f"{code:.6g}") == code for code in codes) and np.isfinite(codes).all(),
-                    f"column {column!r}: generated code shows 6 digits of a missing code, which do not tell {codes}")
+                    f"column {column!r}: generated code rounds missing codes to 6 digits, which changes one of {codes}")
         if self.table is None:
             return None
         scores, probabilities = ([float(value) for value in values] for values in self.table)
         require(0 < len(scores) == len(probabilities) and np.isfinite(scores).all() and np.all(np.diff(scores) < 0) and
                 all(0 <= p <= 1 for p in probabilities),
-                f"a table has falling scores and as many probabilities from 0 to 1: {self.table}")
+                f"the table must have decreasing scores and as many probabilities from 0 to 1: {self.table}")
         return ended(scores, probabilities, self.range()[0])
 
     def score(self, frame: pd.DataFrame) -> pd.DataFrame:
-        """A frame's scores: a frame with the columns score and probability (NaN without table) and the same index."""
+        """Returns the columns score and probability (NaN without table) for a frame, with its index."""
         table, recodings = self.checked_table(), {recoding.number: recoding for recoding in self.recodings}
         score = np.full(len(frame), float(self.constant))
         for number, coefficient in self.coefficients.items():
@@ -165,17 +173,17 @@ class Scorecard:
         return pd.DataFrame({"score": score, "probability": probability}, index=frame.index)
 
     def write(self, path: str | os.PathLike[str]) -> None:
-        """Writes the document, with three additions that change no score: points that end the table below all scores,
-        each name under which a target looks for missing codes, and a sixth value in a list of five."""
+        """Writes the document, with additions that change no score: table points below all scores, each name under
+        which a target looks for missing codes, a sixth value in a list of five."""
         document.write(path, self, self.checked_table())
 
     @classmethod
     def read(cls, path: str | os.PathLike[str]) -> Scorecard:
-        """The scorecard of a document, without its key and the counts that preset controls of a page."""
+        """Returns the scorecard of a document, without its key and the counts that preset the page's controls."""
         card = cls()
         try:
             document.fill(card, document.parse(path))
-        except (ParseError, ValueError) as error:  # others are not the document's
+        except (ParseError, ValueError) as error:  # any other is a fault of the package
             raise ValueError(f"{path}: {error}") from None
         return card
 
@@ -184,12 +192,14 @@ class Scorecard:
                    coefficient: str | None = None, constant: float = 0.0, bounds: Mapping[str, Numbers] | None = None,
                    special: Mapping[str, Sequence[Any]] | None = None, separator: str | None = None,
                    offset: float = 0.0, factor: float = -1.0, digits: int = 16) -> Scorecard:
-        """The scorecard of a table with a row for each bin: a frame, or a dictionary from variables to frames or to
-        dictionaries from bins to scores. score, variable, bin and coefficient name columns; instead of bin there may be
-        lower and upper, of bins closed on the left. A bin is an interval such as [25, 40), values (an array, or texts
-        joined by separator: "%,%", or "," in dictionaries of bins), or missing, special or else. Without a row of
-        their own, unlisted values add what missing cells add, and these 0. Printed bounds are rounded; bounds holds
-        exact ones by variable, special the special codes. offset and factor are those of logistic_table."""
+        """Returns the scorecard of a table with a row for each bin.
+
+        table: a frame, or a dictionary from variables to frames or to dictionaries from bins to scores. score,
+        variable, bin, coefficient: titles of columns. A bin is an interval such as [25, 40), values (an array, or texts
+        joined by separator: "%,%", or "," in dictionaries of bins), or missing, special or else. Columns lower and
+        upper may replace it, for bins closed on the left. Unlisted values without a row score as missing cells, and
+        these, without a row, 0. bounds: exact bounds by variable, as printed ones are rounded. special: special codes
+        by variable. offset, factor: as in logistic_table."""
         nested = isinstance(table, Mapping) and all(isinstance(part, Mapping) for part in table.values())
         card = cls(target, constant=constant, digits=digits)
         titles = {"variable": variable, "bin": bin, "score": score, "coefficient": coefficient}
@@ -203,10 +213,11 @@ class Scorecard:
     def from_sklearn(cls, pipeline: Any, *, target: str, largest_error: float | None = None,
                      unlisted_as_missing: bool = False, data: pd.DataFrame | None = None,
                      digits: int = 16) -> Scorecard:
-        """The scorecard of a fitted pipeline of scikit-learn: a ColumnTransformer with KBinsDiscretizer (one-hot) and
-        OneHotEncoder, also after a SimpleImputer, then a LogisticRegression or LogisticRegressionCV of two classes. Its
-        score is that of decision_function, its probability that of the second class as logistic_table gives it. Cells
-        without a score in the pipeline (missing numbers, unlisted values) add 0; with unlisted_as_missing, unlisted
-        values add what empty cells add. data: the frame that the pipeline was fitted on; bounds then become short
-        numbers between its values, and columns of bool may pass through."""
+        """Returns the scorecard of a fitted scikit-learn pipeline, with its decision_function as score.
+
+        pipeline: a ColumnTransformer of KBinsDiscretizer (one-hot) and OneHotEncoder, also after a SimpleImputer, then
+        a LogisticRegression or LogisticRegressionCV of two classes; the probability is that of the second. Cells that
+        it gives no score add 0. unlisted_as_missing: score unlisted values as empty cells. data: the frame that the
+        pipeline was fitted on; bounds become short numbers between its values, and columns of bool may pass
+        through. largest_error: as in logistic_table."""
         return pipelines.fill(cls(target, digits=digits), pipeline, largest_error, unlisted_as_missing, data)

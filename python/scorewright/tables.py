@@ -1,4 +1,4 @@
-"""Tables from score to probability: falling scores and their probabilities, two lists of one length."""
+"""Probability tables: decreasing scores and their probabilities, two lists of one length."""
 
 from __future__ import annotations
 
@@ -18,8 +18,8 @@ def logistic(score):
 
 
 def ended(scores, probabilities, lowest):
-    """The table, continued in its last probability until its two last points, between which some targets write the
-    probability 0, lie below the lowest score."""
+    """The table, continued with its last probability until its two last table points are below the lowest score: some
+    targets give the probability 0 between them."""
     while len(scores) < 2 or not lowest > scores[-2]:
         scores.append(float(np.floor(min(lowest, scores[-1])) - 1))
         probabilities.append(probabilities[-1])
@@ -29,26 +29,25 @@ def ended(scores, probabilities, lowest):
 def logistic_table(largest_error: float | None = None, lowest: float = -1e6, highest: float = 1e6, *,
                    relative_error: float = 0.001, offset: float = 0.0,
                    factor: float = -1.0) -> tuple[list[float], list[float]]:
-    """The table of the probability p of a score, offset + factor * log((1 - p) / p), for scores from the lowest to the
-    highest. By default scores are log-odds of p. With a factor above 0 they are points, and a higher one is a lower
-    risk; of a card whose odds double every d points it is d / log(2).
+    """Returns the table of the probability p of a score, which is offset + factor * log((1 - p) / p).
 
-    Its straight lines stay within relative_error (1e-6 to 0.2) of the smaller of p and 1 - p, or 1e-12 where that is
-    more; with a largest_error (1e-7 to 0.2), within that of p. It has as few points as that takes, and one or two more
-    that end it below the lowest score. Scores must be finite. Raises ValueError."""
+    largest_error: tolerance for p (1e-7 to 0.2). By default, relative_error (1e-6 to 0.2) is the tolerance relative to
+    the smaller of p and 1 - p, or 1e-12 if that is more. The table has as few table points as possible, and one or two
+    more below the lowest score. lowest, highest: its finite scores. offset, factor: by default, scores are the log-odds
+    of p. A positive factor means that a higher score is a lower risk; if d points double the odds, it is d / log(2)."""
     error, relative = (1e-12, relative_error) if largest_error is None else (largest_error, 0.0)
     require(1e-6 <= relative <= 0.2 or relative == 0 and 1e-7 <= error <= 0.2,
-            f"largest_error is from 1e-7 to 0.2, relative_error from 1e-6: {largest_error}, {relative_error}")
-    require(-np.inf < lowest <= highest < np.inf, f"no finite scores from lowest to highest: {lowest}, {highest}")
-    require(factor and np.isfinite([offset, factor]).all(), f"no scores of offset {offset} and factor {factor}")
+            f"largest_error must be 1e-7 to 0.2, relative_error 1e-6 to 0.2: {largest_error}, {relative_error}")
+    require(-np.inf < lowest <= highest < np.inf, f"scores must be finite, lowest <= highest: {lowest}, {highest}")
+    require(factor and np.isfinite([offset, factor]).all(), f"offset {offset} or factor {factor} is not finite, or 0")
     ends = sorted([(offset - lowest) / factor, (offset - highest) / factor])
     points = sorted((float(offset - factor * odds), float(p)) for odds, p in logistic_points(error, relative, *ends))
     return ended([score for score, _ in points[::-1]], [p for _, p in points[::-1]], lowest)
 
 
 def logistic_points(error, relative, lowest, highest):
-    """Pairs of rising log-odds and probabilities, whose lines stay within the larger of the errors."""
-    error, relative = 0.999 * error, 0.999 * relative  # the rest is for what lies between the steps, and for rounding
+    """Increasing log-odds with probabilities; the lines between them stay within the larger of the two errors."""
+    error, relative = 0.999 * error, 0.999 * relative  # the rest allows for rounding, and for scores between the steps
 
     def band(x):
         return np.maximum(error, relative * logistic(-abs(x)))
@@ -57,7 +56,7 @@ def logistic_points(error, relative, lowest, highest):
         return [(lowest, (logistic(highest) + logistic(lowest)) / 2)]
     start, step = max(lowest - 0.01, -np.log(1 / (2 * error) - 1)), np.sqrt(max(0.04 * error, 0.002 * relative))
     points = [(start, logistic(start) - band(start))]
-    # Each line begins at an edge of the band around the curve and goes as far as it can stay in it, to the other edge.
+    # Each line starts on one edge of the band around the curve, and ends on the other, where it would leave the band.
     while points[-1][0] <= highest and points[-1][1] < 1 - error:
         (start, value), size, reached, x = points[-1], 128, 128, [lowest]
         while reached == size and x[-1] <= highest:
