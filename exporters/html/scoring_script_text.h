@@ -1,4 +1,4 @@
-// The fixed texts of the scoring script, in the order of the page; $name$ is a placeholder for fill().
+// The fixed texts of the scoring script, in page order; $name$ is a placeholder for fill().
 #pragma once
 
 inline constexpr char16_t scriptHead[] = uR"js(<script type="text/javascript">
