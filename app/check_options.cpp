@@ -121,7 +121,7 @@ constexpr Option options[] = {
     {u"differences", u"Write the rows that depart from the model to this CSV file.", set<&RowOptions::differences>,
      u"file", u"compare", Output},
     {u"tolerance", u"Tolerance for numeric differences (default 1e-9).", setTolerance, u"number", u"compare"},
-    {u"accept", u"Ignore these findings in the verdict. May be given several times.", setAccepted, u"list", {}, None, true},
+    {u"accept", u"Ignore these findings, and the rows that they explain, in the verdict. May be given several times.", setAccepted, u"list", {}, None, true},
     {u"quiet", u"Print only the verdict.", set<&Request::isQuiet>, {}, {}, None, true},
     {u"json", u"Print the report as JSON.", set<&Request::isJson>, {}, {}, None, true},
     {u"report", u"Write the report to this file, as an HTML page.", set<&Request::report>, u"file", {}, Output, true},
