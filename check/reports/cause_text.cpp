@@ -77,7 +77,7 @@ QString amountsText(const Cause &cause, const Recoding &recoding, QString &notat
     for (const auto &[position, amount] :
          std::span(cause.amounts).first(std::min(most, cause.amounts.size()))) {
         texts.append(
-            u"%1 by %2"_s.arg(valuesAt(recoding, position, notation), signedNumber(amount)));
+            u"%1 for %2"_s.arg(signedNumber(amount), valuesAt(recoding, position, notation)));
     }
     if (cause.amounts.size() > most) texts.append(u"…"_s);
     return texts.join(u", "_s);
@@ -110,7 +110,7 @@ QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &opti
     case Kind::Numbers:
         return mapsText(cause, options);
     case Kind::Points:
-        return u"other points of %1, %2"_s.arg(titleOf(recoding()),
+        return u"other points of %1: %2"_s.arg(titleOf(recoding()),
                                                amountsText(cause, recoding(), notation));
     case Kind::Coefficient:
         return u"a coefficient of %1 for %2"_s.arg(shortNumber(cause.coefficient),
