@@ -4,6 +4,7 @@
 #include "check/rows/suspicion.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -26,11 +27,10 @@ PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
     ScoreRange shared = {-HUGE_VAL, HUGE_VAL};
     for (std::size_t i = 0; i < positions.size(); ++i) {
         const PositionRows &rows = positions[i];
-        const std::int64_t equal = all[i] - rows.others - rows.agree - rows.disagree;
-        const std::int64_t against = rows.disagree + (c.options.hasScore() ? equal : 0);
+        const std::int64_t compared = c.options.hasScore() ? all[i] - rows.others : rows.differing;
         reached += all[i] > rows.others ? 1 : 0;
         const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
-        if (rows.agree == 0 || !isMoved || 9 * against > rows.agree) continue;
+        if (rows.agree == 0 || !isMoved || 10 * rows.agree < 9 * compared) continue;
         fit.rows += rows.agree;
         fit.amounts.emplace_back(i, shortestIn(rows.amount));
         fit.ranges.push_back(rows.amount);
@@ -186,22 +186,19 @@ void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow
     }
     const bool isKept = row && c.differing.size() < mostLookedAt;
     if (isKept) c.differing.push_back(*row);
-    const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{0, 0};
+    const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{HUGE_VAL, -HUGE_VAL};
+    const bool isAmount = amount.least <= amount.most;
     for (std::size_t i = 0; i < recoded.size(); ++i) {
         PositionRows &rows = c.positionRows[i][recoded[i].position];
-        const ScoreRange both = common(rows.amount, amount);
-        if (!isKept) {
-            ++rows.others;
-        } else if (both.least <= both.most) {
+        ++(isKept ? rows.differing : rows.others);
+        const ScoreRange both = isAmount ? common(rows.amount, amount) : amount;
+        if (both.least <= both.most) {
             rows.amount = both;
             ++rows.agree;
             ++rows.votes;
-        } else if (rows.votes > 0 || amount.least > amount.most) {
-            rows.votes = std::max<std::int64_t>(rows.votes - 1, 0);
-            ++rows.disagree;
-        } else {
+        } else if (isAmount && rows.votes-- == 0) {
             rows.amount = amount;
-            rows.disagree += std::exchange(rows.agree, 1);
+            rows.agree = 1;
             rows.votes = 1;
         }
     }
@@ -229,11 +226,18 @@ std::vector<double> changesBeside(const Scorecard &card, std::size_t column, con
 bool isRightByLastDigit(const Comparison &c, std::span<const CellFacts *const> cells, double score,
                         const Prediction &found) {
     constexpr std::size_t mostBeside = 6; // columns, of whose cells all combinations are tried
-    std::vector<const std::vector<double> *> columns;
+    std::array<const std::vector<double> *, mostBeside> columns{};
+    std::size_t count = 0;
+    double reach = 0;
     for (const CellFacts *const cell : cells) {
-        if (!cell->beside.empty() && columns.size() < mostBeside) columns.push_back(&cell->beside);
+        if (cell->beside.empty() || count == mostBeside) continue;
+        columns[count++] = &cell->beside;
+        for (const double change : cell->beside) reach += std::abs(change);
     }
-    return !columns.empty() && isRightBeside(c, columns, score, found);
+    const double slack = c.options.tolerance * std::max(1.0, std::abs(score) + reach);
+    const bool isInReach =
+        !c.options.hasScore() || std::abs(found.score - score) <= reach + 2 * slack;
+    return count > 0 && isInReach && isRightBeside(c, std::span(columns).first(count), score, found);
 }
 
 std::vector<Cause> causesOf(const Comparison &c,

@@ -66,10 +66,10 @@ struct DifferingRow {
 
 // The rows of one position of a recoding that are not as the model says.
 struct PositionRows {
-    std::int64_t others = 0; // that are explained or have no result
-    std::int64_t agree = 0;  // that may differ by any amount within `amount`, without explanation
-    std::int64_t disagree = 0;
-    std::int64_t votes = 0; // for the amount, of which that of most rows stays
+    std::int64_t others = 0;    // that are explained or have no result
+    std::int64_t differing = 0; // without explanation
+    std::int64_t agree = 0;     // of these, that may differ by any amount within `amount`
+    std::int64_t votes = 0;     // for the amount, of which that of most rows stays
     ScoreRange amount = {-HUGE_VAL, HUGE_VAL};
 };
 

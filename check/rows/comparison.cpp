@@ -17,15 +17,13 @@ constexpr double singleProbability = 1e-6; // that 32 bits hold
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
 
-// The deviations that are not up to the cells.
-std::vector<FindingId> alwaysOf(const Comparison &c, std::span<const Finding> findings) {
-    std::vector<FindingId> always;
+// The deviations that no cell decides.
+FindingSet alwaysOf(const Comparison &c, std::span<const Finding> findings) {
+    FindingSet always;
     for (const Finding &finding : findings) {
         const Targets simulated = finding.targets & kindOf(finding.id).simulated;
-        if ((simulated & only(c.options.target)) == 0) continue;
         const bool isOfCell = finding.countsRows() && finding.recoding >= 0;
-        const bool isKnown = std::ranges::find(always, finding.id) != always.end();
-        if (!isOfCell && !isKnown) always.push_back(finding.id);
+        if ((simulated & only(c.options.target)) != 0 && !isOfCell) always.add(finding.id);
     }
     return always;
 }
@@ -320,9 +318,8 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     }
     const bool isReadable = found.cells == ResultCells::Numbers;
     const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;
-    const Deviations none = {{}, c.options.target, c.options.sql};
     if (found.cells != ResultCells::NoNumber &&
-        (matches(c, facts.expected, numbers) || fits(c, facts.recoded, none, numbers))) {
+        (matches(c, facts.expected, numbers) || fits(c, facts.recoded, c.options.deviations(), numbers))) {
         ++c.result.equal;
         return;
     }

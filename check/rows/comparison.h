@@ -39,6 +39,7 @@ struct RowOptions {
     }
     bool hasScore() const { return !score.isEmpty(); }
     bool hasProbability() const { return !probability.isEmpty(); }
+    Deviations deviations(const FindingSet &findings = {}) const { return {findings, target, sql}; }
 };
 
 // A row without explanation, as it is shown.
@@ -136,7 +137,7 @@ struct Comparison {
     CsvWriter out = {};                 // of the differences
     std::deque<DifferingRow> differing = {};                  // rows without explanation
     std::vector<std::vector<PositionRows>> positionRows = {}; // by recodings
-    std::vector<FindingId> always = {}; // may explain any row; what cells decide is not among them
+    FindingSet always = {};             // may explain any row; what cells decide is not in it
     bool hasAlikeNames = false;         // columns of the target whose names become the same
     std::vector<ColumnTests> tests = {};
     std::vector<std::vector<double>> pointsOfColumns =

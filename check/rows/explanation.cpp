@@ -57,9 +57,8 @@ std::vector<CellChoice> choicesByName(const Search &s, std::size_t column) {
         meant.push_back(s.facts.recoded[i]);
         named.push_back(recode(recoding, *cells.back()));
     }
-    const Deviations deviations = {{}, s.c.options.target, s.c.options.sql};
-    std::vector<CellChoice> choices =
-        choicesOf(s.c.card, s.c.tests[column], column, cells, named, deviations);
+    std::vector<CellChoice> choices = choicesOf(s.c.card, s.c.tests[column], column, cells, named,
+                                                s.c.options.deviations());
     choices.push_back({{}, named, allVariants});
     for (CellChoice &choice : choices) choice.findings.add(NamesAlike);
     std::erase_if(choices, [&](const CellChoice &choice) {
@@ -90,8 +89,7 @@ void openColumns(Search &s) {
 }
 
 void findPossible(Search &s) {
-    FindingSet set;
-    for (const FindingId id : s.c.always) set.add(id);
+    FindingSet set = s.c.always;
     for (const OpenColumn &column : s.open) {
         for (const CellChoice &choice : column.choices) set.add(choice.findings);
     }
@@ -139,8 +137,7 @@ bool turnVariants(Variants &variants, const FindingSet &set, Target target) {
 // The wheels of the set; none where the set has a finding that has no part in any of them.
 std::vector<Wheel> wheelsOf(Search &s, const FindingSet &set, const Variants &variants) {
     std::vector<Wheel> wheels;
-    FindingSet used;
-    for (const FindingId id : s.c.always) used.add(id);
+    FindingSet used = s.c.always;
     for (const OpenColumn &column : s.open) {
         Wheel wheel = {&column, {}};
         for (const CellChoice &choice : column.choices) {
@@ -243,14 +240,12 @@ Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
 }
 
 Fit fitOf(Search &s, const FindingSet &set) {
-    FindingSet always;
-    for (const FindingId id : s.c.always) always.add(id);
-    const Deviations deviations = {set, s.c.options.target, s.c.options.sql};
+    const Deviations deviations = s.c.options.deviations(set);
     Fit best = Fit::None;
     Variants variants{};
     do {
         std::vector<Wheel> wheels = wheelsOf(s, set, variants);
-        if (wheels.empty() && !set.isWithin(always)) continue;
+        if (wheels.empty() && !set.isWithin(s.c.always)) continue;
         s.recoded.assign(s.facts.recoded.begin(), s.facts.recoded.end());
         best = std::max(best, fitOf(s, deviations, wheels));
     } while (best != Fit::Whole && turnVariants(variants, set, deviations.target));

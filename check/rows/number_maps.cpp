@@ -157,11 +157,10 @@ std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
 
 // The scores that may have the result's probability; a single one where the model is logistic.
 ScoreRange scoresBehind(const Comparison &c, const Prediction &found) {
-    const Deviations none = {{}, c.options.target, c.options.sql};
     const double tolerance = toleranceOf(c);
     const double p = found.probability;
     if (c.card.table.exists || !(p > tolerance && p < 1 - tolerance)) {
-        return scoresWithProbability(c.card, p, tolerance, none);
+        return scoresWithProbability(c.card, p, tolerance, c.options.deviations());
     }
     const auto inverse = [](double q) { return std::log(q / (1 - q)); };
     return {inverse(p - tolerance), inverse(p + tolerance)};
@@ -311,7 +310,7 @@ ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
         return wouldBeRight(c, row.found.score, row.found) ||
                (hasPointBeside(c.card, row.found.score, slack) &&
                 hasProbabilityNear(c.card, row.found.score, slack, row.found.probability,
-                                   toleranceOf(c), {{}, c.options.target, c.options.sql}));
+                                   toleranceOf(c), c.options.deviations()));
     };
     if (!std::isfinite(amount) || (c.options.hasProbability() && !isProbable())) return none;
     return {amount - slack, amount + slack};
@@ -332,6 +331,7 @@ bool speaksFor(std::int64_t rows, std::size_t of, double share) {
 std::vector<Cause> mapsOf(const Comparison &c) {
     std::vector<Cause> causes;
     std::vector<const DifferingRow *> rest;
+    rest.reserve(c.differing.size());
     for (const DifferingRow &row : c.differing) rest.push_back(&row);
     while (!rest.empty() && causes.size() < mostCauses) {
         Sample sample = {c};

@@ -169,7 +169,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     if (options.results.isEmpty()) return;
     const std::vector<const Cell *> cells(judged.recoded.size(), &judged.facts.cell);
     judged.facts.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
-                                     {{}, options.target, options.sql});
+                                     options.deviations());
     judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell, judged.recoded);
 }
 

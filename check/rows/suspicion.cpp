@@ -1,6 +1,7 @@
 #include "check/rows/suspicion.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -114,13 +115,10 @@ bool isLeading(const Comparison &c, const Suspicion &suspicion, std::int64_t row
 bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
     if (c.options.hasScore() && !isNear(c, score, found.score)) return false;
     if (!c.options.hasProbability()) return true;
-    Deviations always = {{}, c.options.target, c.options.sql};
-    const auto isRight = [&] {
-        return isNear(c, probabilityOf(c.card, score, always), found.probability);
-    };
-    if (isRight()) return true;
-    for (const FindingId id : c.always) always.findings.add(id);
-    return isRight();
+    return std::ranges::any_of(std::array{FindingSet(), c.always}, [&](const FindingSet &findings) {
+        const Deviations deviations = c.options.deviations(findings);
+        return isNear(c, probabilityOf(c.card, score, deviations), found.probability);
+    });
 }
 
 void suspect(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
