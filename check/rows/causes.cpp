@@ -3,6 +3,8 @@
 #include "check/rows/number_maps.h"
 #include "check/rows/suspicion.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -140,19 +142,13 @@ Cause orderOf(const Comparison &c) {
 // Titles that both files have, but for those of the model and of the results' numbers.
 QStringList keysOf(const Comparison &c, const CsvReader &rows) {
     constexpr qsizetype most = 3;
-    QStringList keys;
-    QStringList others = {c.options.score, c.options.probability};
-    const QStringList titles = rows.titlesOfFile();
-    for (const QString &column : c.card.columns) others.append(column);
-    others.sort();
-    QStringList theirs = c.reader.titlesOfFile();
-    theirs.sort();
-    for (const QString &title : titles) {
-        const bool isOther = std::ranges::binary_search(others, title);
-        if (isOther || title.isEmpty() || !std::ranges::binary_search(theirs, title)) continue;
-        if (keys.size() < most) keys.push_back(title);
-    }
-    return keys;
+    const QStringList titles = c.reader.titlesOfFile();
+    QSet<QString> possible(titles.begin(), titles.end());
+    possible -= {c.options.score, c.options.probability, QString()};
+    for (const QString &column : c.card.columns) possible.remove(column);
+    QStringList keys = rows.titlesOfFile();
+    keys.removeIf([&](const QString &title) { return !possible.contains(title); });
+    return keys.first(std::min(most, keys.size()));
 }
 
 std::vector<Cause> joinsOf(const Comparison &c) {

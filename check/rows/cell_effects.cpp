@@ -24,25 +24,23 @@ struct Outcomes {
     }
 };
 
-// The findings that may change one of the cells; cellOf(rank) is what a recoding of the column
-// reads. Most cells are changed by none, and cost no memory here.
-template <typename CellOf>
+// The findings that may change one of the cells. Most cells are changed by none, and cost no memory
+// here.
 std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, CellOf cellOf, const Deviations &target) {
+                                  std::size_t column, Cells cells, const Deviations &target) {
     const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     std::vector<FindingId> ids;
     for (const FindingId id : tests.simulated[static_cast<std::size_t>(target.target)]) {
         bool isConcerned = false;
         for (std::size_t rank = 0; rank < recodings.size() && !isConcerned; ++rank) {
-            isConcerned = concerns(id, card.recodings[recodings[rank]], cellOf(rank), target);
+            isConcerned = concerns(id, card.recodings[recodings[rank]], *cells[rank], target);
         }
         if (isConcerned && ids.size() < mostCombined) ids.push_back(id);
     }
     return ids;
 }
 
-template <typename CellOf>
-Outcomes outcomesOf(const Scorecard &card, std::size_t column, CellOf cellOf,
+Outcomes outcomesOf(const Scorecard &card, std::size_t column, Cells cells,
                     std::vector<FindingId> ids, Deviations deviations) {
     const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     Outcomes outcomes = {.ids = std::move(ids)};
@@ -51,7 +49,7 @@ Outcomes outcomesOf(const Scorecard &card, std::size_t column, CellOf cellOf,
         deviations.findings = outcomes.setOf(mask);
         for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
             outcomes.ofMask[mask].push_back(
-                recode(card.recodings[recodings[rank]], cellOf(rank), deviations));
+                recode(card.recodings[recodings[rank]], *cells[rank], deviations));
         }
     }
     return outcomes;
@@ -157,25 +155,24 @@ std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const F
 }
 
 CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::size_t column,
-                        const Cell &cell, std::span<const Recoded> meant, const SqlReading &sql) {
+                        Cells cells, std::span<const Recoded> meant, const SqlReading &sql) {
     CellFindings affecting;
     if (tests.tests.empty()) return affecting;
     for (const CellTest &test : tests.tests) {
-        const bool isAffected = isAffectedAnyhow(card, column, test, cell, meant);
+        const bool isAffected = isAffectedAnyhow(card, column, test, *cells[0], meant);
         if (isAffected) affecting.alone.push_back(test.finding);
     }
-    const auto cellOf = [&](std::size_t /*rank*/) -> const Cell & { return cell; };
     for (std::size_t i = 0; i < targetCount; ++i) {
         if (tests.simulated[i].empty()) continue;
         const auto target = static_cast<Target>(i);
         Deviations deviations = {{}, target, sql};
-        std::vector<FindingId> ids = concerning(card, tests, column, cellOf, deviations);
+        std::vector<FindingId> ids = concerning(card, tests, column, cells, deviations);
         if (ids.empty()) continue;
         // Servers differ in how they compare texts; what the dialect's own does counts.
         const int variants = target == Target::Sql ? 1 : mostVariants(ids, target);
         for (int variant = 0; variant < variants; ++variant) {
             deviations.variant = variant;
-            const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
+            const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
             for (const CellTest &test : tests.tests) {
                 if ((test.targets & only(target)) == 0) continue;
                 if (isMovedAlone(outcomes, test.id, test.rank)) {
@@ -195,17 +192,16 @@ CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::si
 }
 
 std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, std::span<const Cell *const> cells,
+                                  std::size_t column, Cells cells,
                                   std::span<const Recoded> meant, const Deviations &target) {
     std::vector<CellChoice> choices;
-    const auto cellOf = [&](std::size_t rank) -> const Cell & { return *cells[rank]; };
-    const std::vector<FindingId> ids = concerning(card, tests, column, cellOf, target);
+    const std::vector<FindingId> ids = concerning(card, tests, column, cells, target);
     if (ids.empty()) return choices;
     Deviations deviations = target;
     for (int variant = 0; variant < mostVariants(ids, target.target); ++variant) {
         deviations.variant = variant;
         const unsigned bit = 1U << static_cast<unsigned>(variant);
-        const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
+        const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
         for (std::size_t mask = 1; mask < outcomes.ofMask.size(); ++mask) {
             const Outcome &outcome = outcomes.ofMask[mask];
             if (std::ranges::equal(outcome, meant, std::not_fn(differ))) continue;

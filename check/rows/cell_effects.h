@@ -41,12 +41,14 @@ struct CellFindings {
     std::vector<std::size_t> alone;
     std::vector<std::size_t> together;
 };
+// The cell that each recoding of a column reads: the same one, unless columns become the same.
+using Cells = std::span<const Cell *const>;
 // `meant` is what the model makes of the cell.
 CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::size_t column,
-                        const Cell &cell, std::span<const Recoded> meant, const SqlReading &sql);
+                        Cells cells, std::span<const Recoded> meant, const SqlReading &sql);
 
 // All that the cells may become in the target, other than meant: for each outcome the smallest sets
-// of findings. `cells` has the cell that each recoding of the column reads.
+// of findings.
 std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, std::span<const Cell *const> cells,
-                                  std::span<const Recoded> meant, const Deviations &target);
+                                  std::size_t column, Cells cells, std::span<const Recoded> meant,
+                                  const Deviations &target);

@@ -127,11 +127,7 @@ void countUnreadable(Comparison &c, const Cell &cell) {
 void putDifference(Comparison &c, std::string_view key, std::int64_t row,
                    const Prediction &expected, const Prediction &found, std::string_view reason) {
     if (!c.out.isOpen()) return;
-    if (c.options.key.isEmpty()) {
-        c.out.put(row);
-    } else {
-        c.out.put(key);
-    }
+    putKey(c.out, c.options, key, row);
     for (const Prediction &numbers : {expected, found}) {
         c.out.put(numbers.score);
         c.out.put(numbers.probability);
@@ -288,17 +284,27 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
 }
 
 QString openDifferences(Comparison &c, char delimiter) {
-    const RowOptions &options = c.options;
-    if (options.differences.isEmpty()) return {};
-    QString problem = c.out.open(options.differences, delimiter);
+    return openOutput(c.out, c.options.differences, delimiter, c.options,
+                      {"score", "probability", "result_score", "result_probability", "reason"});
+}
+
+QString openOutput(CsvWriter &out, const QString &fileName, char delimiter,
+                   const RowOptions &options, std::initializer_list<std::string_view> titles) {
+    if (fileName.isEmpty()) return {};
+    QString problem = out.open(fileName, delimiter);
     if (!problem.isEmpty()) return problem;
-    c.out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
-    for (const std::string_view title :
-         {"score", "probability", "result_score", "result_probability", "reason"}) {
-        c.out.put(title);
-    }
-    c.out.endRow();
+    out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
+    for (const std::string_view title : titles) out.put(title);
+    out.endRow();
     return {};
+}
+
+void putKey(CsvWriter &out, const RowOptions &options, std::string_view key, std::int64_t row) {
+    if (options.key.isEmpty()) {
+        out.put(row);
+    } else {
+        out.put(key);
+    }
 }
 
 void compareRow(Comparison &c, const RowFacts &facts) {

@@ -155,6 +155,12 @@ struct Comparison {
 QString openResults(Comparison &comparison, std::span<const Finding> findings);
 // Opens the file of differences if one is asked for. Returns an error message; empty on success.
 QString openDifferences(Comparison &comparison, char delimiter);
+// Opens an output with a row for each row, and writes its titles: that of the key, and these. No
+// file name is no error. Returns an error message; empty on success.
+QString openOutput(CsvWriter &out, const QString &fileName, char delimiter,
+                   const RowOptions &options, std::initializer_list<std::string_view> titles);
+// Writes the first cell of such a row.
+void putKey(CsvWriter &out, const RowOptions &options, std::string_view key, std::int64_t row);
 void compareRow(Comparison &comparison, const RowFacts &facts);
 // To be called after the last row, with the rows by recodings and positions. Returns an error
 // message; empty on success.

@@ -6,8 +6,8 @@
 #include <QString>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
-#include <vector>
 
 class CsvWriter {
 public:
@@ -25,14 +25,14 @@ public:
     QString close();
 
 private:
-    char *roomFor(std::size_t size);
     void putDelimiter();
+    template <typename Number>
+    void putNumber(Number number);
     void flush();
 
     QString name;
     char delimiter = ',';
     bool isInRow = false;
     OutputFile file;
-    std::vector<char> text;
-    std::size_t used = 0;
+    std::string text; // that is not written yet
 };

@@ -71,7 +71,7 @@ void openColumns(Search &s) {
     const Scorecard &card = s.c.card;
     const auto target = static_cast<std::size_t>(s.c.options.target);
     for (std::size_t i = 0; i < card.columns.size(); ++i) {
-        OpenColumn column = {.column = i};
+        OpenColumn column = {.column = i, .choices = s.facts.cells[i]->choices};
         const bool isNamed = s.c.hasAlikeNames &&
                              std::ranges::any_of(card.recodingsOf[i], [&](std::size_t recoding) {
                                  return card.recodings[recoding].lastAlike[target] != i;
@@ -79,12 +79,9 @@ void openColumns(Search &s) {
         if (isNamed) {
             column.named = s.facts.cells[i]->choices;
             std::ranges::copy(choicesByName(s, i), std::back_inserter(column.named));
+            column.choices = column.named;
         }
-        if (column.named.empty() && s.facts.cells[i]->choices.empty()) continue;
-        column.choices = s.facts.cells[i]->choices;
-        s.open.push_back(std::move(column));
-        OpenColumn &kept = s.open.back();
-        if (!kept.named.empty()) kept.choices = kept.named;
+        if (!column.choices.empty()) s.open.push_back(std::move(column));
     }
 }
 

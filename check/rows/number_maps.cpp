@@ -180,15 +180,6 @@ void addAmountsBehind(Sample &sample) {
     }
 }
 
-// Whether it makes enough of the sample right to be worth a closer look.
-bool isWorthTrying(const Sample &sample, const NumberMap &map, bool isScore) {
-    const auto isRight = [&](const DifferingRow *row) {
-        return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
-    };
-    const auto right = std::ranges::count_if(sample.rows, isRight);
-    return static_cast<double>(right) >= leastShare * static_cast<double>(sample.rows.size());
-}
-
 void findMaps(Sample &sample) {
     const RowOptions &options = sample.c.options;
     const bool hasProbability = sample.c.card.hasProbability();
@@ -205,8 +196,12 @@ void findMaps(Sample &sample) {
                                               {.form = Form::Logistic, .times = -1, .rank = 2}};
     const auto keepWorthy = [&](std::vector<NumberMap> &maps, bool isScore) {
         std::erase_if(maps, [&](const NumberMap &map) {
+            const auto isRight = [&](const DifferingRow *row) {
+                return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
+            };
             const bool lacksOther = map.form == Form::Other && !hasProbability;
-            return lacksOther || !isWorthTrying(sample, map, isScore);
+            return lacksOther ||
+                   !speaksFor(std::ranges::count_if(sample.rows, isRight), sample.rows.size());
         });
     };
     if (options.hasScore()) {
@@ -228,7 +223,7 @@ void findMaps(Sample &sample) {
         keepWorthy(sample.probabilities, false);
     }
     for (auto *const maps : {&sample.scores, &sample.probabilities}) {
-        if (maps->empty()) maps->push_back({.rank = 100}); // is not compared, or fits nothing
+        if (maps->empty()) maps->push_back({}); // is not compared, or fits nothing
     }
 }
 
@@ -240,7 +235,7 @@ bool isRight(const Comparison &c, const Cause &cause, const DifferingRow &row) {
 
 // How many rows have to speak for the maps: more than they were made of.
 std::int64_t neededFor(const Cause &cause) {
-    const bool isLine = cause.score.rank % 100 >= 8 || cause.probability.rank % 100 >= 8;
+    const bool isLine = cause.score.rank >= 8 || cause.probability.rank >= 8;
     return isPlain(cause) ? 1 : isLine ? leastRows + 1 : leastRows;
 }
 
@@ -321,7 +316,7 @@ ScoreRange common(const ScoreRange &a, const ScoreRange &b) {
 }
 
 bool isPlain(const Cause &cause) {
-    return cause.score.rank % 100 < 2 && cause.probability.rank % 100 < 2;
+    return cause.score.rank < 2 && cause.probability.rank < 2;
 }
 
 bool speaksFor(std::int64_t rows, std::size_t of, double share) {

@@ -164,10 +164,9 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     }
     const ColumnTests &tests = scorer.columnTests[column];
     const RowOptions &options = scorer.options;
-    judged.findings =
-        findingsOf(scorer.card, tests, column, judged.facts.cell, judged.recoded, options.sql);
-    if (options.results.isEmpty()) return;
     const std::vector<const Cell *> cells(judged.recoded.size(), &judged.facts.cell);
+    judged.findings = findingsOf(scorer.card, tests, column, cells, judged.recoded, options.sql);
+    if (options.results.isEmpty()) return;
     judged.facts.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
                                      options.deviations());
     judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell, judged.recoded);
@@ -253,11 +252,7 @@ void countScore(RowCounts &counts, double score) {
 
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
     CsvWriter &out = scorer.out;
-    if (scorer.keyAt == noPosition) {
-        out.put(scorer.reader.row);
-    } else {
-        out.put(key);
-    }
+    putKey(out, scorer.options, key, scorer.reader.row);
     out.put(prediction.score);
     out.put(prediction.probability);
     out.endRow();
@@ -302,15 +297,8 @@ QString start(RowScorer &scorer) {
         scorer.mark = delimiter == ',' ? DecimalMark::Either : DecimalMark::Comma;
     }
     problem = openDifferences(scorer.comparison, delimiter);
-    if (!problem.isEmpty() || options.scores.isEmpty()) return problem;
-    CsvWriter &out = scorer.out;
-    problem = out.open(options.scores, delimiter);
     if (!problem.isEmpty()) return problem;
-    out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
-    out.put("score");
-    out.put("probability");
-    out.endRow();
-    return {};
+    return openOutput(scorer.out, options.scores, delimiter, options, {"score", "probability"});
 }
 
 FileRead readBy(const CsvReader &reader) {
