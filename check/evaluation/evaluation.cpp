@@ -81,12 +81,13 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
     return found == inner.end() ? 0 : static_cast<std::size_t>(found - inner.begin()) + 2;
 }
 
-// Whether a number is so near to a bound that fewer digits or bits may part them.
+// Whether two numbers are so near that fewer digits or bits may make them equal.
+bool areNear(double a, double b, double share) {
+    return std::abs(a - b) <= share * std::max(std::abs(a), std::abs(b)) + smallestSingle;
+}
+
 bool isNearBound(const Recoding &recoding, double value) {
-    const auto isNear = [&](double bound) {
-        return std::abs(value - bound) <=
-               1e-6 * std::max(std::abs(bound), std::abs(value)) + smallestSingle;
-    };
+    const auto isNear = [&](double bound) { return areNear(value, bound, 1e-6); };
     if (!recoding.isRising) return std::ranges::any_of(recoding.x, isNear);
     const auto above = std::ranges::lower_bound(recoding.x, value);
     return (above != recoding.x.end() && isNear(*above)) ||
@@ -94,10 +95,7 @@ bool isNearBound(const Recoding &recoding, double value) {
 }
 
 bool isNearCode(const Recoding &recoding, double value, Target target) {
-    const auto isNear = [&](double code) {
-        return std::abs(value - code) <=
-               1e-5 * std::max(std::abs(code), std::abs(value)) + smallestSingle;
-    };
+    const auto isNear = [&](double code) { return areNear(value, code, 1e-5); };
     return std::ranges::any_of(recoding.codes, isNear) ||
            std::ranges::any_of(recoding.codesOfTarget[static_cast<std::size_t>(target)], isNear);
 }
@@ -343,6 +341,16 @@ Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &dev
         score = withDigits(score, 6);
     }
     return {static_cast<std::uint32_t>(position), score};
+}
+
+double pointsOf(const Scorecard &card, std::size_t column, const Cell &cell) {
+    double points = 0;
+    for (const std::size_t i : card.recodingsOf[column]) {
+        const Recoding &recoding = card.recodings[i];
+        if (recoding.coefficient == 0) continue; // the score may be infinite
+        points += recoding.coefficient * recode(recoding, cell).score;
+    }
+    return points;
 }
 
 bool concerns(FindingId id, const Recoding &recoding, const Cell &cell,

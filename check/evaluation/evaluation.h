@@ -39,6 +39,9 @@ struct Prediction {
 
 Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations = {});
 
+// What the column adds to the score if it has this cell.
+double pointsOf(const Scorecard &card, std::size_t column, const Cell &cell);
+
 // Whether the deviation can change what becomes of the cell, alone or together with others. True
 // for some cells that it leaves alone: a quick test before recode() is asked.
 bool concerns(FindingId id, const Recoding &recoding, const Cell &cell,

@@ -14,17 +14,11 @@ namespace {
 
 // --- Positions
 
-struct PointsFit {
-    std::int64_t rows = 0;
-    std::vector<std::pair<std::size_t, double>> amounts = {};
-    std::vector<ScoreRange> ranges = {};
-};
-
 // The amounts by which the positions of a recoding differ, each in all of its rows. A probability
 // alone may be right although its score is off.
-PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
-                std::span<const std::int64_t> all) {
-    PointsFit fit;
+Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int64_t> all) {
+    const std::span<const PositionRows> positions = c.positionRows[recoding];
+    Cause fit = {.kind = Cause::Kind::Points, .recoding = recoding};
     std::size_t reached = 0;
     ScoreRange shared = {-HUGE_VAL, HUGE_VAL};
     for (std::size_t i = 0; i < positions.size(); ++i) {
@@ -35,7 +29,6 @@ PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
         if (rows.agree == 0 || !isMoved || 10 * rows.agree < 9 * compared) continue;
         fit.rows += rows.agree;
         fit.amounts.emplace_back(i, shortestIn(rows.amount));
-        fit.ranges.push_back(rows.amount);
         shared = common(shared, rows.amount);
     }
     // The same amount everywhere says nothing about the recoding; a probability that is right may
@@ -47,8 +40,9 @@ PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
 }
 
 // The coefficient with which all positions that rows reach differ as they do; NaN if none does.
-double coefficientOf(const Recoding &recoding, std::span<const PositionRows> positions,
-                     std::span<const std::int64_t> all, const PointsFit &fit) {
+double coefficientOf(const Comparison &c, const Cause &fit, std::span<const std::int64_t> all) {
+    const Recoding &recoding = c.card.recodings[fit.recoding];
+    const std::span<const PositionRows> positions = c.positionRows[fit.recoding];
     ScoreRange change = {-HUGE_VAL, HUGE_VAL};
     std::size_t next = 0; // of the amounts
     for (std::size_t i = 0; i < positions.size(); ++i) {
@@ -56,7 +50,8 @@ double coefficientOf(const Recoding &recoding, std::span<const PositionRows> pos
         const bool isMoved = next < fit.amounts.size() && fit.amounts[next].first == i;
         if (all[i] > positions[i].others && isMoved != (y != 0)) return noNumber;
         if (!isMoved) continue;
-        const auto [a, b] = std::minmax({fit.ranges[next].least / y, fit.ranges[next].most / y});
+        const ScoreRange &amount = positions[i].amount;
+        const auto [a, b] = std::minmax({amount.least / y, amount.most / y});
         change = common(change, {a, b});
         ++next;
     }
@@ -68,14 +63,11 @@ std::vector<Cause> pointsOf(const Comparison &c,
                             std::span<const std::vector<std::int64_t>> positions) {
     std::vector<Cause> causes;
     for (std::size_t i = 0; i < c.positionRows.size(); ++i) {
-        const PointsFit fit = fitOf(c, c.positionRows[i], positions[i]);
-        const auto evidence = fit.rows - std::ssize(fit.amounts);
-        const bool isLikely = 2 * fit.rows > std::ssize(c.differing);
+        Cause cause = fitOf(c, i, positions[i]);
+        const auto evidence = cause.rows - std::ssize(cause.amounts);
+        const bool isLikely = 2 * cause.rows > std::ssize(c.differing);
         if (evidence < leastRows - 1 || !isLikely) continue;
-        Cause cause = {.kind = Cause::Kind::Points, .rows = fit.rows, .recoding = i};
-        cause.amounts = fit.amounts;
-        cause.coefficient =
-            coefficientOf(c.card.recodings[i], c.positionRows[i], positions[i], fit);
+        cause.coefficient = coefficientOf(c, cause, positions[i]);
         if (!std::isnan(cause.coefficient)) cause.kind = Cause::Kind::Coefficient;
         causes.push_back(cause);
     }
@@ -84,7 +76,6 @@ std::vector<Cause> pointsOf(const Comparison &c,
         const bool isPoints = cause.kind == Cause::Kind::Points;
         return std::pair(-cause.rows, isPoints ? cause.amounts.size() : 1);
     });
-    if (causes.size() > mostCauses) causes.resize(mostCauses);
     return causes;
 }
 
@@ -200,20 +191,13 @@ void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow
     }
 }
 
-std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell,
-                                  std::span<const Recoded> meant) {
+std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell) {
     std::vector<double> changes;
     if (!cell.isNumber || !std::isfinite(cell.number)) return changes;
     for (const double to : {-HUGE_VAL, HUGE_VAL}) {
         Cell beside = cell;
         beside.number = std::nextafter(cell.number, to);
-        double change = 0;
-        for (const std::size_t i : card.recodingsOf[column]) {
-            const Recoding &recoding = card.recodings[i];
-            if (recoding.variable->isCategorical) continue;
-            const double score = recode(recoding, beside).score;
-            change += recoding.coefficient * (score - meant[recoding.rank].score);
-        }
+        const double change = pointsOf(card, column, beside) - pointsOf(card, column, cell);
         if (change != 0) changes.push_back(change);
     }
     return changes;

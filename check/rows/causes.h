@@ -77,8 +77,7 @@ struct PositionRows {
 void noteRow(Comparison &comparison, std::span<const Recoded> recoded, const DifferingRow *row);
 
 // What the double below the cell and the one above it would change in the score, as far as they do.
-std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell,
-                                  std::span<const Recoded> meant);
+std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell);
 
 // Whether the row is right where some of its cells are read one digit off.
 bool isRightByLastDigit(const Comparison &comparison, std::span<const CellFacts *const> cells,

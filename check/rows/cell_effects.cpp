@@ -28,13 +28,12 @@ struct Outcomes {
 // here.
 std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &tests,
                                   std::size_t column, Cells cells, const Deviations &target) {
-    const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     std::vector<FindingId> ids;
     for (const FindingId id : tests.simulated[static_cast<std::size_t>(target.target)]) {
-        bool isConcerned = false;
-        for (std::size_t rank = 0; rank < recodings.size() && !isConcerned; ++rank) {
-            isConcerned = concerns(id, card.recodings[recodings[rank]], *cells[rank], target);
-        }
+        const auto isMovable = [&](std::size_t i) {
+            return concerns(id, card.recodings[i], *cells[card.recodings[i].rank], target);
+        };
+        const bool isConcerned = std::ranges::any_of(card.recodingsOf[column], isMovable);
         if (isConcerned && ids.size() < mostCombined) ids.push_back(id);
     }
     return ids;
@@ -42,14 +41,13 @@ std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &test
 
 Outcomes outcomesOf(const Scorecard &card, std::size_t column, Cells cells,
                     std::vector<FindingId> ids, Deviations deviations) {
-    const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     Outcomes outcomes = {.ids = std::move(ids)};
     outcomes.ofMask.resize(std::size_t(1) << outcomes.ids.size());
     for (std::size_t mask = 0; mask < outcomes.ofMask.size(); ++mask) {
         deviations.findings = outcomes.setOf(mask);
-        for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
-            outcomes.ofMask[mask].push_back(
-                recode(card.recodings[recodings[rank]], *cells[rank], deviations));
+        for (const std::size_t i : card.recodingsOf[column]) {
+            const Recoding &recoding = card.recodings[i];
+            outcomes.ofMask[mask].push_back(recode(recoding, *cells[recoding.rank], deviations));
         }
     }
     return outcomes;
@@ -80,18 +78,15 @@ bool isMoved(const Outcomes &outcomes, FindingId id, std::size_t rank) {
 // What needs no target to be seen.
 bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest &test,
                       const Cell &cell, std::span<const Recoded> meant) {
-    const auto isUnlisted = [&](std::size_t rank) {
-        const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
-        return !recoding.variable->isCategorical || meant[rank].position == 0;
+    const auto isUnlisted = [&](std::size_t i) {
+        const Recoding &recoding = card.recodings[i];
+        return !recoding.variable->isCategorical || meant[recoding.rank].position == 0;
     };
     switch (test.id) {
     case NotANumber:
         return !cell.text.empty() && !cell.isNumber;
     case NotListed:
-        for (std::size_t rank = 0; rank < meant.size(); ++rank) {
-            if (!isUnlisted(rank)) return false;
-        }
-        return !cell.text.empty();
+        return !cell.text.empty() && std::ranges::all_of(card.recodingsOf[column], isUnlisted);
     case BooleanNumbers:
         // A text equals neither number, also where it happens to score the same.
         return !cell.text.empty() && !cell.isNumber;

@@ -46,12 +46,11 @@ struct Search {
 
 // What a column becomes where its recodings read the last of several columns.
 std::vector<CellChoice> choicesByName(const Search &s, std::size_t column) {
-    const std::vector<std::size_t> &recodings = s.c.card.recodingsOf[column];
     const auto target = static_cast<std::size_t>(s.c.options.target);
     std::vector<const Cell *> cells;
     std::vector<Recoded> meant;
     std::vector<Recoded> named;
-    for (const std::size_t i : recodings) {
+    for (const std::size_t i : s.c.card.recodingsOf[column]) {
         const Recoding &recoding = s.c.card.recodings[i];
         cells.push_back(&s.facts.cells[recoding.lastAlike[target]]->cell);
         meant.push_back(s.facts.recoded[i]);
@@ -96,10 +95,9 @@ void findPossible(Search &s) {
 }
 
 void putChoice(Search &s, const OpenColumn &column, const CellChoice *choice) {
-    const std::vector<std::size_t> &recodings = s.c.card.recodingsOf[column.column];
-    for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
-        const std::size_t i = recodings[rank];
-        s.recoded[i] = choice ? choice->recoded[rank] : s.facts.recoded[i];
+    for (const std::size_t i : s.c.card.recodingsOf[column.column]) {
+        s.recoded[i] =
+            choice ? choice->recoded[s.c.card.recodings[i].rank] : s.facts.recoded[i];
     }
 }
 

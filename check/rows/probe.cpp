@@ -79,25 +79,6 @@ void addValues(std::vector<Try> &tries, TextTable<QStringView, bool> &listed,
     }
 }
 
-QString textOf(const Try &cell) {
-    const bool isText = cell.trial == Trial::Value || cell.trial == Trial::Unlisted;
-    return isText                       ? cell.value.toString()
-           : cell.trial == Trial::Empty ? QString()
-                                        : digitsOf(cell.number);
-}
-
-// What the recodings of the column make of the cell.
-std::vector<Recoded> recodedOf(const Scorecard &card, std::size_t column, const Try &cell,
-                               std::span<const std::string> missing = {}) {
-    const std::string raw = textOf(cell).toStdString();
-    const Cell read = cellOf(std::string_view(raw), missing);
-    std::vector<Recoded> recoded;
-    for (const std::size_t i : card.recodingsOf[column]) {
-        recoded.push_back(recode(card.recodings[i], read));
-    }
-    return recoded;
-}
-
 // --- From the least score to the highest
 
 // A cell, and what it adds to the score.
@@ -119,17 +100,11 @@ bool isPlain(const Try &cell) {
 }
 
 // What each cell of the column adds; NaN and infinity are left out.
-std::vector<Level> pointsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries) {
+std::vector<Level> levelsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries) {
     std::vector<Level> levels;
     for (std::size_t i = 0; i < tries.size(); ++i) {
-        Level level = {i};
-        const std::vector<Recoded> recoded = recodedOf(card, column, tries[i]);
-        for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
-            const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
-            if (recoding.coefficient == 0) continue;
-            level.points += recoding.coefficient * recoded[rank].score;
-        }
-        if (std::isfinite(level.points)) levels.push_back(level);
+        const double points = pointsOf(card, column, cellOf(textOf(tries[i])));
+        if (std::isfinite(points)) levels.push_back({i, points});
     }
     return levels;
 }
@@ -202,7 +177,7 @@ Probe probeOf(const Scorecard &card) {
     for (std::size_t i = 0; i < probe.columns.size(); ++i) {
         ProbeColumn &column = probe.columns[i];
         column.tries = triesOf(card, i);
-        std::vector<Level> levels = pointsOf(card, i, column.tries);
+        std::vector<Level> levels = levelsOf(card, i, column.tries);
         column.levels = ranked(levels, column.tries);
         std::erase_if(levels,
                       [&](const Level &level) { return !isPlain(column.tries[level.cell]); });
@@ -263,7 +238,7 @@ QString trialText(const QString &field, const Try &cell) {
     case Trial::Between:
         return name + u" = "_s + digitsOf(cell.number);
     case Trial::Value:
-        return name + u" = '"_s + shownText(textOf(cell).toStdString()) + u'\'';
+        return name + u" = '"_s + shownText(textOf(cell)) + u'\'';
     case Trial::Unlisted:
         return name + u" = '"_s + cell.value.toString() + u"', which is not listed"_s;
     case Trial::Empty:
@@ -298,7 +273,7 @@ template <typename CellAt>
 void putRow(Probe &probe, const CellAt &cellAt, const QString &text) {
     probe.file.put(++probe.rows);
     for (std::size_t i = 0; i < probe.columns.size(); ++i) {
-        probe.file.put(textOf(probe.columns[i].tries[cellAt(i)]).toStdString());
+        probe.file.put(textOf(probe.columns[i].tries[cellAt(i)]));
     }
     probe.file.put(text.toStdString());
     probe.file.endRow();
@@ -395,6 +370,11 @@ std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
     return tries;
 }
 
+std::string textOf(const Try &cell) {
+    if (std::isnan(cell.number)) return cell.value.toString().toStdString();
+    return digitsOf(cell.number).toStdString();
+}
+
 std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::size_t column,
                                                   std::span<const std::string> missing) {
     std::vector<std::vector<bool>> reachable;
@@ -402,10 +382,11 @@ std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::si
         reachable.emplace_back(card.recodings[i].y.size());
     }
     for (const Try &cell : triesOf(card, column)) {
-        const std::vector<Recoded> recoded = recodedOf(card, column, cell, missing);
-        for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
-            const std::size_t position = recoded[rank].position;
-            if (position < reachable[rank].size()) reachable[rank][position] = true;
+        const std::string text = textOf(cell);
+        const Cell read = cellOf(text, missing);
+        for (const std::size_t i : card.recodingsOf[column]) {
+            const Recoding &recoding = card.recodings[i];
+            reachable[recoding.rank][recode(recoding, read).position] = true;
         }
     }
     return reachable;

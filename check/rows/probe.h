@@ -26,6 +26,9 @@ struct Try {
 // The cells that try all of a column, about four for each position.
 std::vector<Try> triesOf(const Scorecard &card, std::size_t column);
 
+// What the cell holds.
+std::string textOf(const Try &cell);
+
 // Of each recoding of the column, the positions that a cell can reach. `missing` are texts that
 // count as missing.
 std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::size_t column,

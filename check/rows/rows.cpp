@@ -169,7 +169,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     if (options.results.isEmpty()) return;
     judged.facts.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
                                      options.deviations());
-    judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell, judged.recoded);
+    judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell);
 }
 
 void RowScorer::takeCell(std::size_t place, std::string_view bytes) {

@@ -1,9 +1,10 @@
 #include "check/rows/suspicion.h"
 
+#include "check/rows/probe.h"
+
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -14,34 +15,12 @@ constexpr std::size_t mostTried = 1 << 20;   // values of one column, by the rec
 constexpr std::int64_t mostSuspected = 1000; // rows of which all suspicions are tried
 constexpr std::size_t mostExchanged = 64;    // columns, of which all pairs are tried
 
-// What the column adds to the score.
-double pointsOf(const Scorecard &card, std::size_t column, const Cell &cell) {
-    double points = 0;
-    for (const std::size_t i : card.recodingsOf[column]) {
-        points += card.recodings[i].coefficient * recode(card.recodings[i], cell).score;
-    }
-    return points;
-}
-
-// A cell feeds all recodings of its column: the points of all values, bounds and their neighbours.
+// The points of all values and bins of the column.
 std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const std::size_t most = mostTried / card.recodingsOf[column].size();
+    std::vector<Try> tries = triesOf(card, column);
+    tries.resize(std::min(tries.size(), mostTried / card.recodingsOf[column].size()));
     std::vector<double> points;
-    const auto tryCell = [&](std::string_view text) {
-        if (points.size() < most) points.push_back(pointsOf(card, column, cellOf(text)));
-    };
-    for (const std::size_t i : card.recodingsOf[column]) {
-        for (const QStringView value : card.recodings[i].listed)
-            tryCell(value.toUtf8().toStdString());
-        for (const double bound : card.recodings[i].x) {
-            for (const double to : {-infinity, bound, infinity}) {
-                char text[32];
-                const double number = std::nextafter(bound, to);
-                tryCell({text, std::to_chars(text, std::end(text), number).ptr});
-            }
-        }
-    }
+    for (const Try &cell : tries) points.push_back(pointsOf(card, column, cellOf(textOf(cell))));
     // Some may be NaN, which has no order.
     std::ranges::sort(points, {},
                       [](double number) { return std::bit_cast<std::uint64_t>(number); });
