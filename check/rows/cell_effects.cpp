@@ -120,11 +120,6 @@ void addChoice(std::vector<CellChoice> &choices, const FindingSet &set, const Ou
     choices.push_back({set, outcome, variant});
 }
 
-bool isOfColumn(const Scorecard &card, const Finding &finding) {
-    return finding.recoding >= 0 && finding.countsRows() && finding.id != NamesAlike &&
-           !card.recodings.empty();
-}
-
 } // namespace
 
 std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const Finding> findings) {
@@ -140,7 +135,7 @@ std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const F
         if (finding.id == SinglePrecision) {
             for (ColumnTests &column : columns) addSimulated(column, finding.id, finding.targets);
         }
-        if (!isOfColumn(card, finding)) continue;
+        if (finding.recoding < 0 || !finding.countsRows() || finding.id == NamesAlike) continue;
         const Recoding &recoding = card.recodings[static_cast<std::size_t>(finding.recoding)];
         ColumnTests &column = columns[recoding.column];
         column.tests.push_back({i, finding.id, finding.targets, recoding.rank});

@@ -83,7 +83,7 @@ struct ComparisonResult {
     std::int64_t rows = 0; // in both files
     std::int64_t equal = 0;
     std::int64_t explainedRows = 0;
-    std::map<FindingId, RowSample> explained; // a row that several explain counts for each
+    std::map<FindingId, std::int64_t> explained; // a row that several explain counts for each
     // By what explains a row, such as "a+b or c": the smallest sets of findings.
     std::map<QString, RowSample> reasons;
     std::int64_t unexplained = 0;

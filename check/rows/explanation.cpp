@@ -300,12 +300,11 @@ QString explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
         names.append(namesOf(reason.set).join(u'+'));
         all.add(reason.set);
     }
-    const QString row = QString::number(facts.row);
     for (const FindingId id : search.possible) {
-        if (all.has(id)) count(c.result.explained[id], row);
+        if (all.has(id)) ++c.result.explained[id];
     }
     QString reason = names.join(u" or "_s);
-    count(c.result.reasons[reason], row);
+    count(c.result.reasons[reason], QString::number(facts.row));
     ++c.result.explainedRows;
     return reason;
 }

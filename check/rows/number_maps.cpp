@@ -113,8 +113,9 @@ std::vector<NumberMap> roundingsOf(const Sample &sample, bool isScore) {
 }
 
 // Adds each form plain and rounded.
-void addForms(std::vector<NumberMap> &maps, std::span<const NumberMap> forms,
-              std::span<const NumberMap> roundings) {
+void addForms(const Sample &sample, bool isScore, std::span<const NumberMap> forms,
+              std::vector<NumberMap> &maps) {
+    const std::vector<NumberMap> roundings = roundingsOf(sample, isScore);
     for (const NumberMap &form : forms) {
         maps.push_back(form);
         for (const NumberMap &rounding : roundings) {
@@ -127,10 +128,10 @@ void addForms(std::vector<NumberMap> &maps, std::span<const NumberMap> forms,
     }
 }
 
-// The amounts, factors and straight lines that lead from the model's number to that of a result.
-std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
+// Adds the amounts, factors and straight lines that lead from the model's number to that of a
+// result.
+void addMeasured(const Sample &sample, bool isScore, std::vector<NumberMap> &maps) {
     constexpr double rounding = 1e-10;
-    std::vector<NumberMap> maps;
     const std::size_t count = std::min(sample.rows.size(), mostMeasured);
     for (std::size_t i = 0; i < count; ++i) {
         const double expected = numberOf(sample.rows[i]->expected, isScore);
@@ -152,7 +153,6 @@ std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
             rounding * std::max({1.0, std::abs(found), std::abs(times * expected)});
         maps.push_back({.add = shortestIn({add - about, add + about}), .times = times, .rank = 8});
     }
-    return maps;
 }
 
 // The scores that may have the result's probability; a single one where the model is logistic.
@@ -182,7 +182,6 @@ void addAmountsBehind(Sample &sample) {
 
 void findMaps(Sample &sample) {
     const RowOptions &options = sample.c.options;
-    const bool hasProbability = sample.c.card.hasProbability();
     constexpr NumberMap same = {};
     constexpr NumberMap scoreForms[] = {
         same, {.times = -1, .rank = 1}, {.form = Form::Other, .rank = 1}};
@@ -199,19 +198,17 @@ void findMaps(Sample &sample) {
             const auto isRight = [&](const DifferingRow *row) {
                 return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
             };
-            const bool lacksOther = map.form == Form::Other && !hasProbability;
-            return lacksOther ||
-                   !speaksFor(std::ranges::count_if(sample.rows, isRight), sample.rows.size());
+            return !speaksFor(std::ranges::count_if(sample.rows, isRight), sample.rows.size());
         });
     };
     if (options.hasScore()) {
-        addForms(sample.scores, scoreForms, roundingsOf(sample, true));
-        std::ranges::copy(measuredOf(sample, true), std::back_inserter(sample.scores));
+        addForms(sample, true, scoreForms, sample.scores);
+        addMeasured(sample, true, sample.scores);
         keepWorthy(sample.scores, true);
     }
     if (options.hasProbability()) {
-        addForms(sample.probabilities, probabilityForms, roundingsOf(sample, false));
-        std::ranges::copy(measuredOf(sample, false), std::back_inserter(sample.probabilities));
+        addForms(sample, false, probabilityForms, sample.probabilities);
+        addMeasured(sample, false, sample.probabilities);
         for (NumberMap map : sample.scores) {
             if (map.form != Form::Linear || map.rounding != Rounding::None || map.isSame())
                 continue;

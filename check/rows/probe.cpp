@@ -71,14 +71,6 @@ void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
     tries.erase(std::unique(tries.begin(), tries.end(), isAgain), tries.end());
 }
 
-void addValues(std::vector<Try> &tries, TextTable<QStringView, bool> &listed,
-               std::span<const QStringView> values) {
-    for (const QStringView value : values) {
-        if (value.isEmpty() || !listed.emplace(value, true).second) continue;
-        tries.push_back({.trial = Trial::Value, .value = value});
-    }
-}
-
 // --- From the least score to the highest
 
 // A cell, and what it adds to the score.
@@ -356,7 +348,10 @@ std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
         (recoding.variable->isCategorical ? hasValues : hasNumbers) = true;
         bounds.insert(bounds.end(), recoding.x.begin(), recoding.x.end());
         codes.insert(codes.end(), recoding.codes.begin(), recoding.codes.end());
-        addValues(values, listed, recoding.listed);
+        for (const QStringView value : recoding.listed) {
+            if (value.isEmpty() || !listed.emplace(value, true).second) continue;
+            values.push_back({.trial = Trial::Value, .value = value});
+        }
     }
     if (hasNumbers) addNumbers(tries, codes, std::move(bounds));
     tries.insert(tries.end(), values.begin(), values.end());
