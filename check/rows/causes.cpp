@@ -166,11 +166,6 @@ bool isRightBeside(const Comparison &c, std::span<const std::vector<double> *con
 } // namespace
 
 void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
-    if (c.positionRows.empty()) {
-        for (const Recoding &recoding : c.card.recodings) {
-            c.positionRows.emplace_back(recoding.y.size());
-        }
-    }
     const bool isKept = row && c.differing.size() < mostLookedAt;
     if (isKept) c.differing.push_back(*row);
     const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{HUGE_VAL, -HUGE_VAL};

@@ -264,6 +264,9 @@ void Comparison::endRow() {
 QString openResults(Comparison &c, std::span<const Finding> findings) {
     c.always = alwaysOf(c, findings);
     c.tests = testsOfColumns(c.card, findings);
+    for (const Recoding &recoding : c.card.recodings) {
+        c.positionRows.emplace_back(recoding.y.size());
+    }
     c.hasAlikeNames = std::ranges::any_of(findings, [&](const Finding &finding) {
         return finding.id == FindingId::NamesAlike &&
                (finding.targets & only(c.options.target)) != 0;
@@ -341,18 +344,15 @@ void compareRow(Comparison &c, const RowFacts &facts) {
 
 QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t>> positions,
                          const CsvReader &rows) {
-    const auto countExtra = [&](const ResultRow &row) {
+    std::ranges::sort(c.entries, {}, &ResultRow::row);
+    findKeyTexts(c);
+    ResultRow row;
+    while (takeNext(c, row)) {
+        if (row.isSeen) continue;
         const std::string_view key = keyOf(c, row);
-        if (row.isSeen) return;
         count(c.result.extra, describe(c, key, row.row));
         putDifference(c, key, row.row, {}, row.numbers, {});
-    };
-    std::ranges::sort(c.entries, {}, &ResultRow::row);
-    std::ranges::for_each(c.entries, countExtra);
-    if (!c.options.key.isEmpty()) findKeyTexts(c);
-    c.entries.clear();
-    ResultRow row;
-    while (takeNext(c, row)) countExtra(row);
+    }
     countRepeated(c, c.absent, u"row %1"_s);
     finishSuspicion(c);
     std::ranges::move(causesOf(c, positions, rows), std::back_inserter(c.result.causes));

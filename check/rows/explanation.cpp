@@ -181,9 +181,7 @@ void measure(Hunt &h, std::span<Wheel> wheels, double score) {
             wheels[i].changes.push_back(change);
             least = std::isfinite(change) ? std::min(least, change) : -HUGE_VAL;
             most = std::isfinite(change) ? std::max(most, change) : HUGE_VAL;
-            if (!std::isfinite(change)) break;
         }
-        wheels[i].changes.resize(wheels[i].choices.size(), noNumber);
         h.behind[i] = {h.behind[i + 1].least + least, h.behind[i + 1].most + most};
     }
 }
