@@ -14,8 +14,8 @@ namespace {
 
 // --- Positions
 
-// The amounts by which the positions of a recoding differ, each in all of its rows. A probability
-// alone may be right although its score is off.
+// The amounts by which the positions of a recoding differ, each in nearly all of its rows. A
+// probability alone may be right although its score is off.
 Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int64_t> all) {
     const std::span<const PositionRows> positions = c.positionRows[recoding];
     Cause fit = {.kind = Cause::Kind::Points, .recoding = recoding};
@@ -29,17 +29,17 @@ Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int6
         if (rows.agree == 0 || !isMoved || 10 * rows.agree < 9 * compared) continue;
         fit.rows += rows.agree;
         fit.amounts.emplace_back(i, shortestIn(rows.amount));
-        shared = common(shared, rows.amount);
+        shared = overlap(shared, rows.amount);
     }
-    // The same amount everywhere says nothing about the recoding; a probability that is right may
-    // have a score that is not.
+    // The same amount everywhere is no evidence for the recoding. A wrong score may have the right
+    // probability.
     const bool isShared =
         fit.amounts.size() == reached || (fit.amounts.size() > 1 && !c.options.hasScore());
     if (isShared && shared.least <= shared.most) fit.rows = 0;
     return fit;
 }
 
-// The coefficient with which all positions that rows reach differ as they do; NaN if none does.
+// The coefficient that explains the amounts of all positions that rows reach; NaN if there is none.
 double coefficientOf(const Comparison &c, const Cause &fit, std::span<const std::int64_t> all) {
     const Recoding &recoding = c.card.recodings[fit.recoding];
     const std::span<const PositionRows> positions = c.positionRows[fit.recoding];
@@ -52,7 +52,7 @@ double coefficientOf(const Comparison &c, const Cause &fit, std::span<const std:
         if (!isMoved) continue;
         const ScoreRange &amount = positions[i].amount;
         const auto [a, b] = std::minmax({amount.least / y, amount.most / y});
-        change = common(change, {a, b});
+        change = overlap(change, {a, b});
         ++next;
     }
     if (!(change.least <= change.most) || next < 2) return noNumber;
@@ -71,7 +71,7 @@ std::vector<Cause> pointsOf(const Comparison &c,
         if (!std::isnan(cause.coefficient)) cause.kind = Cause::Kind::Coefficient;
         causes.push_back(cause);
     }
-    // The one that assumes least comes first.
+    // Those that assume least come first.
     std::ranges::stable_sort(causes, {}, [](const Cause &cause) {
         const bool isPoints = cause.kind == Cause::Kind::Points;
         return std::pair(-cause.rows, isPoints ? cause.amounts.size() : 1);
@@ -130,7 +130,7 @@ Cause orderOf(const Comparison &c) {
     return cause;
 }
 
-// Titles that both files have, but for those of the model and of the results' numbers.
+// Titles that both files have, except those of the model and of the results' numbers.
 QStringList keysOf(const Comparison &c, const CsvReader &rows) {
     constexpr qsizetype most = 3;
     const QStringList titles = c.reader.titlesOfFile();
@@ -165,7 +165,7 @@ bool isRightBeside(const Comparison &c, std::span<const std::vector<double> *con
 
 } // namespace
 
-void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
+void keepRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
     const bool isKept = row && c.differing.size() < mostLookedAt;
     if (isKept) c.differing.push_back(*row);
     const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{HUGE_VAL, -HUGE_VAL};
@@ -173,7 +173,7 @@ void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow
     for (std::size_t i = 0; i < recoded.size(); ++i) {
         PositionRows &rows = c.positionRows[i][recoded[i].position];
         ++(isKept ? rows.differing : rows.others);
-        const ScoreRange both = isAmount ? common(rows.amount, amount) : amount;
+        const ScoreRange both = isAmount ? overlap(rows.amount, amount) : amount;
         if (both.least <= both.most) {
             rows.amount = both;
             ++rows.agree;
@@ -212,7 +212,8 @@ bool isRightByLastDigit(const Comparison &c, std::span<const CellFacts *const> c
     const double slack = c.options.tolerance * std::max(1.0, std::abs(score) + reach);
     const bool isInReach =
         !c.options.hasScore() || std::abs(found.score - score) <= reach + 2 * slack;
-    return count > 0 && isInReach && isRightBeside(c, std::span(columns).first(count), score, found);
+    return count > 0 && isInReach &&
+           isRightBeside(c, std::span(columns).first(count), score, found);
 }
 
 std::vector<Cause> causesOf(const Comparison &c,
@@ -220,7 +221,7 @@ std::vector<Cause> causesOf(const Comparison &c,
                             const CsvReader &rows) {
     std::vector<Cause> causes = mapsOf(c);
     std::vector<Cause> points = pointsOf(c, positions);
-    // An amount that not all rows of the file differ by is rather that of some value.
+    // If some rows are equal, an amount is more likely that of a value.
     const bool pointsFirst =
         !points.empty() && c.result.equal > 0 &&
         (causes.empty() || (!isPlain(causes[0]) && points[0].rows >= causes[0].rows));
@@ -230,7 +231,7 @@ std::vector<Cause> causesOf(const Comparison &c,
         std::ranges::move(points, std::back_inserter(causes));
     }
     const auto lastDigits = std::ranges::count_if(c.differing, &DifferingRow::isLastDigit);
-    if (lastDigits > 0 && speaksFor(lastDigits, c.differing.size())) {
+    if (lastDigits > 0 && isEnough(lastDigits, c.differing.size())) {
         causes.insert(causes.begin(), {.kind = Cause::Kind::LastDigit, .rows = lastDigits});
     }
     const auto isWhole = [&](const Cause &cause) { return cause.rows == std::ssize(c.differing); };
@@ -238,7 +239,7 @@ std::vector<Cause> causesOf(const Comparison &c,
         std::ranges::move(joinsOf(c), std::back_inserter(causes));
     }
     std::ranges::stable_sort(causes, std::greater(), &Cause::rows);
-    // Of what one cause makes right, others happen to make some right too.
+    // Other causes make some of the same rows right by chance.
     std::erase_if(causes, [most = causes.empty() ? 0 : causes[0].rows](const Cause &cause) {
         return 2 * cause.rows < most;
     });

@@ -6,11 +6,11 @@ namespace {
 
 using enum FindingId;
 
-constexpr std::size_t mostCombined = 10; // findings of one cell, of which all sets are tried
+constexpr std::size_t mostCombined = 10; // findings of one cell, whose sets are all tried
 
 using Outcome = std::vector<Recoded>;
 
-// What the cells of a column become, by sets of findings: the bits of a mask are their positions.
+// What the cells of a column become, by sets of findings: the bits of a mask are their indexes.
 struct Outcomes {
     std::vector<FindingId> ids;
     std::vector<Outcome> ofMask = {};
@@ -24,17 +24,16 @@ struct Outcomes {
     }
 };
 
-// The findings that may change one of the cells. Most cells are changed by none, and cost no memory
-// here.
-std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, Cells cells, const Deviations &target) {
+// The findings that may affect one of the cells: none for most, which then cost no memory.
+std::vector<FindingId> affecting(const Scorecard &card, const ColumnTests &tests,
+                                 std::size_t column, Cells cells, const Deviations &target) {
     std::vector<FindingId> ids;
     for (const FindingId id : tests.simulated[static_cast<std::size_t>(target.target)]) {
-        const auto isMovable = [&](std::size_t i) {
-            return concerns(id, card.recodings[i], *cells[card.recodings[i].rank], target);
+        const auto mayAffectIt = [&](std::size_t i) {
+            return mayAffect(id, card.recodings[i], *cells[card.recodings[i].rank], target);
         };
-        const bool isConcerned = std::ranges::any_of(card.recodingsOf[column], isMovable);
-        if (isConcerned && ids.size() < mostCombined) ids.push_back(id);
+        const bool isPossible = std::ranges::any_of(card.recodingsOf[column], mayAffectIt);
+        if (isPossible && ids.size() < mostCombined) ids.push_back(id);
     }
     return ids;
 }
@@ -58,14 +57,14 @@ std::size_t bitOf(const Outcomes &outcomes, FindingId id) {
     return at == outcomes.ids.end() ? 0 : std::size_t(1) << (at - outcomes.ids.begin());
 }
 
-bool isMovedAlone(const Outcomes &outcomes, FindingId id, std::size_t rank) {
+bool affectsAlone(const Outcomes &outcomes, FindingId id, std::size_t rank) {
     std::size_t mask = bitOf(outcomes, id);
-    // What else is taken as above all bounds takes the last of a long array too.
+    // A text that HTML reads as above all bounds reaches the last score of a long array too.
     if (id == ArrayTooLong) mask |= bitOf(outcomes, NotANumber);
     return differ(outcomes.ofMask[mask][rank], outcomes.ofMask[0][rank]);
 }
 
-bool isMoved(const Outcomes &outcomes, FindingId id, std::size_t rank) {
+bool affects(const Outcomes &outcomes, FindingId id, std::size_t rank) {
     const std::size_t bit = bitOf(outcomes, id);
     if (bit == 0) return false;
     for (std::size_t mask = 0; mask < outcomes.ofMask.size(); ++mask) {
@@ -75,7 +74,7 @@ bool isMoved(const Outcomes &outcomes, FindingId id, std::size_t rank) {
     return false;
 }
 
-// What needs no target to be seen.
+// Whether a finding affects the cell whatever a target makes of it.
 bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest &test,
                       const Cell &cell, std::span<const Recoded> meant) {
     const auto isUnlisted = [&](std::size_t i) {
@@ -88,7 +87,7 @@ bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest 
     case NotListed:
         return !cell.text.empty() && std::ranges::all_of(card.recodingsOf[column], isUnlisted);
     case BooleanNumbers:
-        // A text equals neither number, also where it happens to score the same.
+        // A text equals neither number, even if it scores the same.
         return !cell.text.empty() && !cell.isNumber;
     default:
         return false;
@@ -146,46 +145,46 @@ std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const F
 
 CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::size_t column,
                         Cells cells, std::span<const Recoded> meant, const SqlReading &sql) {
-    CellFindings affecting;
-    if (tests.tests.empty()) return affecting;
+    CellFindings found;
+    if (tests.tests.empty()) return found;
     for (const CellTest &test : tests.tests) {
         const bool isAffected = isAffectedAnyhow(card, column, test, *cells[0], meant);
-        if (isAffected) affecting.alone.push_back(test.finding);
+        if (isAffected) found.alone.push_back(test.finding);
     }
     for (std::size_t i = 0; i < targetCount; ++i) {
         if (tests.simulated[i].empty()) continue;
         const auto target = static_cast<Target>(i);
         Deviations deviations = {{}, target, sql};
-        std::vector<FindingId> ids = concerning(card, tests, column, cells, deviations);
+        std::vector<FindingId> ids = affecting(card, tests, column, cells, deviations);
         if (ids.empty()) continue;
-        // Servers differ in how they compare texts; what the dialect's own does counts.
+        // Servers compare texts differently; the dialect's own counts.
         const int variants = target == Target::Sql ? 1 : mostVariants(ids, target);
         for (int variant = 0; variant < variants; ++variant) {
             deviations.variant = variant;
             const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
             for (const CellTest &test : tests.tests) {
                 if ((test.targets & only(target)) == 0) continue;
-                if (isMovedAlone(outcomes, test.id, test.rank)) {
-                    affecting.alone.push_back(test.finding);
-                } else if (isMoved(outcomes, test.id, test.rank)) {
-                    affecting.together.push_back(test.finding);
+                if (affectsAlone(outcomes, test.id, test.rank)) {
+                    found.alone.push_back(test.finding);
+                } else if (affects(outcomes, test.id, test.rank)) {
+                    found.together.push_back(test.finding);
                 }
             }
         }
     }
-    makeUnique(affecting.alone);
-    makeUnique(affecting.together);
-    std::erase_if(affecting.together, [&](std::size_t finding) {
-        return std::ranges::binary_search(affecting.alone, finding);
+    makeUnique(found.alone);
+    makeUnique(found.together);
+    std::erase_if(found.together, [&](std::size_t finding) {
+        return std::ranges::binary_search(found.alone, finding);
     });
-    return affecting;
+    return found;
 }
 
 std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, Cells cells,
-                                  std::span<const Recoded> meant, const Deviations &target) {
+                                  std::size_t column, Cells cells, std::span<const Recoded> meant,
+                                  const Deviations &target) {
     std::vector<CellChoice> choices;
-    const std::vector<FindingId> ids = concerning(card, tests, column, cells, target);
+    const std::vector<FindingId> ids = affecting(card, tests, column, cells, target);
     if (ids.empty()) return choices;
     Deviations deviations = target;
     for (int variant = 0; variant < mostVariants(ids, target.target); ++variant) {

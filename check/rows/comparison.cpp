@@ -50,7 +50,7 @@ std::pair<std::uint64_t, std::uint32_t> identityOf(const ResultRow &row) {
     return {row.hash, row.check};
 }
 
-// Marks rows whose key occurred before, and sorts all of them by keys.
+// Sorts the rows by keys, and marks those whose key occurred before.
 void countRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &place) {
     std::ranges::sort(rows, {},
                       [](const ResultRow &row) { return std::pair(identityOf(row), row.row); });
@@ -61,7 +61,7 @@ void countRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &pl
     }
 }
 
-// Takes the next row of results; false after the last.
+// Reads the next row of results; false after the last.
 bool takeNext(Comparison &c, ResultRow &found) {
     while (c.entries.empty()) {
         if (!c.reader.read(c)) return false;
@@ -71,7 +71,7 @@ bool takeNext(Comparison &c, ResultRow &found) {
     return true;
 }
 
-// A row by its key. A number alone would pass for the key of a row whose key is empty.
+// The key of a row, or its number. An empty key must not look like a numeric one.
 QString describe(const Comparison &c, std::string_view key, std::int64_t row) {
     if (c.options.key.isEmpty()) return QString::number(row);
     return key.empty() ? u"row %1, which has no key"_s.arg(row) : shownText(key);
@@ -136,19 +136,19 @@ void putDifference(Comparison &c, std::string_view key, std::int64_t row,
     c.out.endRow();
 }
 
-// Keeps what is looked at when all rows are known.
+// Keeps the row for the causes, which are looked for after the last row.
 void keepUnexplained(Comparison &c, const RowFacts &facts, const Prediction &numbers,
                      bool isReadable) {
     DifferingRow row = {facts.expected, numbers, facts.row};
     row.isLastDigit =
         isReadable && isRightByLastDigit(c, facts.cells, facts.expected.score, numbers);
-    noteRow(c, facts.recoded, &row);
+    keepRow(c, facts.recoded, &row);
     ++c.result.unexplained;
     keepWorst(c, facts, numbers);
     if (isReadable) suspect(c, facts, row);
 }
 
-// A key of the rows and one of the results that are the same number in other characters.
+// Counts keys that are the same number in another format in rows and results.
 void findKeyTexts(Comparison &c) {
     std::unordered_map<double, const ResultRow *> extra;
     const auto numberOf = [&](const ResultRow &row) {
@@ -190,8 +190,8 @@ bool matches(const Comparison &c, const Prediction &expected, const Prediction &
            (!c.options.hasProbability() || isNear(c, expected.probability, found.probability));
 }
 
-// Sums are exact but for their order; in 32 bits, each number and each sum loses half of its last
-// bit.
+// In 64 bits, only another order of the sum counts; in 32 bits, each number and each sum loses half
+// of its last bit.
 double slackOf(const Comparison &c, std::span<const Recoded> recoded, const Deviations &deviations,
                double grown) {
     constexpr double otherOrder = 1e-12;
@@ -244,7 +244,7 @@ void Comparison::takeCell(std::size_t place, std::string_view bytes) {
         keepKey(*this, unfinished, trimmed(bytes));
         return;
     }
-    // A result that is read wrongly cannot happen to be the one that is expected.
+    // Either mark is safe: a misread result is not the expected one.
     const DecimalMark mark = options.hasDecimalComma ? DecimalMark::Either : DecimalMark::Point;
     const Cell cell = cellOf(bytes, options.missing, mark);
     const bool isScore = place == (hasKey ? 1 : 0) && options.hasScore();
@@ -314,7 +314,7 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     ResultRow found;
     if (!find(c, facts, found)) {
         count(c.result.missing, describe(c, facts.key, facts.row));
-        noteRow(c, facts.recoded, nullptr);
+        keepRow(c, facts.recoded, nullptr);
         putDifference(c, facts.key, facts.row, facts.expected, {}, {});
         return;
     }
@@ -328,7 +328,8 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     const bool isReadable = found.cells == ResultCells::Numbers;
     const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;
     if (found.cells != ResultCells::NoNumber &&
-        (matches(c, facts.expected, numbers) || fits(c, facts.recoded, c.options.deviations(), numbers))) {
+        (matches(c, facts.expected, numbers) ||
+         fits(c, facts.recoded, c.options.deviations(), numbers))) {
         ++c.result.equal;
         return;
     }
@@ -336,7 +337,7 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     const QString reason = isExplainable ? explain(c, facts, numbers) : QString();
     putDifference(c, facts.key, facts.row, facts.expected, numbers, reason.toStdString());
     if (!reason.isEmpty()) {
-        noteRow(c, facts.recoded, nullptr);
+        keepRow(c, facts.recoded, nullptr);
     } else {
         keepUnexplained(c, facts, numbers, isReadable);
     }
@@ -356,8 +357,7 @@ QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t
     countRepeated(c, c.absent, u"row %1"_s);
     finishSuspicion(c);
     std::ranges::move(causesOf(c, positions, rows), std::back_inserter(c.result.causes));
-    // One cause that makes all rows right needs few of them as samples.
-    constexpr std::size_t samples = 3;
+    constexpr std::size_t samples = 3; // are enough if one cause makes all rows right
     const bool isOne = std::ranges::any_of(
         c.result.causes, [&](const Cause &cause) { return cause.rows == c.result.unexplained; });
     if (isOne && c.result.worst.size() > samples) c.result.worst.resize(samples);

@@ -13,26 +13,25 @@
 #include <map>
 #include <tuple>
 
-// What is asked about rows.
+// Options of a run over rows.
 struct RowOptions {
     QString file;
-    QString key;         // column; may be empty: rows are joined by position
-    QString scores;      // file to be written; may be empty
-    QString differences; // file to be written of rows that are not as the model says; may be empty
-    char delimiter = '\0';            // of both files; 0: each has its own
+    QString key;           // column; may be empty: rows are joined by position
+    QString scores;        // file to be written; may be empty
+    QString differences;   // file to be written: the rows that depart from the model; may be empty
+    char delimiter = '\0'; // of both files; 0: found in each
     bool hasDecimalComma = false;     // in both files
     std::vector<std::string> missing; // texts that count as missing, as an empty cell does
     QString results;                  // file of a deployment; may be empty
-    Target target = Target::Sas;      // that they are of
+    Target target = Target::Sas;      // of the results
     QString score;                    // their columns, one of which may be empty
     QString probability;
-    double tolerance = 1e-9;  // relative to the expected number where that is above 1
-    SqlReading sql = {};      // of the configuration that the results were made with
-    bool hashesFiles = false; // for the evidence of a report
-    std::size_t cachedCells =
-        1 << 16; // that are judged once; they take memory before the first row
+    double tolerance = 1e-9;           // relative to the expected number where that is above 1
+    SqlReading sql = {};               // of the configuration that the results were made with
+    bool hashesFiles = false;          // for the evidence of a report
+    std::size_t cachedCells = 1 << 16; // entries of the cell cache, allocated before the first row
 
-    // What may stand between cells, the likeliest first.
+    // Possible delimiters, the likeliest first.
     std::string_view delimiters() const {
         if (delimiter != '\0') return {&delimiter, 1};
         return hasDecimalComma ? ";\t|," : ",;\t|";
@@ -53,7 +52,7 @@ struct ComparedRow {
     std::vector<std::string> cells; // one for each column of the scorecard
 };
 
-// Rows of one sort, and the keys or numbers of the first of them.
+// Rows of one kind, and the keys or numbers of the first of them.
 struct RowSample {
     std::int64_t rows = 0;
     QStringList first = {};
@@ -91,9 +90,9 @@ struct ComparisonResult {
     RowSample extra;                // in the results only
     RowSample repeated;             // whose key occurred before, in either file
     std::vector<ComparedRow> worst; // of the unexplained rows, the largest differences first
-    // What would explain unexplained rows, were it so, and how many; the most likely first.
+    // What would make unexplained rows right, and how many; the most likely first.
     std::vector<Suspected> suspected;
-    std::int64_t suspects = 0; // unexplained rows that were looked into for that
+    std::int64_t suspects = 0; // unexplained rows that were tested for that
     std::vector<Cause> causes = {};
     Differences scores, probabilities;
     std::array<UnreadableCells, unreadableKinds> unreadable;
@@ -123,27 +122,27 @@ struct ResultRow {
     std::int64_t row = 0;
 };
 
-// The state of a comparison: to be opened, given each row and finished.
+// The state of a comparison: open it, pass each row, and finish it.
 struct Comparison {
     const Scorecard &card;
     const RowOptions &options;
     ComparisonResult result = {};
 
     CsvReader reader = {};
-    ResultRow unfinished = {};          // may go on in the next block
+    ResultRow unfinished = {};          // being read
     std::deque<ResultRow> entries = {}; // with a key all of them by hash, else those of a block
     std::deque<ResultRow> absent = {};  // keys of rows without a result
-    std::string keys = {};              // of both, one behind the other
+    std::string keys = {};              // of both, concatenated
     CsvWriter out = {};                 // of the differences
     std::deque<DifferingRow> differing = {};                  // rows without explanation
     std::vector<std::vector<PositionRows>> positionRows = {}; // by recodings
-    FindingSet always = {};             // may explain any row; what cells decide is not in it
-    bool hasAlikeNames = false;         // columns of the target whose names become the same
+    FindingSet always = {};                                   // deviations that no cell decides
+    bool hasAlikeNames = false; // columns of the target whose names become the same
     std::vector<ColumnTests> tests = {};
     std::vector<std::vector<double>> pointsOfColumns =
-        {};                                            // that cells may have; from the first use
+        {}; // that cells may add; filled at the first use
     std::map<Suspicion, std::int64_t> suspicions = {}; // rows that each makes right
-    std::vector<Suspicion> leading = {};               // of them, which all rows are tried with
+    std::vector<Suspicion> leading = {};               // those that all rows are tested for
 
     // Take the columns of results, which are in the order of key, score and probability.
     void takeCell(std::size_t place, std::string_view bytes);

@@ -15,7 +15,7 @@ public:
     QString open(const QString &fileName, char delimiter);
     bool isOpen() const { return file.stream != nullptr; }
 
-    // Cells of a row; quoted where they have to be. NaN is an empty cell.
+    // The next cell of a row; quoted if required. NaN is an empty cell.
     void put(std::string_view cell);
     void put(double number);
     void put(std::int64_t number);
@@ -34,5 +34,5 @@ private:
     char delimiter = ',';
     bool isInRow = false;
     OutputFile file;
-    std::string text; // that is not written yet
+    std::string text; // not written yet
 };

@@ -12,7 +12,7 @@ namespace {
 using Form = NumberMap::Form;
 using Rounding = NumberMap::Rounding;
 
-constexpr std::size_t mostSampled = 64; // of them, to try candidates with
+constexpr std::size_t mostSampled = 64; // rows, to try candidates with
 constexpr std::size_t mostMeasured = 8; // of these, to take amounts and factors from
 
 bool isClose(double expected, double found, double tolerance) {
@@ -59,14 +59,13 @@ bool fitsRounded(const NumberMap &map, double exact, double found, double tolera
         return isRounded(exact, found, std::pow(10.0, magnitude - map.places));
     }
     case Rounding::Single:
-        // Numbers that are written with more digits than 32 bits hold are rounded otherwise.
+        // A number with more digits than 32 bits hold was not rounded to 32 bits.
         return inSinglePrecision(exact) == inSinglePrecision(found) &&
                (inSinglePrecision(found) == found || placesOf(found).second <= 9);
     }
     return false;
 }
 
-// `own` and `other` are the model's numbers.
 bool fits(const Comparison &c, const NumberMap &map, const Prediction &model, bool isScore,
           double found) {
     const double own = isScore ? model.score : model.probability;
@@ -156,7 +155,7 @@ void addMeasured(const Sample &sample, bool isScore, std::vector<NumberMap> &map
 }
 
 // The scores that may have the result's probability; a single one where the model is logistic.
-ScoreRange scoresBehind(const Comparison &c, const Prediction &found) {
+ScoreRange possibleScores(const Comparison &c, const Prediction &found) {
     const double tolerance = toleranceOf(c);
     const double p = found.probability;
     if (c.card.table.exists || !(p > tolerance && p < 1 - tolerance)) {
@@ -167,11 +166,11 @@ ScoreRange scoresBehind(const Comparison &c, const Prediction &found) {
 }
 
 // Amounts by which probabilities alone show that their scores are off.
-void addAmountsBehind(Sample &sample) {
+void addAmountsOfProbabilities(Sample &sample) {
     for (std::size_t i = 0; i < std::min(sample.rows.size(), mostMeasured); ++i) {
         ScoreRange amount = amountOf(sample.c, *sample.rows[i]);
         for (const DifferingRow *const row : sample.rows) {
-            const ScoreRange both = common(amount, amountOf(sample.c, *row));
+            const ScoreRange both = overlap(amount, amountOf(sample.c, *row));
             if (both.least <= both.most) amount = both;
         }
         if (!std::isfinite(amount.least) || !std::isfinite(amount.most)) continue;
@@ -193,18 +192,18 @@ void findMaps(Sample &sample) {
                                               {.form = Form::Through, .times = -1, .rank = 1},
                                               {.form = Form::Logistic, .rank = 1},
                                               {.form = Form::Logistic, .times = -1, .rank = 2}};
-    const auto keepWorthy = [&](std::vector<NumberMap> &maps, bool isScore) {
+    const auto keepFitting = [&](std::vector<NumberMap> &maps, bool isScore) {
         std::erase_if(maps, [&](const NumberMap &map) {
             const auto isRight = [&](const DifferingRow *row) {
                 return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
             };
-            return !speaksFor(std::ranges::count_if(sample.rows, isRight), sample.rows.size());
+            return !isEnough(std::ranges::count_if(sample.rows, isRight), sample.rows.size());
         });
     };
     if (options.hasScore()) {
         addForms(sample, true, scoreForms, sample.scores);
         addMeasured(sample, true, sample.scores);
-        keepWorthy(sample.scores, true);
+        keepFitting(sample.scores, true);
     }
     if (options.hasProbability()) {
         addForms(sample, false, probabilityForms, sample.probabilities);
@@ -216,8 +215,8 @@ void findMaps(Sample &sample) {
             map.rank = 0; // the probability follows the score
             sample.probabilities.push_back(map);
         }
-        if (!options.hasScore()) addAmountsBehind(sample);
-        keepWorthy(sample.probabilities, false);
+        if (!options.hasScore()) addAmountsOfProbabilities(sample);
+        keepFitting(sample.probabilities, false);
     }
     for (auto *const maps : {&sample.scores, &sample.probabilities}) {
         if (maps->empty()) maps->push_back({}); // is not compared, or fits nothing
@@ -230,14 +229,14 @@ bool isRight(const Comparison &c, const Cause &cause, const DifferingRow &row) {
             fits(c, cause.probability, row.expected, false, row.found.probability));
 }
 
-// How many rows have to speak for the maps: more than they were made of.
+// How many rows the maps must make right: more than they were measured from.
 std::int64_t neededFor(const Cause &cause) {
     const bool isLine = cause.score.rank >= 8 || cause.probability.rank >= 8;
     return isPlain(cause) ? 1 : isLine ? leastRows + 1 : leastRows;
 }
 
-// Whether rows of enough different numbers are right: two lie on a line anyway, and a single
-// result of 0 or 1 stands for many a failure.
+// Whether rows of enough different numbers are right. Any two lie on a line, and many failures
+// write 0 or 1.
 bool isEvident(const Sample &sample, const Cause &cause) {
     std::vector<double> numbers;
     for (const DifferingRow *const row : sample.rows) {
@@ -293,7 +292,7 @@ ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
     constexpr ScoreRange none = {HUGE_VAL, -HUGE_VAL};
     if (!std::isfinite(row.expected.score)) return none;
     if (!c.options.hasScore()) {
-        const ScoreRange range = scoresBehind(c, row.found);
+        const ScoreRange range = possibleScores(c, row.found);
         return {range.least - row.expected.score, range.most - row.expected.score};
     }
     const double amount = row.found.score - row.expected.score;
@@ -308,7 +307,7 @@ ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
     return {amount - slack, amount + slack};
 }
 
-ScoreRange common(const ScoreRange &a, const ScoreRange &b) {
+ScoreRange overlap(const ScoreRange &a, const ScoreRange &b) {
     return {std::max(a.least, b.least), std::min(a.most, b.most)};
 }
 
@@ -316,7 +315,7 @@ bool isPlain(const Cause &cause) {
     return cause.score.rank < 2 && cause.probability.rank < 2;
 }
 
-bool speaksFor(std::int64_t rows, std::size_t of, double share) {
+bool isEnough(std::int64_t rows, std::size_t of, double share) {
     return static_cast<double>(rows) >= share * static_cast<double>(of);
 }
 
@@ -328,7 +327,7 @@ std::vector<Cause> mapsOf(const Comparison &c) {
     while (!rest.empty() && causes.size() < mostCauses) {
         Sample sample = {c};
         const std::size_t count = std::min(rest.size(), mostSampled);
-        // Rows of the whole file, also the first of them, which are measured.
+        // Rows from all parts of the file, also the first few, which are measured.
         constexpr std::size_t stride = 67; // a prime above mostSampled
         for (std::size_t i = 0; i < count; ++i) {
             sample.rows.push_back(rest[i * stride % count * rest.size() / count]);
@@ -339,11 +338,11 @@ std::vector<Cause> mapsOf(const Comparison &c) {
         const std::size_t before = rest.size();
         std::erase_if(rest, [&](const DifferingRow *row) { return isRight(c, cause, *row); });
         cause.rows = static_cast<std::int64_t>(before - rest.size());
-        // By chance, some rows are within a large tolerance of what was measured.
+        // Within a large tolerance, measured numbers make some rows right by chance.
         const bool isDoubtful = !isPlain(cause) && toleranceOf(c) > 1e-9;
         const double share = isDoubtful ? 0.5 : leastShare;
-        if (cause.rows < neededFor(cause) || !speaksFor(cause.rows, before, share)) break;
-        if (!speaksFor(cause.rows, c.differing.size())) break;
+        if (cause.rows < neededFor(cause) || !isEnough(cause.rows, before, share)) break;
+        if (!isEnough(cause.rows, c.differing.size())) break;
         causes.push_back(cause);
     }
     return causes;

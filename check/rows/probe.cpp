@@ -17,15 +17,15 @@ namespace {
 
 // --- Cells
 
-// The next number to the one side. Those next to 0 are not the same in all engines, and neither is
-// their text; this one has a place in 32 bits too.
+// The next number to one side. Engines differ in how they read denormal numbers; the one next to 0
+// is a normal number in 32 bits too.
 double beside(double bound, double way) {
     constexpr double nextToZero = 1e-30;
     const double next = std::nextafter(bound, way);
     return std::isnormal(next) || std::isinf(next) ? next : std::copysign(nextToZero, way);
 }
 
-// A number with few digits between two others, near their middle; NaN if there is none.
+// The number with the fewest digits near the middle of two others; NaN if there is none.
 double between(double least, double most) {
     const double middle = least / 2 + most / 2;
     constexpr int digits = 17; // which distinguish any two
@@ -36,7 +36,7 @@ double between(double least, double most) {
     return noNumber;
 }
 
-// Without exponent where that is not too long, since programs differ in how they read one.
+// Without exponent if that is not too long: programs differ in how they read exponents.
 QString digitsOf(double number) {
     constexpr double least = 1e-30;
     constexpr double most = 1e22;
@@ -75,18 +75,18 @@ void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
 
 // A cell, and what it adds to the score.
 struct Level {
-    std::size_t cell = 0; // its position among the tries
+    std::size_t cell = 0; // its index among the tries
     double points = 0;
 };
 
 struct ProbeColumn {
     std::vector<Try> tries;
-    std::vector<Level> levels; // of all cells by points, each number of points once
+    std::vector<Level> levels; // of all cells, each number of points once
     std::vector<Level> plain;  // of plain cells
     std::size_t usual = 0;     // the cell of rows that try another column
 };
 
-// Findings concern neither of them, so that these cells blur no row that tries something else.
+// No finding affects these cells, so that a row shows only what it tries.
 bool isPlain(const Try &cell) {
     return cell.trial == Trial::Between || cell.trial == Trial::Value;
 }
@@ -101,7 +101,7 @@ std::vector<Level> levelsOf(const Scorecard &card, std::size_t column, std::span
     return levels;
 }
 
-// By points, each number of points once, with a plain cell if there is one. Never empty.
+// Sorted by points, each number of points once, if possible with a plain cell. Never empty.
 std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries) {
     std::ranges::stable_sort(levels, {}, [&](const Level &level) {
         return std::pair(level.points, !isPlain(tries[level.cell]));
@@ -115,7 +115,8 @@ std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries)
 struct Probe {
     const Scorecard &card;
     std::vector<ProbeColumn> columns;
-    std::vector<std::size_t> order = {}; // of the columns: what can change the score most is first
+    std::vector<std::size_t> order =
+        {}; // of the columns: those with the widest range of points first
     CsvWriter file = {};
     std::int64_t rows = 0;
 };
@@ -128,8 +129,8 @@ struct Choice {
 
 using LevelsOf = std::vector<Level> ProbeColumn::*;
 
-// Cells whose score comes near to this one, but not above it if there are such. The columns behind
-// fill up what those before them leave.
+// Cells whose score is near this one, and not above it if possible. Each column fills what those
+// before it leave.
 Choice choiceBelow(const Probe &probe, LevelsOf levelsOf, double score) {
     Choice choice = {std::vector<std::size_t>(probe.columns.size()),
                      probe.card.regression.constant};
@@ -147,7 +148,7 @@ Choice choiceBelow(const Probe &probe, LevelsOf levelsOf, double score) {
     return choice;
 }
 
-// A score whose probability changes with it, with room on both sides: in the segment next to the
+// A score with whose change the probability changes: the middle of the segment nearest to the
 // middle of the table. NaN if the table has none.
 double sensitiveScore(const Scorecard &card) {
     const std::span<const double> x = card.table.x;
@@ -189,8 +190,7 @@ Probe probeOf(const Scorecard &card) {
     return probe;
 }
 
-// Where the table has the score: how many of its points are not below. 0 for all scores of a table
-// that is out of order.
+// How many table points are not below the score; 0 for all scores of a table that is out of order.
 std::size_t segmentOf(const Scorecard &card, double score) {
     if (!card.isFalling) return 0;
     const auto isAbove = [&](double point) { return point >= score; };
@@ -198,7 +198,7 @@ std::size_t segmentOf(const Scorecard &card, double score) {
     return static_cast<std::size_t>(found - card.table.x.begin());
 }
 
-// A score in each segment of the table that lies between these two, but no more than `most`.
+// A score in each segment of the table between these two, at most `most`.
 std::vector<double> scoresBetween(const Scorecard &card, double lowest, double highest,
                                   std::size_t most) {
     std::vector<double> scores;
@@ -260,7 +260,7 @@ QString freeTitle(const Scorecard &card, QString title) {
     return title;
 }
 
-// cellAt(i) is the cell of column i, as its position among the tries.
+// cellAt(i) is the index of the cell of column i among its tries.
 template <typename CellAt>
 void putRow(Probe &probe, const CellAt &cellAt, const QString &text) {
     probe.file.put(++probe.rows);

@@ -12,7 +12,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr std::size_t mostTried = 1 << 20;   // values of one column, by the recodings that read it
-constexpr std::int64_t mostSuspected = 1000; // rows of which all suspicions are tried
+constexpr std::int64_t mostSuspected = 1000; // rows that are tested for all suspicions
 constexpr std::size_t mostExchanged = 64;    // columns, of which all pairs are tried
 
 // The points of all values and bins of the column.
@@ -50,7 +50,7 @@ bool isRight(const Comparison &c, const Suspicion &suspicion, const RowFacts &fa
     return change != 0 && wouldBeRight(c, score + change, found);
 }
 
-// Of a row, all that would make it right.
+// Counts all that would make the row right.
 void suspectAll(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
     std::vector<Suspicion> missing;
     std::vector<Suspicion> others;
@@ -61,15 +61,15 @@ void suspectAll(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
         return isOne;
     };
     for (std::size_t i = 0; i < columns; ++i) {
-        // The double beside a cell is another value, too, and a likelier one.
+        // The double beside a cell is another value, but a likelier cause.
         const bool isOther = !isFound({Kind::Missing, i}, missing) && !row.isLastDigit;
         if (isOther) isFound({Kind::OtherValue, i}, others);
     }
     for (std::size_t a = 0; columns <= mostExchanged && a < columns; ++a) {
         for (std::size_t b = a + 1; b < columns; ++b) isFound({Kind::Exchanged, a, b}, others);
     }
-    // More than three causes are no evidence for any. Few columns are right as missing by chance,
-    // so that others speak against none of these.
+    // More than three causes are no evidence for any. A column is rarely right as missing by
+    // chance, so the two lists count apart.
     for (const std::vector<Suspicion> &list : {missing, others}) {
         if (list.size() > 3) continue;
         for (const Suspicion &suspicion : list) ++c.suspicions[suspicion];
@@ -84,7 +84,7 @@ QString textOf(const Scorecard &card, const Suspicion &suspicion) {
     return u"%1 and %2 exchanged"_s.arg(column, card.columns[b]);
 }
 
-// Whether it made nearly all rows right so far, and is quickly tried.
+// Whether it made nearly all rows right so far, and is quickly tested.
 bool isLeading(const Comparison &c, const Suspicion &suspicion, std::int64_t rows) {
     return suspicion.kind != Kind::OtherValue && 10 * rows >= 9 * c.result.suspects;
 }
