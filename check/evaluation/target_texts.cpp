@@ -68,6 +68,16 @@ double withDigits(double number, int digits) {
     return rounded;
 }
 
+double shortestBetween(double least, double most) {
+    const double middle = least / 2 + most / 2;
+    constexpr int digits = 17; // which distinguish any two
+    for (int i = 1; std::isfinite(middle) && i <= digits; ++i) {
+        const double number = withDigits(middle, i);
+        if (number >= least && number <= most) return number;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
 double inSinglePrecision(double number) {
     constexpr double largest = 3.4e38;
     return std::abs(number) < largest ? static_cast<double>(static_cast<float>(number)) : number;

@@ -15,6 +15,9 @@ std::string_view withoutUnicodeBlanks(std::string_view text, bool withControls);
 
 // The number, rounded to `digits` significant digits.
 double withDigits(double number, int digits);
+// The number with the fewest digits from `least` to `most`, near their middle; NaN if there is
+// none.
+double shortestBetween(double least, double most);
 // The number, rounded to 32 bits; unchanged if it is too large for them.
 double inSinglePrecision(double number);
 

@@ -1,5 +1,6 @@
 #include "check/rows/causes.h"
 
+#include "check/evaluation/target_texts.h"
 #include "check/rows/number_maps.h"
 #include "check/rows/suspicion.h"
 
@@ -28,7 +29,7 @@ Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int6
         const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
         if (rows.agree == 0 || !isMoved || 10 * rows.agree < 9 * compared) continue;
         fit.rows += rows.agree;
-        fit.amounts.emplace_back(i, shortestIn(rows.amount));
+        fit.amounts.emplace_back(i, shortestBetween(rows.amount.least, rows.amount.most));
         shared = overlap(shared, rows.amount);
     }
     // The same amount everywhere is no evidence for the recoding. A wrong score may have the right
@@ -56,7 +57,7 @@ double coefficientOf(const Comparison &c, const Cause &fit, std::span<const std:
         ++next;
     }
     if (!(change.least <= change.most) || next < 2) return noNumber;
-    return shortestIn({recoding.coefficient + change.least, recoding.coefficient + change.most});
+    return shortestBetween(recoding.coefficient + change.least, recoding.coefficient + change.most);
 }
 
 std::vector<Cause> pointsOf(const Comparison &c,

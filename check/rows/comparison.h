@@ -139,10 +139,9 @@ struct Comparison {
     FindingSet always = {};                                   // deviations that no cell decides
     bool hasAlikeNames = false; // columns of the target whose names become the same
     std::vector<ColumnTests> tests = {};
-    std::vector<std::vector<double>> pointsOfColumns =
-        {}; // that cells may add; filled at the first use
-    std::map<Suspicion, std::int64_t> suspicions = {}; // rows that each makes right
-    std::vector<Suspicion> leading = {};               // those that all rows are tested for
+    std::vector<std::vector<double>> pointsOfColumns = {}; // of all cells; from the first use
+    std::map<Suspicion, std::int64_t> suspicions = {};     // rows that each makes right
+    std::vector<Suspicion> leading = {};                   // those that all rows are tested for
 
     // Take the columns of results, which are in the order of key, score and probability.
     void takeCell(std::size_t place, std::string_view bytes);

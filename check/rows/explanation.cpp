@@ -12,8 +12,7 @@ namespace {
 
 using enum FindingId;
 
-constexpr std::size_t mostCombined =
-    8; // findings whose sets are all tried; else sets of up to three
+constexpr std::size_t mostCombined = 8;       // findings; of more, sets of up to three are tried
 constexpr std::size_t mostVaried = 32;        // columns, whose outcomes are combined
 constexpr std::int64_t budgetOfRow = 1 << 13; // steps, which take some 0.1 ms
 

@@ -22,7 +22,7 @@ bool isClose(double expected, double found, double tolerance) {
 
 double snapped(double number, double relative) {
     const double slack = std::abs(number) * relative;
-    return shortestIn({number - slack, number + slack});
+    return shortestBetween(number - slack, number + slack);
 }
 
 // The decimals and the significant digits of the shortest text of a number.
@@ -138,8 +138,8 @@ void addMeasured(const Sample &sample, bool isScore, std::vector<NumberMap> &map
         if (!std::isfinite(expected) || !std::isfinite(found)) continue;
         const double slack = rounding * std::max({1.0, std::abs(expected), std::abs(found)});
         maps.push_back({.add = found, .times = 0, .rank = 2});
-        maps.push_back(
-            {.add = shortestIn({found - expected - slack, found - expected + slack}), .rank = 4});
+        maps.push_back({.add = shortestBetween(found - expected - slack, found - expected + slack),
+                        .rank = 4});
         if (expected != 0) {
             maps.push_back({.times = snapped(found / expected, rounding), .rank = 5});
         }
@@ -150,7 +150,8 @@ void addMeasured(const Sample &sample, bool isScore, std::vector<NumberMap> &map
         const double add = found - times * expected;
         const double about =
             rounding * std::max({1.0, std::abs(found), std::abs(times * expected)});
-        maps.push_back({.add = shortestIn({add - about, add + about}), .times = times, .rank = 8});
+        maps.push_back(
+            {.add = shortestBetween(add - about, add + about), .times = times, .rank = 8});
     }
 }
 
@@ -175,7 +176,7 @@ void addAmountsOfProbabilities(Sample &sample) {
         }
         if (!std::isfinite(amount.least) || !std::isfinite(amount.most)) continue;
         sample.probabilities.push_back(
-            {.form = Form::Through, .add = shortestIn(amount), .rank = 4});
+            {.form = Form::Through, .add = shortestBetween(amount.least, amount.most), .rank = 4});
     }
 }
 
@@ -277,15 +278,6 @@ Cause bestMaps(const Sample &sample) {
 
 double toleranceOf(const Comparison &c) {
     return std::max(c.options.tolerance, 1e-9);
-}
-
-double shortestIn(const ScoreRange &range) {
-    const double middle = range.least + (range.most - range.least) / 2;
-    for (int digits = 1; digits < 16; ++digits) {
-        const double shown = withDigits(middle, digits);
-        if (shown >= range.least && shown <= range.most) return shown;
-    }
-    return middle;
 }
 
 ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {

@@ -9,8 +9,6 @@ inline constexpr double leastShare = 0.1;    // of the rows, that a cause makes 
 
 // The tolerance of --tolerance, but at least 1e-9.
 double toleranceOf(const Comparison &c);
-// The shortest decimal number of the range; its middle if none has less than 16 digits.
-double shortestIn(const ScoreRange &range);
 // What the result's score is off by. No amount if its probability is not that of its score; any
 // amount if only a probability is compared and all scores have it.
 ScoreRange amountOf(const Comparison &c, const DifferingRow &row);

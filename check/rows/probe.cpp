@@ -25,15 +25,9 @@ double beside(double bound, double way) {
     return std::isnormal(next) || std::isinf(next) ? next : std::copysign(nextToZero, way);
 }
 
-// The number with the fewest digits near the middle of two others; NaN if there is none.
+// A number with few digits between two others; NaN if there is none.
 double between(double least, double most) {
-    const double middle = least / 2 + most / 2;
-    constexpr int digits = 17; // which distinguish any two
-    for (int i = 1; std::isfinite(middle) && i <= digits; ++i) {
-        const double number = withDigits(middle, i);
-        if (number > least && number < most) return number;
-    }
-    return noNumber;
+    return shortestBetween(std::nextafter(least, HUGE_VAL), std::nextafter(most, -HUGE_VAL));
 }
 
 // Without exponent if that is not too long: programs differ in how they read exponents.
@@ -115,8 +109,7 @@ std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries)
 struct Probe {
     const Scorecard &card;
     std::vector<ProbeColumn> columns;
-    std::vector<std::size_t> order =
-        {}; // of the columns: those with the widest range of points first
+    std::vector<std::size_t> order = {}; // of the columns: the widest range of points first
     CsvWriter file = {};
     std::int64_t rows = 0;
 };
