@@ -27,7 +27,8 @@ Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int6
         const std::int64_t compared = c.options.hasScore() ? all[i] - rows.others : rows.differing;
         reached += all[i] > rows.others ? 1 : 0;
         const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
-        if (rows.agree == 0 || !isMoved || 10 * rows.agree < 9 * compared) continue;
+        const bool isMeasured = std::isfinite(rows.amount.most - rows.amount.least);
+        if (rows.agree == 0 || !isMoved || !isMeasured || 10 * rows.agree < 9 * compared) continue;
         fit.rows += rows.agree;
         fit.amounts.emplace_back(i, shortestBetween(rows.amount.least, rows.amount.most));
         shared = overlap(shared, rows.amount);
