@@ -211,7 +211,7 @@ bool isRightByLastDigit(const Comparison &c, std::span<const CellFacts *const> c
         columns[count++] = &cell->beside;
         for (const double change : cell->beside) reach += std::abs(change);
     }
-    const double slack = c.options.tolerance * std::max(1.0, std::abs(score) + reach);
+    const double slack = toleranceOf(c) * std::max(1.0, std::abs(score) + reach);
     const bool isInReach =
         !c.options.hasScore() || std::abs(found.score - score) <= reach + 2 * slack;
     return count > 0 && isInReach &&

@@ -143,7 +143,7 @@ struct Comparison {
     std::map<Suspicion, std::int64_t> suspicions = {};     // rows that each makes right
     std::vector<Suspicion> leading = {};                   // those that all rows are tested for
 
-    // Take the columns of results, which are in the order of key, score and probability.
+    // Receive the cells of results, in the order of key, score and probability.
     void takeCell(std::size_t place, std::string_view bytes);
     void endRow();
 };
@@ -153,8 +153,8 @@ struct Comparison {
 QString openResults(Comparison &comparison, std::span<const Finding> findings);
 // Opens the file of differences if one is asked for. Returns an error message; empty on success.
 QString openDifferences(Comparison &comparison, char delimiter);
-// Opens an output with a row for each row, and writes its titles: that of the key, and these. No
-// file name is no error. Returns an error message; empty on success.
+// Opens an output with a row for each row, and writes its titles: that of the key, and these.
+// Without a file name, does nothing. Returns an error message; empty on success.
 QString openOutput(CsvWriter &out, const QString &fileName, char delimiter,
                    const RowOptions &options, std::initializer_list<std::string_view> titles);
 // Writes the first cell of such a row.
@@ -173,12 +173,12 @@ void count(RowSample &sample, const QString &key);
 bool isNear(const Comparison &comparison, double expected, double found);
 bool matches(const Comparison &comparison, const Prediction &expected, const Prediction &found);
 // Whether the result is that of the recoded row under the deviations. Beyond the tolerance, a score
-// may be off by what another order of its sum does, and the probability is then that of any score
-// within that.
+// may have the rounding error of another order of its sum, and the probability is then that of any
+// score within it.
 bool fits(const Comparison &comparison, std::span<const Recoded> recoded,
           const Deviations &deviations, const Prediction &found);
-// What rounding may do to the score of the recoded row, or of one whose terms are larger by no more
-// than `grown` together.
+// The rounding error of the score of the recoded row, or of one whose terms are larger by at most
+// `grown` together.
 double slackOf(const Comparison &comparison, std::span<const Recoded> recoded,
                const Deviations &deviations, double grown = 0);
 // The least and the highest score with which fits() may hold, but for rounding.

@@ -13,7 +13,7 @@ using Form = NumberMap::Form;
 using Rounding = NumberMap::Rounding;
 
 constexpr std::size_t mostSampled = 64; // rows, to try candidates with
-constexpr std::size_t mostMeasured = 8; // of these, to take amounts and factors from
+constexpr std::size_t mostMeasured = 8; // of these, to measure
 
 bool isClose(double expected, double found, double tolerance) {
     return std::isfinite(expected) && std::isfinite(found) &&
