@@ -212,9 +212,9 @@ bool isRightByLastDigit(const Comparison &c, std::span<const CellFacts *const> c
         for (const double change : cell->beside) reach += std::abs(change);
     }
     const double slack = toleranceOf(c) * std::max(1.0, std::abs(score) + reach);
-    const bool isInReach =
-        !c.options.hasScore() || std::abs(found.score - score) <= reach + 2 * slack;
-    return count > 0 && isInReach &&
+    const bool isOutOfReach =
+        c.options.hasScore() && std::abs(found.score - score) > reach + 2 * slack;
+    return count > 0 && !isOutOfReach &&
            isRightBeside(c, std::span(columns).first(count), score, found);
 }
 
