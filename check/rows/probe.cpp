@@ -5,7 +5,6 @@
 #include "check/rows/csv_writer.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <functional>
@@ -31,16 +30,15 @@ double between(double least, double most) {
 }
 
 // Without exponent if that is not too long: programs differ in how they read exponents.
-QString digitsOf(double number) {
+std::string digitsOf(double number) {
     constexpr double least = 1e-30;
     constexpr double most = 1e22;
     const double size = std::abs(number);
     const bool isPlain = size == 0 || (size >= least && size < most);
-    std::array<char, 64> text{};
     const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
-    const char *const end =
-        std::to_chars(text.begin(), text.end(), number + 0.0, format).ptr; // no -0
-    return QString::fromLatin1(text.data(), end - text.data());
+    char text[64];
+    char *const end = std::to_chars(text, std::end(text), number + 0.0, format).ptr; // no -0
+    return {text, end};
 }
 
 void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
@@ -213,7 +211,7 @@ QString trialText(const QString &field, const Try &cell) {
     const QString name = shownText(field.toStdString());
     switch (cell.trial) {
     case Trial::Code:
-        return name + u" = "_s + digitsOf(cell.number) + u", a missing code"_s;
+        return name + u" = "_s + shownText(textOf(cell)) + u", a missing code"_s;
     case Trial::Bound:
         return name + u" at the bound "_s + numberText(cell.bound);
     case Trial::Below:
@@ -221,7 +219,7 @@ QString trialText(const QString &field, const Try &cell) {
     case Trial::Above:
         return name + u" just above "_s + numberText(cell.bound);
     case Trial::Between:
-        return name + u" = "_s + digitsOf(cell.number);
+        return name + u" = "_s + shownText(textOf(cell));
     case Trial::Value:
         return name + u" = '"_s + shownText(textOf(cell)) + u'\'';
     case Trial::Unlisted:
@@ -359,8 +357,7 @@ std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
 }
 
 std::string textOf(const Try &cell) {
-    if (std::isnan(cell.number)) return cell.value.toString().toStdString();
-    return digitsOf(cell.number).toStdString();
+    return std::isnan(cell.number) ? cell.value.toUtf8().toStdString() : digitsOf(cell.number);
 }
 
 std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::size_t column,

@@ -84,11 +84,6 @@ QString textOf(const Scorecard &card, const Suspicion &suspicion) {
     return u"%1 and %2 exchanged"_s.arg(column, card.columns[b]);
 }
 
-// Whether it made nearly all rows right so far, and is quickly tested.
-bool isLeading(const Comparison &c, const Suspicion &suspicion, std::int64_t rows) {
-    return suspicion.kind != Kind::OtherValue && 10 * rows >= 9 * c.result.suspects;
-}
-
 } // namespace
 
 bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
@@ -101,23 +96,23 @@ bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
 }
 
 void suspect(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
-    if (c.result.suspects < mostSuspected) {
+    const std::int64_t before = c.result.suspects++;
+    if (before < mostSuspected) {
         for (std::size_t i = c.pointsOfColumns.size(); i < c.card.columns.size(); ++i) {
             c.pointsOfColumns.push_back(possiblePoints(c.card, i));
         }
         suspectAll(c, facts, row);
-        ++c.result.suspects;
         return;
     }
-    if (c.result.suspects == mostSuspected) {
+    if (before == mostSuspected) {
         for (const auto &[suspicion, rows] : c.suspicions) {
-            if (isLeading(c, suspicion, rows)) c.leading.push_back(suspicion);
+            const bool isQuick = suspicion.kind != Kind::OtherValue;
+            if (isQuick && 10 * rows >= 9 * mostSuspected) c.leading.push_back(suspicion);
         }
     }
     for (const Suspicion &suspicion : c.leading) {
         c.suspicions[suspicion] += isRight(c, suspicion, facts, row.found) ? 1 : 0;
     }
-    ++c.result.suspects;
 }
 
 void finishSuspicion(Comparison &c) {
