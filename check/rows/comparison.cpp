@@ -263,7 +263,6 @@ void Comparison::endRow() {
 
 QString openResults(Comparison &c, std::span<const Finding> findings) {
     c.always = alwaysOf(c, findings);
-    c.tests = testsOfColumns(c.card, findings);
     for (const Recoding &recoding : c.card.recodings) {
         c.positionRows.emplace_back(recoding.y.size());
     }

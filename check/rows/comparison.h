@@ -126,6 +126,7 @@ struct ResultRow {
 struct Comparison {
     const Scorecard &card;
     const RowOptions &options;
+    std::vector<ColumnTests> tests;
     ComparisonResult result = {};
 
     CsvReader reader = {};
@@ -138,7 +139,6 @@ struct Comparison {
     std::vector<std::vector<PositionRows>> positionRows = {}; // by recodings
     FindingSet always = {};                                   // deviations that no cell decides
     bool hasAlikeNames = false; // columns of the target whose names become the same
-    std::vector<ColumnTests> tests = {};
     std::vector<std::vector<double>> pointsOfColumns = {}; // of all cells; from the first use
     std::map<Suspicion, std::int64_t> suspicions = {};     // rows that each makes right
     std::vector<Suspicion> leading = {};                   // those that all rows are tested for

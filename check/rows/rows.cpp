@@ -101,13 +101,12 @@ struct RowScorer {
     std::vector<Finding> &findings;
     const RowOptions &options;
     RowCounts &counts;
-    Comparison comparison = {card, options};
+    Comparison comparison = {card, options, testsOfColumns(card, findings)};
     CsvReader reader = {};
     DecimalMark mark = DecimalMark::Point;
     std::size_t keyAt = noPosition;
     CsvWriter out = {};
     RowTests tests = testsOf(options, findings);
-    std::vector<ColumnTests> columnTests = testsOfColumns(card, findings);
     std::vector<TextCounts> unlisted = std::vector<TextCounts>(card.columns.size());
     std::size_t entries = entriesOf(options, card.columns.size());
     std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * entries);
@@ -162,7 +161,7 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
         judged.recoded.push_back(recode(scorer.card.recodings[i], judged.facts.cell));
     }
-    const ColumnTests &tests = scorer.columnTests[column];
+    const ColumnTests &tests = scorer.comparison.tests[column];
     const RowOptions &options = scorer.options;
     const std::vector<const Cell *> cells(judged.recoded.size(), &judged.facts.cell);
     judged.findings = findingsOf(scorer.card, tests, column, cells, judged.recoded, options.sql);
