@@ -56,6 +56,7 @@ class CausesTest(CheckedTest):
         both = ("score", "probability")
         for name, results, columns, expected in [
             ("a constant", self.through(lambda s, *_: s + 0.5), both, ("amount", 72, "the score plus 0.5; the probability of such a score")),
+            ("a constant, with which all rows are above the table", self.through(lambda s, *_: s + 40), both, ("amount", 72, "the score plus 40; the probability of such a score")),
             ("a constant, seen in probabilities", self.through(lambda s, *_: s - 0.25), ["probability"], ("amount", None, "the score minus 0.25; the prob")),
             ("amounts of which no two are the same", [(s + i / 7, p) for i, (s, p) in enumerate(meant)], both, None),
             ("two rows of one amount", [(s + 0.5 * (i in (7, 9)), p) for i, (s, p) in enumerate(meant)], both, None),
@@ -76,8 +77,8 @@ class CausesTest(CheckedTest):
             ("one value", moved, ["score"], ("points", 24, "other points of V2 c, 'b' by -0.18")),
             ("two values by one amount", [(s + 0.18 * (row[1] != "a"), p) for (s, p), row in zip(meant, ROWS)], ["score"],
              ("points", 48, "other points of V2 c, missing or not listed by +0.18, 'b' by +0.18")),
-            ("one value, and two rows of something else", [(s + (i < 2) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
-             ("points", 24, "other points of V2 c, 'b' by -0.18")),
+            ("one value, but for two of its rows", [(s + (i in (20, 44)) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
+             ("points", 22, "other points of V2 c, 'b' by -0.18")),
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
             ("one bin, seen in probabilities", self.through(lambda s, n, c, m: s + 0.21 * (m == "20")), ["probability"],
              ("points", None, "other points of V3 m, [10, 20] by +0.21")),
@@ -91,6 +92,7 @@ class CausesTest(CheckedTest):
             ("a coefficient", [(s + 0.2 * {"": 0.0625, "0.25": -1.37, "1.5": 0.51, "3": 1.93, "7": 2.71}.get(row[0], 0.51), p)
                                for (s, p), row in zip(meant, ROWS)], ["score"], ("coefficient", 72, "a coefficient of 1.3 for V1 n")),
             ("another order", meant[::-1], both, ("other-order", None, "those of the rows in another order")),
+            ("another order of every other row", [meant[(i + 2) % 72] if i % 2 else row for i, row in enumerate(meant)], both, ("other-order", None, "those of the rows in another")),
             ("a row less", meant[:20] + meant[21:], both, ("next-row", None, "those of the next row, from row 21 on")),
             ("a row more", [*meant[:20], (9, 0.5), *meant[20:]], both, ("row-before", None, "those of the row before, from row 21 on")),
             ("the last digit of a bound", [(s + 1.1 * (-1.37 - 0.51) * (row[0] == f"{1 / 3}"), p) for (s, p), row in zip(meant, ROWS)],
