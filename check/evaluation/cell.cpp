@@ -16,7 +16,7 @@ bool readNumber(std::string_view text, double &number) {
     return error == std::errc();
 }
 
-// A text with a full stop is no number here: the stop may part thousands.
+// A text with a full stop is not a number here: the stop may separate thousands.
 static bool readDecimalComma(std::string_view text, double &number) {
     std::string plain(text);
     std::ranges::replace(plain, ',', '.');

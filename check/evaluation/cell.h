@@ -8,22 +8,21 @@
 
 inline constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 
-// One cell, as the model looks at it.
+// One cell, as the model reads it.
 struct Cell {
     std::string_view raw;
     std::string_view text; // without blanks around it; empty if it is missing
-    double number = 0;     // NaN counts as one that is missing
+    double number = 0;     // NaN is missing
     bool isNumber = false; // the text
 };
-// What may stand before the decimals of a number.
+// The decimal mark of numbers.
 enum class DecimalMark { Point, Comma, Either };
 
-// `missing` are texts that mean a missing value, as an empty cell does.
+// `missing`: texts that count as missing, as an empty cell does.
 Cell cellOf(std::string_view raw, std::span<const std::string> missing = {},
             DecimalMark mark = DecimalMark::Point);
 
-// The number that a text holds: decimal, with an exponent or not, and nothing else. False for any
-// other text.
+// Reads a decimal number, with or without an exponent. False for any other text.
 bool readNumber(std::string_view text, double &number);
 
 // The cell without the blanks around it.

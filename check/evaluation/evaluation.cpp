@@ -11,12 +11,12 @@ namespace {
 
 using enum FindingId;
 
-constexpr double smallestSingle = 1e-37; // what is nearer to 0 may be 0 in 32 bits
-constexpr std::size_t noPlace = static_cast<std::uint32_t>(-1); // without a score
+constexpr double smallestSingle = 1e-37; // numbers nearer to 0 may be 0 in 32 bits
+constexpr std::size_t noPlace = static_cast<std::uint32_t>(-1); // beyond all scores
 
-// --- Intervals
+// --- Bins
 
-// How the target shows a bound or a code of the document: with fewer digits, or in 32 bits.
+// A bound or a code of the document in the target: with fewer digits, or in 32 bits.
 double shown(double number, const Deviations &deviations) {
     if (deviations.has(BoundDigits)) number = withDigits(number, deviations.sql.digits);
     const bool isSingle = deviations.has(SinglePrecision) && deviations.variant == 1;
@@ -35,8 +35,8 @@ bool isCode(const Recoding &recoding, double value, const Deviations &deviations
     });
 }
 
-// What a target makes of a text in a numeric column, or of a number that is not finite; NaN where
-// the cell is missing, infinity where it is taken as above all bounds.
+// How a target reads a text in a numeric column, or a number that is not finite: NaN if the cell is
+// missing, infinity if it is above all bounds.
 double oddNumber(const Cell &cell, const Deviations &deviations) {
     const bool isHtml = deviations.target == Target::Html;
     const bool isText = !cell.isNumber;
@@ -62,7 +62,7 @@ double valueOf(const Cell &cell, const Deviations &deviations) {
     return deviations.has(SinglePrecision) ? inSinglePrecision(value) : value;
 }
 
-std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
+std::size_t binOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const std::span<const double> x = recoding.x;
     // HTML uses the last score, even if the array is too long.
     const std::size_t above = deviations.has(ArrayTooLong) ? recoding.y.size() - 1 : x.size() + 1;
@@ -72,7 +72,7 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
     const auto bound = [&](double exact) { return isShown ? shown(exact, deviations) : exact; };
     if (value < bound(x.front())) return 1;
     if (value > bound(x.back())) return above;
-    // The first bound belongs to the interval above it; a single one has none.
+    // The first bound belongs to the bin above it; a single one belongs to none.
     if (x.size() == 1) return deviations.has(SingleBound) ? above : 0;
     const auto inner = x.subspan(1);
     const auto isUpTo = [&](double exact) { return value <= bound(exact); };
@@ -81,12 +81,13 @@ std::size_t intervalOf(const Recoding &recoding, const Cell &cell, const Deviati
     return found == inner.end() ? 0 : static_cast<std::size_t>(found - inner.begin()) + 2;
 }
 
-// Whether a number is so near to a bound that fewer digits or bits may part them.
+// Whether two numbers are so near that fewer digits or bits may make them equal.
+bool areNear(double a, double b, double share) {
+    return std::abs(a - b) <= share * std::max(std::abs(a), std::abs(b)) + smallestSingle;
+}
+
 bool isNearBound(const Recoding &recoding, double value) {
-    const auto isNear = [&](double bound) {
-        return std::abs(value - bound) <=
-               1e-6 * std::max(std::abs(bound), std::abs(value)) + smallestSingle;
-    };
+    const auto isNear = [&](double bound) { return areNear(value, bound, 1e-6); };
     if (!recoding.isRising) return std::ranges::any_of(recoding.x, isNear);
     const auto above = std::ranges::lower_bound(recoding.x, value);
     return (above != recoding.x.end() && isNear(*above)) ||
@@ -94,18 +95,15 @@ bool isNearBound(const Recoding &recoding, double value) {
 }
 
 bool isNearCode(const Recoding &recoding, double value, Target target) {
-    const auto isNear = [&](double code) {
-        return std::abs(value - code) <=
-               1e-5 * std::max(std::abs(code), std::abs(value)) + smallestSingle;
-    };
+    const auto isNear = [&](double code) { return areNear(value, code, 1e-5); };
     return std::ranges::any_of(recoding.codes, isNear) ||
            std::ranges::any_of(recoding.codesOfTarget[static_cast<std::size_t>(target)], isNear);
 }
 
-bool concernsNumeric(FindingId id, const Recoding &recoding, const Cell &cell, Target target) {
+bool mayAffectNumeric(FindingId id, const Recoding &recoding, const Cell &cell, Target target) {
     const bool isEmpty = cell.text.empty();
     const bool isOdd = !isEmpty && (!cell.isNumber || !std::isfinite(cell.number));
-    const double value = cell.isNumber ? cell.number : 0; // what an empty field counts as
+    const double value = cell.isNumber ? cell.number : 0; // an empty field of HTML
     switch (id) {
     case EmptyField:
         return isEmpty;
@@ -131,15 +129,15 @@ bool concernsNumeric(FindingId id, const Recoding &recoding, const Cell &cell, T
 
 // --- Lists
 
-// The place of the text that is the first to equal one of the list in this reading, where another
-// text than the exact one is. 0 where the reading makes no difference.
+// The place of the first listed value that equals the text in this reading; 0 if it is that of the
+// exact text.
 std::uint32_t otherPlace(const Recoding &recoding, std::string_view text, Reading reading) {
     const std::uint32_t first = recoding.find(text, reading).first;
     return first == recoding.find(text).first ? 0 : first;
 }
 
-// Excel VBA sees True and False where a cell holds a truth value, and compares TRUE and FALSE of a
-// list in this spelling. `isTruth`: whether the cell holds one, not a text.
+// Excel VBA reads a truth value of a cell as True or False, and writes TRUE and FALSE of a list in
+// this spelling. `isTruth`: whether the cell holds a truth value, not a text.
 std::uint32_t truthPlace(const Recoding &recoding, std::string_view text, bool isTruth) {
     const bool isTrue = (text[0] | 0x20) == 't';
     const std::string_view spelling = isTrue ? "True" : "False";
@@ -152,9 +150,9 @@ std::uint32_t truthPlace(const Recoding &recoding, std::string_view text, bool i
     return place == 0 || (respelled != 0 && respelled < place) ? respelled : place;
 }
 
-// What servers make of a text that is compared with the numbers 0 and 1: MySQL, MariaDB and a cast
-// of SQLite take the number that it begins with; texts may be compared as texts; a text that is not
-// numeric may equal neither.
+// How servers compare a text with the numbers 0 and 1: MySQL, MariaDB and a cast of
+// SQLite read the number that it begins with; texts are compared as texts; a text that is not
+// numeric equals neither.
 std::size_t positionOfNumber(const Cell &cell, int variant) {
     if (cell.text.empty()) return variant == 3 ? 1 : 0;
     const auto of = [](double number) -> std::size_t {
@@ -226,8 +224,8 @@ std::size_t positionOf(const Recoding &recoding, const Cell &cell, const Deviati
 }
 
 // HTML asks for a column once, with a field or with the values of its last recoding. A list or a
-// field that is read as radio buttons is unknown. If a field is read as a list, its number is used
-// as the position.
+// field that is read as radio buttons is unlisted. If a field is read as a list, its number is the
+// position.
 std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const Recoding &asked = *recoding.asked;
     const bool readsList = htmlReadsList(recoding.listed.size());
@@ -238,12 +236,12 @@ std::size_t answerOf(const Recoding &recoding, const Cell &cell, const Deviation
     }
     const bool isList = !asked.isBoolean && htmlShowsList(asked.listed.size());
     if (!readsList && isList) return 0;
-    Deviations others = deviations; // five categories are unknown where they are shown, not here
+    Deviations others = deviations; // decided above
     others.findings.remove(FiveCategories);
     return positionOf(asked, cell, others);
 }
 
-bool concernsList(FindingId id, const Recoding &recoding, const Cell &cell, Target target) {
+bool mayAffectList(FindingId id, const Recoding &recoding, const Cell &cell, Target target) {
     const std::string_view text = cell.text;
     switch (id) {
     case EmptyValue:
@@ -284,12 +282,12 @@ const std::vector<ScoreTerm> &termsOf(const Scorecard &card, const Deviations &d
     return deviations.has(CoefficientWithoutRecoding) ? card.factorTerms : card.terms;
 }
 
-// A point of the table where the target has it. It parts the scores; the line to it is the same.
+// Where the target begins a segment of the table. The line within the segment is the exact one.
 double pointShown(double point, const Deviations &deviations) {
     return deviations.has(BoundDigits) ? withDigits(point, deviations.sql.digits) : point;
 }
 
-// The scores of the table within this distance.
+// The table points within this distance of the score.
 std::vector<double> pointsBeside(const Scorecard &card, double score, double distance) {
     std::span<const double> x = card.table.x;
     if (card.isFalling) {
@@ -335,7 +333,7 @@ bool differ(const Recoded &a, const Recoded &b) {
 Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &deviations) {
     const bool isAnswer = deviations.has(SharedValues) && recoding.asked != &recoding;
     const std::size_t position = !recoding.variable->isCategorical
-                                     ? intervalOf(recoding, cell, deviations)
+                                     ? binOf(recoding, cell, deviations)
                                  : isAnswer ? answerOf(recoding, cell, deviations)
                                             : positionOf(recoding, cell, deviations);
     double score = position < recoding.y.size() ? recoding.y[position] : noNumber;
@@ -345,11 +343,21 @@ Recoded recode(const Recoding &recoding, const Cell &cell, const Deviations &dev
     return {static_cast<std::uint32_t>(position), score};
 }
 
-bool concerns(FindingId id, const Recoding &recoding, const Cell &cell,
-              const Deviations &deviations) {
+double pointsOf(const Scorecard &card, std::size_t column, const Cell &cell) {
+    double points = 0;
+    for (const std::size_t i : card.recodingsOf[column]) {
+        const Recoding &recoding = card.recodings[i];
+        if (recoding.coefficient == 0) continue; // the score may be infinite
+        points += recoding.coefficient * recode(recoding, cell).score;
+    }
+    return points;
+}
+
+bool mayAffect(FindingId id, const Recoding &recoding, const Cell &cell,
+               const Deviations &deviations) {
     return recoding.variable->isCategorical
-               ? concernsList(id, recoding, cell, deviations.target)
-               : concernsNumeric(id, recoding, cell, deviations.target);
+               ? mayAffectList(id, recoding, cell, deviations.target)
+               : mayAffectNumeric(id, recoding, cell, deviations.target);
 }
 
 double scoreOf(const Scorecard &card, std::span<const Recoded> recoded,
@@ -397,7 +405,7 @@ double probabilityOf(const Scorecard &card, double score, const Deviations &devi
     }
     if (!card.table.exists) {
         if (!card.isLogistic) return noNumber;
-        // Of the last row, it is what the model says.
+        // The last row has the probability of the model, which is no departure.
         if (deviations.has(LogisticLastRow)) return 0;
         const double power = std::exp(-score);
         return std::isinf(power) && deviations.has(LogisticOverflow) ? noNumber : 1 / (1 + power);
@@ -443,7 +451,7 @@ bool hasProbabilityNear(const Scorecard &card, double score, double slack, doubl
     for (std::size_t i = 0; i < scores.size(); ++i) {
         const double p = probabilityOf(card, scores[i], deviations);
         if (isNear(p, probability)) return true;
-        // The probability changes evenly between two scores, unless a point stands at the first.
+        // The probability is monotonic between two scores, unless the first is a table point.
         const bool isJump = i > 0 && scores[i] == std::nextafter(scores[i - 1], HUGE_VAL);
         const auto [least, most] = std::minmax(before, p);
         if (!isJump && probability >= least && probability <= most) return true;
@@ -484,7 +492,7 @@ ScoreRange scoresWithProbability(const Scorecard &card, double probability, doub
         add(at(least), at(most));
         if (y[i] == y[i - 1]) add(x[i], x[i - 1]);
     }
-    // What interpolation may be off by.
+    // The rounding error of the interpolation.
     constexpr double rounding = 1e-9;
     const auto widen = [](double score) { return rounding * std::max(1.0, std::abs(score)); };
     if (std::isfinite(range.least)) range.least -= widen(range.least);

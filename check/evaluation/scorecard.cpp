@@ -53,8 +53,7 @@ std::string withoutAccents(std::string_view text) {
     return plain.toStdString();
 }
 
-// The text that a literal stands for; \xFF, which equals nothing, for an escape that is not
-// supported.
+// The text of a literal; \xFF, which equals nothing, for an escape that is not supported.
 std::string unescaped(std::string_view literal, Reading reading) {
     const bool isPython = reading == Reading::PythonText;
     const std::string_view escapes = isPython ? "\\'\"abfnrtv\n" : "'\"bnrtZ0\\";
@@ -71,7 +70,7 @@ std::string unescaped(std::string_view literal, Reading reading) {
         if (at < meanings.size()) {
             text += meanings[at];
         } else if (isPython && (at != std::string_view::npos || c == '\n')) {
-            continue; // a line that goes on
+            continue; // continues the line
         } else if (isPython && std::string_view("01234567xNuU").find(c) != std::string_view::npos) {
             return "\xFF";
         } else if (!isPython && c == '0') {
@@ -85,7 +84,7 @@ std::string unescaped(std::string_view literal, Reading reading) {
     return text;
 }
 
-// What is the same for all texts that the reading takes for equal.
+// The same key for all texts that are equal in this reading.
 std::string keyOf(std::string_view text, Reading reading) {
     switch (reading) {
     case Reading::AnyCase:
@@ -107,7 +106,7 @@ std::string keyOf(std::string_view text, Reading reading) {
     return std::string(text);
 }
 
-// Those that a target may have, of this list.
+// The readings of this list in which a target may depart from the model.
 std::vector<Reading> readingsOf(const Recoding &recoding) {
     std::vector<Reading> list = {Reading::Exact, Reading::AnyCase, Reading::AnyAccent};
     if (recoding.isOfNumbers) list.push_back(Reading::AsNumber);

@@ -11,8 +11,8 @@
 #include <string_view>
 #include <unordered_map>
 
-// Where in its list a value stands, counted from 1; 0 where it is unlisted. A value that is listed
-// twice has two places.
+// The place of a value in its list, from 1; 0 if it is unlisted. A value that is listed twice has
+// two places.
 struct ListedValue {
     std::uint32_t first = 0;
     std::uint32_t last = 0; // which counts
@@ -23,9 +23,9 @@ enum class Reading {
     Exact,
     AnyCase,
     AnyAccent,  // nor any case
-    AsNumber,   // all texts that are not numbers are equal
+    AsNumber,   // texts that are not numbers are all equal
     Padded,     // blanks at the end do not count
-    PythonText, // the value stands in a literal of Python
+    PythonText, // the value is written as a literal of Python
     MySqlText,  // or of MySQL
 };
 inline constexpr std::size_t readings = 7;
@@ -41,9 +41,9 @@ struct Recoding {
     std::span<const double> y;       // a score for each position
     bool isRising = true;            // the bounds
     bool isBoolean = false;
-    bool isOfNumbers = false;    // all values are digits and full stops, which SAS takes as numbers
-    bool holdsBackslash = false; // one of the values
-    bool holdsEndBlank = false;  // one of the values ends with a blank
+    bool isOfNumbers = false; // all values are digits and full stops, which SAS compares as numbers
+    bool holdsBackslash = false;         // one of the values
+    bool holdsEndBlank = false;          // one of the values ends with a blank
     std::span<const QStringView> listed; // the values of a list, as the document has them
     std::array<std::unordered_map<std::string, ListedValue>, readings> values;
     std::span<const double> codes;                                  // that count as missing
@@ -74,7 +74,7 @@ struct Scorecard {
     // the last coefficient of its number; and those that have a recoding, multiplied by the
     // coefficients without a recoding before them.
     std::vector<ScoreTerm> terms, firstTerms, lastTerms, factorTerms;
-    double htmlConstant = 0; // the number behind one coefficient for each recoding
+    double htmlConstant = 0; // the number after one coefficient for each recoding
     ProbabilityTable table;
     bool isFalling = true; // the table's scores
     bool isLogistic = false;
@@ -86,7 +86,7 @@ struct Scorecard {
 QStringView kindOfTarget(const Scorecard &card);
 bool isOfKind(const Scorecard &card, QStringView kind);
 
-// A number with 15 digits, or with as many more as distinguish it from all others.
+// A number with 15 digits, or with more if that distinguishes it from all others.
 QString numberText(double number);
 
 // The name under which the target looks for missing codes.

@@ -11,7 +11,7 @@
 
 namespace {
 
-// A whole number in this base, and nothing else.
+// Reads a whole number in this base. False for any other text.
 bool readWhole(std::string_view digits, int base, double &number) {
     number = 0;
     for (const char c : digits) {
@@ -25,7 +25,7 @@ bool readWhole(std::string_view digits, int base, double &number) {
     return !digits.empty();
 }
 
-// Those of a prefix and a base, such as 0x10.
+// Reads a number with a prefix, such as 0x10.
 bool readPrefixed(std::string_view text, char mark, std::string_view kinds,
                   std::span<const int> bases, double &number) {
     if (text.size() < 3 || text[0] != mark) return false;
@@ -45,8 +45,7 @@ std::string_view withoutSpaces(std::string_view text) {
 }
 
 std::string_view withoutUnicodeBlanks(std::string_view text, bool withControls) {
-    // The lengths in UTF-8 of what is cut off at both ends. Python's blanks are Qt's, and four
-    // control characters.
+    // Python's blanks are Qt's, and four control characters.
     const QString all = QString::fromUtf8(text);
     const auto isBlank = [&](QChar c) {
         if (!withControls) return c.category() == QChar::Separator_Space;
@@ -67,6 +66,16 @@ double withDigits(double number, int digits) {
     double rounded = number;
     std::from_chars(text.characters, text.characters + text.size, rounded);
     return rounded;
+}
+
+double shortestBetween(double least, double most) {
+    const double middle = least / 2 + most / 2;
+    constexpr int digits = 17; // which distinguish any two
+    for (int i = 1; std::isfinite(middle) && i <= digits; ++i) {
+        const double number = withDigits(middle, i);
+        if (number >= least && number <= most) return number;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
 }
 
 double inSinglePrecision(double number) {

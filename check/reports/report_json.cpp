@@ -97,7 +97,7 @@ QJsonObject jsonOf(const Report &report) {
     const ComparisonResult &result = *report.found.comparison;
     QJsonObject explained;
     for (const auto &[id, rows] : result.explained) {
-        explained[kindOf(id).name.toString()] = count(rows.rows);
+        explained[kindOf(id).name.toString()] = count(rows);
     }
     QJsonObject reasons;
     for (const auto &[reason, rows] : result.reasons) reasons[reason] = count(rows.rows);

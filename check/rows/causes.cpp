@@ -1,9 +1,13 @@
 #include "check/rows/causes.h"
 
+#include "check/evaluation/target_texts.h"
 #include "check/rows/number_maps.h"
 #include "check/rows/suspicion.h"
 
+#include <QSet>
+
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <utility>
 
@@ -11,42 +15,36 @@ namespace {
 
 // --- Positions
 
-struct PointsFit {
-    std::int64_t rows = 0;
-    std::vector<std::pair<std::size_t, double>> amounts = {};
-    std::vector<ScoreRange> ranges = {};
-};
-
-// The amounts by which the positions of a recoding differ, each in all of its rows. A probability
-// alone may be right although its score is off.
-PointsFit fitOf(const Comparison &c, std::span<const PositionRows> positions,
-                std::span<const std::int64_t> all) {
-    PointsFit fit;
+// The amounts by which the positions of a recoding differ, each in nearly all of its rows. A
+// probability alone may be right although its score is off.
+Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int64_t> all) {
+    const std::span<const PositionRows> positions = c.positionRows[recoding];
+    Cause fit = {.kind = Cause::Kind::Points, .recoding = recoding};
     std::size_t reached = 0;
     ScoreRange shared = {-HUGE_VAL, HUGE_VAL};
     for (std::size_t i = 0; i < positions.size(); ++i) {
         const PositionRows &rows = positions[i];
-        const std::int64_t equal = all[i] - rows.others - rows.agree - rows.disagree;
-        const std::int64_t against = rows.disagree + (c.options.hasScore() ? equal : 0);
+        const std::int64_t compared = c.options.hasScore() ? all[i] - rows.others : rows.differing;
         reached += all[i] > rows.others ? 1 : 0;
         const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
-        if (rows.agree == 0 || !isMoved || 9 * against > rows.agree) continue;
+        const bool isMeasured = std::isfinite(rows.amount.most - rows.amount.least);
+        if (rows.agree == 0 || !isMoved || !isMeasured || 10 * rows.agree < 9 * compared) continue;
         fit.rows += rows.agree;
-        fit.amounts.emplace_back(i, shortestIn(rows.amount));
-        fit.ranges.push_back(rows.amount);
-        shared = common(shared, rows.amount);
+        fit.amounts.emplace_back(i, shortestBetween(rows.amount.least, rows.amount.most));
+        shared = overlap(shared, rows.amount);
     }
-    // The same amount everywhere says nothing about the recoding; a probability that is right may
-    // have a score that is not.
+    // The same amount everywhere is no evidence for the recoding. A wrong score may have the right
+    // probability.
     const bool isShared =
         fit.amounts.size() == reached || (fit.amounts.size() > 1 && !c.options.hasScore());
     if (isShared && shared.least <= shared.most) fit.rows = 0;
     return fit;
 }
 
-// The coefficient with which all positions that rows reach differ as they do; NaN if none does.
-double coefficientOf(const Recoding &recoding, std::span<const PositionRows> positions,
-                     std::span<const std::int64_t> all, const PointsFit &fit) {
+// The coefficient that explains the amounts of all positions that rows reach; NaN if there is none.
+double coefficientOf(const Comparison &c, const Cause &fit, std::span<const std::int64_t> all) {
+    const Recoding &recoding = c.card.recodings[fit.recoding];
+    const std::span<const PositionRows> positions = c.positionRows[fit.recoding];
     ScoreRange change = {-HUGE_VAL, HUGE_VAL};
     std::size_t next = 0; // of the amounts
     for (std::size_t i = 0; i < positions.size(); ++i) {
@@ -54,35 +52,32 @@ double coefficientOf(const Recoding &recoding, std::span<const PositionRows> pos
         const bool isMoved = next < fit.amounts.size() && fit.amounts[next].first == i;
         if (all[i] > positions[i].others && isMoved != (y != 0)) return noNumber;
         if (!isMoved) continue;
-        const auto [a, b] = std::minmax({fit.ranges[next].least / y, fit.ranges[next].most / y});
-        change = common(change, {a, b});
+        const ScoreRange &amount = positions[i].amount;
+        const auto [a, b] = std::minmax({amount.least / y, amount.most / y});
+        change = overlap(change, {a, b});
         ++next;
     }
     if (!(change.least <= change.most) || next < 2) return noNumber;
-    return shortestIn({recoding.coefficient + change.least, recoding.coefficient + change.most});
+    return shortestBetween(recoding.coefficient + change.least, recoding.coefficient + change.most);
 }
 
 std::vector<Cause> pointsOf(const Comparison &c,
                             std::span<const std::vector<std::int64_t>> positions) {
     std::vector<Cause> causes;
     for (std::size_t i = 0; i < c.positionRows.size(); ++i) {
-        const PointsFit fit = fitOf(c, c.positionRows[i], positions[i]);
-        const auto evidence = fit.rows - std::ssize(fit.amounts);
-        const bool isLikely = 2 * fit.rows > std::ssize(c.differing);
+        Cause cause = fitOf(c, i, positions[i]);
+        const auto evidence = cause.rows - std::ssize(cause.amounts);
+        const bool isLikely = 2 * cause.rows > std::ssize(c.differing);
         if (evidence < leastRows - 1 || !isLikely) continue;
-        Cause cause = {.kind = Cause::Kind::Points, .rows = fit.rows, .recoding = i};
-        cause.amounts = fit.amounts;
-        cause.coefficient =
-            coefficientOf(c.card.recodings[i], c.positionRows[i], positions[i], fit);
+        cause.coefficient = coefficientOf(c, cause, positions[i]);
         if (!std::isnan(cause.coefficient)) cause.kind = Cause::Kind::Coefficient;
         causes.push_back(cause);
     }
-    // The one that assumes least comes first.
+    // Those that assume least come first.
     std::ranges::stable_sort(causes, {}, [](const Cause &cause) {
         const bool isPoints = cause.kind == Cause::Kind::Points;
         return std::pair(-cause.rows, isPoints ? cause.amounts.size() : 1);
     });
-    if (causes.size() > mostCauses) causes.resize(mostCauses);
     return causes;
 }
 
@@ -137,22 +132,16 @@ Cause orderOf(const Comparison &c) {
     return cause;
 }
 
-// Titles that both files have, but for those of the model and of the results' numbers.
+// Titles that both files have, except those of the model and of the results' numbers.
 QStringList keysOf(const Comparison &c, const CsvReader &rows) {
     constexpr qsizetype most = 3;
-    QStringList keys;
-    QStringList others = {c.options.score, c.options.probability};
-    const QStringList titles = rows.titlesOfFile();
-    for (const QString &column : c.card.columns) others.append(column);
-    others.sort();
-    QStringList theirs = c.reader.titlesOfFile();
-    theirs.sort();
-    for (const QString &title : titles) {
-        const bool isOther = std::ranges::binary_search(others, title);
-        if (isOther || title.isEmpty() || !std::ranges::binary_search(theirs, title)) continue;
-        if (keys.size() < most) keys.push_back(title);
-    }
-    return keys;
+    const QStringList titles = c.reader.titlesOfFile();
+    QSet<QString> possible(titles.begin(), titles.end());
+    possible -= {c.options.score, c.options.probability, QString()};
+    for (const QString &column : c.card.columns) possible.remove(column);
+    QStringList keys = rows.titlesOfFile();
+    keys.removeIf([&](const QString &title) { return !possible.contains(title); });
+    return keys.first(std::min(most, keys.size()));
 }
 
 std::vector<Cause> joinsOf(const Comparison &c) {
@@ -178,49 +167,34 @@ bool isRightBeside(const Comparison &c, std::span<const std::vector<double> *con
 
 } // namespace
 
-void noteRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
-    if (c.positionRows.empty()) {
-        for (const Recoding &recoding : c.card.recodings) {
-            c.positionRows.emplace_back(recoding.y.size());
-        }
-    }
+void keepRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
     const bool isKept = row && c.differing.size() < mostLookedAt;
     if (isKept) c.differing.push_back(*row);
-    const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{0, 0};
+    const ScoreRange amount = isKept ? amountOf(c, *row) : ScoreRange{HUGE_VAL, -HUGE_VAL};
+    const bool isAmount = amount.least <= amount.most;
     for (std::size_t i = 0; i < recoded.size(); ++i) {
         PositionRows &rows = c.positionRows[i][recoded[i].position];
-        const ScoreRange both = common(rows.amount, amount);
-        if (!isKept) {
-            ++rows.others;
-        } else if (both.least <= both.most) {
+        ++(isKept ? rows.differing : rows.others);
+        const ScoreRange both = isAmount ? overlap(rows.amount, amount) : amount;
+        if (both.least <= both.most) {
             rows.amount = both;
             ++rows.agree;
             ++rows.votes;
-        } else if (rows.votes > 0 || amount.least > amount.most) {
-            rows.votes = std::max<std::int64_t>(rows.votes - 1, 0);
-            ++rows.disagree;
-        } else {
+        } else if (isAmount && rows.votes-- == 0) {
             rows.amount = amount;
-            rows.disagree += std::exchange(rows.agree, 1);
+            rows.agree = 1;
             rows.votes = 1;
         }
     }
 }
 
-std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell,
-                                  std::span<const Recoded> meant) {
+std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell) {
     std::vector<double> changes;
     if (!cell.isNumber || !std::isfinite(cell.number)) return changes;
     for (const double to : {-HUGE_VAL, HUGE_VAL}) {
         Cell beside = cell;
         beside.number = std::nextafter(cell.number, to);
-        double change = 0;
-        for (const std::size_t i : card.recodingsOf[column]) {
-            const Recoding &recoding = card.recodings[i];
-            if (recoding.variable->isCategorical) continue;
-            const double score = recode(recoding, beside).score;
-            change += recoding.coefficient * (score - meant[recoding.rank].score);
-        }
+        const double change = pointsOf(card, column, beside) - pointsOf(card, column, cell);
         if (change != 0) changes.push_back(change);
     }
     return changes;
@@ -229,11 +203,19 @@ std::vector<double> changesBeside(const Scorecard &card, std::size_t column, con
 bool isRightByLastDigit(const Comparison &c, std::span<const CellFacts *const> cells, double score,
                         const Prediction &found) {
     constexpr std::size_t mostBeside = 6; // columns, of whose cells all combinations are tried
-    std::vector<const std::vector<double> *> columns;
+    std::array<const std::vector<double> *, mostBeside> columns{};
+    std::size_t count = 0;
+    double reach = 0;
     for (const CellFacts *const cell : cells) {
-        if (!cell->beside.empty() && columns.size() < mostBeside) columns.push_back(&cell->beside);
+        if (cell->beside.empty() || count == mostBeside) continue;
+        columns[count++] = &cell->beside;
+        for (const double change : cell->beside) reach += std::abs(change);
     }
-    return !columns.empty() && isRightBeside(c, columns, score, found);
+    const double slack = toleranceOf(c) * std::max(1.0, std::abs(score) + reach);
+    const bool isOutOfReach =
+        c.options.hasScore() && std::abs(found.score - score) > reach + 2 * slack;
+    return count > 0 && !isOutOfReach &&
+           isRightBeside(c, std::span(columns).first(count), score, found);
 }
 
 std::vector<Cause> causesOf(const Comparison &c,
@@ -241,7 +223,7 @@ std::vector<Cause> causesOf(const Comparison &c,
                             const CsvReader &rows) {
     std::vector<Cause> causes = mapsOf(c);
     std::vector<Cause> points = pointsOf(c, positions);
-    // An amount that not all rows of the file differ by is rather that of some value.
+    // If some rows are equal, an amount is more likely that of a value.
     const bool pointsFirst =
         !points.empty() && c.result.equal > 0 &&
         (causes.empty() || (!isPlain(causes[0]) && points[0].rows >= causes[0].rows));
@@ -251,7 +233,7 @@ std::vector<Cause> causesOf(const Comparison &c,
         std::ranges::move(points, std::back_inserter(causes));
     }
     const auto lastDigits = std::ranges::count_if(c.differing, &DifferingRow::isLastDigit);
-    if (lastDigits > 0 && speaksFor(lastDigits, c.differing.size())) {
+    if (lastDigits > 0 && isEnough(lastDigits, c.differing.size())) {
         causes.insert(causes.begin(), {.kind = Cause::Kind::LastDigit, .rows = lastDigits});
     }
     const auto isWhole = [&](const Cause &cause) { return cause.rows == std::ssize(c.differing); };
@@ -259,7 +241,7 @@ std::vector<Cause> causesOf(const Comparison &c,
         std::ranges::move(joinsOf(c), std::back_inserter(causes));
     }
     std::ranges::stable_sort(causes, std::greater(), &Cause::rows);
-    // Of what one cause makes right, others happen to make some right too.
+    // Other causes make some of the same rows right by chance.
     std::erase_if(causes, [most = causes.empty() ? 0 : causes[0].rows](const Cause &cause) {
         return 2 * cause.rows < most;
     });

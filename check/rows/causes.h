@@ -1,4 +1,4 @@
-// What the rows without explanation look like as a whole: one cause that makes many of them right.
+// Looks for causes that each make many of the rows without explanation right.
 #pragma once
 
 #include "check/rows/cell_effects.h"
@@ -64,23 +64,22 @@ struct DifferingRow {
     bool isLastDigit = false;
 };
 
-// The rows of one position of a recoding that are not as the model says.
+// The rows of one position of a recoding that depart from the model.
 struct PositionRows {
-    std::int64_t others = 0; // that are explained or have no result
-    std::int64_t agree = 0;  // that may differ by any amount within `amount`, without explanation
-    std::int64_t disagree = 0;
-    std::int64_t votes = 0; // for the amount, of which that of most rows stays
+    std::int64_t others = 0;    // explained, or without a result
+    std::int64_t differing = 0; // without explanation
+    std::int64_t agree = 0;     // of these, that may differ by any amount within `amount`
+    std::int64_t votes = 0;     // majority vote for `amount`
     ScoreRange amount = {-HUGE_VAL, HUGE_VAL};
 };
 
-// To be called for each row that is without explanation, or whose cells count as `others`.
-void noteRow(Comparison &comparison, std::span<const Recoded> recoded, const DifferingRow *row);
+// Counts a row by the positions of its cells; `row` is null if it is explained or has no result.
+void keepRow(Comparison &comparison, std::span<const Recoded> recoded, const DifferingRow *row);
 
-// What the double below the cell and the one above it would change in the score, as far as they do.
-std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell,
-                                  std::span<const Recoded> meant);
+// By how much the next double below and above the number of the cell changes the score, if it does.
+std::vector<double> changesBeside(const Scorecard &card, std::size_t column, const Cell &cell);
 
-// Whether the row is right where some of its cells are read one digit off.
+// Whether the row is right if some of its cells are read as the double below or above.
 bool isRightByLastDigit(const Comparison &comparison, std::span<const CellFacts *const> cells,
                         double score, const Prediction &found);
 

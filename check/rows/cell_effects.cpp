@@ -6,11 +6,11 @@ namespace {
 
 using enum FindingId;
 
-constexpr std::size_t mostCombined = 10; // findings of one cell, of which all sets are tried
+constexpr std::size_t mostCombined = 10; // findings of one cell, whose sets are all tried
 
 using Outcome = std::vector<Recoded>;
 
-// What the cells of a column become, by sets of findings: the bits of a mask are their positions.
+// What the cells of a column become, by sets of findings: the bits of a mask are their indexes.
 struct Outcomes {
     std::vector<FindingId> ids;
     std::vector<Outcome> ofMask = {};
@@ -24,34 +24,29 @@ struct Outcomes {
     }
 };
 
-// The findings that may change one of the cells; cellOf(rank) is what a recoding of the column
-// reads. Most cells are changed by none, and cost no memory here.
-template <typename CellOf>
-std::vector<FindingId> concerning(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, CellOf cellOf, const Deviations &target) {
-    const std::vector<std::size_t> &recodings = card.recodingsOf[column];
+// The findings that may affect one of the cells: none for most, which then cost no memory.
+std::vector<FindingId> affecting(const Scorecard &card, const ColumnTests &tests,
+                                 std::size_t column, Cells cells, const Deviations &target) {
     std::vector<FindingId> ids;
     for (const FindingId id : tests.simulated[static_cast<std::size_t>(target.target)]) {
-        bool isConcerned = false;
-        for (std::size_t rank = 0; rank < recodings.size() && !isConcerned; ++rank) {
-            isConcerned = concerns(id, card.recodings[recodings[rank]], cellOf(rank), target);
-        }
-        if (isConcerned && ids.size() < mostCombined) ids.push_back(id);
+        const auto mayAffectIt = [&](std::size_t i) {
+            return mayAffect(id, card.recodings[i], *cells[card.recodings[i].rank], target);
+        };
+        const bool isPossible = std::ranges::any_of(card.recodingsOf[column], mayAffectIt);
+        if (isPossible && ids.size() < mostCombined) ids.push_back(id);
     }
     return ids;
 }
 
-template <typename CellOf>
-Outcomes outcomesOf(const Scorecard &card, std::size_t column, CellOf cellOf,
+Outcomes outcomesOf(const Scorecard &card, std::size_t column, Cells cells,
                     std::vector<FindingId> ids, Deviations deviations) {
-    const std::vector<std::size_t> &recodings = card.recodingsOf[column];
     Outcomes outcomes = {.ids = std::move(ids)};
     outcomes.ofMask.resize(std::size_t(1) << outcomes.ids.size());
     for (std::size_t mask = 0; mask < outcomes.ofMask.size(); ++mask) {
         deviations.findings = outcomes.setOf(mask);
-        for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
-            outcomes.ofMask[mask].push_back(
-                recode(card.recodings[recodings[rank]], cellOf(rank), deviations));
+        for (const std::size_t i : card.recodingsOf[column]) {
+            const Recoding &recoding = card.recodings[i];
+            outcomes.ofMask[mask].push_back(recode(recoding, *cells[recoding.rank], deviations));
         }
     }
     return outcomes;
@@ -62,14 +57,14 @@ std::size_t bitOf(const Outcomes &outcomes, FindingId id) {
     return at == outcomes.ids.end() ? 0 : std::size_t(1) << (at - outcomes.ids.begin());
 }
 
-bool isMovedAlone(const Outcomes &outcomes, FindingId id, std::size_t rank) {
+bool affectsAlone(const Outcomes &outcomes, FindingId id, std::size_t rank) {
     std::size_t mask = bitOf(outcomes, id);
-    // What else is taken as above all bounds takes the last of a long array too.
+    // A text that HTML reads as above all bounds reaches the last score of a long array too.
     if (id == ArrayTooLong) mask |= bitOf(outcomes, NotANumber);
     return differ(outcomes.ofMask[mask][rank], outcomes.ofMask[0][rank]);
 }
 
-bool isMoved(const Outcomes &outcomes, FindingId id, std::size_t rank) {
+bool affects(const Outcomes &outcomes, FindingId id, std::size_t rank) {
     const std::size_t bit = bitOf(outcomes, id);
     if (bit == 0) return false;
     for (std::size_t mask = 0; mask < outcomes.ofMask.size(); ++mask) {
@@ -79,23 +74,20 @@ bool isMoved(const Outcomes &outcomes, FindingId id, std::size_t rank) {
     return false;
 }
 
-// What needs no target to be seen.
+// Whether a finding affects the cell whatever a target makes of it.
 bool isAffectedAnyhow(const Scorecard &card, std::size_t column, const CellTest &test,
                       const Cell &cell, std::span<const Recoded> meant) {
-    const auto isUnlisted = [&](std::size_t rank) {
-        const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
-        return !recoding.variable->isCategorical || meant[rank].position == 0;
+    const auto isUnlisted = [&](std::size_t i) {
+        const Recoding &recoding = card.recodings[i];
+        return !recoding.variable->isCategorical || meant[recoding.rank].position == 0;
     };
     switch (test.id) {
     case NotANumber:
         return !cell.text.empty() && !cell.isNumber;
     case NotListed:
-        for (std::size_t rank = 0; rank < meant.size(); ++rank) {
-            if (!isUnlisted(rank)) return false;
-        }
-        return !cell.text.empty();
+        return !cell.text.empty() && std::ranges::all_of(card.recodingsOf[column], isUnlisted);
     case BooleanNumbers:
-        // A text equals neither number, also where it happens to score the same.
+        // A text equals neither number, even if it scores the same.
         return !cell.text.empty() && !cell.isNumber;
     default:
         return false;
@@ -127,11 +119,6 @@ void addChoice(std::vector<CellChoice> &choices, const FindingSet &set, const Ou
     choices.push_back({set, outcome, variant});
 }
 
-bool isOfColumn(const Scorecard &card, const Finding &finding) {
-    return finding.recoding >= 0 && finding.countsRows() && finding.id != NamesAlike &&
-           !card.recodings.empty();
-}
-
 } // namespace
 
 std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const Finding> findings) {
@@ -147,7 +134,7 @@ std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const F
         if (finding.id == SinglePrecision) {
             for (ColumnTests &column : columns) addSimulated(column, finding.id, finding.targets);
         }
-        if (!isOfColumn(card, finding)) continue;
+        if (finding.recoding < 0 || !finding.countsRows() || finding.id == NamesAlike) continue;
         const Recoding &recoding = card.recodings[static_cast<std::size_t>(finding.recoding)];
         ColumnTests &column = columns[recoding.column];
         column.tests.push_back({i, finding.id, finding.targets, recoding.rank});
@@ -157,55 +144,53 @@ std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const F
 }
 
 CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::size_t column,
-                        const Cell &cell, std::span<const Recoded> meant, const SqlReading &sql) {
-    CellFindings affecting;
-    if (tests.tests.empty()) return affecting;
+                        Cells cells, std::span<const Recoded> meant, const SqlReading &sql) {
+    CellFindings found;
+    if (tests.tests.empty()) return found;
     for (const CellTest &test : tests.tests) {
-        const bool isAffected = isAffectedAnyhow(card, column, test, cell, meant);
-        if (isAffected) affecting.alone.push_back(test.finding);
+        const bool isAffected = isAffectedAnyhow(card, column, test, *cells[0], meant);
+        if (isAffected) found.alone.push_back(test.finding);
     }
-    const auto cellOf = [&](std::size_t /*rank*/) -> const Cell & { return cell; };
     for (std::size_t i = 0; i < targetCount; ++i) {
         if (tests.simulated[i].empty()) continue;
         const auto target = static_cast<Target>(i);
         Deviations deviations = {{}, target, sql};
-        std::vector<FindingId> ids = concerning(card, tests, column, cellOf, deviations);
+        std::vector<FindingId> ids = affecting(card, tests, column, cells, deviations);
         if (ids.empty()) continue;
-        // Servers differ in how they compare texts; what the dialect's own does counts.
+        // Servers compare texts differently; the dialect's own counts.
         const int variants = target == Target::Sql ? 1 : mostVariants(ids, target);
         for (int variant = 0; variant < variants; ++variant) {
             deviations.variant = variant;
-            const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
+            const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
             for (const CellTest &test : tests.tests) {
                 if ((test.targets & only(target)) == 0) continue;
-                if (isMovedAlone(outcomes, test.id, test.rank)) {
-                    affecting.alone.push_back(test.finding);
-                } else if (isMoved(outcomes, test.id, test.rank)) {
-                    affecting.together.push_back(test.finding);
+                if (affectsAlone(outcomes, test.id, test.rank)) {
+                    found.alone.push_back(test.finding);
+                } else if (affects(outcomes, test.id, test.rank)) {
+                    found.together.push_back(test.finding);
                 }
             }
         }
     }
-    makeUnique(affecting.alone);
-    makeUnique(affecting.together);
-    std::erase_if(affecting.together, [&](std::size_t finding) {
-        return std::ranges::binary_search(affecting.alone, finding);
+    makeUnique(found.alone);
+    makeUnique(found.together);
+    std::erase_if(found.together, [&](std::size_t finding) {
+        return std::ranges::binary_search(found.alone, finding);
     });
-    return affecting;
+    return found;
 }
 
 std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, std::span<const Cell *const> cells,
-                                  std::span<const Recoded> meant, const Deviations &target) {
+                                  std::size_t column, Cells cells, std::span<const Recoded> meant,
+                                  const Deviations &target) {
     std::vector<CellChoice> choices;
-    const auto cellOf = [&](std::size_t rank) -> const Cell & { return *cells[rank]; };
-    const std::vector<FindingId> ids = concerning(card, tests, column, cellOf, target);
+    const std::vector<FindingId> ids = affecting(card, tests, column, cells, target);
     if (ids.empty()) return choices;
     Deviations deviations = target;
     for (int variant = 0; variant < mostVariants(ids, target.target); ++variant) {
         deviations.variant = variant;
         const unsigned bit = 1U << static_cast<unsigned>(variant);
-        const Outcomes outcomes = outcomesOf(card, column, cellOf, ids, deviations);
+        const Outcomes outcomes = outcomesOf(card, column, cells, ids, deviations);
         for (std::size_t mask = 1; mask < outcomes.ofMask.size(); ++mask) {
             const Outcome &outcome = outcomes.ofMask[mask];
             if (std::ranges::equal(outcome, meant, std::not_fn(differ))) continue;

@@ -1,4 +1,4 @@
-// What findings make of a cell: which of them affect it, and what it may become in a target.
+// Which findings affect a cell, and what it may become in a target.
 #pragma once
 
 #include "check/evaluation/evaluation.h"
@@ -6,11 +6,11 @@
 #include <array>
 #include <vector>
 
-// What a cell may become where a target does what these findings report.
+// What a cell becomes if a target departs from the model as these findings report.
 struct CellChoice {
     FindingSet findings;
     std::vector<Recoded> recoded; // by the recodings of the column
-    unsigned variants = 0;        // bits: the variants of these findings in which it becomes so
+    unsigned variants = 0;        // bits: the variants of these findings with this outcome
 };
 
 // A cell, and what else it may become.
@@ -22,7 +22,7 @@ struct CellFacts {
 
 // A finding that counts the rows with affected cells.
 struct CellTest {
-    std::size_t finding; // its position
+    std::size_t finding; // its index
     FindingId id;
     Targets targets;
     std::size_t rank; // of its recoding in the column
@@ -31,22 +31,23 @@ struct CellTest {
 // The findings about the cells of a column.
 struct ColumnTests {
     std::vector<CellTest> tests;
-    std::array<std::vector<FindingId>, targetCount> simulated; // what each target may do
+    std::array<std::vector<FindingId>, targetCount> simulated; // in each target
 };
 std::vector<ColumnTests> testsOfColumns(const Scorecard &card, std::span<const Finding> findings);
 
-// The positions of the findings that affect a cell: those that make another score of it alone, and
-// those that do so only together with others.
+// The indexes of the findings that affect a cell: alone, or only together with others.
 struct CellFindings {
     std::vector<std::size_t> alone;
     std::vector<std::size_t> together;
 };
+// The cell that each recoding of a column reads: the same one, unless columns become the same.
+using Cells = std::span<const Cell *const>;
 // `meant` is what the model makes of the cell.
 CellFindings findingsOf(const Scorecard &card, const ColumnTests &tests, std::size_t column,
-                        const Cell &cell, std::span<const Recoded> meant, const SqlReading &sql);
+                        Cells cells, std::span<const Recoded> meant, const SqlReading &sql);
 
 // All that the cells may become in the target, other than meant: for each outcome the smallest sets
-// of findings. `cells` has the cell that each recoding of the column reads.
+// of findings.
 std::vector<CellChoice> choicesOf(const Scorecard &card, const ColumnTests &tests,
-                                  std::size_t column, std::span<const Cell *const> cells,
-                                  std::span<const Recoded> meant, const Deviations &target);
+                                  std::size_t column, Cells cells, std::span<const Recoded> meant,
+                                  const Deviations &target);

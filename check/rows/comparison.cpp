@@ -17,15 +17,13 @@ constexpr double singleProbability = 1e-6; // that 32 bits hold
 constexpr std::size_t mostWorst = 10;
 constexpr std::int64_t mostNamed = 5;
 
-// The deviations that are not up to the cells.
-std::vector<FindingId> alwaysOf(const Comparison &c, std::span<const Finding> findings) {
-    std::vector<FindingId> always;
+// The deviations that no cell decides.
+FindingSet alwaysOf(const Comparison &c, std::span<const Finding> findings) {
+    FindingSet always;
     for (const Finding &finding : findings) {
         const Targets simulated = finding.targets & kindOf(finding.id).simulated;
-        if ((simulated & only(c.options.target)) == 0) continue;
         const bool isOfCell = finding.countsRows() && finding.recoding >= 0;
-        const bool isKnown = std::ranges::find(always, finding.id) != always.end();
-        if (!isOfCell && !isKnown) always.push_back(finding.id);
+        if ((simulated & only(c.options.target)) != 0 && !isOfCell) always.add(finding.id);
     }
     return always;
 }
@@ -52,7 +50,7 @@ std::pair<std::uint64_t, std::uint32_t> identityOf(const ResultRow &row) {
     return {row.hash, row.check};
 }
 
-// Marks rows whose key occurred before, and sorts all of them by keys.
+// Sorts the rows by keys, and marks those whose key occurred before.
 void countRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &place) {
     std::ranges::sort(rows, {},
                       [](const ResultRow &row) { return std::pair(identityOf(row), row.row); });
@@ -63,7 +61,7 @@ void countRepeated(Comparison &c, std::deque<ResultRow> &rows, const QString &pl
     }
 }
 
-// Takes the next row of results; false after the last.
+// Reads the next row of results; false after the last.
 bool takeNext(Comparison &c, ResultRow &found) {
     while (c.entries.empty()) {
         if (!c.reader.read(c)) return false;
@@ -73,7 +71,7 @@ bool takeNext(Comparison &c, ResultRow &found) {
     return true;
 }
 
-// A row by its key. A number alone would pass for the key of a row whose key is empty.
+// The key of a row, or its number. An empty key must not look like a numeric one.
 QString describe(const Comparison &c, std::string_view key, std::int64_t row) {
     if (c.options.key.isEmpty()) return QString::number(row);
     return key.empty() ? u"row %1, which has no key"_s.arg(row) : shownText(key);
@@ -129,11 +127,7 @@ void countUnreadable(Comparison &c, const Cell &cell) {
 void putDifference(Comparison &c, std::string_view key, std::int64_t row,
                    const Prediction &expected, const Prediction &found, std::string_view reason) {
     if (!c.out.isOpen()) return;
-    if (c.options.key.isEmpty()) {
-        c.out.put(row);
-    } else {
-        c.out.put(key);
-    }
+    putKey(c.out, c.options, key, row);
     for (const Prediction &numbers : {expected, found}) {
         c.out.put(numbers.score);
         c.out.put(numbers.probability);
@@ -142,19 +136,19 @@ void putDifference(Comparison &c, std::string_view key, std::int64_t row,
     c.out.endRow();
 }
 
-// Keeps what is looked at when all rows are known.
+// Keeps the row for the causes, which are looked for after the last row.
 void keepUnexplained(Comparison &c, const RowFacts &facts, const Prediction &numbers,
                      bool isReadable) {
     DifferingRow row = {facts.expected, numbers, facts.row};
     row.isLastDigit =
         isReadable && isRightByLastDigit(c, facts.cells, facts.expected.score, numbers);
-    noteRow(c, facts.recoded, &row);
+    keepRow(c, facts.recoded, &row);
     ++c.result.unexplained;
     keepWorst(c, facts, numbers);
     if (isReadable) suspect(c, facts, row);
 }
 
-// A key of the rows and one of the results that are the same number in other characters.
+// Counts keys that are the same number in another format in rows and results.
 void findKeyTexts(Comparison &c) {
     std::unordered_map<double, const ResultRow *> extra;
     const auto numberOf = [&](const ResultRow &row) {
@@ -196,8 +190,8 @@ bool matches(const Comparison &c, const Prediction &expected, const Prediction &
            (!c.options.hasProbability() || isNear(c, expected.probability, found.probability));
 }
 
-// Sums are exact but for their order; in 32 bits, each number and each sum loses half of its last
-// bit.
+// In 64 bits, only another order of the sum counts; in 32 bits, each number and each sum loses half
+// of its last bit.
 double slackOf(const Comparison &c, std::span<const Recoded> recoded, const Deviations &deviations,
                double grown) {
     constexpr double otherOrder = 1e-12;
@@ -250,7 +244,7 @@ void Comparison::takeCell(std::size_t place, std::string_view bytes) {
         keepKey(*this, unfinished, trimmed(bytes));
         return;
     }
-    // A result that is read wrongly cannot happen to be the one that is expected.
+    // Either mark is safe: a misread result is not the expected one.
     const DecimalMark mark = options.hasDecimalComma ? DecimalMark::Either : DecimalMark::Point;
     const Cell cell = cellOf(bytes, options.missing, mark);
     const bool isScore = place == (hasKey ? 1 : 0) && options.hasScore();
@@ -269,7 +263,9 @@ void Comparison::endRow() {
 
 QString openResults(Comparison &c, std::span<const Finding> findings) {
     c.always = alwaysOf(c, findings);
-    c.tests = testsOfColumns(c.card, findings);
+    for (const Recoding &recoding : c.card.recodings) {
+        c.positionRows.emplace_back(recoding.y.size());
+    }
     c.hasAlikeNames = std::ranges::any_of(findings, [&](const Finding &finding) {
         return finding.id == FindingId::NamesAlike &&
                (finding.targets & only(c.options.target)) != 0;
@@ -290,24 +286,34 @@ QString openResults(Comparison &c, std::span<const Finding> findings) {
 }
 
 QString openDifferences(Comparison &c, char delimiter) {
-    const RowOptions &options = c.options;
-    if (options.differences.isEmpty()) return {};
-    QString problem = c.out.open(options.differences, delimiter);
+    return openOutput(c.out, c.options.differences, delimiter, c.options,
+                      {"score", "probability", "result_score", "result_probability", "reason"});
+}
+
+QString openOutput(CsvWriter &out, const QString &fileName, char delimiter,
+                   const RowOptions &options, std::initializer_list<std::string_view> titles) {
+    if (fileName.isEmpty()) return {};
+    QString problem = out.open(fileName, delimiter);
     if (!problem.isEmpty()) return problem;
-    c.out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
-    for (const std::string_view title :
-         {"score", "probability", "result_score", "result_probability", "reason"}) {
-        c.out.put(title);
-    }
-    c.out.endRow();
+    out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
+    for (const std::string_view title : titles) out.put(title);
+    out.endRow();
     return {};
+}
+
+void putKey(CsvWriter &out, const RowOptions &options, std::string_view key, std::int64_t row) {
+    if (options.key.isEmpty()) {
+        out.put(row);
+    } else {
+        out.put(key);
+    }
 }
 
 void compareRow(Comparison &c, const RowFacts &facts) {
     ResultRow found;
     if (!find(c, facts, found)) {
         count(c.result.missing, describe(c, facts.key, facts.row));
-        noteRow(c, facts.recoded, nullptr);
+        keepRow(c, facts.recoded, nullptr);
         putDifference(c, facts.key, facts.row, facts.expected, {}, {});
         return;
     }
@@ -320,9 +326,9 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     }
     const bool isReadable = found.cells == ResultCells::Numbers;
     const bool mayBeMissing = found.cells == ResultCells::Empty && c.options.target == Target::Sas;
-    const Deviations none = {{}, c.options.target, c.options.sql};
     if (found.cells != ResultCells::NoNumber &&
-        (matches(c, facts.expected, numbers) || fits(c, facts.recoded, none, numbers))) {
+        (matches(c, facts.expected, numbers) ||
+         fits(c, facts.recoded, c.options.deviations(), numbers))) {
         ++c.result.equal;
         return;
     }
@@ -330,7 +336,7 @@ void compareRow(Comparison &c, const RowFacts &facts) {
     const QString reason = isExplainable ? explain(c, facts, numbers) : QString();
     putDifference(c, facts.key, facts.row, facts.expected, numbers, reason.toStdString());
     if (!reason.isEmpty()) {
-        noteRow(c, facts.recoded, nullptr);
+        keepRow(c, facts.recoded, nullptr);
     } else {
         keepUnexplained(c, facts, numbers, isReadable);
     }
@@ -338,23 +344,19 @@ void compareRow(Comparison &c, const RowFacts &facts) {
 
 QString finishComparison(Comparison &c, std::span<const std::vector<std::int64_t>> positions,
                          const CsvReader &rows) {
-    const auto countExtra = [&](const ResultRow &row) {
+    std::ranges::sort(c.entries, {}, &ResultRow::row);
+    findKeyTexts(c);
+    ResultRow row;
+    while (takeNext(c, row)) {
+        if (row.isSeen) continue;
         const std::string_view key = keyOf(c, row);
-        if (row.isSeen) return;
         count(c.result.extra, describe(c, key, row.row));
         putDifference(c, key, row.row, {}, row.numbers, {});
-    };
-    std::ranges::sort(c.entries, {}, &ResultRow::row);
-    std::ranges::for_each(c.entries, countExtra);
-    if (!c.options.key.isEmpty()) findKeyTexts(c);
-    c.entries.clear();
-    ResultRow row;
-    while (takeNext(c, row)) countExtra(row);
+    }
     countRepeated(c, c.absent, u"row %1"_s);
     finishSuspicion(c);
     std::ranges::move(causesOf(c, positions, rows), std::back_inserter(c.result.causes));
-    // One cause that makes all rows right needs few of them as samples.
-    constexpr std::size_t samples = 3;
+    constexpr std::size_t samples = 3; // are enough if one cause makes all rows right
     const bool isOne = std::ranges::any_of(
         c.result.causes, [&](const Cause &cause) { return cause.rows == c.result.unexplained; });
     if (isOne && c.result.worst.size() > samples) c.result.worst.resize(samples);

@@ -18,18 +18,18 @@ namespace {
 constexpr std::size_t blockSize = 1 << 16;
 constexpr std::size_t largestCell = 1 << 26;
 
-// A quotation mark that is never closed makes a cell of the rest of the file. The library keeps a
-// cell at the start of a block of at least 128 bytes.
+// An unclosed quotation mark makes one cell of the rest of the file. The library keeps a cell at
+// the start of a block of at least 128 bytes.
 void *resizeCell(void *cell, std::size_t size) {
     return size > largestCell ? nullptr : std::realloc(cell, size);
 }
 
-// Blanks belong to their cells. The model leaves them out, but not every target does.
+// Keeps blanks around cells, which some targets do not trim.
 int isBlank(unsigned char /*character*/) {
     return 0;
 }
 
-// Titles begin with characters that are one byte, or two of which one is 0.
+// In UTF-16, one of the two bytes of an ASCII character is 0.
 bool isUtf16(std::string_view bytes) {
     return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF") ||
            (bytes.size() > 1 && bytes.substr(0, 2).find('\0') != std::string_view::npos);
@@ -42,8 +42,8 @@ void prepare(csv_parser &parser, char delimiter) {
     csv_set_realloc_func(&parser, resizeCell);
 }
 
-// The cells of the first line, as far as the block has it: how many are wanted, and how many there
-// are. The texts that are wanted are sorted.
+// How many cells of the first line, as far as the block has it, are wanted, and how many there are.
+// The wanted texts are sorted.
 std::pair<std::size_t, std::size_t> countTitles(std::string_view block, char delimiter,
                                                 std::span<const std::string> wanted) {
     struct Line {
@@ -105,7 +105,7 @@ QString CsvReader::open(const QString &fileName, std::string_view delimiters,
     block.resize(blockSize);
     fill();
     if (isUtf16(unread)) return u"File '%1' is UTF-16; save it as UTF-8."_s.arg(name);
-    if (unread.starts_with("\xEF\xBB\xBF")) unread.remove_prefix(3); // no part of the first title
+    if (unread.starts_with("\xEF\xBB\xBF")) unread.remove_prefix(3); // not part of the first title
     delimiter = findDelimiter(delimiters, names);
     prepare(parser, delimiter);
     const auto takeTitle = [](void *bytes, std::size_t size, void *reader) {
@@ -226,7 +226,7 @@ bool CsvReader::parse(std::size_t most, CellCall takeCell, RowCall endRow, void 
         isAtEnd = true;
         const bool isBroken = std::ferror(file.stream.get()) != 0;
         if (isBroken) problem = u"Cannot read file '%1'."_s;
-        // Only here, since strictness would refuse quotation marks within cells.
+        // Only at the end, since strict parsing rejects quotation marks within cells.
         csv_set_opts(&parser, CSV_STRICT | CSV_STRICT_FINI);
         if (csv_fini(&parser, takeCell, endRow, call) != 0 && !isBroken) {
             problem = u"File '%1' ends within quotation marks."_s;

@@ -26,17 +26,16 @@ public:
     CsvReader &operator=(const CsvReader &) = delete;
     ~CsvReader();
 
-    // Opens the file, reads its header line and chooses the columns of these titles, whose
-    // positions are the places of their cells; blanks around a title count only where a name has
-    // them too. Each name needs one column of its own. Of the delimiters, the one counts with which
-    // the header line has most of these titles or else most cells, or else the first. Returns an
-    // error message; empty on success.
+    // Opens the file, reads its header line and chooses the columns with these titles; the index of
+    // a name is the place of its cells. Blanks around a title count only if the name has them too.
+    // Each name needs a column of its own. The delimiter is the one that yields most of these
+    // titles or, among equals, most cells. Returns an error message; empty on success.
     QString open(const QString &fileName, std::string_view delimiters,
                  std::span<const QString> names);
 
-    // Hands the next block to the taker, of each row the chosen cells by takeCell(place, cell) and
-    // then endRow(). A cell that a short row lacks is empty; lines without any cell are passed
-    // over. Returns false when nothing is left, or where the rest cannot be read (see problem).
+    // Reads the next block. For each row, calls takeCell(place, cell) of the taker for each chosen
+    // column, and then endRow(). Cells beyond the end of a short row are empty; empty lines are
+    // skipped. Returns false after the last block, or if the rest cannot be read (see problem).
     template <typename Taker>
     bool read(Taker &taker);
 
@@ -44,16 +43,16 @@ public:
 
     QByteArray sha256() const { return hash.result(); } // of the bytes so far
 
-    // To be set before the file is opened.
-    QStringView shownAs; // what progress calls the file; empty: none is shown
+    // Set before the file is opened.
+    QStringView shownAs; // what progress calls the file; empty: no progress
     bool hashesBytes = false;
 
     char delimiter = ','; // that was found
     std::int64_t bytesRead = 0;
-    std::int64_t row = 0;    // how many were handed over
+    std::int64_t row = 0;    // number of rows read
     std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
     std::int64_t firstUneven = 0;
-    QString problem; // what kept the file from being read to its end; else empty
+    QString problem; // why the file was not read to its end; empty on success
 
 private:
     using CellCall = void (*)(void *bytes, std::size_t size, void *call);
@@ -94,7 +93,7 @@ private:
     std::size_t column = 0;           // of the next cell
 };
 
-// A text of the data as a message can hold it.
+// A text of the data, shortened and on one line for a message.
 QString shownText(std::string_view text);
 
 template <typename Taker>

@@ -3,18 +3,11 @@
 #include "check/evaluation/cell.h"
 #include "platform/platform.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-constexpr std::size_t longestNumber = 32;
-
-} // namespace
 
 QString CsvWriter::open(const QString &fileName, char delimiterOfCells) {
     name = fileName;
@@ -24,25 +17,12 @@ QString CsvWriter::open(const QString &fileName, char delimiterOfCells) {
 }
 
 void CsvWriter::flush() {
-    const std::size_t size = std::exchange(used, 0);
-    if (size > 0) std::fwrite(text.data(), 1, size, file.stream.get());
-}
-
-// Room for `size` characters; the caller adds what it used to `used`.
-char *CsvWriter::roomFor(std::size_t size) {
-    constexpr std::size_t block = 1 << 16;
-    if (used + size > text.size()) {
-        flush();
-        text.resize(std::max({size, block, text.size()}));
-    }
-    return text.data() + used;
+    if (!text.empty()) std::fwrite(text.data(), 1, text.size(), file.stream.get());
+    text.clear();
 }
 
 void CsvWriter::putDelimiter() {
-    if (std::exchange(isInRow, true)) {
-        *roomFor(1) = delimiter;
-        ++used;
-    }
+    if (std::exchange(isInRow, true)) text += delimiter;
 }
 
 void CsvWriter::put(std::string_view cell) {
@@ -55,28 +35,33 @@ void CsvWriter::put(std::string_view cell) {
         quoted = '"' + quoted + '"';
         cell = {quoted.data(), static_cast<std::size_t>(quoted.size())};
     }
-    cell.copy(roomFor(cell.size()), cell.size());
-    used += cell.size();
+    text += cell;
+}
+
+template <typename Number>
+void CsvWriter::putNumber(Number number) {
+    constexpr std::size_t longest = 32;
+    const std::size_t at = text.size();
+    text.resize(at + longest);
+    const char *const end = std::to_chars(&text[at], &text[at] + longest, number).ptr;
+    text.resize(static_cast<std::size_t>(end - text.data()));
 }
 
 void CsvWriter::put(double number) {
     putDelimiter();
-    char *const at = roomFor(longestNumber);
-    if (!std::isnan(number)) {
-        used += static_cast<std::size_t>(std::to_chars(at, at + longestNumber, number).ptr - at);
-    }
+    if (!std::isnan(number)) putNumber(number);
 }
 
 void CsvWriter::put(std::int64_t number) {
     putDelimiter();
-    char *const at = roomFor(longestNumber);
-    used += static_cast<std::size_t>(std::to_chars(at, at + longestNumber, number).ptr - at);
+    putNumber(number);
 }
 
 void CsvWriter::endRow() {
-    *roomFor(1) = '\n';
-    ++used;
+    constexpr std::size_t block = 1 << 16;
+    text += '\n';
     isInRow = false;
+    if (text.size() >= block) flush();
 }
 
 QString CsvWriter::close() {

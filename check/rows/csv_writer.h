@@ -6,8 +6,8 @@
 #include <QString>
 
 #include <cstdint>
+#include <string>
 #include <string_view>
-#include <vector>
 
 class CsvWriter {
 public:
@@ -15,7 +15,7 @@ public:
     QString open(const QString &fileName, char delimiter);
     bool isOpen() const { return file.stream != nullptr; }
 
-    // Cells of a row; quoted where they have to be. NaN is an empty cell.
+    // The next cell of a row; quoted if required. NaN is an empty cell.
     void put(std::string_view cell);
     void put(double number);
     void put(std::int64_t number);
@@ -25,14 +25,14 @@ public:
     QString close();
 
 private:
-    char *roomFor(std::size_t size);
     void putDelimiter();
+    template <typename Number>
+    void putNumber(Number number);
     void flush();
 
     QString name;
     char delimiter = ',';
     bool isInRow = false;
     OutputFile file;
-    std::vector<char> text;
-    std::size_t used = 0;
+    std::string text; // not written yet
 };

@@ -1,4 +1,4 @@
-// How far results are from the model, and which of their cells are no numbers.
+// How far results are from the model, and what their cells hold that are not numbers.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-// The sizes of differences, each the result less the model without its sign, of one column.
+// The absolute differences between results and model in one column.
 class Differences {
 public:
     static constexpr std::array<double, 4> steps = {1e-9, 1e-6, 1e-4, 1e-2};
@@ -37,13 +37,13 @@ private:
     std::vector<Bin> bins;
 };
 
-// What a cell of the results holds that is no number.
+// What a cell of the results holds instead of a number.
 enum class Unreadable : std::uint8_t { Empty, Null, NaN, DecimalComma, Thousands, PerCent, Other };
 inline constexpr std::size_t unreadableKinds = 7;
 Unreadable kindOfText(std::string_view text);
 
 struct UnreadableCells {
     std::int64_t cells = 0;
-    std::string first; // as it stands there
+    std::string first; // verbatim
     std::int64_t row = 0;
 };

@@ -12,25 +12,25 @@ namespace {
 
 using enum FindingId;
 
-constexpr std::size_t mostCombined = 8; // findings of which all sets are tried; else up to three
-constexpr std::size_t mostTurned = 32;  // columns, of which all outcomes may be tried
-constexpr std::int64_t budgetOfRow = 1 << 13; // outcomes and parts of them; a row takes some 0.1 ms
+constexpr std::size_t mostCombined = 8;       // findings; of more, sets of up to three are tried
+constexpr std::size_t mostVaried = 32;        // columns, whose outcomes are combined
+constexpr std::int64_t budgetOfRow = 1 << 13; // steps, which take some 0.1 ms
 
-// Up to the server, its collation or what a workbook makes of a text.
+// What depends on the server, its collation or the workbook.
 constexpr FindingId uncertain[] = {Capitals, Accents, SinglePrecision, TrueFalse};
 
-// What shows in the same way in all columns, since one server or one system made the results.
+// What shows in the same way in all columns, since one server made the results.
 constexpr FindingId shared[] = {BooleanNumbers, BooleanBlanks, TextBlanks,
                                 OtherBlanks,    NotANumber,    SinglePrecision};
 constexpr unsigned allVariants = ~0U;
 
-// How a set of findings explains a row: where all cells that it concerns deviate, or some of them.
+// How a set of findings explains a row: all cells that it affects deviate, or some of them.
 enum class Fit { None, Partial, Whole };
 
-// A column of the row whose cell the target may read differently.
+// A column whose cell the target may read differently.
 struct OpenColumn {
     std::size_t column;
-    std::vector<CellChoice> named = {}; // where the names of columns become the same
+    std::vector<CellChoice> named = {}; // if the names of columns become the same
     std::span<const CellChoice> choices = {};
 };
 
@@ -44,22 +44,20 @@ struct Search {
     std::int64_t budget = budgetOfRow;
 };
 
-// What a column becomes where its recodings read the last of several columns.
+// What a column becomes if its recodings read the last of the columns with the same name.
 std::vector<CellChoice> choicesByName(const Search &s, std::size_t column) {
-    const std::vector<std::size_t> &recodings = s.c.card.recodingsOf[column];
     const auto target = static_cast<std::size_t>(s.c.options.target);
     std::vector<const Cell *> cells;
     std::vector<Recoded> meant;
     std::vector<Recoded> named;
-    for (const std::size_t i : recodings) {
+    for (const std::size_t i : s.c.card.recodingsOf[column]) {
         const Recoding &recoding = s.c.card.recodings[i];
         cells.push_back(&s.facts.cells[recoding.lastAlike[target]]->cell);
         meant.push_back(s.facts.recoded[i]);
         named.push_back(recode(recoding, *cells.back()));
     }
-    const Deviations deviations = {{}, s.c.options.target, s.c.options.sql};
     std::vector<CellChoice> choices =
-        choicesOf(s.c.card, s.c.tests[column], column, cells, named, deviations);
+        choicesOf(s.c.card, s.c.tests[column], column, cells, named, s.c.options.deviations());
     choices.push_back({{}, named, allVariants});
     for (CellChoice &choice : choices) choice.findings.add(NamesAlike);
     std::erase_if(choices, [&](const CellChoice &choice) {
@@ -72,7 +70,7 @@ void openColumns(Search &s) {
     const Scorecard &card = s.c.card;
     const auto target = static_cast<std::size_t>(s.c.options.target);
     for (std::size_t i = 0; i < card.columns.size(); ++i) {
-        OpenColumn column = {.column = i};
+        OpenColumn column = {.column = i, .choices = s.facts.cells[i]->choices};
         const bool isNamed = s.c.hasAlikeNames &&
                              std::ranges::any_of(card.recodingsOf[i], [&](std::size_t recoding) {
                                  return card.recodings[recoding].lastAlike[target] != i;
@@ -80,18 +78,14 @@ void openColumns(Search &s) {
         if (isNamed) {
             column.named = s.facts.cells[i]->choices;
             std::ranges::copy(choicesByName(s, i), std::back_inserter(column.named));
+            column.choices = column.named;
         }
-        if (column.named.empty() && s.facts.cells[i]->choices.empty()) continue;
-        column.choices = s.facts.cells[i]->choices;
-        s.open.push_back(std::move(column));
-        OpenColumn &kept = s.open.back();
-        if (!kept.named.empty()) kept.choices = kept.named;
+        if (!column.choices.empty()) s.open.push_back(std::move(column));
     }
 }
 
 void findPossible(Search &s) {
-    FindingSet set;
-    for (const FindingId id : s.c.always) set.add(id);
+    FindingSet set = s.c.always;
     for (const OpenColumn &column : s.open) {
         for (const CellChoice &choice : column.choices) set.add(choice.findings);
     }
@@ -101,16 +95,14 @@ void findPossible(Search &s) {
 }
 
 void putChoice(Search &s, const OpenColumn &column, const CellChoice *choice) {
-    const std::vector<std::size_t> &recodings = s.c.card.recodingsOf[column.column];
-    for (std::size_t rank = 0; rank < recodings.size(); ++rank) {
-        const std::size_t i = recodings[rank];
-        s.recoded[i] = choice ? choice->recoded[rank] : s.facts.recoded[i];
+    for (const std::size_t i : s.c.card.recodingsOf[column.column]) {
+        s.recoded[i] = choice ? choice->recoded[s.c.card.recodings[i].rank] : s.facts.recoded[i];
     }
 }
 
-// A column with the choices that a set of findings leaves it; null for what the model makes of it.
-struct Wheel {
-    const OpenColumn *column;
+// A column with the choices that a set of findings allows; null: as in the model.
+struct VariedColumn {
+    const OpenColumn *open;
     std::vector<const CellChoice *> choices;
     std::vector<double> changes = {}; // of the score, by the choices
 };
@@ -126,8 +118,8 @@ bool isOf(const CellChoice &choice, const Variants &variants) {
     return true;
 }
 
-// Turns to the next variants of the findings of the set; false after the last.
-bool turnVariants(Variants &variants, const FindingSet &set, Target target) {
+// The next combination of variants of the set; false after the last.
+bool nextVariants(Variants &variants, const FindingSet &set, Target target) {
     for (std::size_t i = 0; i < variants.size(); ++i) {
         if (!set.has(shared[i])) continue;
         variants[i] = (variants[i] + 1) % variantsOf(shared[i], target);
@@ -136,124 +128,121 @@ bool turnVariants(Variants &variants, const FindingSet &set, Target target) {
     return false;
 }
 
-// The wheels of the set; none where the set has a finding that has no part in any of them.
-std::vector<Wheel> wheelsOf(Search &s, const FindingSet &set, const Variants &variants) {
-    std::vector<Wheel> wheels;
-    FindingSet used;
-    for (const FindingId id : s.c.always) used.add(id);
+// The columns that the set affects; none if a finding of the set affects none of them.
+std::vector<VariedColumn> variedColumns(Search &s, const FindingSet &set,
+                                        const Variants &variants) {
+    std::vector<VariedColumn> columns;
+    FindingSet used = s.c.always;
     for (const OpenColumn &column : s.open) {
-        Wheel wheel = {&column, {}};
+        VariedColumn varied = {&column, {}};
         for (const CellChoice &choice : column.choices) {
             if (!choice.findings.isWithin(set) || !isOf(choice, variants)) continue;
-            wheel.choices.push_back(&choice);
+            varied.choices.push_back(&choice);
             used.add(choice.findings);
         }
         s.budget -= std::ssize(column.choices);
-        if (wheel.choices.empty()) continue;
-        // The largest sets first: most deployments show all that they do in all columns.
-        std::ranges::reverse(wheel.choices);
-        wheel.choices.push_back(nullptr);
-        wheels.push_back(std::move(wheel));
+        if (varied.choices.empty()) continue;
+        // The largest sets first: in most deployments a finding holds in all columns.
+        std::ranges::reverse(varied.choices);
+        varied.choices.push_back(nullptr);
+        columns.push_back(std::move(varied));
     }
-    if (!set.isWithin(used)) wheels.clear();
-    return wheels;
+    if (!set.isWithin(used)) columns.clear();
+    return columns;
 }
 
-// Tries the outcomes of the wheels whose score may have the result.
-struct Hunt {
+// Tries the combinations of choices whose score may have the result.
+struct OutcomeSearch {
     Search &s;
     const Deviations &deviations;
-    std::span<const Wheel> wheels;
+    std::span<const VariedColumn> columns;
     ScoreRange wanted;
-    std::vector<ScoreRange> behind = {}; // what the wheels from each on may add to the score
+    std::vector<ScoreRange> behind = {}; // what the columns from each on may add to the score
     Fit best = Fit::None;
 };
 
-// What a choice adds to the score of the row as the model makes it.
-double changeBy(Hunt &h, const Wheel &wheel, const CellChoice *choice, double score) {
+// What a choice adds to the score.
+double changeBy(OutcomeSearch &h, const VariedColumn &column, const CellChoice *choice,
+                double score) {
     if (!choice) return 0;
-    putChoice(h.s, *wheel.column, choice);
+    putChoice(h.s, *column.open, choice);
     const double change = scoreOf(h.s.c.card, h.s.recoded, h.deviations) - score;
-    putChoice(h.s, *wheel.column, nullptr);
+    putChoice(h.s, *column.open, nullptr);
     return change;
 }
 
-void measure(Hunt &h, std::span<Wheel> wheels, double score) {
-    h.behind.assign(wheels.size() + 1, {0, 0});
-    for (std::size_t i = wheels.size(); i-- > 0;) {
+void measure(OutcomeSearch &h, std::span<VariedColumn> columns, double score) {
+    h.behind.assign(columns.size() + 1, {0, 0});
+    for (std::size_t i = columns.size(); i-- > 0;) {
         double least = 0;
         double most = 0;
-        wheels[i].changes.clear();
-        for (const CellChoice *const choice : wheels[i].choices) {
-            const double change = changeBy(h, wheels[i], choice, score);
-            wheels[i].changes.push_back(change);
+        columns[i].changes.clear();
+        for (const CellChoice *const choice : columns[i].choices) {
+            const double change = changeBy(h, columns[i], choice, score);
+            columns[i].changes.push_back(change);
             least = std::isfinite(change) ? std::min(least, change) : -HUGE_VAL;
             most = std::isfinite(change) ? std::max(most, change) : HUGE_VAL;
-            if (!std::isfinite(change)) break;
         }
-        wheels[i].changes.resize(wheels[i].choices.size(), noNumber);
         h.behind[i] = {h.behind[i + 1].least + least, h.behind[i + 1].most + most};
     }
 }
 
-// No deeper than mostTurned.
-void tryOutcomes(Hunt &h, std::size_t i, double score, bool isWhole) {
+// No deeper than mostVaried.
+void tryOutcomes(OutcomeSearch &h, std::size_t i, double score, bool isWhole) {
     constexpr std::int64_t costOfFit = 16;
     h.s.budget -= 1;
     if (h.s.budget < 0 || h.best == Fit::Whole || score + h.behind[i].most < h.wanted.least ||
         score + h.behind[i].least > h.wanted.most) {
         return;
     }
-    if (i == h.wheels.size()) {
+    if (i == h.columns.size()) {
         h.s.budget -= costOfFit;
         if (!fits(h.s.c, h.s.recoded, h.deviations, h.s.found)) return;
         h.best = isWhole ? Fit::Whole : Fit::Partial;
         return;
     }
-    const Wheel &wheel = h.wheels[i];
-    for (std::size_t k = 0; k < wheel.choices.size(); ++k) {
-        putChoice(h.s, *wheel.column, wheel.choices[k]);
-        tryOutcomes(h, i + 1, score + wheel.changes[k], isWhole && wheel.choices[k] != nullptr);
+    const VariedColumn &column = h.columns[i];
+    for (std::size_t k = 0; k < column.choices.size(); ++k) {
+        putChoice(h.s, *column.open, column.choices[k]);
+        tryOutcomes(h, i + 1, score + column.changes[k], isWhole && column.choices[k] != nullptr);
     }
-    putChoice(h.s, *wheel.column, nullptr);
+    putChoice(h.s, *column.open, nullptr);
 }
 
-// How the result is that of some outcome of the columns. Of very many columns, those are left out
-// in which only some of the last ones deviate.
-Fit fitOf(Search &s, const Deviations &deviations, std::span<Wheel> wheels) {
-    const std::size_t turned = std::min(wheels.size(), mostTurned);
-    const std::span<Wheel> first = wheels.first(turned);
-    const std::span<Wheel> last = wheels.subspan(turned);
-    Hunt hunt = {s, deviations, first, scoresOf(s.c, deviations, s.found)};
+// How a combination of the columns' choices gives the result. In the columns beyond mostVaried, the
+// set holds in all or in none.
+Fit fitOf(Search &s, const Deviations &deviations, std::span<VariedColumn> columns) {
+    const std::size_t varied = std::min(columns.size(), mostVaried);
+    const std::span<VariedColumn> first = columns.first(varied);
+    const std::span<VariedColumn> last = columns.subspan(varied);
+    OutcomeSearch search = {s, deviations, first, scoresOf(s.c, deviations, s.found)};
     for (const bool deviates : {true, false}) {
-        for (const Wheel &wheel : last) {
-            putChoice(s, *wheel.column, deviates ? wheel.choices.front() : nullptr);
+        for (const VariedColumn &column : last) {
+            putChoice(s, *column.open, deviates ? column.choices.front() : nullptr);
         }
         const double score = scoreOf(s.c.card, s.recoded, deviations);
-        measure(hunt, first, score);
+        measure(search, first, score);
         // Larger terms, as the choices may have them, are rounded by more.
-        const double grown = hunt.behind[0].most - hunt.behind[0].least;
+        const double grown = search.behind[0].most - search.behind[0].least;
         const double slack = slackOf(s.c, s.recoded, deviations, grown);
-        hunt.wanted.least -= slack;
-        hunt.wanted.most += slack;
-        tryOutcomes(hunt, 0, score, deviates);
-        if (last.empty() || hunt.best != Fit::None) break;
+        search.wanted.least -= slack;
+        search.wanted.most += slack;
+        tryOutcomes(search, 0, score, deviates);
+        if (last.empty() || search.best != Fit::None) break;
     }
-    return hunt.best;
+    return search.best;
 }
 
 Fit fitOf(Search &s, const FindingSet &set) {
-    FindingSet always;
-    for (const FindingId id : s.c.always) always.add(id);
-    const Deviations deviations = {set, s.c.options.target, s.c.options.sql};
+    const Deviations deviations = s.c.options.deviations(set);
     Fit best = Fit::None;
     Variants variants{};
     do {
-        std::vector<Wheel> wheels = wheelsOf(s, set, variants);
-        if (wheels.empty() && !set.isWithin(always)) continue;
+        std::vector<VariedColumn> columns = variedColumns(s, set, variants);
+        if (columns.empty() && !set.isWithin(s.c.always)) continue;
         s.recoded.assign(s.facts.recoded.begin(), s.facts.recoded.end());
-        best = std::max(best, fitOf(s, deviations, wheels));
-    } while (best != Fit::Whole && turnVariants(variants, set, deviations.target));
+        best = std::max(best, fitOf(s, deviations, columns));
+    } while (best != Fit::Whole && nextVariants(variants, set, deviations.target));
     return best;
 }
 
@@ -282,8 +271,8 @@ std::vector<Reason> reasonsOf(Search &s) {
     return reasons;
 }
 
-// Of sets of one size, those with the fewest findings that are up to the server, for which nothing
-// speaks where another cause fits; and of these the ones that hold for all columns.
+// Of sets of one size, keeps those with the fewest findings that depend on the server, and of these
+// the ones that hold for all columns.
 void keepLikeliest(std::vector<Reason> &reasons) {
     const auto rank = [](const Reason &reason) {
         const auto doubts =
@@ -310,12 +299,11 @@ QString explain(Comparison &c, const RowFacts &facts, const Prediction &found) {
         names.append(namesOf(reason.set).join(u'+'));
         all.add(reason.set);
     }
-    const QString row = QString::number(facts.row);
     for (const FindingId id : search.possible) {
-        if (all.has(id)) count(c.result.explained[id], row);
+        if (all.has(id)) ++c.result.explained[id];
     }
     QString reason = names.join(u" or "_s);
-    count(c.result.reasons[reason], row);
+    count(c.result.reasons[reason], QString::number(facts.row));
     ++c.result.explainedRows;
     return reason;
 }

@@ -12,8 +12,8 @@ namespace {
 using Form = NumberMap::Form;
 using Rounding = NumberMap::Rounding;
 
-constexpr std::size_t mostSampled = 64; // of them, to try candidates with
-constexpr std::size_t mostMeasured = 8; // of these, to take amounts and factors from
+constexpr std::size_t mostSampled = 64; // rows, to try candidates with
+constexpr std::size_t mostMeasured = 8; // of these, to measure
 
 bool isClose(double expected, double found, double tolerance) {
     return std::isfinite(expected) && std::isfinite(found) &&
@@ -22,7 +22,7 @@ bool isClose(double expected, double found, double tolerance) {
 
 double snapped(double number, double relative) {
     const double slack = std::abs(number) * relative;
-    return shortestIn({number - slack, number + slack});
+    return shortestBetween(number - slack, number + slack);
 }
 
 // The decimals and the significant digits of the shortest text of a number.
@@ -59,14 +59,13 @@ bool fitsRounded(const NumberMap &map, double exact, double found, double tolera
         return isRounded(exact, found, std::pow(10.0, magnitude - map.places));
     }
     case Rounding::Single:
-        // Numbers that are written with more digits than 32 bits hold are rounded otherwise.
+        // A number with more digits than 32 bits hold was not rounded to 32 bits.
         return inSinglePrecision(exact) == inSinglePrecision(found) &&
                (inSinglePrecision(found) == found || placesOf(found).second <= 9);
     }
     return false;
 }
 
-// `own` and `other` are the model's numbers.
 bool fits(const Comparison &c, const NumberMap &map, const Prediction &model, bool isScore,
           double found) {
     const double own = isScore ? model.score : model.probability;
@@ -113,8 +112,9 @@ std::vector<NumberMap> roundingsOf(const Sample &sample, bool isScore) {
 }
 
 // Adds each form plain and rounded.
-void addForms(std::vector<NumberMap> &maps, std::span<const NumberMap> forms,
-              std::span<const NumberMap> roundings) {
+void addForms(const Sample &sample, bool isScore, std::span<const NumberMap> forms,
+              std::vector<NumberMap> &maps) {
+    const std::vector<NumberMap> roundings = roundingsOf(sample, isScore);
     for (const NumberMap &form : forms) {
         maps.push_back(form);
         for (const NumberMap &rounding : roundings) {
@@ -127,10 +127,10 @@ void addForms(std::vector<NumberMap> &maps, std::span<const NumberMap> forms,
     }
 }
 
-// The amounts, factors and straight lines that lead from the model's number to that of a result.
-std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
+// Adds the amounts, factors and straight lines that lead from the model's number to that of a
+// result.
+void addMeasured(const Sample &sample, bool isScore, std::vector<NumberMap> &maps) {
     constexpr double rounding = 1e-10;
-    std::vector<NumberMap> maps;
     const std::size_t count = std::min(sample.rows.size(), mostMeasured);
     for (std::size_t i = 0; i < count; ++i) {
         const double expected = numberOf(sample.rows[i]->expected, isScore);
@@ -138,8 +138,8 @@ std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
         if (!std::isfinite(expected) || !std::isfinite(found)) continue;
         const double slack = rounding * std::max({1.0, std::abs(expected), std::abs(found)});
         maps.push_back({.add = found, .times = 0, .rank = 2});
-        maps.push_back(
-            {.add = shortestIn({found - expected - slack, found - expected + slack}), .rank = 4});
+        maps.push_back({.add = shortestBetween(found - expected - slack, found - expected + slack),
+                        .rank = 4});
         if (expected != 0) {
             maps.push_back({.times = snapped(found / expected, rounding), .rank = 5});
         }
@@ -150,49 +150,38 @@ std::vector<NumberMap> measuredOf(const Sample &sample, bool isScore) {
         const double add = found - times * expected;
         const double about =
             rounding * std::max({1.0, std::abs(found), std::abs(times * expected)});
-        maps.push_back({.add = shortestIn({add - about, add + about}), .times = times, .rank = 8});
+        maps.push_back(
+            {.add = shortestBetween(add - about, add + about), .times = times, .rank = 8});
     }
-    return maps;
 }
 
 // The scores that may have the result's probability; a single one where the model is logistic.
-ScoreRange scoresBehind(const Comparison &c, const Prediction &found) {
-    const Deviations none = {{}, c.options.target, c.options.sql};
+ScoreRange possibleScores(const Comparison &c, const Prediction &found) {
     const double tolerance = toleranceOf(c);
     const double p = found.probability;
     if (c.card.table.exists || !(p > tolerance && p < 1 - tolerance)) {
-        return scoresWithProbability(c.card, p, tolerance, none);
+        return scoresWithProbability(c.card, p, tolerance, c.options.deviations());
     }
     const auto inverse = [](double q) { return std::log(q / (1 - q)); };
     return {inverse(p - tolerance), inverse(p + tolerance)};
 }
 
 // Amounts by which probabilities alone show that their scores are off.
-void addAmountsBehind(Sample &sample) {
+void addAmountsOfProbabilities(Sample &sample) {
     for (std::size_t i = 0; i < std::min(sample.rows.size(), mostMeasured); ++i) {
         ScoreRange amount = amountOf(sample.c, *sample.rows[i]);
         for (const DifferingRow *const row : sample.rows) {
-            const ScoreRange both = common(amount, amountOf(sample.c, *row));
+            const ScoreRange both = overlap(amount, amountOf(sample.c, *row));
             if (both.least <= both.most) amount = both;
         }
         if (!std::isfinite(amount.least) || !std::isfinite(amount.most)) continue;
         sample.probabilities.push_back(
-            {.form = Form::Through, .add = shortestIn(amount), .rank = 4});
+            {.form = Form::Through, .add = shortestBetween(amount.least, amount.most), .rank = 4});
     }
-}
-
-// Whether it makes enough of the sample right to be worth a closer look.
-bool isWorthTrying(const Sample &sample, const NumberMap &map, bool isScore) {
-    const auto isRight = [&](const DifferingRow *row) {
-        return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
-    };
-    const auto right = std::ranges::count_if(sample.rows, isRight);
-    return static_cast<double>(right) >= leastShare * static_cast<double>(sample.rows.size());
 }
 
 void findMaps(Sample &sample) {
     const RowOptions &options = sample.c.options;
-    const bool hasProbability = sample.c.card.hasProbability();
     constexpr NumberMap same = {};
     constexpr NumberMap scoreForms[] = {
         same, {.times = -1, .rank = 1}, {.form = Form::Other, .rank = 1}};
@@ -204,20 +193,22 @@ void findMaps(Sample &sample) {
                                               {.form = Form::Through, .times = -1, .rank = 1},
                                               {.form = Form::Logistic, .rank = 1},
                                               {.form = Form::Logistic, .times = -1, .rank = 2}};
-    const auto keepWorthy = [&](std::vector<NumberMap> &maps, bool isScore) {
+    const auto keepFitting = [&](std::vector<NumberMap> &maps, bool isScore) {
         std::erase_if(maps, [&](const NumberMap &map) {
-            const bool lacksOther = map.form == Form::Other && !hasProbability;
-            return lacksOther || !isWorthTrying(sample, map, isScore);
+            const auto isRight = [&](const DifferingRow *row) {
+                return fits(sample.c, map, row->expected, isScore, numberOf(row->found, isScore));
+            };
+            return !isEnough(std::ranges::count_if(sample.rows, isRight), sample.rows.size());
         });
     };
     if (options.hasScore()) {
-        addForms(sample.scores, scoreForms, roundingsOf(sample, true));
-        std::ranges::copy(measuredOf(sample, true), std::back_inserter(sample.scores));
-        keepWorthy(sample.scores, true);
+        addForms(sample, true, scoreForms, sample.scores);
+        addMeasured(sample, true, sample.scores);
+        keepFitting(sample.scores, true);
     }
     if (options.hasProbability()) {
-        addForms(sample.probabilities, probabilityForms, roundingsOf(sample, false));
-        std::ranges::copy(measuredOf(sample, false), std::back_inserter(sample.probabilities));
+        addForms(sample, false, probabilityForms, sample.probabilities);
+        addMeasured(sample, false, sample.probabilities);
         for (NumberMap map : sample.scores) {
             if (map.form != Form::Linear || map.rounding != Rounding::None || map.isSame())
                 continue;
@@ -225,11 +216,11 @@ void findMaps(Sample &sample) {
             map.rank = 0; // the probability follows the score
             sample.probabilities.push_back(map);
         }
-        if (!options.hasScore()) addAmountsBehind(sample);
-        keepWorthy(sample.probabilities, false);
+        if (!options.hasScore()) addAmountsOfProbabilities(sample);
+        keepFitting(sample.probabilities, false);
     }
     for (auto *const maps : {&sample.scores, &sample.probabilities}) {
-        if (maps->empty()) maps->push_back({.rank = 100}); // is not compared, or fits nothing
+        if (maps->empty()) maps->push_back({}); // is not compared, or fits nothing
     }
 }
 
@@ -239,14 +230,14 @@ bool isRight(const Comparison &c, const Cause &cause, const DifferingRow &row) {
             fits(c, cause.probability, row.expected, false, row.found.probability));
 }
 
-// How many rows have to speak for the maps: more than they were made of.
+// How many rows the maps must make right: more than they were measured from.
 std::int64_t neededFor(const Cause &cause) {
-    const bool isLine = cause.score.rank % 100 >= 8 || cause.probability.rank % 100 >= 8;
+    const bool isLine = cause.score.rank >= 8 || cause.probability.rank >= 8;
     return isPlain(cause) ? 1 : isLine ? leastRows + 1 : leastRows;
 }
 
-// Whether rows of enough different numbers are right: two lie on a line anyway, and a single
-// result of 0 or 1 stands for many a failure.
+// Whether rows of enough different numbers are right. Any two lie on a line, and many failures
+// write 0 or 1.
 bool isEvident(const Sample &sample, const Cause &cause) {
     std::vector<double> numbers;
     for (const DifferingRow *const row : sample.rows) {
@@ -289,20 +280,11 @@ double toleranceOf(const Comparison &c) {
     return std::max(c.options.tolerance, 1e-9);
 }
 
-double shortestIn(const ScoreRange &range) {
-    const double middle = range.least + (range.most - range.least) / 2;
-    for (int digits = 1; digits < 16; ++digits) {
-        const double shown = withDigits(middle, digits);
-        if (shown >= range.least && shown <= range.most) return shown;
-    }
-    return middle;
-}
-
 ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
     constexpr ScoreRange none = {HUGE_VAL, -HUGE_VAL};
     if (!std::isfinite(row.expected.score)) return none;
     if (!c.options.hasScore()) {
-        const ScoreRange range = scoresBehind(c, row.found);
+        const ScoreRange range = possibleScores(c, row.found);
         return {range.least - row.expected.score, range.most - row.expected.score};
     }
     const double amount = row.found.score - row.expected.score;
@@ -311,32 +293,33 @@ ScoreRange amountOf(const Comparison &c, const DifferingRow &row) {
         return wouldBeRight(c, row.found.score, row.found) ||
                (hasPointBeside(c.card, row.found.score, slack) &&
                 hasProbabilityNear(c.card, row.found.score, slack, row.found.probability,
-                                   toleranceOf(c), {{}, c.options.target, c.options.sql}));
+                                   toleranceOf(c), c.options.deviations()));
     };
     if (!std::isfinite(amount) || (c.options.hasProbability() && !isProbable())) return none;
     return {amount - slack, amount + slack};
 }
 
-ScoreRange common(const ScoreRange &a, const ScoreRange &b) {
+ScoreRange overlap(const ScoreRange &a, const ScoreRange &b) {
     return {std::max(a.least, b.least), std::min(a.most, b.most)};
 }
 
 bool isPlain(const Cause &cause) {
-    return cause.score.rank % 100 < 2 && cause.probability.rank % 100 < 2;
+    return cause.score.rank < 2 && cause.probability.rank < 2;
 }
 
-bool speaksFor(std::int64_t rows, std::size_t of, double share) {
+bool isEnough(std::int64_t rows, std::size_t of, double share) {
     return static_cast<double>(rows) >= share * static_cast<double>(of);
 }
 
 std::vector<Cause> mapsOf(const Comparison &c) {
     std::vector<Cause> causes;
     std::vector<const DifferingRow *> rest;
+    rest.reserve(c.differing.size());
     for (const DifferingRow &row : c.differing) rest.push_back(&row);
     while (!rest.empty() && causes.size() < mostCauses) {
         Sample sample = {c};
         const std::size_t count = std::min(rest.size(), mostSampled);
-        // Rows of the whole file, also the first of them, which are measured.
+        // Rows from all parts of the file, also the first few, which are measured.
         constexpr std::size_t stride = 67; // a prime above mostSampled
         for (std::size_t i = 0; i < count; ++i) {
             sample.rows.push_back(rest[i * stride % count * rest.size() / count]);
@@ -347,11 +330,11 @@ std::vector<Cause> mapsOf(const Comparison &c) {
         const std::size_t before = rest.size();
         std::erase_if(rest, [&](const DifferingRow *row) { return isRight(c, cause, *row); });
         cause.rows = static_cast<std::int64_t>(before - rest.size());
-        // By chance, some rows are within a large tolerance of what was measured.
+        // Within a large tolerance, measured numbers make some rows right by chance.
         const bool isDoubtful = !isPlain(cause) && toleranceOf(c) > 1e-9;
         const double share = isDoubtful ? 0.5 : leastShare;
-        if (cause.rows < neededFor(cause) || !speaksFor(cause.rows, before, share)) break;
-        if (!speaksFor(cause.rows, c.differing.size())) break;
+        if (cause.rows < neededFor(cause) || !isEnough(cause.rows, before, share)) break;
+        if (!isEnough(cause.rows, c.differing.size())) break;
         causes.push_back(cause);
     }
     return causes;

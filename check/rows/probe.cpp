@@ -5,7 +5,6 @@
 #include "check/rows/csv_writer.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <functional>
@@ -17,36 +16,29 @@ namespace {
 
 // --- Cells
 
-// The next number to the one side. Those next to 0 are not the same in all engines, and neither is
-// their text; this one has a place in 32 bits too.
+// The next number to one side. Engines differ in how they read denormal numbers; the one next to 0
+// is a normal number in 32 bits too.
 double beside(double bound, double way) {
     constexpr double nextToZero = 1e-30;
     const double next = std::nextafter(bound, way);
     return std::isnormal(next) || std::isinf(next) ? next : std::copysign(nextToZero, way);
 }
 
-// A number with few digits between two others, near their middle; NaN if there is none.
+// A number with few digits between two others; NaN if there is none.
 double between(double least, double most) {
-    const double middle = least / 2 + most / 2;
-    constexpr int digits = 17; // which distinguish any two
-    for (int i = 1; std::isfinite(middle) && i <= digits; ++i) {
-        const double number = withDigits(middle, i);
-        if (number > least && number < most) return number;
-    }
-    return noNumber;
+    return shortestBetween(std::nextafter(least, HUGE_VAL), std::nextafter(most, -HUGE_VAL));
 }
 
-// Without exponent where that is not too long, since programs differ in how they read one.
-QString digitsOf(double number) {
+// Without exponent if that is not too long: programs differ in how they read exponents.
+std::string digitsOf(double number) {
     constexpr double least = 1e-30;
     constexpr double most = 1e22;
     const double size = std::abs(number);
     const bool isPlain = size == 0 || (size >= least && size < most);
-    std::array<char, 64> text{};
     const auto format = isPlain ? std::chars_format::fixed : std::chars_format::scientific;
-    const char *const end =
-        std::to_chars(text.begin(), text.end(), number + 0.0, format).ptr; // no -0
-    return QString::fromLatin1(text.data(), end - text.data());
+    char text[64];
+    char *const end = std::to_chars(text, std::end(text), number + 0.0, format).ptr; // no -0
+    return {text, end};
 }
 
 void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
@@ -71,70 +63,37 @@ void addNumbers(std::vector<Try> &tries, std::span<const double> codes,
     tries.erase(std::unique(tries.begin(), tries.end(), isAgain), tries.end());
 }
 
-void addValues(std::vector<Try> &tries, TextTable<QStringView, bool> &listed,
-               std::span<const QStringView> values) {
-    for (const QStringView value : values) {
-        if (value.isEmpty() || !listed.emplace(value, true).second) continue;
-        tries.push_back({.trial = Trial::Value, .value = value});
-    }
-}
-
-QString textOf(const Try &cell) {
-    const bool isText = cell.trial == Trial::Value || cell.trial == Trial::Unlisted;
-    return isText                       ? cell.value.toString()
-           : cell.trial == Trial::Empty ? QString()
-                                        : digitsOf(cell.number);
-}
-
-// What the recodings of the column make of the cell.
-std::vector<Recoded> recodedOf(const Scorecard &card, std::size_t column, const Try &cell,
-                               std::span<const std::string> missing = {}) {
-    const std::string raw = textOf(cell).toStdString();
-    const Cell read = cellOf(std::string_view(raw), missing);
-    std::vector<Recoded> recoded;
-    for (const std::size_t i : card.recodingsOf[column]) {
-        recoded.push_back(recode(card.recodings[i], read));
-    }
-    return recoded;
-}
-
 // --- From the least score to the highest
 
 // A cell, and what it adds to the score.
 struct Level {
-    std::size_t cell = 0; // its position among the tries
+    std::size_t cell = 0; // its index among the tries
     double points = 0;
 };
 
 struct ProbeColumn {
     std::vector<Try> tries;
-    std::vector<Level> levels; // of all cells by points, each number of points once
+    std::vector<Level> levels; // of all cells, each number of points once
     std::vector<Level> plain;  // of plain cells
     std::size_t usual = 0;     // the cell of rows that try another column
 };
 
-// Findings concern neither of them, so that these cells blur no row that tries something else.
+// No finding affects these cells, so that a row shows only what it tries.
 bool isPlain(const Try &cell) {
     return cell.trial == Trial::Between || cell.trial == Trial::Value;
 }
 
 // What each cell of the column adds; NaN and infinity are left out.
-std::vector<Level> pointsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries) {
+std::vector<Level> levelsOf(const Scorecard &card, std::size_t column, std::span<const Try> tries) {
     std::vector<Level> levels;
     for (std::size_t i = 0; i < tries.size(); ++i) {
-        Level level = {i};
-        const std::vector<Recoded> recoded = recodedOf(card, column, tries[i]);
-        for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
-            const Recoding &recoding = card.recodings[card.recodingsOf[column][rank]];
-            if (recoding.coefficient == 0) continue;
-            level.points += recoding.coefficient * recoded[rank].score;
-        }
-        if (std::isfinite(level.points)) levels.push_back(level);
+        const double points = pointsOf(card, column, cellOf(textOf(tries[i])));
+        if (std::isfinite(points)) levels.push_back({i, points});
     }
     return levels;
 }
 
-// By points, each number of points once, with a plain cell if there is one. Never empty.
+// Sorted by points, each number of points once, if possible with a plain cell. Never empty.
 std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries) {
     std::ranges::stable_sort(levels, {}, [&](const Level &level) {
         return std::pair(level.points, !isPlain(tries[level.cell]));
@@ -148,7 +107,7 @@ std::vector<Level> ranked(std::vector<Level> levels, std::span<const Try> tries)
 struct Probe {
     const Scorecard &card;
     std::vector<ProbeColumn> columns;
-    std::vector<std::size_t> order = {}; // of the columns: what can change the score most is first
+    std::vector<std::size_t> order = {}; // of the columns: the widest range of points first
     CsvWriter file = {};
     std::int64_t rows = 0;
 };
@@ -161,8 +120,8 @@ struct Choice {
 
 using LevelsOf = std::vector<Level> ProbeColumn::*;
 
-// Cells whose score comes near to this one, but not above it if there are such. The columns behind
-// fill up what those before them leave.
+// Cells whose score is near this one, and not above it if possible. Each column fills what those
+// before it leave.
 Choice choiceBelow(const Probe &probe, LevelsOf levelsOf, double score) {
     Choice choice = {std::vector<std::size_t>(probe.columns.size()),
                      probe.card.regression.constant};
@@ -180,7 +139,7 @@ Choice choiceBelow(const Probe &probe, LevelsOf levelsOf, double score) {
     return choice;
 }
 
-// A score whose probability changes with it, with room on both sides: in the segment next to the
+// A score with whose change the probability changes: the middle of the segment nearest to the
 // middle of the table. NaN if the table has none.
 double sensitiveScore(const Scorecard &card) {
     const std::span<const double> x = card.table.x;
@@ -202,7 +161,7 @@ Probe probeOf(const Scorecard &card) {
     for (std::size_t i = 0; i < probe.columns.size(); ++i) {
         ProbeColumn &column = probe.columns[i];
         column.tries = triesOf(card, i);
-        std::vector<Level> levels = pointsOf(card, i, column.tries);
+        std::vector<Level> levels = levelsOf(card, i, column.tries);
         column.levels = ranked(levels, column.tries);
         std::erase_if(levels,
                       [&](const Level &level) { return !isPlain(column.tries[level.cell]); });
@@ -222,8 +181,7 @@ Probe probeOf(const Scorecard &card) {
     return probe;
 }
 
-// Where the table has the score: how many of its points are not below. 0 for all scores of a table
-// that is out of order.
+// How many table points are not below the score; 0 for all scores of a table that is out of order.
 std::size_t segmentOf(const Scorecard &card, double score) {
     if (!card.isFalling) return 0;
     const auto isAbove = [&](double point) { return point >= score; };
@@ -231,7 +189,7 @@ std::size_t segmentOf(const Scorecard &card, double score) {
     return static_cast<std::size_t>(found - card.table.x.begin());
 }
 
-// A score in each segment of the table that lies between these two, but no more than `most`.
+// A score in each segment of the table between these two, at most `most`.
 std::vector<double> scoresBetween(const Scorecard &card, double lowest, double highest,
                                   std::size_t most) {
     std::vector<double> scores;
@@ -253,7 +211,7 @@ QString trialText(const QString &field, const Try &cell) {
     const QString name = shownText(field.toStdString());
     switch (cell.trial) {
     case Trial::Code:
-        return name + u" = "_s + digitsOf(cell.number) + u", a missing code"_s;
+        return name + u" = "_s + shownText(textOf(cell)) + u", a missing code"_s;
     case Trial::Bound:
         return name + u" at the bound "_s + numberText(cell.bound);
     case Trial::Below:
@@ -261,9 +219,9 @@ QString trialText(const QString &field, const Try &cell) {
     case Trial::Above:
         return name + u" just above "_s + numberText(cell.bound);
     case Trial::Between:
-        return name + u" = "_s + digitsOf(cell.number);
+        return name + u" = "_s + shownText(textOf(cell));
     case Trial::Value:
-        return name + u" = '"_s + shownText(textOf(cell).toStdString()) + u'\'';
+        return name + u" = '"_s + shownText(textOf(cell)) + u'\'';
     case Trial::Unlisted:
         return name + u" = '"_s + cell.value.toString() + u"', which is not listed"_s;
     case Trial::Empty:
@@ -293,12 +251,12 @@ QString freeTitle(const Scorecard &card, QString title) {
     return title;
 }
 
-// cellAt(i) is the cell of column i, as its position among the tries.
+// cellAt(i) is the index of the cell of column i among its tries.
 template <typename CellAt>
 void putRow(Probe &probe, const CellAt &cellAt, const QString &text) {
     probe.file.put(++probe.rows);
     for (std::size_t i = 0; i < probe.columns.size(); ++i) {
-        probe.file.put(textOf(probe.columns[i].tries[cellAt(i)]).toStdString());
+        probe.file.put(textOf(probe.columns[i].tries[cellAt(i)]));
     }
     probe.file.put(text.toStdString());
     probe.file.endRow();
@@ -381,7 +339,10 @@ std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
         (recoding.variable->isCategorical ? hasValues : hasNumbers) = true;
         bounds.insert(bounds.end(), recoding.x.begin(), recoding.x.end());
         codes.insert(codes.end(), recoding.codes.begin(), recoding.codes.end());
-        addValues(values, listed, recoding.listed);
+        for (const QStringView value : recoding.listed) {
+            if (value.isEmpty() || !listed.emplace(value, true).second) continue;
+            values.push_back({.trial = Trial::Value, .value = value});
+        }
     }
     if (hasNumbers) addNumbers(tries, codes, std::move(bounds));
     tries.insert(tries.end(), values.begin(), values.end());
@@ -395,6 +356,10 @@ std::vector<Try> triesOf(const Scorecard &card, std::size_t column) {
     return tries;
 }
 
+std::string textOf(const Try &cell) {
+    return std::isnan(cell.number) ? cell.value.toUtf8().toStdString() : digitsOf(cell.number);
+}
+
 std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::size_t column,
                                                   std::span<const std::string> missing) {
     std::vector<std::vector<bool>> reachable;
@@ -402,10 +367,11 @@ std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::si
         reachable.emplace_back(card.recodings[i].y.size());
     }
     for (const Try &cell : triesOf(card, column)) {
-        const std::vector<Recoded> recoded = recodedOf(card, column, cell, missing);
-        for (std::size_t rank = 0; rank < recoded.size(); ++rank) {
-            const std::size_t position = recoded[rank].position;
-            if (position < reachable[rank].size()) reachable[rank][position] = true;
+        const std::string text = textOf(cell);
+        const Cell read = cellOf(text, missing);
+        for (const std::size_t i : card.recodingsOf[column]) {
+            const Recoding &recoding = card.recodings[i];
+            reachable[recoding.rank][recode(recoding, read).position] = true;
         }
     }
     return reachable;

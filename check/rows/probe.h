@@ -3,13 +3,13 @@
 
 #include "check/evaluation/evaluation.h"
 
-// What a cell is for.
+// What a cell tries.
 enum class Trial : std::uint8_t {
     Code,    // a missing code
     Bound,   // a bound itself
     Below,   // the next number below a bound
     Above,   // the next number above a bound
-    Between, // any number of an interval
+    Between, // any number within a bin
     Value,   // of a list
     Unlisted,
     Empty,
@@ -23,8 +23,11 @@ struct Try {
     QStringView value = {};   // of a list; valid as long as the scorecard
 };
 
-// The cells that try all of a column, about four for each position.
+// Cells that reach all positions of a column, about four for each.
 std::vector<Try> triesOf(const Scorecard &card, std::size_t column);
+
+// What the cell holds.
+std::string textOf(const Try &cell);
 
 // Of each recoding of the column, the positions that a cell can reach. `missing` are texts that
 // count as missing.
@@ -32,7 +35,6 @@ std::vector<std::vector<bool>> reachablePositions(const Scorecard &card, std::si
                                                   std::span<const std::string> missing);
 
 // Writes rows that try all cells of all columns, and rows from the least score to the highest, as
-// CSV in UTF-8. A row tries one column, or several in a wide model, where one row for each cell
-// would make the file grow with the square of the columns. Returns an error message; empty on
-// success.
+// CSV in UTF-8. A row tries one column, or several in a wide model, so that the file does not grow
+// with the square of the columns. Returns an error message; empty on success.
 QString writeProbe(const Scorecard &card, const QString &fileName);

@@ -20,9 +20,9 @@ constexpr std::size_t noPosition = static_cast<std::size_t>(-1);
 
 // --- Cells
 
-// Cache entry: a cell with all that the model and the findings make of it.
+// Cache entry: a cell with its scores and findings.
 struct JudgedCell {
-    std::int64_t rows = 0; // since it was judged
+    std::int64_t rows = 0; // that are not counted yet
     std::int64_t firstRow = 0;
     std::vector<Recoded> recoded; // by each recoding of the column; empty in an unused entry
     std::string raw;
@@ -51,8 +51,8 @@ std::size_t hashOf(std::string_view bytes) {
     return ((first ^ last << 1U ^ bytes.size()) * 0x9E3779B97F4A7C15U) >> 48U;
 }
 
-// How often texts occur that their column does not list. Of very many different texts, the rare
-// ones make room for others, and each may have occurred `more` times.
+// How often unlisted texts of a column occur. If there are very many, rare ones are dropped, and
+// each text may have occurred up to `more` times more.
 struct TextCounts {
     std::unordered_map<std::string, std::int64_t> rows = {};
     std::int64_t more = 0;
@@ -60,9 +60,9 @@ struct TextCounts {
 
 // --- Rows
 
-// A finding that the score decides, or that another column does.
+// A finding that depends on the score or on another column.
 struct RowTest {
-    std::size_t finding; // its position
+    std::size_t finding; // its index
     FindingId id;
     std::size_t recoding;
     Deviations deviations;
@@ -95,19 +95,18 @@ RowTests testsOf(const RowOptions &options, std::span<const Finding> findings) {
     return tests;
 }
 
-// Takes the columns of the model and that of the key.
+// Receives the cells of the model's columns and of the key.
 struct RowScorer {
     const Scorecard &card;
     std::vector<Finding> &findings;
     const RowOptions &options;
     RowCounts &counts;
-    Comparison comparison = {card, options};
+    Comparison comparison = {card, options, testsOfColumns(card, findings)};
     CsvReader reader = {};
     DecimalMark mark = DecimalMark::Point;
     std::size_t keyAt = noPosition;
     CsvWriter out = {};
     RowTests tests = testsOf(options, findings);
-    std::vector<ColumnTests> columnTests = testsOfColumns(card, findings);
     std::vector<TextCounts> unlisted = std::vector<TextCounts>(card.columns.size());
     std::size_t entries = entriesOf(options, card.columns.size());
     std::vector<JudgedCell> judged = std::vector<JudgedCell>(card.columns.size() * entries);
@@ -138,11 +137,11 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
         const std::size_t recoding = scorer.card.recodingsOf[column][i];
         scorer.counts.positions[recoding][judged.recoded[i].position] += judged.rows;
     }
-    for (const std::size_t position : judged.findings.together) {
-        scorer.findings[position].togetherRows += judged.rows;
+    for (const std::size_t index : judged.findings.together) {
+        scorer.findings[index].togetherRows += judged.rows;
     }
-    for (const std::size_t position : judged.findings.alone) {
-        Finding &finding = scorer.findings[position];
+    for (const std::size_t index : judged.findings.alone) {
+        Finding &finding = scorer.findings[index];
         if (finding.rows == 0) finding.firstRow = judged.firstRow;
         finding.firstRow = std::min(finding.firstRow, judged.firstRow);
         finding.rows += judged.rows;
@@ -162,15 +161,14 @@ void countCell(RowScorer &scorer, std::size_t column, JudgedCell &judged) {
     for (const std::size_t i : scorer.card.recodingsOf[column]) {
         judged.recoded.push_back(recode(scorer.card.recodings[i], judged.facts.cell));
     }
-    const ColumnTests &tests = scorer.columnTests[column];
+    const ColumnTests &tests = scorer.comparison.tests[column];
     const RowOptions &options = scorer.options;
-    judged.findings =
-        findingsOf(scorer.card, tests, column, judged.facts.cell, judged.recoded, options.sql);
-    if (options.results.isEmpty()) return;
     const std::vector<const Cell *> cells(judged.recoded.size(), &judged.facts.cell);
-    judged.facts.choices = choicesOf(scorer.card, tests, column, cells, judged.recoded,
-                                     {{}, options.target, options.sql});
-    judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell, judged.recoded);
+    judged.findings = findingsOf(scorer.card, tests, column, cells, judged.recoded, options.sql);
+    if (options.results.isEmpty()) return;
+    judged.facts.choices =
+        choicesOf(scorer.card, tests, column, cells, judged.recoded, options.deviations());
+    judged.facts.beside = changesBeside(scorer.card, column, judged.facts.cell);
 }
 
 void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
@@ -185,17 +183,17 @@ void RowScorer::takeCell(std::size_t place, std::string_view bytes) {
     ++cell.rows;
 }
 
-void affect(RowScorer &scorer, std::size_t position) {
-    Finding &finding = scorer.findings[position];
+void affect(RowScorer &scorer, std::size_t index) {
+    Finding &finding = scorer.findings[index];
     if (finding.rows++ == 0) finding.firstRow = scorer.reader.row;
 }
 
-// Whether the score is where the finding can make a difference: a quick test.
-bool isConcerned(const Scorecard &card, FindingId id, double score) {
+// Whether the finding may affect rows with this score: a quick test.
+bool mayAffectScore(const Scorecard &card, FindingId id, double score) {
     const std::span<const double> x = card.table.x;
     switch (id) {
     case BoundDigits: {
-        constexpr double share = 1e-13; // of a number that 15 digits may lose
+        constexpr double share = 1e-13; // of a number, which 15 digits may lose
         return hasPointBeside(card, score, share * std::abs(score));
     }
     case LogisticOverflow: {
@@ -212,7 +210,7 @@ bool isConcerned(const Scorecard &card, FindingId id, double score) {
 }
 
 bool isAffected(const Scorecard &card, const RowTest &test, const Prediction &prediction) {
-    if (!isConcerned(card, test.id, prediction.score)) return false;
+    if (!mayAffectScore(card, test.id, prediction.score)) return false;
     const double other = probabilityOf(card, prediction.score, test.deviations);
     constexpr double rounding = 1e-9; // of the probability where the table has no jump
     const bool isRounded =
@@ -220,7 +218,7 @@ bool isAffected(const Scorecard &card, const RowTest &test, const Prediction &pr
     return !isRounded && differ({0, other}, {0, prediction.probability});
 }
 
-// Counts what no cell alone decides.
+// Counts the findings that depend on more than one cell.
 void countFindings(RowScorer &scorer, const Prediction &prediction) {
     std::size_t last = scorer.findings.size(); // finding that is counted
     for (const RowTest &test : scorer.tests.ofNames) {
@@ -253,11 +251,7 @@ void countScore(RowCounts &counts, double score) {
 
 void putRow(RowScorer &scorer, std::string_view key, const Prediction &prediction) {
     CsvWriter &out = scorer.out;
-    if (scorer.keyAt == noPosition) {
-        out.put(scorer.reader.row);
-    } else {
-        out.put(key);
-    }
+    putKey(out, scorer.options, key, scorer.reader.row);
     out.put(prediction.score);
     out.put(prediction.probability);
     out.endRow();
@@ -298,19 +292,12 @@ QString start(RowScorer &scorer) {
     if (!problem.isEmpty()) return problem;
     const char delimiter = scorer.reader.delimiter;
     if (options.hasDecimalComma) {
-        // Between commas, a number has a full stop, unless its cell is quoted.
+        // Between commas, a decimal comma needs quotation marks: full stops are read too.
         scorer.mark = delimiter == ',' ? DecimalMark::Either : DecimalMark::Comma;
     }
     problem = openDifferences(scorer.comparison, delimiter);
-    if (!problem.isEmpty() || options.scores.isEmpty()) return problem;
-    CsvWriter &out = scorer.out;
-    problem = out.open(options.scores, delimiter);
     if (!problem.isEmpty()) return problem;
-    out.put(options.key.isEmpty() ? "row" : options.key.toStdString());
-    out.put("score");
-    out.put("probability");
-    out.endRow();
-    return {};
+    return openOutput(scorer.out, options.scores, delimiter, options, {"score", "probability"});
 }
 
 FileRead readBy(const CsvReader &reader) {

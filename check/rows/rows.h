@@ -1,5 +1,4 @@
-// Scores the rows of a file, counts those that each finding affects, and hands each to the
-// comparison.
+// Scores the rows of a file, counts those that each finding affects, and compares each.
 #pragma once
 
 #include "check/rows/comparison.h"
@@ -7,11 +6,11 @@
 // What was read of a file.
 struct FileRead {
     std::int64_t bytes = 0;
-    std::int64_t rows = -1; // below 0: it has none
+    std::int64_t rows = -1; // below 0: not a file of rows
     QByteArray sha256 = {}; // of the bytes, if hashes were asked for
 };
 
-// What the rows came to.
+// Totals of all rows.
 struct RowCounts {
     std::int64_t rows = 0;
     std::int64_t uneven = 0; // rows with fewer or more cells than there are titles
@@ -22,7 +21,7 @@ struct RowCounts {
     ScoreRange range{};
     FileRead rowsRead, resultsRead;
 
-    // Where the step begins.
+    // The lowest score of the step.
     double stepAt(std::size_t step) const {
         const double share = static_cast<double>(step) / static_cast<double>(scores.size());
         return range.least + share * (range.most - range.least);

@@ -1,8 +1,10 @@
 #include "check/rows/suspicion.h"
 
+#include "check/rows/probe.h"
+
 #include <algorithm>
+#include <array>
 #include <bit>
-#include <charconv>
 #include <cmath>
 
 using namespace Qt::Literals::StringLiterals;
@@ -10,37 +12,15 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 constexpr std::size_t mostTried = 1 << 20;   // values of one column, by the recodings that read it
-constexpr std::int64_t mostSuspected = 1000; // rows of which all suspicions are tried
+constexpr std::int64_t mostSuspected = 1000; // rows that are tested for all suspicions
 constexpr std::size_t mostExchanged = 64;    // columns, of which all pairs are tried
 
-// What the column adds to the score.
-double pointsOf(const Scorecard &card, std::size_t column, const Cell &cell) {
-    double points = 0;
-    for (const std::size_t i : card.recodingsOf[column]) {
-        points += card.recodings[i].coefficient * recode(card.recodings[i], cell).score;
-    }
-    return points;
-}
-
-// A cell feeds all recodings of its column: the points of all values, bounds and their neighbours.
+// The points of all values and bins of the column.
 std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const std::size_t most = mostTried / card.recodingsOf[column].size();
+    std::vector<Try> tries = triesOf(card, column);
+    tries.resize(std::min(tries.size(), mostTried / card.recodingsOf[column].size()));
     std::vector<double> points;
-    const auto tryCell = [&](std::string_view text) {
-        if (points.size() < most) points.push_back(pointsOf(card, column, cellOf(text)));
-    };
-    for (const std::size_t i : card.recodingsOf[column]) {
-        for (const QStringView value : card.recodings[i].listed)
-            tryCell(value.toUtf8().toStdString());
-        for (const double bound : card.recodings[i].x) {
-            for (const double to : {-infinity, bound, infinity}) {
-                char text[32];
-                const double number = std::nextafter(bound, to);
-                tryCell({text, std::to_chars(text, std::end(text), number).ptr});
-            }
-        }
-    }
+    for (const Try &cell : tries) points.push_back(pointsOf(card, column, cellOf(textOf(cell))));
     // Some may be NaN, which has no order.
     std::ranges::sort(points, {},
                       [](double number) { return std::bit_cast<std::uint64_t>(number); });
@@ -70,7 +50,7 @@ bool isRight(const Comparison &c, const Suspicion &suspicion, const RowFacts &fa
     return change != 0 && wouldBeRight(c, score + change, found);
 }
 
-// Of a row, all that would make it right.
+// Counts all that would make the row right.
 void suspectAll(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
     std::vector<Suspicion> missing;
     std::vector<Suspicion> others;
@@ -81,15 +61,15 @@ void suspectAll(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
         return isOne;
     };
     for (std::size_t i = 0; i < columns; ++i) {
-        // The double beside a cell is another value, too, and a likelier one.
+        // The double beside a cell is another value, but a likelier cause.
         const bool isOther = !isFound({Kind::Missing, i}, missing) && !row.isLastDigit;
         if (isOther) isFound({Kind::OtherValue, i}, others);
     }
     for (std::size_t a = 0; columns <= mostExchanged && a < columns; ++a) {
         for (std::size_t b = a + 1; b < columns; ++b) isFound({Kind::Exchanged, a, b}, others);
     }
-    // More than three causes are no evidence for any. Few columns are right as missing by chance,
-    // so that others speak against none of these.
+    // More than three causes are no evidence for any. A column is rarely right as missing by
+    // chance, so the two lists count apart.
     for (const std::vector<Suspicion> &list : {missing, others}) {
         if (list.size() > 3) continue;
         for (const Suspicion &suspicion : list) ++c.suspicions[suspicion];
@@ -104,43 +84,35 @@ QString textOf(const Scorecard &card, const Suspicion &suspicion) {
     return u"%1 and %2 exchanged"_s.arg(column, card.columns[b]);
 }
 
-// Whether it made nearly all rows right so far, and is quickly tried.
-bool isLeading(const Comparison &c, const Suspicion &suspicion, std::int64_t rows) {
-    return suspicion.kind != Kind::OtherValue && 10 * rows >= 9 * c.result.suspects;
-}
-
 } // namespace
 
 bool wouldBeRight(const Comparison &c, double score, const Prediction &found) {
     if (c.options.hasScore() && !isNear(c, score, found.score)) return false;
     if (!c.options.hasProbability()) return true;
-    Deviations always = {{}, c.options.target, c.options.sql};
-    const auto isRight = [&] {
-        return isNear(c, probabilityOf(c.card, score, always), found.probability);
-    };
-    if (isRight()) return true;
-    for (const FindingId id : c.always) always.findings.add(id);
-    return isRight();
+    return std::ranges::any_of(std::array{FindingSet(), c.always}, [&](const FindingSet &findings) {
+        const Deviations deviations = c.options.deviations(findings);
+        return isNear(c, probabilityOf(c.card, score, deviations), found.probability);
+    });
 }
 
 void suspect(Comparison &c, const RowFacts &facts, const DifferingRow &row) {
-    if (c.result.suspects < mostSuspected) {
+    const std::int64_t before = c.result.suspects++;
+    if (before < mostSuspected) {
         for (std::size_t i = c.pointsOfColumns.size(); i < c.card.columns.size(); ++i) {
             c.pointsOfColumns.push_back(possiblePoints(c.card, i));
         }
         suspectAll(c, facts, row);
-        ++c.result.suspects;
         return;
     }
-    if (c.result.suspects == mostSuspected) {
+    if (before == mostSuspected) {
         for (const auto &[suspicion, rows] : c.suspicions) {
-            if (isLeading(c, suspicion, rows)) c.leading.push_back(suspicion);
+            const bool isQuick = suspicion.kind != Kind::OtherValue;
+            if (isQuick && 10 * rows >= 9 * mostSuspected) c.leading.push_back(suspicion);
         }
     }
     for (const Suspicion &suspicion : c.leading) {
         c.suspicions[suspicion] += isRight(c, suspicion, facts, row.found) ? 1 : 0;
     }
-    ++c.result.suspects;
 }
 
 void finishSuspicion(Comparison &c) {

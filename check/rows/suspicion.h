@@ -1,9 +1,9 @@
-// Suggests causes for a row that no finding explains.
+// Tests what would make a single row without explanation right.
 #pragma once
 
 #include "check/rows/comparison.h"
 
-// Whether the score, with its probability of the model or of the target, is that of the result.
+// Whether the result has this score, with its probability in the model or in the target.
 bool wouldBeRight(const Comparison &comparison, double score, const Prediction &found);
 
 // Counts in the comparison what would make the row right: one column read as missing or as some

@@ -6,14 +6,14 @@
 
 class Utf8Check {
 public:
-    // How many bytes of the next piece are valid: all of them, or those before the first fault.
+    // How many bytes of the next piece are valid: all, or those before the first error.
     std::size_t take(std::string_view bytes);
     // Whether the bytes so far end with a whole character.
     bool isComplete() const { return pending == 0; }
 
 private:
-    int pending = 0; // bytes that the character lacks
-    // What its next byte may be: the first one decides, so that no character has two forms.
+    int pending = 0; // missing bytes of the current character
+    // Range of its next byte, which excludes overlong forms and surrogates.
     unsigned char least = 0x80;
     unsigned char most = 0xBF;
 };
