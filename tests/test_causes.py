@@ -88,7 +88,7 @@ class CausesTest(CheckedTest):
             ("more digits than 32 bits hold", [(round(s + i * 37 % 101 * 9e-10, 11), p) for i, (s, p) in enumerate(meant)], ["score"], None),
             ("a constant, with which all rows are above the table", self.through(lambda s, *_: s + 40), both, ("amount", 72, "the score plus 40; the probability of ")),
             ("one value, but for two of its rows", [(s + (i in (20, 44)) / 3, p) for i, (s, p) in enumerate(moved)], ["score"],
-             ("points", 22, "other points of V2 c, 'b' by -0.18")),
+             ("points", 22, "other points of V2 c: -0.18 for 'b'")),
             ("one value, beyond the table", self.through(lambda s, n, c, m: s - 100 * (c == "b")), ["probability"], ("constant", None, "0.02 in place of the prob")),
             ("another order of every other row", [meant[(i + 2) % 72] if i % 2 else row for i, row in enumerate(meant)], both, ("other-order", None, "those of the rows in ")),
             ("a single result of 0, where 1 is right", [(s, 0 if i == p == 1 else p) for i, (s, p) in zip(accumulate(p == 1 for _, p in meant), meant)], ["probability"], None),

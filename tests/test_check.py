@@ -203,7 +203,7 @@ class ScoresAndFindingsTest(CheckedTest):
             (2, "Unknown target 'r'. The targets are sas, sql, vba, python, html.", ["m.ModelXml", "--target", "sql,r", "--json"]),
             (2, "--key requires --rows.", ["m.ModelXml", "--key", "n", "--score", "s"]),
             (2, "File 'rows.csv' lacks the column 'c'. Its titles are 'n', 'x', 'x'.\n", ["m.ModelXml", "--rows", "rows.csv"]),
-            (2, "File 'odd.csv' lacks the columns 'n', 'c'. 'n' is there as 'N '. Its titles are "
+            (2, "File 'odd.csv' lacks the columns 'n', 'c'. 'n' is present as 'N '. Its titles are "
              + ", ".join(["'N '", "'x y'", *(f"'{60 * str(i % 10)}…'" for i in range(18))]) + " and 3 more.\n", ["m.ModelXml", "--rows", "odd.csv"]),
             (2, "--decimal requires a comma or a full stop.", [*good, "--decimal", ";"]),
             (2, "File 'kept.html' lacks the columns 'n', 'c'.", ["m.ModelXml", "--rows", "kept.html"]),

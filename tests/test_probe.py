@@ -68,7 +68,7 @@ class ProbeTest(CheckedTest):
         self.assertEqual([row["Tries "] for row in rows[:8]], ["-1", "-" + "0." + 29 * "0" + "1", "0", "0." + 29 * "0" + "1", "0.000005",
                                                             "0.000009999999999999999", "0.00001", "0.000010000000000000003"])
         tries = [row["tries_"] for row in rows]
-        self.assertIn("a,\"b\" ; = 'unlisted_', which is not listed", tries)
+        self.assertIn("a,\"b\" ; = 'unlisted_', unlisted", tries)
         self.assertIn(f"a,\"b\" ; = '{long[:60]}…'", tries)
         self.assertEqual((tries[2], len(set(tries))), ("Tries  at the bound 0", len(tries)))
         for bounds, expected in [([math.nan], 1), ([math.inf], 2), ([-math.inf, math.inf], 2), ([1e308, 1.7976931348623157e308], 3),

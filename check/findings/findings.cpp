@@ -35,7 +35,7 @@ constexpr FindingKind kinds[] = {
      u"The code for SAS, Excel VBA and Python does not score the recoding; for SQL and HTML, scorewright rejects the document.",
      u"Give the recoding the coefficient 0, or delete it.", u"manual.md"},
     {CoefficientWithoutRecoding, u"coefficient-without-recoding", all, vba | python, uncounted,
-     u"For SAS, scorewright rejects the document. SQL and HTML ignore the coefficient. In Excel VBA and Python it multiplies the next term; as the last term it is a syntax error.",
+     u"For SAS, scorewright rejects the document. SQL ignores the coefficient; HTML reads a wrong constant. In Excel VBA and Python it multiplies the next term; as the last term it is a syntax error.",
      u"Delete the coefficient.", u"manual.md"},
     {EqualCoefficients, u"equal-coefficients", sql | html, sql | html, uncounted,
      u"Several coefficients share a number. SQL uses the last, HTML the first; the other targets add them.",

@@ -182,7 +182,7 @@ QString CsvReader::describeAbsent(std::span<const QString> absent) const {
         lacking.append(quoted(title));
         const auto found = alike.find(plainTitle(title));
         if (found == alike.end()) continue;
-        hints += u" %1 is there as %2."_s.arg(quoted(title), found->second);
+        hints += u" %1 is present as %2."_s.arg(quoted(title), found->second);
     }
     const qsizetype more = std::ssize(titles) - there.size();
     return u"File '%1' lacks the column%2 %3.%4 Its titles are %5%6."_s.arg(

@@ -223,7 +223,7 @@ QString trialText(const QString &field, const Try &cell) {
     case Trial::Value:
         return name + u" = '"_s + shownText(textOf(cell)) + u'\'';
     case Trial::Unlisted:
-        return name + u" = '"_s + cell.value.toString() + u"', which is not listed"_s;
+        return name + u" = '"_s + cell.value.toString() + u"', unlisted"_s;
     case Trial::Empty:
         break;
     }
