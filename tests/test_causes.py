@@ -81,6 +81,8 @@ class CausesTest(CheckedTest):
             ("not all rows of a value", moved[:60] + meant[60:], ["score"], ("amount", 20, "the score minus 0.18")),
             ("one bin, seen in probabilities", self.through(lambda s, n, c, m: s + 0.21 * (m == "20")), ["probability"],
              ("points", None, "other points of V3 m: +0.21 for [10, 20]")),
+            ("some rows of a bin, seen in probabilities", self.through(lambda s, n, c, m: s + 0.21 * (m == "20" and c == "b")), ["probability"],
+             ("amount", None, "the score plus 0.21")),
             ("one value, with unrelated probabilities", [(s, i * 37 % 101 / 101 if row[1] == "b" else p) for i, ((s, p), row) in enumerate(zip(moved, ROWS))], both, None),
             ("one number everywhere", [(0.5, p) for _, p in meant], ["score"], ("constant", None, "0.5 in place of the score")),
             ("two numbers, which lie on a line", [(2.5 * s + 1 if row[0] in NUMBERS["n"][2:4] and row[1:] in [("a", "5"), ("a", "20")] else s, p)

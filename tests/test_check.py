@@ -336,7 +336,7 @@ class DeploymentTest(CheckedTest):
         y = [categorical(i, f"c{i}", "xyx", [0, 2**i, 3, 1]) for i in range(4)]
         unequal = model(terms=[(1, 1), (2, 1), (2, 5)])
         jump = model(table=JUMP, constant=-(2**-53))
-        self.write("c.xml", configuration(dbType="sqlite"))
+        self.write("c.xml", configuration(dbType="duckdb"))
         self.write("m.xml", configuration(dbType="mysql", boolsAreNumbers="0"))
         for name, target, text, cells, result, expected, *more in [
             ("NaN that the page shows", "html", model(None, five, table=TABLE, kind="T"), ",a", "p\nNaN",

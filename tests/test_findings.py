@@ -97,7 +97,7 @@ FINDINGS = {
     "capitals": (of(None, c("a", "ä"), rows="n,c|1,a|1,A|1,Ab|1,Ä"), (2, 2), of(None, c("A", "Ab", "Ä"), rows="n,c|1,A|1,Ab|1,Ä"),
                  of(None, FLAGS, rows="n,c|1,YES"), of(None, c("a", "b", "a"), rows="n,c|1,a")),
     "accents": (of(None, c("Zürich"), rows="n,c|1,Zürich|1,ZÜRICH|1,zurich"), (1, 3), of(None, c("Zürich"), rows="n,c|1,zürich")),
-    "single-precision": (sql(dbType="sqlite"), None, sql(), sql(dbType="mysql")),
+    "single-precision": (sql(dbType="duckdb"), None, sql(dbType="sqlite"), sql(dbType="mysql")),
     "rows-added": (sql(), None, sql(createPredictionTable="1")),
     "second-run": (sql(createPredictionTable="1"), None, sql(createPredictionTable="0")),
     "key-length": (of(rows=LONG, key="k"), (2, 2), of(rows="n,c,k|1,a, 01234567890123456789 |1,a," + 20 * "é", key="k"),

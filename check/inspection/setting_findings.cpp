@@ -56,12 +56,13 @@ void inspectSettings(Notes &notes, const XmlNode &root) {
     }
 }
 
-// Whether general SQL suits the server of this name.
-bool isGeneral(QStringView dbType) {
-    constexpr QStringView servers[] = {u"",       u"postgresql", u"postgres",
-                                       u"sqlite", u"sqlite3",    u"duckdb"};
-    return std::ranges::any_of(
-        servers, [&](QStringView name) { return name.compare(dbType, Qt::CaseInsensitive) == 0; });
+// Servers that general SQL suits and whose FLOAT has 64 bits.
+constexpr QStringView doubleServers[] = {u"postgresql", u"postgres", u"sqlite", u"sqlite3"};
+
+bool isDoubleServer(QStringView dbType) {
+    return std::ranges::any_of(doubleServers, [&](QStringView name) {
+        return name.compare(dbType, Qt::CaseInsensitive) == 0;
+    });
 }
 
 // The dialect that another name of a server, or a misspelt dialect, stands for; empty if none.
@@ -82,8 +83,10 @@ void inspectDialect(Notes &notes, const Scorecard &card, const QString &dbType) 
     for (const SqlDialect &known : sqlDialects()) {
         if (!known.name.isEmpty()) names.push_back(known.name);
     }
-    notes.add({place}, SinglePrecision, !dialect.scoreCast.opening.isEmpty());
-    const bool isKnown = !dialect.name.isEmpty() || isGeneral(dbType);
+    const bool isDouble = isDoubleServer(dbType);
+    notes.add({place}, SinglePrecision, !dialect.scoreCast.opening.isEmpty() && !isDouble);
+    const bool isKnown = !dialect.name.isEmpty() || dbType.isEmpty() || isDouble ||
+                         dbType.compare(u"duckdb", Qt::CaseInsensitive) == 0;
     const QStringView meant = dialectOf(dbType, names);
     notes.add({withSuggestion(place, meant)}, UnknownDialect, !isKnown && !meant.isEmpty());
 }

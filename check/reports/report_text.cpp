@@ -212,7 +212,7 @@ QString causeText(const Report &report, const CauseLine &cause) {
     const std::int64_t unexplained = report.found.comparison->unexplained;
     const std::int64_t all = std::min(unexplained, mostLookedAt);
     const bool isHint = cause.name.startsWith(u"key-");
-    const QString text = (isHint ? QString() : u"results look like "_s) + cause.text;
+    QString text = (isHint ? QString() : u"results look like "_s) + cause.text;
     if (cause.rows == 0) return text;
     if (cause.rows >= unexplained) return text + u": "_s + rowsText(cause.rows);
     return u"%1: %2 of %3%4 unexplained rows"_s.arg(

@@ -15,8 +15,21 @@ namespace {
 
 // --- Positions
 
+// The share of the equal rows of a position that would not be equal with other points.
+double shareAgainst(const Comparison &c, std::size_t recoding, std::size_t position,
+                    double amount) {
+    double sampled = 0;
+    double against = 0;
+    for (const EqualSample::Row &row : c.equal.rows) {
+        if (row.positions[recoding] != position) continue;
+        ++sampled;
+        against += isNear(c, probabilityOf(c.card, row.score + amount), row.probability) ? 0 : 1;
+    }
+    return sampled > 0 ? against / sampled : 0;
+}
+
 // The amounts by which the positions of a recoding differ, each in nearly all of its rows. A
-// probability alone may be right although its score is off.
+// probability alone may be equal although its score is off.
 Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int64_t> all) {
     const std::span<const PositionRows> positions = c.positionRows[recoding];
     Cause fit = {.kind = Cause::Kind::Points, .recoding = recoding};
@@ -24,13 +37,17 @@ Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int6
     ScoreRange shared = {-HUGE_VAL, HUGE_VAL};
     for (std::size_t i = 0; i < positions.size(); ++i) {
         const PositionRows &rows = positions[i];
-        const std::int64_t compared = c.options.hasScore() ? all[i] - rows.others : rows.differing;
         reached += all[i] > rows.others ? 1 : 0;
         const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
         const bool isMeasured = std::isfinite(rows.amount.most - rows.amount.least);
-        if (rows.agree == 0 || !isMoved || !isMeasured || 10 * rows.agree < 9 * compared) continue;
+        if (rows.agree == 0 || !isMoved || !isMeasured) continue;
+        const double amount = shortestBetween(rows.amount.least, rows.amount.most);
+        const auto equal = static_cast<double>(all[i] - rows.others - rows.differing);
+        const double against = c.options.hasScore() ? 1 : shareAgainst(c, recoding, i, amount);
+        const double compared = static_cast<double>(rows.differing) + against * equal;
+        if (10 * static_cast<double>(rows.agree) < 9 * compared) continue;
         fit.rows += rows.agree;
-        fit.amounts.emplace_back(i, shortestBetween(rows.amount.least, rows.amount.most));
+        fit.amounts.emplace_back(i, amount);
         shared = overlap(shared, rows.amount);
     }
     // The same amount everywhere is no evidence for the recoding. A wrong score may have the right
@@ -166,6 +183,22 @@ bool isRightBeside(const Comparison &c, std::span<const std::vector<double> *con
 }
 
 } // namespace
+
+void keepEqual(Comparison &c, std::span<const Recoded> recoded, const Prediction &numbers) {
+    constexpr std::size_t mostRows = 1000;
+    constexpr std::size_t mostPositions = 1 << 20; // in all of them
+    if (c.options.hasScore() || c.result.equal % c.equal.spacing != 0) return;
+    std::vector<EqualSample::Row> &rows = c.equal.rows;
+    EqualSample::Row row = {numbers.score, numbers.probability};
+    for (const Recoded &cell : recoded) row.positions.push_back(cell.position);
+    rows.push_back(std::move(row));
+    if (rows.size() < std::min(mostRows, mostPositions / std::max<std::size_t>(recoded.size(), 1)))
+        return;
+    c.equal.spacing *= 2;
+    std::erase_if(rows, [isEven = true](const EqualSample::Row &) mutable {
+        return !std::exchange(isEven, !isEven);
+    });
+}
 
 void keepRow(Comparison &c, std::span<const Recoded> recoded, const DifferingRow *row) {
     const bool isKept = row && c.differing.size() < mostLookedAt;

@@ -73,6 +73,21 @@ struct PositionRows {
     ScoreRange amount = {-HUGE_VAL, HUGE_VAL};
 };
 
+// Rows as the model says, evenly spaced, of a comparison by probability alone.
+struct EqualSample {
+    struct Row {
+        double score = 0;                          // of the model
+        double probability = 0;                    // of the result
+        std::vector<std::uint32_t> positions = {}; // by recodings
+    };
+    std::vector<Row> rows = {};
+    std::int64_t spacing = 1;
+};
+
+// Samples a row that is as the model says; `numbers` are the model's score and the result's
+// probability.
+void keepEqual(Comparison &comparison, std::span<const Recoded> recoded, const Prediction &numbers);
+
 // Counts a row by the positions of its cells; `row` is null if it is explained or has no result.
 void keepRow(Comparison &comparison, std::span<const Recoded> recoded, const DifferingRow *row);
 

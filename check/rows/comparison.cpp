@@ -330,6 +330,7 @@ void compareRow(Comparison &c, const RowFacts &facts) {
         (matches(c, facts.expected, numbers) ||
          fits(c, facts.recoded, c.options.deviations(), numbers))) {
         ++c.result.equal;
+        keepEqual(c, facts.recoded, {facts.expected.score, numbers.probability});
         return;
     }
     const bool isExplainable = isReadable || mayBeMissing;

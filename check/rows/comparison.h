@@ -137,7 +137,8 @@ struct Comparison {
     CsvWriter out = {};                 // of the differences
     std::deque<DifferingRow> differing = {};                  // rows without explanation
     std::vector<std::vector<PositionRows>> positionRows = {}; // by recodings
-    FindingSet always = {};                                   // deviations that no cell decides
+    EqualSample equal = {};
+    FindingSet always = {};     // deviations that no cell decides
     bool hasAlikeNames = false; // columns of the target whose names become the same
     std::vector<std::vector<double>> pointsOfColumns = {}; // of all cells; from the first use
     std::map<Suspicion, std::int64_t> suspicions = {};     // rows that each makes right

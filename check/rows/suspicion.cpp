@@ -20,6 +20,7 @@ std::vector<double> possiblePoints(const Scorecard &card, std::size_t column) {
     std::vector<Try> tries = triesOf(card, column);
     tries.resize(std::min(tries.size(), mostTried / card.recodingsOf[column].size()));
     std::vector<double> points;
+    points.reserve(tries.size());
     for (const Try &cell : tries) points.push_back(pointsOf(card, column, cellOf(textOf(cell))));
     // Some may be NaN, which has no order.
     std::ranges::sort(points, {},

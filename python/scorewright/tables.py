@@ -41,7 +41,9 @@ def logistic_table(largest_error: float | None = None, lowest: float = -1e6, hig
     require(-np.inf < lowest <= highest < np.inf, f"scores must be finite, lowest <= highest: {lowest}, {highest}")
     require(factor and np.isfinite([offset, factor]).all(), f"offset {offset} or factor {factor} is not finite, or 0")
     ends = sorted([(offset - lowest) / factor, (offset - highest) / factor])
-    points = sorted((float(offset - factor * odds), float(p)) for odds, p in logistic_points(error, relative, *ends))
+    # Generated code writes at least 15 digits of each score.
+    points = sorted((float(f"{offset - factor * odds:.15g}"), float(p))
+                    for odds, p in logistic_points(error, relative, *ends))
     return ended([score for score, _ in points[::-1]], [p for _, p in points[::-1]], lowest)
 
 
