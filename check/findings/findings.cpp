@@ -118,7 +118,7 @@ constexpr FindingKind kinds[] = {
      u"The script writes an apostrophe in a value as \\', which MySQL and MariaDB read and most other databases reject.",
      u"For other databases, repair the script with python3 -m scorewright.repair.", u"sql.md"},
     {BackslashEscape, u"backslash-escape", sql, sql, counted,
-     u"A backslash in a value is not doubled. MySQL and MariaDB read it and the next character as one, so the value scores as unlisted; at the end of a value, they reject the script.",
+     u"A backslash in a value is not doubled. MySQL and MariaDB read it and the next character as one, so the value scores as unlisted; if it ends the value, they reject the script.",
      u"For these databases, repair the script with python3 -m scorewright.repair --backslash-escapes.", u"sql.md"},
     {BooleanNumbers, u"boolean-numbers", sql, sql, counted,
      u"The script compares the boolean column with the numbers 0 and 1. Depending on the database, texts count as false or unknown, or are rejected.",
