@@ -87,7 +87,7 @@ constexpr FindingKind kinds[] = {
      u"The logistic form lacks a closing parenthesis, so the script does not run.",
      u"Repair the code with python3 -m scorewright.repair.", u"sas.md"},
     {LogisticOverflow, u"logistic-overflow", sas | python, sas, required,
-     u"For scores below -709, exp(-score) overflows. In SAS the probability is missing; the Python class stops with an error.",
+     u"For scores below -709.78, exp(-score) overflows. In SAS the probability is missing; the Python class stops with an error.",
      u"In SAS, set a missing probability to 0 if the score is present; in Python, remove such rows before scoring.", u"manual.md"},
     {NoTerms, u"no-terms", sas, none, uncounted,
      u"A model without regression terms lacks the semicolon after its constant, so the script does not run.",

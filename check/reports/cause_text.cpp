@@ -110,8 +110,8 @@ QString textOf(const Cause &cause, const Scorecard &card, const RowOptions &opti
     case Kind::Numbers:
         return mapsText(cause, options);
     case Kind::Points:
-        return u"other points of %1: %2"_s.arg(titleOf(recoding()),
-                                               amountsText(cause, recoding(), notation));
+        return u"changed points of %1: %2"_s.arg(titleOf(recoding()),
+                                                 amountsText(cause, recoding(), notation));
     case Kind::Coefficient:
         return u"a coefficient of %1 for %2"_s.arg(shortNumber(cause.coefficient),
                                                    titleOf(recoding()));

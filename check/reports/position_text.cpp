@@ -41,7 +41,7 @@ QString binAt(std::span<const double> bounds, std::size_t position, QString &not
         if (end.isBelow && notation.isEmpty()) {
             notation =
                 u"The bound shown as %2) is %1] in the document: no number of up to "
-                "16 digits lies between the two. The same applies to every bound before ), "
+                "16 digits lies between the two. The same applies to every other bound before a \")\", "
                 "except the lowest of a recoding."_s.arg(numberText(bounds[place]), end.text);
         }
         return end;
