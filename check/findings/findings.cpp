@@ -193,7 +193,7 @@ constexpr FindingKind kinds[] = {
     // --- HTML
     {FiveCategories, u"five-categories", html, html, counted,
      u"Every answer to a list of exactly five values scores as unknown.",
-     u"Add a value that never occurs to the list.", u"html.md"},
+     u"Add to the list a value that never occurs.", u"html.md"},
     {LowestNan, u"lowest-nan", html, html, counted,
      u"A score at or below the lowest table point shows NaN.",
      u"Add two points to the table, below all possible scores and with the probability of its lowest point.", u"html.md"},
@@ -219,7 +219,7 @@ constexpr FindingKind kinds[] = {
      u"The bars are drawn on the scale of the third table point, which is absent.",
      u"Tick the box for the dynamic scale, or add a third table point.", u"html.md"},
     {ConstantMisplaced, u"constant-misplaced", html, html, uncounted,
-     u"The page expects the constant after as many coefficients as there are recodings, and reads another number.",
+     u"The page expects one coefficient for each recoding before the constant, and so reads another number.",
      u"Give each recoding exactly one coefficient, and delete all others.", u"html.md"},
     {PercentSign, u"percent-sign", html, none, uncounted,
      u"The built-in layout shows % after a result that is not a probability.",
