@@ -33,7 +33,7 @@ bool findCoefficients(HtmlModel &model) {
     const XmlNode regression = model.document.root.childNode(u"RegressionModel");
     if (regression.isEmpty() || model.variables.empty()) return true;
     const auto indexes = coefficientIndexes(model.document, regression);
-    model.betaIndexes.reserve(model.variables.size());
+    model.regIndex.reserve(model.variables.size());
     for (const Variable &variable : model.variables) {
         const auto found = indexes.find(variable.number);
         if (found == indexes.end()) {
@@ -42,7 +42,7 @@ bool findCoefficients(HtmlModel &model) {
                 variable.name, QString::number(variable.index)));
             return false;
         }
-        model.betaIndexes.push_back(found->second);
+        model.regIndex.push_back(found->second);
     }
     return true;
 }
@@ -60,15 +60,14 @@ void readBetas(HtmlModel &model) {
     const XmlNode &root = model.document.root;
     const XmlNode metaData = root.childNode(u"MetaData");
     const XmlNode regression = root.childNode(u"RegressionModel");
-    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() ||
-        model.betaIndexes.empty()) {
+    if (metaData.isEmpty() || regression.childNode(u"betas").isEmpty() || model.regIndex.empty()) {
         return;
     }
     model.targetKind = readTargetKind(metaData);
     const bool hasConstant = model.targetKind != TargetKind::Other;
     const std::size_t constant = hasConstant ? model.variables.size() : 0;
     model.betas = readNumbers(model.document, regression, u"betas",
-                              std::max(std::ranges::max(model.betaIndexes), constant) + 1);
+                              std::max(std::ranges::max(model.regIndex), constant) + 1);
 }
 
 void readTable(HtmlModel &model) {

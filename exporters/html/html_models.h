@@ -11,7 +11,7 @@ struct HtmlModel {
     int index; // in the list, from 0
     ModelDocument document;
     Variables variables;
-    std::vector<std::size_t> betaIndexes; // by variable; empty without a regression
+    std::vector<std::size_t> regIndex; // by variable; empty without a regression
     TargetKind targetKind = TargetKind::Other;
     std::vector<double> betas; // coefficients and constant; empty for a model without a sum
     ProbabilityTable table;    // may have no points

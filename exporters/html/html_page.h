@@ -10,9 +10,9 @@
 struct VariableRecord {
     QStringView field; // the input column
     QString formName;  // of the column's form control
-    QString name;      // of the variable, in the script
+    QString jsName;    // of the variable, in the script
     int modelIndex;
-    std::size_t variableIndex; // within the model
+    std::size_t univIndex; // within the model
 };
 
 struct HtmlPage {
@@ -26,6 +26,6 @@ struct HtmlPage {
         return models[static_cast<std::size_t>(record.modelIndex)];
     }
     const Variable &variable(const VariableRecord &record) {
-        return model(record).variables[record.variableIndex];
+        return model(record).variables[record.univIndex];
     }
 };

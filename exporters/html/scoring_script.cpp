@@ -59,7 +59,7 @@ void putModelSum(TextBuffer &out, const HtmlModel &model) {
     }
     for (std::size_t j = 0; j < count; ++j) {
         put(out, u"\n\t\t+ m", index, u"_", model.variables[j].name, u"_score * ",
-            model.betas[model.betaIndexes[j]]);
+            model.betas[model.regIndex[j]]);
     }
     if (isProbability || isPrediction) {
         put(out, u"\n\t\t+ ");
@@ -92,10 +92,10 @@ void putScoresAndBounds(TextBuffer &out, HtmlPage &page) {
             if (!variable.label.isEmpty()) put(out, u"( ", variable.label, u" ) ");
             put(out, u"------------------\n");
         }
-        put(out, u"var ", record.name, u"_score = 0;\nvar ", record.name, u"_scoreAr = ");
+        put(out, u"var ", record.jsName, u"_score = 0;\nvar ", record.jsName, u"_scoreAr = ");
         writeNumberArray(out, variable.y);
         if (!variable.isCategorical) {
-            put(out, u"var ", record.name, u"_boundAr = ");
+            put(out, u"var ", record.jsName, u"_boundAr = ");
             writeNumberArray(out, variable.x);
         }
     }
@@ -122,7 +122,8 @@ QString scoreLinesProblem(const std::vector<VariableRecord> &records) {
         // The k-th record of a column has k lines.
         repeats = i > 0 && record.field == records[i - 1].field ? repeats + 1 : 1;
         lines += repeats;
-        characters += double(repeats) * double(3 * record.name.size() + 2 * record.formName.size());
+        characters +=
+            double(repeats) * double(3 * record.jsName.size() + 2 * record.formName.size());
     }
     if (lines <= mostScoreLines && characters <= mostNameCharacters) return {};
     return u"the models share columns so often that the script would have %1 score lines"_s.arg(
@@ -153,7 +154,7 @@ void writeVariableScoreLines(TextBuffer &out, const HtmlPage &page, std::size_t 
     const std::vector<VariableRecord> &records = page.records;
     const QStringView field = records[index].field;
     for (std::size_t i = index; i < records.size() && records[i].field == field; ++i) {
-        const QString &name = records[i].name;
+        const QString &name = records[i].jsName;
         const QString &formName = records[i].formName;
         put(out, u"      ", name, u"_score = ");
         switch (kind) {

@@ -17,14 +17,14 @@ struct Columns {
     TextTable<QStringView, std::size_t> indexes; // by field
 };
 
-void addRecord(Columns &list, const HtmlModel &model, std::size_t variableIndex) {
-    const Variable &variable = model.variables[variableIndex];
+void addRecord(Columns &list, const HtmlModel &model, std::size_t univIndex) {
+    const Variable &variable = model.variables[univIndex];
     const auto [found, isNew] = list.indexes.try_emplace(variable.field, list.columns.size());
     if (isNew) list.columns.emplace_back();
     Column &column = list.columns[found->second];
     const QString name = u"m%1_%2"_s.arg(QString::number(model.index), variable.name);
     const QString formName = isNew ? name : column.front().formName;
-    column.push_back({variable.field, formName, name, model.index, variableIndex});
+    column.push_back({variable.field, formName, name, model.index, univIndex});
 }
 
 } // namespace
@@ -34,11 +34,11 @@ std::vector<VariableRecord> listRecords(const std::vector<HtmlModel> &models) {
     std::vector<const HtmlModel *> unfinished;
     unfinished.reserve(models.size());
     for (const HtmlModel &model : models) unfinished.push_back(&model);
-    for (std::size_t variableIndex = 0; !unfinished.empty(); ++variableIndex) {
-        std::erase_if(unfinished, [variableIndex](const HtmlModel *model) {
-            return model->variables.size() <= variableIndex;
+    for (std::size_t univIndex = 0; !unfinished.empty(); ++univIndex) {
+        std::erase_if(unfinished, [univIndex](const HtmlModel *model) {
+            return model->variables.size() <= univIndex;
         });
-        for (const HtmlModel *model : unfinished) addRecord(list, *model, variableIndex);
+        for (const HtmlModel *model : unfinished) addRecord(list, *model, univIndex);
     }
     std::vector<VariableRecord> records;
     for (Column &column : list.columns) {
