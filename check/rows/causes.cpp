@@ -15,39 +15,53 @@ namespace {
 
 // --- Positions
 
-// The share of the equal rows of a position that would not be equal with other points.
-double shareAgainst(const Comparison &c, std::size_t recoding, std::size_t position,
-                    double amount) {
-    double sampled = 0;
-    double against = 0;
+// Of each position, the share of its equal rows that its amount would make unequal. In a comparison
+// of scores, that is every row.
+std::vector<double> sharesAgainst(const Comparison &c, std::size_t recoding,
+                                  std::span<const double> amounts) {
+    if (c.options.hasScore()) return std::vector<double>(amounts.size(), 1);
+    std::vector<double> shares(amounts.size());
+    std::vector<std::int64_t> sampled(amounts.size());
     for (const EqualSample::Row &row : c.equal.rows) {
-        if (row.positions[recoding] != position) continue;
-        ++sampled;
-        against += isNear(c, probabilityOf(c.card, row.score + amount), row.probability) ? 0 : 1;
+        const std::uint32_t i = row.positions[recoding];
+        if (std::isnan(amounts[i])) continue;
+        const double probability = probabilityOf(c.card, row.score + amounts[i]);
+        const double isAgainst = isNear(c, probability, row.probability) ? 0 : 1;
+        shares[i] += (isAgainst - shares[i]) / static_cast<double>(++sampled[i]);
     }
-    return sampled > 0 ? against / sampled : 0;
+    return shares;
+}
+
+// The amount by which rows of each position differ; NaN if there is none.
+std::vector<double> amountsOf(std::span<const PositionRows> positions) {
+    std::vector<double> amounts;
+    amounts.reserve(positions.size());
+    for (const PositionRows &rows : positions) {
+        const auto [least, most] = rows.amount;
+        const bool isMoved = (least > 0 || most < 0) && std::isfinite(most - least);
+        amounts.push_back(rows.agree > 0 && isMoved ? shortestBetween(least, most) : noNumber);
+    }
+    return amounts;
 }
 
 // The amounts by which the positions of a recoding differ, each in nearly all of its rows. A
 // probability alone may be equal although its score is off.
 Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int64_t> all) {
     const std::span<const PositionRows> positions = c.positionRows[recoding];
+    const std::vector<double> amounts = amountsOf(positions);
+    const std::vector<double> against = sharesAgainst(c, recoding, amounts);
     Cause fit = {.kind = Cause::Kind::Points, .recoding = recoding};
     std::size_t reached = 0;
     ScoreRange shared = {-HUGE_VAL, HUGE_VAL};
     for (std::size_t i = 0; i < positions.size(); ++i) {
         const PositionRows &rows = positions[i];
         reached += all[i] > rows.others ? 1 : 0;
-        const bool isMoved = rows.amount.least > 0 || rows.amount.most < 0;
-        const bool isMeasured = std::isfinite(rows.amount.most - rows.amount.least);
-        if (rows.agree == 0 || !isMoved || !isMeasured) continue;
-        const double amount = shortestBetween(rows.amount.least, rows.amount.most);
+        if (std::isnan(amounts[i])) continue;
         const auto equal = static_cast<double>(all[i] - rows.others - rows.differing);
-        const double against = c.options.hasScore() ? 1 : shareAgainst(c, recoding, i, amount);
-        const double compared = static_cast<double>(rows.differing) + against * equal;
+        const double compared = static_cast<double>(rows.differing) + against[i] * equal;
         if (10 * static_cast<double>(rows.agree) < 9 * compared) continue;
         fit.rows += rows.agree;
-        fit.amounts.emplace_back(i, amount);
+        fit.amounts.emplace_back(i, amounts[i]);
         shared = overlap(shared, rows.amount);
     }
     // The same amount everywhere is no evidence for the recoding. A wrong score may have the right
@@ -58,7 +72,7 @@ Cause fitOf(const Comparison &c, std::size_t recoding, std::span<const std::int6
     return fit;
 }
 
-// The coefficient that explains the amounts of all positions that rows reach; NaN if there is none.
+// The coefficient that explains the amounts of all reached positions; NaN if none does.
 double coefficientOf(const Comparison &c, const Cause &fit, std::span<const std::int64_t> all) {
     const Recoding &recoding = c.card.recodings[fit.recoding];
     const std::span<const PositionRows> positions = c.positionRows[fit.recoding];

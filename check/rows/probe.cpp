@@ -24,7 +24,7 @@ double beside(double bound, double way) {
     return std::isnormal(next) || std::isinf(next) ? next : std::copysign(nextToZero, way);
 }
 
-// A number with few digits between two others; NaN if there is none.
+// A number with few digits between two others; NaN if none lies there.
 double between(double least, double most) {
     return shortestBetween(std::nextafter(least, HUGE_VAL), std::nextafter(most, -HUGE_VAL));
 }

@@ -72,7 +72,7 @@ def add(card, variable, rows, bounds, special, separator):
     intervals, values, words = found.values()
     missing, coefficient = words.get("missing", 0.0), rows.coefficient.iloc[0]
     require((rows.coefficient == coefficient).all(), f"{column} has several coefficients")
-    advice = "Give each a bin of its own; if there are none, pass" if intervals else "List them, or none:"
+    advice = "Give each a bin of its own; without codes, pass" if intervals else "Name them in"
     require(words.get("special", missing) == missing or special is not None and not (intervals and len(special)),
             f"{column}: special codes do not score as missing. {advice} special={{{variable!r}: []}}")
     if not intervals:
