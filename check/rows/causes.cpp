@@ -16,11 +16,10 @@ namespace {
 // --- Positions
 
 // Of each position, the share of its equal rows that its amount would make unequal. In a comparison
-// of scores, that is every row.
+// of scores, which has no sample, that is every row.
 std::vector<double> sharesAgainst(const Comparison &c, std::size_t recoding,
                                   std::span<const double> amounts) {
-    if (c.options.hasScore()) return std::vector<double>(amounts.size(), 1);
-    std::vector<double> shares(amounts.size());
+    std::vector<double> shares(amounts.size(), c.options.hasScore() ? 1 : 0);
     std::vector<std::int64_t> sampled(amounts.size());
     for (const EqualSample::Row &row : c.equal.rows) {
         const std::uint32_t i = row.positions[recoding];
